@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "OrvaneAPI/DecodingError.h"
+#include "OrvaneAPI/Responses.h"
 #include "OrvaneAPI/Schemas.h"
 
 #include <cstdint>
