@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Time/AppClock.h"
+
+#include "Support/Require.h"
+
+#include <cmath>
+
+namespace orvane {
+
+namespace {
+
+Instant systemNow()
+{
+    return std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now());
+}
+
+} // namespace
+
+OffsetBox &OffsetBox::shared()
+{
+    static OffsetBox box;
+    return box;
+}
+
+double OffsetBox::offset() const
+{
+    const std::lock_guard lock(m_lock);
+    return m_offset;
+}
+
+void OffsetBox::setOffset(double seconds)
+{
+    ORVANE_REQUIRE(std::isfinite(seconds) &&
+                       std::abs(seconds) <= secondsBetween(earliestInstant, instantLimit),
+                   "a clock offset out of range");
+    const std::lock_guard lock(m_lock);
+    m_offset = seconds;
+}
+
+Instant AppClock::now()
+{
+    const std::chrono::microseconds offset{std::llround(OffsetBox::shared().offset() * 1e6)};
+    return millisecondsFloor(systemNow() + offset);
+}
+
+void AppClock::setNow(Instant instant)
+{
+    OffsetBox::shared().setOffset(secondsBetween(systemNow(), instant));
+}
+
+} // namespace orvane

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Support/Instant.h"
+
+#include <mutex>
+
+namespace orvane {
+
+/// How far the product's clock stands from the computer's. There is one for the process, made on first use;
+/// it stays at 0 unless a person asked for another time (a rehearsal, a test). Any thread.
+class OffsetBox {
+public:
+    static OffsetBox &shared();
+
+    OffsetBox(const OffsetBox &) = delete;
+    OffsetBox &operator=(const OffsetBox &) = delete;
+
+    /// Seconds to add to the computer's time.
+    double offset() const;
+    /// The number must be finite and not move the clock by more than the span of acceptable instants.
+    void setOffset(double seconds);
+
+private:
+    OffsetBox() = default;
+
+    mutable std::mutex m_lock;
+    double m_offset = 0;
+};
+
+/// The one source of "now" for the core. Any thread.
+class AppClock {
+public:
+    /// The computer's time plus the offset of OffsetBox, cut to the whole millisecond: what becomes part of
+    /// an entry then compares equal to the server's echo of it.
+    static Instant now();
+
+    /// Sets the offset so that `now` is this instant at this moment and runs on from there.
+    static void setNow(Instant instant);
+};
+
+} // namespace orvane
