@@ -50,7 +50,7 @@ void appendEscaped(std::string &out, std::string_view text)
 std::size_t validLength(std::string_view text)
 {
     for (std::size_t length = 1; length <= 4 && length <= text.size(); ++length) {
-        if (simdjson::validate_utf8(text.data(), length))
+        if (simdjson::validate_utf8(text.substr(0, length)))
             return length;
     }
     return 0;
@@ -213,7 +213,7 @@ bool atEnd(od::document &document)
 
 namespace {
 /// A text above this is read with a parser of its own, which is released afterwards.
-constexpr std::size_t keptParserLimit = 256 * 1024;
+constexpr std::size_t keptParserLimit = std::size_t{256} * 1024;
 } // namespace
 
 struct ParserLease::Parts {
