@@ -4,6 +4,7 @@
 #include "Support/Require.h"
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <mutex>
 #include <unicode/basictz.h>
@@ -21,6 +22,28 @@ UDate icuDate(std::chrono::microseconds sinceEpoch)
     return static_cast<UDate>(std::chrono::floor<milliseconds>(sinceEpoch).count());
 }
 
+/// A stretch of time with one offset.
+struct Span {
+    Instant from = Instant::min();
+    Instant to = Instant::max();
+    milliseconds offset{0};
+
+    bool contains(Instant instant) const { return instant >= from && instant < to; }
+};
+
+/// The stretches that a thread asked for last. ICU works an offset out anew each time, and a screen or a
+/// report asks for thousands that lie in two or three stretches.
+struct RecentSpans {
+    struct Known {
+        const ZoneRules *rules = nullptr;
+        Span span;
+    };
+    std::array<Known, 8> known;
+    std::size_t oldest = 0;
+};
+
+thread_local RecentSpans recentSpans;
+
 /// ICU stops reading at a zero byte, and would know "UTC" in what is no identifier.
 bool couldBeIdentifier(std::string_view text)
 {
@@ -28,6 +51,11 @@ bool couldBeIdentifier(std::string_view text)
         return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '/' ||
                c == '_' || c == '-' || c == '+';
     });
+}
+
+Instant instantOf(const icu::TimeZoneTransition &transition)
+{
+    return Instant{milliseconds{static_cast<std::int64_t>(transition.getTime())}};
 }
 
 std::unique_ptr<icu::BasicTimeZone> makeZone(std::string_view identifier)
@@ -56,16 +84,6 @@ std::unique_ptr<icu::BasicTimeZone> makeZone(std::string_view identifier)
 struct ZoneRules::Zone {
     std::unique_ptr<const icu::BasicTimeZone> icu;
 
-    milliseconds offsetAt(Instant instant) const
-    {
-        int32_t raw = 0;
-        int32_t saving = 0;
-        UErrorCode status = U_ZERO_ERROR;
-        icu->getOffset(icuDate(instant.time_since_epoch()), 0, raw, saving, status);
-        ORVANE_REQUIRE(U_SUCCESS(status) != 0, "no time zone offset");
-        return milliseconds{raw + saving};
-    }
-
     milliseconds offsetAtLocal(LocalTime local) const
     {
         int32_t raw = 0;
@@ -75,6 +93,23 @@ struct ZoneRules::Zone {
                                 raw, saving, status);
         ORVANE_REQUIRE(U_SUCCESS(status) != 0, "no time zone offset");
         return milliseconds{raw + saving};
+    }
+
+    Span spanAt(Instant instant) const
+    {
+        const UDate date = icuDate(instant.time_since_epoch());
+        int32_t raw = 0;
+        int32_t saving = 0;
+        UErrorCode status = U_ZERO_ERROR;
+        icu->getOffset(date, 0, raw, saving, status);
+        ORVANE_REQUIRE(U_SUCCESS(status) != 0, "no time zone offset");
+        Span span{.offset = milliseconds{raw + saving}};
+        icu::TimeZoneTransition transition;
+        if (icu->getPreviousTransition(date, 1, transition) != 0)
+            span.from = instantOf(transition);
+        if (icu->getNextTransition(date, 0, transition) != 0)
+            span.to = instantOf(transition);
+        return span;
     }
 };
 
@@ -104,11 +139,26 @@ std::shared_ptr<const ZoneRules> ZoneRules::find(std::string_view identifier)
 
 LocalTime ZoneRules::localTime(Instant instant) const
 {
-    return LocalTime{instant.time_since_epoch() + m_zone->offsetAt(instant)};
+    // Rules live as long as the process, so their address stands for them.
+    for (const auto &[rules, span] : recentSpans.known) {
+        if (rules == this && span.contains(instant))
+            return LocalTime{instant.time_since_epoch() + span.offset};
+    }
+    const Span span = m_zone->spanAt(instant);
+    recentSpans.known[recentSpans.oldest] = {this, span};
+    recentSpans.oldest = (recentSpans.oldest + 1) % recentSpans.known.size();
+    return LocalTime{instant.time_since_epoch() + span.offset};
 }
 
 Instant ZoneRules::instant(LocalTime local) const
 {
+    // Well inside a stretch no other offset can show this time as well.
+    constexpr std::chrono::days margin{2};
+    for (const auto &[rules, span] : recentSpans.known) {
+        const Instant candidate{local.time_since_epoch() - span.offset};
+        if (rules == this && span.contains(candidate - margin) && span.contains(candidate + margin))
+            return candidate;
+    }
     return Instant{local.time_since_epoch() - m_zone->offsetAtLocal(local)};
 }
 
@@ -121,7 +171,7 @@ Instant ZoneRules::firstInstant(LocalTime local) const
     const bool known =
         m_zone->icu->getPreviousTransition(icuDate(found.time_since_epoch()), 1, transition) != 0;
     ORVANE_REQUIRE(known, "a gap of the wall clock without a change of offset");
-    return Instant{milliseconds{static_cast<std::int64_t>(transition.getTime())}};
+    return instantOf(transition);
 }
 
 } // namespace orvane
