@@ -5,52 +5,10 @@
 
 namespace orvane {
 
-template <>
-struct JsonFields<EntryChange::Create> {
-    static constexpr auto list = std::tuple{
-        jsonField<"_0">(&EntryChange::Create::request),
-        jsonField<"id">(&EntryChange::Create::id),
-        jsonField<"workspaceId">(&EntryChange::Create::workspaceId),
-    };
-};
-
-template <>
-struct JsonFields<EntryChange::Update> {
-    static constexpr auto list = std::tuple{
-        jsonField<"_0">(&EntryChange::Update::request),
-        jsonField<"id">(&EntryChange::Update::id),
-        jsonField<"workspaceId">(&EntryChange::Update::workspaceId),
-        jsonField<"version">(&EntryChange::Update::version),
-    };
-};
-
-template <>
-struct JsonFields<EntryChange::Stop> {
-    static constexpr auto list = std::tuple{
-        jsonField<"at">(&EntryChange::Stop::at),
-        jsonField<"id">(&EntryChange::Stop::id),
-        jsonField<"workspaceId">(&EntryChange::Stop::workspaceId),
-        jsonField<"version">(&EntryChange::Stop::version),
-    };
-};
-
-template <>
-struct JsonFields<EntryChange::Delete> {
-    static constexpr auto list = std::tuple{
-        jsonField<"id">(&EntryChange::Delete::id),
-        jsonField<"workspaceId">(&EntryChange::Delete::workspaceId),
-        jsonField<"version">(&EntryChange::Delete::version),
-    };
-};
-
-template <>
-struct JsonCases<EntryChange::Action> {
-    static constexpr std::array<std::string_view, 4> names = {"create", "update", "stop", "delete"};
-};
-
 ORVANE_JSON(SplitPart)
 ORVANE_JSON(EntryDetails)
 ORVANE_JSON(EntryRequest)
+ORVANE_JSON(EntryChange)
 
 namespace {
 
@@ -99,22 +57,6 @@ const EntryRequest *EntryChange::request() const
                           [](const auto &) { return static_cast<const EntryRequest *>(nullptr); },
                       },
                       action);
-}
-
-// The action alone is what is written: a member around it would only be noise.
-
-template <>
-Result<EntryChange, JsonError> decodeJson<EntryChange>(std::string_view text, JsonReading reading)
-{
-    return decodeJson<EntryChange::Action>(text, reading).map([](EntryChange::Action &&action) {
-        return EntryChange{std::move(action)};
-    });
-}
-
-template <>
-std::string encodeJson<EntryChange>(const EntryChange &change, JsonStyle style)
-{
-    return encodeJson(change.action, style);
 }
 
 } // namespace orvane

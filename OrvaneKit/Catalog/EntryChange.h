@@ -61,8 +61,52 @@ struct EntryChange {
 };
 
 template <>
-Result<EntryChange, JsonError> decodeJson<EntryChange>(std::string_view text, JsonReading reading);
+struct JsonFields<EntryChange::Create> {
+    static constexpr auto list = std::tuple{
+        jsonField<"_0">(&EntryChange::Create::request),
+        jsonField<"id">(&EntryChange::Create::id),
+        jsonField<"workspaceId">(&EntryChange::Create::workspaceId),
+    };
+};
+
 template <>
-std::string encodeJson<EntryChange>(const EntryChange &change, JsonStyle style);
+struct JsonFields<EntryChange::Update> {
+    static constexpr auto list = std::tuple{
+        jsonField<"_0">(&EntryChange::Update::request),
+        jsonField<"id">(&EntryChange::Update::id),
+        jsonField<"workspaceId">(&EntryChange::Update::workspaceId),
+        jsonField<"version">(&EntryChange::Update::version),
+    };
+};
+
+template <>
+struct JsonFields<EntryChange::Stop> {
+    static constexpr auto list = std::tuple{
+        jsonField<"at">(&EntryChange::Stop::at),
+        jsonField<"id">(&EntryChange::Stop::id),
+        jsonField<"workspaceId">(&EntryChange::Stop::workspaceId),
+        jsonField<"version">(&EntryChange::Stop::version),
+    };
+};
+
+template <>
+struct JsonFields<EntryChange::Delete> {
+    static constexpr auto list = std::tuple{
+        jsonField<"id">(&EntryChange::Delete::id),
+        jsonField<"workspaceId">(&EntryChange::Delete::workspaceId),
+        jsonField<"version">(&EntryChange::Delete::version),
+    };
+};
+
+template <>
+struct JsonCases<EntryChange::Action> {
+    static constexpr std::array<std::string_view, 4> names = {"create", "update", "stop", "delete"};
+};
+
+/// The action alone is what is written: a member around it would only be noise.
+template <>
+struct JsonAlias<EntryChange> {
+    static constexpr auto member = &EntryChange::action;
+};
 
 } // namespace orvane

@@ -93,6 +93,10 @@ struct JsonEnum;
 template <class T>
 struct JsonCases;
 
+/// Specialised for a struct that is written as one of its members alone: `static constexpr auto member`.
+template <class T>
+struct JsonAlias;
+
 template <class T>
 Result<T, JsonError> decodeJson(std::string_view text, JsonReading reading = {});
 

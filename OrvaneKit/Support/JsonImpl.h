@@ -30,6 +30,8 @@ concept Listed = requires { JsonFields<T>::list; };
 template <class T>
 concept Enumerated = std::is_enum_v<T> && requires { JsonEnum<T>::list; };
 template <class T>
+concept Aliased = requires { JsonAlias<T>::member; };
+template <class T>
 concept Cased = requires { JsonCases<T>::names; };
 template <class T>
 inline constexpr bool isOptional = false;
@@ -275,6 +277,8 @@ bool readValue(Reader &reader, od::value value, T &out)
         return readDay(reader, value, out);
     } else if constexpr (std::is_same_v<T, RawJson>) {
         return readRaw(reader, value, out);
+    } else if constexpr (Aliased<T>) {
+        return readValue(reader, value, out.*JsonAlias<T>::member);
     } else if constexpr (Enumerated<T>) {
         return readEnum(reader, value, out);
     } else if constexpr (isVector<T>) {
@@ -314,6 +318,8 @@ void writeValue(JsonOutput &output, const T &value)
             writeValue(output, *value);
         else
             output.raw("null");
+    } else if constexpr (Aliased<T>) {
+        writeValue(output, value.*JsonAlias<T>::member);
     } else if constexpr (Enumerated<T>) {
         output.value(jsonText(value));
     } else if constexpr (isVector<T>) {
