@@ -4,7 +4,8 @@
 
 #include <charconv>
 #include <cmath>
-#include <memory>
+#include <cstring>
+#include <simdjson.h>
 
 namespace orvane {
 
@@ -128,6 +129,12 @@ void JsonOutput::value(std::chrono::year_month_day day)
 
 namespace orvane::json {
 
+namespace od = simdjson::ondemand;
+
+struct Value {
+    od::value value;
+};
+
 void Reader::inside(std::string_view name)
 {
     const bool member = !error.path.empty() && error.path.front() != '[';
@@ -140,12 +147,47 @@ void Reader::inside(std::size_t index)
     error.path.insert(0, "[" + std::to_string(index) + "]" + (member ? "." : ""));
 }
 
-bool readInstant(Reader &reader, od::value value, Instant &out)
+bool readText(Reader &reader, Value &place, std::string &out)
+{
+    std::string_view text;
+    if (place.value.get_string().get(text) != simdjson::SUCCESS)
+        return reader.fail("is not a text");
+    out.assign(text);
+    return true;
+}
+
+bool readBool(Reader &reader, Value &place, bool &out)
+{
+    return place.value.get_bool().get(out) == simdjson::SUCCESS || reader.fail("is not true or false");
+}
+
+bool readInteger(Reader &reader, Value &place, std::int64_t &out)
+{
+    return place.value.get_int64().get(out) == simdjson::SUCCESS || reader.fail("is not a whole number");
+}
+
+bool readNumber(Reader &reader, Value &place, double &out)
+{
+    return place.value.get_double().get(out) == simdjson::SUCCESS || reader.fail("is not a number");
+}
+
+bool isNull(Value &place)
+{
+    // A plain bool in older simdjson, a result in newer ones.
+    if constexpr (std::is_same_v<decltype(place.value.is_null()), bool>) {
+        return place.value.is_null();
+    } else {
+        bool null = false;
+        return place.value.is_null().get(null) == simdjson::SUCCESS && null;
+    }
+}
+
+bool readInstant(Reader &reader, Value &place, Instant &out)
 {
     std::optional<Instant> instant;
     if (reader.reading.dates == DateCoding::Iso8601) {
         std::string_view text;
-        if (value.get_string().get(text) != simdjson::SUCCESS)
+        if (place.value.get_string().get(text) != simdjson::SUCCESS)
             return reader.fail("is not a date");
         instant = instantFromIso8601(text);
         if (!instant) {
@@ -155,7 +197,7 @@ bool readInstant(Reader &reader, od::value value, Instant &out)
         }
     } else {
         double seconds = 0;
-        if (value.get_double().get(seconds) == simdjson::SUCCESS)
+        if (place.value.get_double().get(seconds) == simdjson::SUCCESS)
             instant = instantFromSecondsSince2001(seconds);
         if (!instant)
             return reader.fail("is not a date");
@@ -164,10 +206,10 @@ bool readInstant(Reader &reader, od::value value, Instant &out)
     return true;
 }
 
-bool readDay(Reader &reader, od::value value, std::chrono::year_month_day &out)
+bool readDay(Reader &reader, Value &place, std::chrono::year_month_day &out)
 {
     std::string_view text;
-    if (value.get_string().get(text) == simdjson::SUCCESS) {
+    if (place.value.get_string().get(text) == simdjson::SUCCESS) {
         if (const auto day = dayFromText(text)) {
             out = *day;
             return true;
@@ -176,25 +218,25 @@ bool readDay(Reader &reader, od::value value, std::chrono::year_month_day &out)
     return reader.fail("is not a day");
 }
 
-bool readRaw(Reader &reader, od::value value, RawJson &out)
+bool readRaw(Reader &reader, Value &place, RawJson &out)
 {
     od::json_type type{};
     std::string_view text;
-    if (value.type().get(type) != simdjson::SUCCESS)
+    if (place.value.type().get(type) != simdjson::SUCCESS)
         return reader.fail("is broken JSON");
     auto error = simdjson::SUCCESS;
     if (type == od::json_type::object) {
         od::object object;
-        error = value.get_object().get(object);
+        error = place.value.get_object().get(object);
         if (error == simdjson::SUCCESS)
             error = object.raw_json().get(text);
     } else if (type == od::json_type::array) {
         od::array array;
-        error = value.get_array().get(array);
+        error = place.value.get_array().get(array);
         if (error == simdjson::SUCCESS)
             error = array.raw_json().get(text);
     } else {
-        text = value.raw_json_token();
+        text = place.value.raw_json_token();
     }
     if (error != simdjson::SUCCESS)
         return reader.fail("is broken JSON");
@@ -205,45 +247,182 @@ bool readRaw(Reader &reader, od::value value, RawJson &out)
     return true;
 }
 
-bool atEnd(od::document &document)
+namespace {
+
+/// The reader's padding keeps the comparison inside the buffer.
+bool isKey(const char *key, std::string_view name)
 {
-    const char *place = nullptr;
-    return document.current_location().get(place) != simdjson::SUCCESS;
+    return std::memcmp(key, name.data(), name.size()) == 0 && key[name.size()] == '"';
+}
+
+/// Where a key stands in the list, trying the expected place first: members mostly come in the listed order.
+std::size_t fieldIndex(const char *key, std::span<const FieldEntry> fields, std::size_t expected)
+{
+    std::size_t index = expected < fields.size() ? expected : 0;
+    for (std::size_t tried = 0; tried < fields.size(); ++tried) {
+        if (isKey(key, fields[index].name))
+            return index;
+        index = index + 1 < fields.size() ? index + 1 : 0;
+    }
+    return fields.size();
+}
+
+bool readField(const FieldEntry &entry, Reader &reader, od::field &field, void *owner)
+{
+    Value value{field.value()};
+    return entry.read(reader, value, owner);
+}
+
+} // namespace
+
+bool readObject(Reader &reader, Value &place, void *owner, std::span<const FieldEntry> fields)
+{
+    od::object object;
+    if (place.value.get_object().get(object) != simdjson::SUCCESS)
+        return reader.fail("is not an object");
+    std::uint64_t seen = 0;
+    std::size_t expected = 0;
+    for (auto element : object) {
+        od::field field;
+        if (std::move(element).get(field) != simdjson::SUCCESS)
+            return reader.fail("is broken JSON");
+        const std::size_t index = fieldIndex(field.key().raw(), fields, expected);
+        if (index == fields.size())
+            continue;
+        if (!readField(fields[index], reader, field, owner)) {
+            reader.inside(fields[index].name);
+            return false;
+        }
+        seen |= std::uint64_t{1} << index;
+        expected = index + 1;
+    }
+    for (std::size_t index = 0; index < fields.size(); ++index) {
+        if (fields[index].isRequired && (seen >> index & 1U) == 0) {
+            reader.fail("is missing");
+            reader.inside(fields[index].name);
+            return false;
+        }
+    }
+    return true;
+}
+
+bool readArray(Reader &reader, Value &place, void *owner, bool (*readItem)(Reader &, Value &, void *))
+{
+    od::array array;
+    if (place.value.get_array().get(array) != simdjson::SUCCESS)
+        return reader.fail("is not a list");
+    std::size_t index = 0;
+    for (auto element : array) {
+        Value item;
+        if (element.get(item.value) != simdjson::SUCCESS)
+            return reader.fail("is broken JSON");
+        if (!readItem(reader, item, owner)) {
+            reader.inside(index);
+            return false;
+        }
+        ++index;
+    }
+    return true;
+}
+
+bool readMap(Reader &reader, Value &place, void *owner,
+             bool (*readItem)(Reader &, Value &, std::string_view, void *))
+{
+    od::object object;
+    if (place.value.get_object().get(object) != simdjson::SUCCESS)
+        return reader.fail("is not an object");
+    for (auto element : object) {
+        od::field field;
+        std::string_view key;
+        if (std::move(element).get(field) != simdjson::SUCCESS ||
+            field.unescaped_key().get(key) != simdjson::SUCCESS)
+            return reader.fail("is broken JSON");
+        const std::string name(key);
+        Value item{field.value()};
+        if (!readItem(reader, item, name, owner)) {
+            reader.inside(name);
+            return false;
+        }
+    }
+    return true;
+}
+
+std::optional<std::size_t> readName(Reader &reader, Value &place, std::span<const std::string_view> names)
+{
+    std::string_view text;
+    if (place.value.get_string().get(text) != simdjson::SUCCESS) {
+        reader.fail("is not a text");
+        return std::nullopt;
+    }
+    return static_cast<std::size_t>(std::ranges::find(names, text) - names.begin());
+}
+
+bool readCase(Reader &reader, Value &place, void *owner, std::span<const FieldEntry> cases)
+{
+    od::object object;
+    if (place.value.get_object().get(object) != simdjson::SUCCESS)
+        return reader.fail("is not an object");
+    std::size_t members = 0;
+    bool isKnown = false;
+    for (auto element : object) {
+        od::field field;
+        if (std::move(element).get(field) != simdjson::SUCCESS)
+            return reader.fail("is broken JSON");
+        const std::size_t index = fieldIndex(field.key().raw(), cases, 0);
+        if (++members > 1 || index == cases.size())
+            continue;
+        isKnown = true;
+        if (!readField(cases[index], reader, field, owner)) {
+            reader.inside(cases[index].name);
+            return false;
+        }
+    }
+    return (isKnown && members == 1) || reader.fail("is not one known case");
 }
 
 namespace {
-/// A text above this is read with a parser of its own, which is released afterwards.
-constexpr std::size_t keptParserLimit = std::size_t{256} * 1024;
-} // namespace
 
-struct ParserLease::Parts {
+/// A text above this is read with a parser of its own, which is released afterwards.
+constexpr std::size_t keptParserLimit = 256 * 1024;
+
+struct Parser {
     std::string padded;
     od::parser parser;
-    bool isLeased = false;
 };
 
-ParserLease::ParserLease(std::string_view text)
+bool readWith(Parser &parts, std::string_view text, Reader &reader, void *owner,
+              bool (*readRoot)(Reader &, Value &, void *))
 {
-    thread_local Parts kept;
-    m_ownsParts = text.size() > keptParserLimit || kept.isLeased;
-    m_parts = m_ownsParts ? new Parts : &kept;
-    m_parts->isLeased = true;
-    m_parts->padded.reserve(text.size() + simdjson::SIMDJSON_PADDING);
-    m_parts->padded.assign(text);
+    parts.padded.reserve(text.size() + simdjson::SIMDJSON_PADDING);
+    parts.padded.assign(text);
+    const simdjson::padded_string_view view(parts.padded.data(), parts.padded.size(),
+                                            parts.padded.capacity());
+    od::document document;
+    Value root;
+    if (parts.parser.iterate(view).get(document) != simdjson::SUCCESS ||
+        document.get_value().get(root.value) != simdjson::SUCCESS)
+        return reader.fail("is broken JSON");
+    if (!readRoot(reader, root, owner))
+        return false;
+    const char *rest = nullptr;
+    return document.current_location().get(rest) != simdjson::SUCCESS || reader.fail("is broken JSON");
 }
 
-ParserLease::~ParserLease()
-{
-    m_parts->isLeased = false;
-    if (m_ownsParts)
-        delete m_parts;
-}
+} // namespace
 
-bool ParserLease::open(od::document &document)
+std::optional<JsonError> readDocument(std::string_view text, JsonReading reading, void *owner,
+                                      bool (*readRoot)(Reader &, Value &, void *))
 {
-    const simdjson::padded_string_view view(m_parts->padded.data(), m_parts->padded.size(),
-                                            m_parts->padded.capacity());
-    return m_parts->parser.iterate(view).get(document) == simdjson::SUCCESS;
+    Reader reader{reading, {}};
+    bool isRead = false;
+    if (text.size() > keptParserLimit) {
+        Parser parser;
+        isRead = readWith(parser, text, reader, owner, readRoot);
+    } else {
+        thread_local Parser kept;
+        isRead = readWith(kept, text, reader, owner, readRoot);
+    }
+    return isRead ? std::nullopt : std::optional{std::move(reader.error)};
 }
 
 } // namespace orvane::json

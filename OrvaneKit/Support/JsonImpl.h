@@ -8,10 +8,9 @@
 #include "Support/JsonOutput.h"
 
 #include <algorithm>
-#include <cstring>
 #include <map>
 #include <optional>
-#include <simdjson.h>
+#include <span>
 #include <type_traits>
 #include <variant>
 #include <vector>
@@ -22,8 +21,6 @@
     template std::string orvane::encodeJson<Type>(const Type &, ::orvane::JsonStyle);
 
 namespace orvane::json {
-
-namespace od = simdjson::ondemand;
 
 template <class T>
 concept Listed = requires { JsonFields<T>::list; };
@@ -46,6 +43,10 @@ inline constexpr bool isMap = false;
 template <class T, class C, class A>
 inline constexpr bool isMap<std::map<std::string, T, C, A>> = true;
 
+/// A place in the text that is being read; known to Json.cpp alone, which keeps the parser out of everybody
+/// else's compiling.
+struct Value;
+
 /// One reading: how to read, and the first thing that went wrong. The path is put together on the way out.
 struct Reader {
     JsonReading reading;
@@ -60,113 +61,78 @@ struct Reader {
     void inside(std::size_t index);
 };
 
-bool readInstant(Reader &reader, od::value value, Instant &out);
-bool readDay(Reader &reader, od::value value, std::chrono::year_month_day &out);
-bool readRaw(Reader &reader, od::value value, RawJson &out);
-/// The whole text of a document behind its value, or an error when something else follows it.
-bool atEnd(od::document &document);
-/// `is_null` answers a plain bool in older simdjson and a result in newer ones.
-template <class Value>
-bool isNull(Value &value)
-{
-    if constexpr (std::is_same_v<decltype(value.is_null()), bool>) {
-        return value.is_null();
-    } else {
-        bool null = false;
-        return value.is_null().get(null) == simdjson::SUCCESS && null;
-    }
-}
+// What every type needs is compiled once, behind plain functions: inlined into each of some hundred types,
+// the library's reading would cost minutes of compiling and win nothing.
+bool readText(Reader &reader, Value &value, std::string &out);
+bool readBool(Reader &reader, Value &value, bool &out);
+bool readInteger(Reader &reader, Value &value, std::int64_t &out);
+bool readNumber(Reader &reader, Value &value, double &out);
+bool readInstant(Reader &reader, Value &value, Instant &out);
+bool readDay(Reader &reader, Value &value, std::chrono::year_month_day &out);
+bool readRaw(Reader &reader, Value &value, RawJson &out);
+bool isNull(Value &value);
+
+/// One field of a type, the types forgotten.
+struct FieldEntry {
+    std::string_view name;
+    bool (*read)(Reader &, Value &, void *owner);
+    bool isRequired;
+};
+bool readObject(Reader &reader, Value &value, void *owner, std::span<const FieldEntry> fields);
+/// Calls `readItem` for each element.
+bool readArray(Reader &reader, Value &value, void *owner, bool (*readItem)(Reader &, Value &, void *owner));
+bool readMap(Reader &reader, Value &value, void *owner,
+             bool (*readItem)(Reader &, Value &, std::string_view key, void *owner));
+/// The index of the text among the names, or their count when it is none of them; nothing for another type of
+/// value.
+std::optional<std::size_t> readName(Reader &reader, Value &value, std::span<const std::string_view> names);
+/// Reads an object of one member, whose reader is the one that stands with its name.
+bool readCase(Reader &reader, Value &value, void *owner, std::span<const FieldEntry> cases);
 
 template <class T>
-bool readValue(Reader &reader, od::value value, T &out);
-
-/// Where a key stands in the list, trying the expected place first: members mostly come in the listed order.
-template <Listed T>
-std::size_t fieldIndex(const char *key, std::size_t expected)
-{
-    static constexpr auto names = std::apply(
-        [](const auto &...field) { return std::array{std::remove_cvref_t<decltype(field)>::name...}; },
-        JsonFields<T>::list);
-    for (std::size_t tried = 0; tried < names.size(); ++tried) {
-        std::size_t index = expected + tried;
-        if (index >= names.size())
-            index -= names.size();
-        const std::string_view name = names[index];
-        // The reader's padding keeps the comparison inside the buffer.
-        if (std::memcmp(key, name.data(), name.size()) == 0 && key[name.size()] == '"')
-            return index;
-    }
-    return names.size();
-}
+bool readValue(Reader &reader, Value &value, T &out);
 
 template <Listed T, std::size_t Index>
-bool readField(Reader &reader, od::value value, T &out)
-{
-    constexpr auto &field = std::get<Index>(JsonFields<T>::list);
-    auto &member = out.*(field.member);
-    if constexpr (field.presence == JsonPresence::Defaulted &&
-                  !isOptional<std::remove_cvref_t<decltype(member)>>) {
-        if (isNull(value))
-            return true;
-    }
-    if (readValue(reader, value, member))
-        return true;
-    reader.inside(std::remove_cvref_t<decltype(field)>::name);
-    return false;
-}
-
-template <Listed T, std::size_t Index>
-bool fieldIsThere(Reader &reader, std::uint64_t seen)
+constexpr FieldEntry fieldEntry()
 {
     constexpr auto &field = std::get<Index>(JsonFields<T>::list);
     using Member = std::remove_cvref_t<decltype(std::declval<T &>().*(field.member))>;
-    if constexpr (field.presence == JsonPresence::Required && !isOptional<Member>) {
-        if ((seen >> Index & 1U) == 0) {
-            reader.fail("is missing");
-            reader.inside(std::remove_cvref_t<decltype(field)>::name);
-            return false;
-        }
-    }
-    return true;
+    constexpr bool isRequired = field.presence == JsonPresence::Required && !isOptional<Member>;
+    return {std::remove_cvref_t<decltype(field)>::name,
+            [](Reader &reader, Value &value, void *owner) {
+                constexpr auto &listed = std::get<Index>(JsonFields<T>::list);
+                if constexpr (!isRequired && !isOptional<Member>) {
+                    if (isNull(value))
+                        return true;
+                }
+                return readValue(reader, value, static_cast<T *>(owner)->*(listed.member));
+            },
+            isRequired};
 }
 
 template <Listed T, std::size_t... Index>
-bool readObject(Reader &reader, od::value value, T &out, std::index_sequence<Index...>)
+bool readListed(Reader &reader, Value &value, T &out, std::index_sequence<Index...>)
 {
-    using ReadField = bool (*)(Reader &, od::value, T &);
-    static constexpr ReadField readers[] = {&readField<T, Index>...};
-    static_assert(sizeof...(Index) <= 64, "the set of members seen is one word");
-    od::object object;
-    if (value.get_object().get(object) != simdjson::SUCCESS)
-        return reader.fail("is not an object");
-    std::uint64_t seen = 0;
-    std::size_t expected = 0;
-    for (auto element : object) {
-        od::field field;
-        if (std::move(element).get(field) != simdjson::SUCCESS)
-            return reader.fail("is broken JSON");
-        const std::size_t index = fieldIndex<T>(field.key().raw(), expected);
-        if (index == sizeof...(Index))
-            continue;
-        if (!readers[index](reader, field.value(), out))
-            return false;
-        seen |= std::uint64_t{1} << index;
-        expected = index + 1 < sizeof...(Index) ? index + 1 : 0;
-    }
-    return (fieldIsThere<T, Index>(reader, seen) && ...);
+    static constexpr std::array<FieldEntry, sizeof...(Index)> fields{fieldEntry<T, Index>()...};
+    static_assert(fields.size() <= 64, "the set of members seen is one word");
+    return readObject(reader, value, &out, fields);
 }
 
 template <Enumerated T>
-bool readEnum(Reader &reader, od::value value, T &out)
+bool readEnum(Reader &reader, Value &value, T &out)
 {
-    std::string_view text;
-    if (value.get_string().get(text) != simdjson::SUCCESS)
-        return reader.fail("is not a text");
-    for (const auto &[listed, name] : JsonEnum<T>::list) {
-        if (name == text) {
-            out = listed;
-            return true;
-        }
+    static constexpr auto names = [] {
+        std::array<std::string_view, JsonEnum<T>::list.size()> texts;
+        std::ranges::transform(JsonEnum<T>::list, texts.begin(),
+                               [](const auto &listed) { return listed.second; });
+        return texts;
+    }();
+    const auto index = readName(reader, value, names);
+    if (!index)
+        return false;
+    if (*index < names.size()) {
+        out = JsonEnum<T>::list[*index].first;
+        return true;
     }
     if constexpr (requires { JsonEnum<T>::unrecognized; }) {
         if (!reader.reading.strict) {
@@ -178,80 +144,37 @@ bool readEnum(Reader &reader, od::value value, T &out)
 }
 
 template <class Vector>
-bool readArray(Reader &reader, od::value value, Vector &out)
+bool readVector(Reader &reader, Value &value, Vector &out)
 {
-    od::array array;
-    if (value.get_array().get(array) != simdjson::SUCCESS)
-        return reader.fail("is not a list");
     out.clear();
-    for (auto element : array) {
-        od::value item;
-        if (element.get(item) != simdjson::SUCCESS)
-            return reader.fail("is broken JSON");
-        if (!readValue(reader, item, out.emplace_back())) {
-            reader.inside(out.size() - 1);
-            return false;
-        }
-    }
-    return true;
+    return readArray(reader, value, &out, [](Reader &inner, Value &item, void *owner) {
+        return readValue(inner, item, static_cast<Vector *>(owner)->emplace_back());
+    });
 }
 
 template <class Map>
-bool readMap(Reader &reader, od::value value, Map &out)
+bool readKeyed(Reader &reader, Value &value, Map &out)
 {
-    od::object object;
-    if (value.get_object().get(object) != simdjson::SUCCESS)
-        return reader.fail("is not an object");
     out.clear();
-    for (auto element : object) {
-        od::field field;
-        std::string_view key;
-        if (std::move(element).get(field) != simdjson::SUCCESS ||
-            field.unescaped_key().get(key) != simdjson::SUCCESS)
-            return reader.fail("is broken JSON");
-        const std::string name(key);
-        if (!readValue(reader, field.value(), out[name])) {
-            reader.inside(name);
-            return false;
-        }
-    }
-    return true;
+    return readMap(reader, value, &out, [](Reader &inner, Value &item, std::string_view key, void *owner) {
+        return readValue(inner, item, (*static_cast<Map *>(owner))[std::string(key)]);
+    });
 }
 
 template <class Variant, std::size_t... Index>
-bool readCases(Reader &reader, od::value value, Variant &out, std::index_sequence<Index...>)
+bool readVariant(Reader &reader, Value &value, Variant &out, std::index_sequence<Index...>)
 {
-    od::object object;
-    if (value.get_object().get(object) != simdjson::SUCCESS)
-        return reader.fail("is not an object");
-    std::size_t members = 0;
-    bool known = false;
-    for (auto element : object) {
-        od::field field;
-        if (std::move(element).get(field) != simdjson::SUCCESS)
-            return reader.fail("is broken JSON");
-        ++members;
-        const od::raw_json_string key = field.key();
-        bool ok = true;
-        const auto readCase = [&]<std::size_t I>() {
-            constexpr std::string_view name = JsonCases<Variant>::names[I];
-            if (known || std::memcmp(key.raw(), name.data(), name.size()) != 0 ||
-                key.raw()[name.size()] != '"')
-                return;
-            known = true;
-            ok = readValue(reader, field.value(), out.template emplace<I>());
-            if (!ok)
-                reader.inside(name);
-        };
-        (readCase.template operator()<Index>(), ...);
-        if (!ok)
-            return false;
-    }
-    return (known && members == 1) || reader.fail("is not one known case");
+    static constexpr std::array<FieldEntry, sizeof...(Index)> cases{FieldEntry{
+        JsonCases<Variant>::names[Index],
+        [](Reader &inner, Value &item, void *owner) {
+            return readValue(inner, item, static_cast<Variant *>(owner)->template emplace<Index>());
+        },
+        true}...};
+    return readCase(reader, value, &out, cases);
 }
 
 template <class T>
-bool readValue(Reader &reader, od::value value, T &out)
+bool readValue(Reader &reader, Value &value, T &out)
 {
     if constexpr (isOptional<T>) {
         if (isNull(value)) {
@@ -260,17 +183,13 @@ bool readValue(Reader &reader, od::value value, T &out)
         }
         return readValue(reader, value, out.emplace());
     } else if constexpr (std::is_same_v<T, std::string>) {
-        std::string_view text;
-        if (value.get_string().get(text) != simdjson::SUCCESS)
-            return reader.fail("is not a text");
-        out.assign(text);
-        return true;
+        return readText(reader, value, out);
     } else if constexpr (std::is_same_v<T, bool>) {
-        return value.get_bool().get(out) == simdjson::SUCCESS || reader.fail("is not true or false");
+        return readBool(reader, value, out);
     } else if constexpr (std::is_same_v<T, std::int64_t>) {
-        return value.get_int64().get(out) == simdjson::SUCCESS || reader.fail("is not a whole number");
+        return readInteger(reader, value, out);
     } else if constexpr (std::is_same_v<T, double>) {
-        return value.get_double().get(out) == simdjson::SUCCESS || reader.fail("is not a number");
+        return readNumber(reader, value, out);
     } else if constexpr (std::is_same_v<T, Instant>) {
         return readInstant(reader, value, out);
     } else if constexpr (std::is_same_v<T, std::chrono::year_month_day>) {
@@ -282,14 +201,14 @@ bool readValue(Reader &reader, od::value value, T &out)
     } else if constexpr (Enumerated<T>) {
         return readEnum(reader, value, out);
     } else if constexpr (isVector<T>) {
-        return readArray(reader, value, out);
+        return readVector(reader, value, out);
     } else if constexpr (isMap<T>) {
-        return readMap(reader, value, out);
+        return readKeyed(reader, value, out);
     } else if constexpr (Cased<T>) {
-        return readCases(reader, value, out, std::make_index_sequence<std::variant_size_v<T>>());
+        return readVariant(reader, value, out, std::make_index_sequence<std::variant_size_v<T>>());
     } else {
         static_assert(Listed<T>, "this type has no JSON form");
-        return readObject(reader, value, out,
+        return readListed(reader, value, out,
                           std::make_index_sequence<
                               std::tuple_size_v<std::remove_cvref_t<decltype(JsonFields<T>::list)>>>());
     }
@@ -363,22 +282,9 @@ void writeValue(JsonOutput &output, const T &value)
     }
 }
 
-/// A padded copy of the text and a parser for it: this thread's, unless the text is so large that keeping the
-/// parser's memory would be a burden.
-class ParserLease {
-public:
-    explicit ParserLease(std::string_view text);
-    ParserLease(const ParserLease &) = delete;
-    ParserLease &operator=(const ParserLease &) = delete;
-    ~ParserLease();
-
-    bool open(od::document &document);
-
-private:
-    struct Parts;
-    Parts *m_parts;
-    bool m_ownsParts;
-};
+/// Reads a whole text with `readRoot`; an error when that fails, the JSON is broken or something follows it.
+std::optional<JsonError> readDocument(std::string_view text, JsonReading reading, void *owner,
+                                      bool (*readRoot)(Reader &, Value &, void *owner));
 
 } // namespace orvane::json
 
@@ -387,17 +293,13 @@ namespace orvane {
 template <class T>
 Result<T, JsonError> decodeJson(std::string_view text, JsonReading reading)
 {
-    json::Reader reader{reading, {}};
-    json::ParserLease lease(text);
-    json::od::document document;
-    json::od::value value;
     T out{};
-    if (!lease.open(document) || document.get_value().get(value) != simdjson::SUCCESS)
-        return failure(JsonError{{}, "is broken JSON"});
-    if (!json::readValue(reader, value, out))
-        return failure(std::move(reader.error));
-    if (!json::atEnd(document))
-        return failure(JsonError{{}, "is broken JSON"});
+    auto error =
+        json::readDocument(text, reading, &out, [](json::Reader &reader_, json::Value &value, void *owner) {
+            return json::readValue(reader_, value, *static_cast<T *>(owner));
+        });
+    if (error)
+        return failure(std::move(*error));
     return out;
 }
 
