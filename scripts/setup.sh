@@ -18,15 +18,7 @@ packages_for() {
 }
 
 as_root() {
-    if [[ $(id -u) == 0 ]]; then
-        "$@"
-    elif command -v sudo >/dev/null; then
-        sudo "$@"
-    else
-        say "Installing packages needs root, and there is no sudo here. As root, run:"
-        say "  apt-get install --no-install-recommends ${missing[*]}"
-        return 1
-    fi
+    if [[ $(id -u) == 0 ]]; then "$@"; else sudo "$@"; fi
 }
 
 # Debian's `dpkg --status` file and Homebrew's folder of links change whenever a package does.
@@ -76,6 +68,11 @@ install_debian_packages() {
     done
     if ((${#missing[@]} == 0)); then
         return
+    fi
+    if [[ $(id -u) != 0 ]] && ! command -v sudo >/dev/null; then
+        say "Packages are missing, and installing them needs root or sudo. As root, run:"
+        say "  apt-get update && apt-get install --no-install-recommends ${missing[*]}"
+        return 1
     fi
     say "Installing ${#missing[@]} packages with apt: ${missing[*]}"
     : >"$log"
