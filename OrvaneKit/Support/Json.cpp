@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "Support/DateText.h"
 #include "Support/JsonImpl.h"
 #include "Support/Require.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -131,10 +133,6 @@ namespace orvane::json {
 
 namespace od = simdjson::ondemand;
 
-struct Value {
-    od::value value;
-};
-
 void Reader::inside(std::string_view name)
 {
     const bool member = !error.path.empty() && error.path.front() != '[';
@@ -147,47 +145,220 @@ void Reader::inside(std::size_t index)
     error.path.insert(0, "[" + std::to_string(index) + "]" + (member ? "." : ""));
 }
 
-bool readText(Reader &reader, Value &place, std::string &out)
+struct Node {
+    od::value value;
+};
+
+namespace {
+
+/// A text above this is read with a parser of its own, which is released afterwards.
+constexpr std::size_t keptParserLimit = 256 * 1024;
+
+/// A padded copy of the text and a parser for it: this thread's, unless they are in use or the text is so
+/// large that keeping their memory would be a burden.
+class ParserLease {
+public:
+    explicit ParserLease(std::string_view text);
+    ParserLease(const ParserLease &) = delete;
+    ParserLease &operator=(const ParserLease &) = delete;
+    ~ParserLease();
+
+    bool open(od::document &document);
+    /// Whether the whole text is JSON: what is passed over on the way is not looked at.
+    bool isWellFormed() const;
+
+private:
+    struct Parts {
+        std::string padded;
+        od::parser parser;
+        bool isLeased = false;
+    };
+    Parts *m_parts;
+    bool m_ownsParts;
+};
+
+ParserLease::ParserLease(std::string_view text)
+{
+    thread_local Parts kept;
+    m_ownsParts = text.size() > keptParserLimit || kept.isLeased;
+    m_parts = m_ownsParts ? new Parts : &kept;
+    m_parts->isLeased = true;
+    m_parts->padded.reserve(text.size() + simdjson::SIMDJSON_PADDING);
+    m_parts->padded.assign(text);
+}
+
+ParserLease::~ParserLease()
+{
+    m_parts->isLeased = false;
+    if (m_ownsParts)
+        delete m_parts;
+}
+
+bool ParserLease::open(od::document &document)
+{
+    const simdjson::padded_string_view view(m_parts->padded.data(), m_parts->padded.size(),
+                                            m_parts->padded.capacity());
+    return m_parts->parser.iterate(view).get(document) == simdjson::SUCCESS;
+}
+
+bool isJson(const std::string &padded)
+{
+    simdjson::dom::parser parser;
+    simdjson::dom::element element;
+    const auto error = parser.parse(padded.data(), padded.size(), false).get(element);
+    // A number that no type here can hold is JSON all the same.
+    return error == simdjson::SUCCESS || error == simdjson::NUMBER_ERROR;
+}
+
+bool ParserLease::isWellFormed() const
+{
+    return isJson(m_parts->padded);
+}
+
+/// `is_null` answers a plain bool in older simdjson and a result in newer ones.
+template <class Value>
+bool isNullValue(Value &value)
+{
+    if constexpr (std::is_same_v<decltype(value.is_null()), bool>) {
+        return value.is_null();
+    } else {
+        bool null = false;
+        return value.is_null().get(null) == simdjson::SUCCESS && null;
+    }
+}
+
+bool isKey(const char *raw, std::string_view name)
+{
+    // The reader's padding keeps the comparison inside the buffer.
+    return std::memcmp(raw, name.data(), name.size()) == 0 && raw[name.size()] == '"';
+}
+
+/// Where a key stands in the list, trying the expected place first: members mostly come in the listed order.
+std::size_t memberIndex(const char *raw, std::span<const MemberReader> members, std::size_t expected)
+{
+    for (std::size_t tried = 0; tried < members.size(); ++tried) {
+        std::size_t index = expected + tried;
+        if (index >= members.size())
+            index -= members.size();
+        if (isKey(raw, members[index].name))
+            return index;
+    }
+    return members.size();
+}
+
+bool hasEscape(const char *raw)
+{
+    while (*raw != '"' && *raw != '\\')
+        ++raw;
+    return *raw == '\\';
+}
+
+/// Finds the member a field is for; a name may be written with escapes.
+bool findMember(od::field &field, std::span<const MemberReader> members, std::size_t expected,
+                std::size_t &index)
+{
+    const char *raw = field.key().raw();
+    index = memberIndex(raw, members, expected);
+    if (index < members.size() || !hasEscape(raw))
+        return true;
+    std::string_view name;
+    if (field.unescaped_key().get(name) != simdjson::SUCCESS)
+        return false;
+    const auto found = std::ranges::find(members, name, &MemberReader::name);
+    index = static_cast<std::size_t>(found - members.begin());
+    return true;
+}
+
+bool readMember(Reader &reader, od::field &field, const MemberReader &member, void *out)
+{
+    Node node{field.value()};
+    if (member.absence == Absence::AcceptedLikeNull && isNullValue(node.value))
+        return true;
+    if (member.read(reader, node, out))
+        return true;
+    reader.inside(member.name);
+    return false;
+}
+
+bool nothingIsMissing(Reader &reader, std::span<const MemberReader> members, std::uint64_t seen)
+{
+    for (std::size_t index = 0; index < members.size(); ++index) {
+        if (members[index].absence != Absence::Refused || (seen >> index & 1U) != 0)
+            continue;
+        reader.fail("is missing");
+        reader.inside(members[index].name);
+        return false;
+    }
+    return true;
+}
+
+bool readWhole(Reader &reader, ParserLease &lease, ReadInto read, void *out)
+{
+    od::document document;
+    Node node;
+    if (!lease.open(document) || document.get_value().get(node.value) != simdjson::SUCCESS)
+        return reader.failBroken();
+    if (!read(reader, node, out))
+        return false;
+    const char *place = nullptr;
+    const bool isAtEnd = document.current_location().get(place) != simdjson::SUCCESS;
+    return isAtEnd || reader.failBroken();
+}
+
+} // namespace
+
+bool readDocument(Reader &reader, std::string_view text, ReadInto read, void *out)
+{
+    ParserLease lease(text);
+    const bool ok = readWhole(reader, lease, read, out);
+    // Finding which is at fault, the text or a value in it, is worth another look at a text that is refused.
+    if (reader.isBroken || ((!ok || reader.reading.strict) && !lease.isWellFormed())) {
+        reader.error = {{}, "is broken JSON"};
+        return false;
+    }
+    return ok;
+}
+
+bool isNull(Node &node)
+{
+    return isNullValue(node.value);
+}
+
+bool readText(Reader &reader, Node &node, std::string_view &out)
+{
+    return node.value.get_string().get(out) == simdjson::SUCCESS || reader.fail("is not a text");
+}
+
+bool readPlain(Reader &reader, Node &node, std::string &out)
 {
     std::string_view text;
-    if (place.value.get_string().get(text) != simdjson::SUCCESS)
-        return reader.fail("is not a text");
+    if (!readText(reader, node, text))
+        return false;
     out.assign(text);
     return true;
 }
 
-bool readBool(Reader &reader, Value &place, bool &out)
+bool readPlain(Reader &reader, Node &node, bool &out)
 {
-    return place.value.get_bool().get(out) == simdjson::SUCCESS || reader.fail("is not true or false");
+    return node.value.get_bool().get(out) == simdjson::SUCCESS || reader.fail("is not true or false");
 }
 
-bool readInteger(Reader &reader, Value &place, std::int64_t &out)
+bool readPlain(Reader &reader, Node &node, std::int64_t &out)
 {
-    return place.value.get_int64().get(out) == simdjson::SUCCESS || reader.fail("is not a whole number");
+    return node.value.get_int64().get(out) == simdjson::SUCCESS || reader.fail("is not a whole number");
 }
 
-bool readNumber(Reader &reader, Value &place, double &out)
+bool readPlain(Reader &reader, Node &node, double &out)
 {
-    return place.value.get_double().get(out) == simdjson::SUCCESS || reader.fail("is not a number");
+    return node.value.get_double().get(out) == simdjson::SUCCESS || reader.fail("is not a number");
 }
 
-bool isNull(Value &place)
-{
-    // A plain bool in older simdjson, a result in newer ones.
-    if constexpr (std::is_same_v<decltype(place.value.is_null()), bool>) {
-        return place.value.is_null();
-    } else {
-        bool null = false;
-        return place.value.is_null().get(null) == simdjson::SUCCESS && null;
-    }
-}
-
-bool readInstant(Reader &reader, Value &place, Instant &out)
+bool readPlain(Reader &reader, Node &node, Instant &out)
 {
     std::optional<Instant> instant;
     if (reader.reading.dates == DateCoding::Iso8601) {
         std::string_view text;
-        if (place.value.get_string().get(text) != simdjson::SUCCESS)
+        if (node.value.get_string().get(text) != simdjson::SUCCESS)
             return reader.fail("is not a date");
         instant = instantFromIso8601(text);
         if (!instant) {
@@ -197,7 +368,7 @@ bool readInstant(Reader &reader, Value &place, Instant &out)
         }
     } else {
         double seconds = 0;
-        if (place.value.get_double().get(seconds) == simdjson::SUCCESS)
+        if (node.value.get_double().get(seconds) == simdjson::SUCCESS)
             instant = instantFromSecondsSince2001(seconds);
         if (!instant)
             return reader.fail("is not a date");
@@ -206,10 +377,10 @@ bool readInstant(Reader &reader, Value &place, Instant &out)
     return true;
 }
 
-bool readDay(Reader &reader, Value &place, std::chrono::year_month_day &out)
+bool readPlain(Reader &reader, Node &node, std::chrono::year_month_day &out)
 {
     std::string_view text;
-    if (place.value.get_string().get(text) == simdjson::SUCCESS) {
+    if (node.value.get_string().get(text) == simdjson::SUCCESS) {
         if (const auto day = dayFromText(text)) {
             out = *day;
             return true;
@@ -218,105 +389,76 @@ bool readDay(Reader &reader, Value &place, std::chrono::year_month_day &out)
     return reader.fail("is not a day");
 }
 
-bool readRaw(Reader &reader, Value &place, RawJson &out)
+bool readPlain(Reader &reader, Node &node, RawJson &out)
 {
     od::json_type type{};
     std::string_view text;
-    if (place.value.type().get(type) != simdjson::SUCCESS)
-        return reader.fail("is broken JSON");
+    if (node.value.type().get(type) != simdjson::SUCCESS)
+        return reader.failBroken();
     auto error = simdjson::SUCCESS;
     if (type == od::json_type::object) {
         od::object object;
-        error = place.value.get_object().get(object);
+        error = node.value.get_object().get(object);
         if (error == simdjson::SUCCESS)
             error = object.raw_json().get(text);
     } else if (type == od::json_type::array) {
         od::array array;
-        error = place.value.get_array().get(array);
+        error = node.value.get_array().get(array);
         if (error == simdjson::SUCCESS)
             error = array.raw_json().get(text);
     } else {
-        text = place.value.raw_json_token();
+        text = node.value.raw_json_token();
     }
     if (error != simdjson::SUCCESS)
-        return reader.fail("is broken JSON");
+        return reader.failBroken();
     while (!text.empty() &&
            (text.back() == ' ' || text.back() == '\n' || text.back() == '\r' || text.back() == '\t'))
         text.remove_suffix(1);
+    // It is written again as it is, so it has to be JSON in all its parts.
+    out.text.reserve(text.size() + simdjson::SIMDJSON_PADDING);
     out.text.assign(text);
-    return true;
+    return isJson(out.text) || reader.failBroken();
 }
 
-namespace {
-
-/// The reader's padding keeps the comparison inside the buffer.
-bool isKey(const char *key, std::string_view name)
-{
-    return std::memcmp(key, name.data(), name.size()) == 0 && key[name.size()] == '"';
-}
-
-/// Where a key stands in the list, trying the expected place first: members mostly come in the listed order.
-std::size_t fieldIndex(const char *key, std::span<const FieldEntry> fields, std::size_t expected)
-{
-    std::size_t index = expected < fields.size() ? expected : 0;
-    for (std::size_t tried = 0; tried < fields.size(); ++tried) {
-        if (isKey(key, fields[index].name))
-            return index;
-        index = index + 1 < fields.size() ? index + 1 : 0;
-    }
-    return fields.size();
-}
-
-bool readField(const FieldEntry &entry, Reader &reader, od::field &field, void *owner)
-{
-    Value value{field.value()};
-    return entry.read(reader, value, owner);
-}
-
-} // namespace
-
-bool readObject(Reader &reader, Value &place, void *owner, std::span<const FieldEntry> fields)
+bool readMembers(Reader &reader, Node &node, std::span<const MemberReader> members, void *out)
 {
     od::object object;
-    if (place.value.get_object().get(object) != simdjson::SUCCESS)
+    if (node.value.get_object().get(object) != simdjson::SUCCESS)
         return reader.fail("is not an object");
     std::uint64_t seen = 0;
     std::size_t expected = 0;
     for (auto element : object) {
         od::field field;
-        if (std::move(element).get(field) != simdjson::SUCCESS)
-            return reader.fail("is broken JSON");
-        const std::size_t index = fieldIndex(field.key().raw(), fields, expected);
-        if (index == fields.size())
+        std::size_t index = 0;
+        if (std::move(element).get(field) != simdjson::SUCCESS ||
+            !findMember(field, members, expected, index))
+            return reader.failBroken();
+        if (index == members.size())
             continue;
-        if (!readField(fields[index], reader, field, owner)) {
-            reader.inside(fields[index].name);
+        if ((seen >> index & 1U) != 0) {
+            reader.fail("is given twice");
+            reader.inside(members[index].name);
             return false;
         }
+        if (!readMember(reader, field, members[index], out))
+            return false;
         seen |= std::uint64_t{1} << index;
-        expected = index + 1;
+        expected = index + 1 < members.size() ? index + 1 : 0;
     }
-    for (std::size_t index = 0; index < fields.size(); ++index) {
-        if (fields[index].isRequired && (seen >> index & 1U) == 0) {
-            reader.fail("is missing");
-            reader.inside(fields[index].name);
-            return false;
-        }
-    }
-    return true;
+    return nothingIsMissing(reader, members, seen);
 }
 
-bool readArray(Reader &reader, Value &place, void *owner, bool (*readItem)(Reader &, Value &, void *))
+bool readItems(Reader &reader, Node &node, ReadInto readNext, void *list)
 {
     od::array array;
-    if (place.value.get_array().get(array) != simdjson::SUCCESS)
+    if (node.value.get_array().get(array) != simdjson::SUCCESS)
         return reader.fail("is not a list");
     std::size_t index = 0;
     for (auto element : array) {
-        Value item;
+        Node item;
         if (element.get(item.value) != simdjson::SUCCESS)
-            return reader.fail("is broken JSON");
-        if (!readItem(reader, item, owner)) {
+            return reader.failBroken();
+        if (!readNext(reader, item, list)) {
             reader.inside(index);
             return false;
         }
@@ -325,21 +467,20 @@ bool readArray(Reader &reader, Value &place, void *owner, bool (*readItem)(Reade
     return true;
 }
 
-bool readMap(Reader &reader, Value &place, void *owner,
-             bool (*readItem)(Reader &, Value &, std::string_view, void *))
+bool readEntries(Reader &reader, Node &node, ReadEntry readEntry, void *map)
 {
     od::object object;
-    if (place.value.get_object().get(object) != simdjson::SUCCESS)
+    if (node.value.get_object().get(object) != simdjson::SUCCESS)
         return reader.fail("is not an object");
     for (auto element : object) {
         od::field field;
         std::string_view key;
         if (std::move(element).get(field) != simdjson::SUCCESS ||
             field.unescaped_key().get(key) != simdjson::SUCCESS)
-            return reader.fail("is broken JSON");
+            return reader.failBroken();
         const std::string name(key);
-        Value item{field.value()};
-        if (!readItem(reader, item, name, owner)) {
+        Node item{field.value()};
+        if (!readEntry(reader, item, name, map)) {
             reader.inside(name);
             return false;
         }
@@ -347,82 +488,26 @@ bool readMap(Reader &reader, Value &place, void *owner,
     return true;
 }
 
-std::optional<std::size_t> readName(Reader &reader, Value &place, std::span<const std::string_view> names)
-{
-    std::string_view text;
-    if (place.value.get_string().get(text) != simdjson::SUCCESS) {
-        reader.fail("is not a text");
-        return std::nullopt;
-    }
-    return static_cast<std::size_t>(std::ranges::find(names, text) - names.begin());
-}
-
-bool readCase(Reader &reader, Value &place, void *owner, std::span<const FieldEntry> cases)
+bool readCase(Reader &reader, Node &node, std::span<const MemberReader> cases, void *out)
 {
     od::object object;
-    if (place.value.get_object().get(object) != simdjson::SUCCESS)
+    if (node.value.get_object().get(object) != simdjson::SUCCESS)
         return reader.fail("is not an object");
     std::size_t members = 0;
     bool isKnown = false;
     for (auto element : object) {
         od::field field;
-        if (std::move(element).get(field) != simdjson::SUCCESS)
-            return reader.fail("is broken JSON");
-        const std::size_t index = fieldIndex(field.key().raw(), cases, 0);
-        if (++members > 1 || index == cases.size())
+        std::size_t index = 0;
+        if (std::move(element).get(field) != simdjson::SUCCESS || !findMember(field, cases, 0, index))
+            return reader.failBroken();
+        ++members;
+        if (members > 1 || index == cases.size())
             continue;
         isKnown = true;
-        if (!readField(cases[index], reader, field, owner)) {
-            reader.inside(cases[index].name);
+        if (!readMember(reader, field, cases[index], out))
             return false;
-        }
     }
     return (isKnown && members == 1) || reader.fail("is not one known case");
-}
-
-namespace {
-
-/// A text above this is read with a parser of its own, which is released afterwards.
-constexpr std::size_t keptParserLimit = 256 * 1024;
-
-struct Parser {
-    std::string padded;
-    od::parser parser;
-};
-
-bool readWith(Parser &parts, std::string_view text, Reader &reader, void *owner,
-              bool (*readRoot)(Reader &, Value &, void *))
-{
-    parts.padded.reserve(text.size() + simdjson::SIMDJSON_PADDING);
-    parts.padded.assign(text);
-    const simdjson::padded_string_view view(parts.padded.data(), parts.padded.size(),
-                                            parts.padded.capacity());
-    od::document document;
-    Value root;
-    if (parts.parser.iterate(view).get(document) != simdjson::SUCCESS ||
-        document.get_value().get(root.value) != simdjson::SUCCESS)
-        return reader.fail("is broken JSON");
-    if (!readRoot(reader, root, owner))
-        return false;
-    const char *rest = nullptr;
-    return document.current_location().get(rest) != simdjson::SUCCESS || reader.fail("is broken JSON");
-}
-
-} // namespace
-
-std::optional<JsonError> readDocument(std::string_view text, JsonReading reading, void *owner,
-                                      bool (*readRoot)(Reader &, Value &, void *))
-{
-    Reader reader{reading, {}};
-    bool isRead = false;
-    if (text.size() > keptParserLimit) {
-        Parser parser;
-        isRead = readWith(parser, text, reader, owner, readRoot);
-    } else {
-        thread_local Parser kept;
-        isRead = readWith(kept, text, reader, owner, readRoot);
-    }
-    return isRead ? std::nullopt : std::optional{std::move(reader.error)};
 }
 
 } // namespace orvane::json

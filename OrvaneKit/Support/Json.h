@@ -13,12 +13,12 @@
 /// JSON for value types. A type lists its fields once and the same list reads and writes it:
 ///
 ///     template <> struct JsonFields<TagResponse> {
-///         static constexpr auto list = std::tuple{jsonField<"id">(&TagResponse::id),
-///                                                 jsonField<"name">(&TagResponse::name)};
+///         static constexpr auto list = JsonFieldList{jsonField<"id">(&TagResponse::id),
+///                                                    jsonField<"name">(&TagResponse::name)};
 ///     };
 ///
 /// `decodeJson` and `encodeJson` are only declared here. The source file that owns a type includes
-/// "Support/JsonImpl.h", which is slow to compile, and instantiates both with `ORVANE_JSON(Type)`.
+/// "Support/JsonImpl.h" and instantiates both with `ORVANE_JSON(Type)`.
 ///
 /// Members may be: bool, std::int64_t, double, std::string (UTF-8), Instant, std::chrono::year_month_day,
 /// enumerations with a JsonEnum, std::optional, std::vector and std::map<std::string, ...> of these, other
@@ -41,8 +41,9 @@ struct JsonStyle {
     bool writeNulls = false;
 };
 
-/// Why a text could not be read. `path` names the place ("entries[3].start"), empty for the whole text;
-/// `message` never holds what was read there, so it may be logged.
+/// Why a text could not be read. `path` names the place ("entries[3].start"); it is empty when the text as a
+/// whole is not JSON. `message` says what is wrong there; that of a date that could not be read quotes its
+/// first 40 bytes.
 struct JsonError {
     std::string path;
     std::string message;
@@ -81,7 +82,17 @@ constexpr auto jsonField(Member Owner::*member, JsonPresence presence = JsonPres
     return JsonField<Name, Owner, Member>{member, presence};
 }
 
-/// Specialised for each struct that is an object: `static constexpr auto list`, a tuple of jsonField.
+/// The fields of a type; each has a name of its own. (A std::tuple may stand in its place, but a long one
+/// takes the compiler a hundred times as long.)
+template <class... Fields>
+struct JsonFieldList : Fields... {
+    static constexpr std::size_t size = sizeof...(Fields);
+
+    constexpr explicit JsonFieldList(Fields... fields) : Fields(fields)... {}
+};
+
+/// Specialised for each struct that is an object: `static constexpr auto list`, a JsonFieldList of jsonField.
+/// A name that is given twice in a text is refused, one that is not listed is passed over.
 template <class T>
 struct JsonFields;
 

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-// The reading and writing behind Json.h. Only source files that instantiate a type include this header.
+// The reading and writing behind Json.h. Only source files that instantiate a type include this header. What
+// does not depend on the type, the parser above all, is in Json.cpp behind plain functions: templates over
+// the parser took minutes to compile.
 
-#include "Support/DateText.h"
 #include "Support/Json.h"
 #include "Support/JsonOutput.h"
 
-#include <algorithm>
+#include <array>
 #include <map>
 #include <optional>
 #include <span>
@@ -43,96 +44,122 @@ inline constexpr bool isMap = false;
 template <class T, class C, class A>
 inline constexpr bool isMap<std::map<std::string, T, C, A>> = true;
 
-/// A place in the text that is being read; known to Json.cpp alone, which keeps the parser out of everybody
-/// else's compiling.
-struct Value;
+/// A value that is being read. What it is made of is the parser's, and known to Json.cpp alone.
+struct Node;
 
 /// One reading: how to read, and the first thing that went wrong. The path is put together on the way out.
 struct Reader {
     JsonReading reading;
     JsonError error;
+    /// The text is not JSON, so no place of it is at fault.
+    bool isBroken = false;
 
     bool fail(const char *message)
     {
         error.message = message;
         return false;
     }
+    bool failBroken()
+    {
+        isBroken = true;
+        return false;
+    }
     void inside(std::string_view name);
     void inside(std::size_t index);
 };
 
-// What every type needs is compiled once, behind plain functions: inlined into each of some hundred types,
-// the library's reading would cost minutes of compiling and win nothing.
-bool readText(Reader &reader, Value &value, std::string &out);
-bool readBool(Reader &reader, Value &value, bool &out);
-bool readInteger(Reader &reader, Value &value, std::int64_t &out);
-bool readNumber(Reader &reader, Value &value, double &out);
-bool readInstant(Reader &reader, Value &value, Instant &out);
-bool readDay(Reader &reader, Value &value, std::chrono::year_month_day &out);
-bool readRaw(Reader &reader, Value &value, RawJson &out);
-bool isNull(Value &value);
+/// Reads a value into what `out` points at. Each of these functions knows the type behind the pointer.
+using ReadInto = bool (*)(Reader &reader, Node &node, void *out);
+using ReadEntry = bool (*)(Reader &reader, Node &node, std::string name, void *map);
 
-/// One field of a type, the types forgotten.
-struct FieldEntry {
+enum class Absence { Refused, Accepted, AcceptedLikeNull };
+
+struct MemberReader {
     std::string_view name;
-    bool (*read)(Reader &, Value &, void *owner);
-    bool isRequired;
+    Absence absence;
+    ReadInto read;
 };
-bool readObject(Reader &reader, Value &value, void *owner, std::span<const FieldEntry> fields);
-/// Calls `readItem` for each element.
-bool readArray(Reader &reader, Value &value, void *owner, bool (*readItem)(Reader &, Value &, void *owner));
-bool readMap(Reader &reader, Value &value, void *owner,
-             bool (*readItem)(Reader &, Value &, std::string_view key, void *owner));
-/// The index of the text among the names, or their count when it is none of them; nothing for another type of
-/// value.
-std::optional<std::size_t> readName(Reader &reader, Value &value, std::span<const std::string_view> names);
-/// Reads an object of one member, whose reader is the one that stands with its name.
-bool readCase(Reader &reader, Value &value, void *owner, std::span<const FieldEntry> cases);
+
+bool readDocument(Reader &reader, std::string_view text, ReadInto read, void *out);
+bool isNull(Node &node);
+bool readText(Reader &reader, Node &node, std::string_view &out);
+bool readPlain(Reader &reader, Node &node, std::string &out);
+bool readPlain(Reader &reader, Node &node, bool &out);
+bool readPlain(Reader &reader, Node &node, std::int64_t &out);
+bool readPlain(Reader &reader, Node &node, double &out);
+bool readPlain(Reader &reader, Node &node, Instant &out);
+bool readPlain(Reader &reader, Node &node, std::chrono::year_month_day &out);
+bool readPlain(Reader &reader, Node &node, RawJson &out);
+bool readMembers(Reader &reader, Node &node, std::span<const MemberReader> members, void *out);
+/// Calls `readNext` for each item of a list, to append it.
+bool readItems(Reader &reader, Node &node, ReadInto readNext, void *list);
+bool readEntries(Reader &reader, Node &node, ReadEntry readEntry, void *map);
+/// Reads an object of exactly one member, which is one of `cases`.
+bool readCase(Reader &reader, Node &node, std::span<const MemberReader> cases, void *out);
 
 template <class T>
-bool readValue(Reader &reader, Value &value, T &out);
+bool readValue(Reader &reader, Node &node, T &out);
 
-template <Listed T, std::size_t Index>
-constexpr FieldEntry fieldEntry()
+template <class T>
+bool readErased(Reader &reader, Node &node, void *out)
 {
-    constexpr auto &field = std::get<Index>(JsonFields<T>::list);
-    using Member = std::remove_cvref_t<decltype(std::declval<T &>().*(field.member))>;
-    constexpr bool isRequired = field.presence == JsonPresence::Required && !isOptional<Member>;
-    return {std::remove_cvref_t<decltype(field)>::name,
-            [](Reader &reader, Value &value, void *owner) {
-                constexpr auto &listed = std::get<Index>(JsonFields<T>::list);
-                if constexpr (!isRequired && !isOptional<Member>) {
-                    if (isNull(value))
-                        return true;
-                }
-                return readValue(reader, value, static_cast<T *>(owner)->*(listed.member));
-            },
-            isRequired};
+    return readValue(reader, node, *static_cast<T *>(out));
 }
 
-template <Listed T, std::size_t... Index>
-bool readListed(Reader &reader, Value &value, T &out, std::index_sequence<Index...>)
+/// Calls `function` with each field of a type's list.
+template <class Function, class... Fields>
+constexpr auto withFields(const JsonFieldList<Fields...> &list, const Function &function)
 {
-    static constexpr std::array<FieldEntry, sizeof...(Index)> fields{fieldEntry<T, Index>()...};
-    static_assert(fields.size() <= 64, "the set of members seen is one word");
-    return readObject(reader, value, &out, fields);
+    return function(static_cast<const Fields &>(list)...);
 }
+template <class Function, class... Fields>
+constexpr auto withFields(const std::tuple<Fields...> &list, const Function &function)
+{
+    return function(std::get<Fields>(list)...);
+}
+template <class Field, class... Fields>
+constexpr const Field &fieldOf(const JsonFieldList<Fields...> &list)
+{
+    return list;
+}
+template <class Field, class... Fields>
+constexpr const Field &fieldOf(const std::tuple<Fields...> &list)
+{
+    return std::get<Field>(list);
+}
+
+template <class Owner, class Field>
+bool readMember(Reader &reader, Node &node, void *owner)
+{
+    constexpr auto member = fieldOf<Field>(JsonFields<Owner>::list).member;
+    return readValue(reader, node, static_cast<Owner *>(owner)->*member);
+}
+
+template <class Owner, JsonName Name, class Member>
+constexpr MemberReader memberReader(const JsonField<Name, Owner, Member> &field)
+{
+    const Absence absence = isOptional<Member>                          ? Absence::Accepted
+                            : field.presence == JsonPresence::Defaulted ? Absence::AcceptedLikeNull
+                                                                        : Absence::Refused;
+    return {Name.view(), absence, &readMember<Owner, JsonField<Name, Owner, Member>>};
+}
+
+template <Listed T>
+inline constexpr auto memberReaders = withFields(JsonFields<T>::list, [](const auto &...field) {
+    return std::array<MemberReader, sizeof...(field)>{memberReader<T>(field)...};
+});
 
 template <Enumerated T>
-bool readEnum(Reader &reader, Value &value, T &out)
+bool readEnum(Reader &reader, Node &node, T &out)
 {
-    static constexpr auto names = [] {
-        std::array<std::string_view, JsonEnum<T>::list.size()> texts;
-        std::ranges::transform(JsonEnum<T>::list, texts.begin(),
-                               [](const auto &listed) { return listed.second; });
-        return texts;
-    }();
-    const auto index = readName(reader, value, names);
-    if (!index)
+    std::string_view text;
+    if (!readText(reader, node, text))
         return false;
-    if (*index < names.size()) {
-        out = JsonEnum<T>::list[*index].first;
-        return true;
+    for (const auto &[listed, name] : JsonEnum<T>::list) {
+        if (name == text) {
+            out = listed;
+            return true;
+        }
     }
     if constexpr (requires { JsonEnum<T>::unrecognized; }) {
         if (!reader.reading.strict) {
@@ -144,73 +171,65 @@ bool readEnum(Reader &reader, Value &value, T &out)
 }
 
 template <class Vector>
-bool readVector(Reader &reader, Value &value, Vector &out)
+bool readNext(Reader &reader, Node &node, void *list)
 {
-    out.clear();
-    return readArray(reader, value, &out, [](Reader &inner, Value &item, void *owner) {
-        return readValue(inner, item, static_cast<Vector *>(owner)->emplace_back());
-    });
+    auto &vector = *static_cast<Vector *>(list);
+    if constexpr (std::is_same_v<typename Vector::value_type, bool>) {
+        bool item = false;
+        const bool ok = readValue(reader, node, item);
+        vector.push_back(item);
+        return ok;
+    } else {
+        return readValue(reader, node, vector.emplace_back());
+    }
 }
 
 template <class Map>
-bool readKeyed(Reader &reader, Value &value, Map &out)
+bool readEntry(Reader &reader, Node &node, std::string name, void *map)
 {
-    out.clear();
-    return readMap(reader, value, &out, [](Reader &inner, Value &item, std::string_view key, void *owner) {
-        return readValue(inner, item, (*static_cast<Map *>(owner))[std::string(key)]);
-    });
+    return readValue(reader, node, (*static_cast<Map *>(map))[std::move(name)]);
 }
 
-template <class Variant, std::size_t... Index>
-bool readVariant(Reader &reader, Value &value, Variant &out, std::index_sequence<Index...>)
+template <class Variant, std::size_t Index>
+bool readAlternative(Reader &reader, Node &node, void *variant)
 {
-    static constexpr std::array<FieldEntry, sizeof...(Index)> cases{FieldEntry{
-        JsonCases<Variant>::names[Index],
-        [](Reader &inner, Value &item, void *owner) {
-            return readValue(inner, item, static_cast<Variant *>(owner)->template emplace<Index>());
-        },
-        true}...};
-    return readCase(reader, value, &out, cases);
+    return readValue(reader, node, static_cast<Variant *>(variant)->template emplace<Index>());
+}
+
+template <Cased Variant, std::size_t... Index>
+constexpr auto caseReaders(std::index_sequence<Index...>)
+{
+    return std::array<MemberReader, sizeof...(Index)>{MemberReader{
+        JsonCases<Variant>::names[Index], Absence::Accepted, &readAlternative<Variant, Index>}...};
 }
 
 template <class T>
-bool readValue(Reader &reader, Value &value, T &out)
+bool readValue(Reader &reader, Node &node, T &out)
 {
     if constexpr (isOptional<T>) {
-        if (isNull(value)) {
+        if (isNull(node)) {
             out.reset();
             return true;
         }
-        return readValue(reader, value, out.emplace());
-    } else if constexpr (std::is_same_v<T, std::string>) {
-        return readText(reader, value, out);
-    } else if constexpr (std::is_same_v<T, bool>) {
-        return readBool(reader, value, out);
-    } else if constexpr (std::is_same_v<T, std::int64_t>) {
-        return readInteger(reader, value, out);
-    } else if constexpr (std::is_same_v<T, double>) {
-        return readNumber(reader, value, out);
-    } else if constexpr (std::is_same_v<T, Instant>) {
-        return readInstant(reader, value, out);
-    } else if constexpr (std::is_same_v<T, std::chrono::year_month_day>) {
-        return readDay(reader, value, out);
-    } else if constexpr (std::is_same_v<T, RawJson>) {
-        return readRaw(reader, value, out);
+        return readValue(reader, node, out.emplace());
     } else if constexpr (Aliased<T>) {
-        return readValue(reader, value, out.*JsonAlias<T>::member);
+        return readValue(reader, node, out.*JsonAlias<T>::member);
     } else if constexpr (Enumerated<T>) {
-        return readEnum(reader, value, out);
+        return readEnum(reader, node, out);
     } else if constexpr (isVector<T>) {
-        return readVector(reader, value, out);
+        out.clear();
+        return readItems(reader, node, &readNext<T>, &out);
     } else if constexpr (isMap<T>) {
-        return readKeyed(reader, value, out);
+        out.clear();
+        return readEntries(reader, node, &readEntry<T>, &out);
     } else if constexpr (Cased<T>) {
-        return readVariant(reader, value, out, std::make_index_sequence<std::variant_size_v<T>>());
+        static constexpr auto cases = caseReaders<T>(std::make_index_sequence<std::variant_size_v<T>>());
+        return readCase(reader, node, cases, &out);
+    } else if constexpr (Listed<T>) {
+        static_assert(memberReaders<T>.size() <= 64, "the set of members seen is one word");
+        return readMembers(reader, node, memberReaders<T>, &out);
     } else {
-        static_assert(Listed<T>, "this type has no JSON form");
-        return readListed(reader, value, out,
-                          std::make_index_sequence<
-                              std::tuple_size_v<std::remove_cvref_t<decltype(JsonFields<T>::list)>>>());
+        return readPlain(reader, node, out);
     }
 }
 
@@ -274,17 +293,13 @@ void writeValue(JsonOutput &output, const T &value)
     } else if constexpr (Listed<T>) {
         output.raw("{");
         bool first = true;
-        std::apply([&](const auto &...field) { (writeField(output, value, field, first), ...); },
-                   JsonFields<T>::list);
+        withFields(JsonFields<T>::list,
+                   [&](const auto &...field) { (writeField(output, value, field, first), ...); });
         output.raw("}");
     } else {
         output.value(value);
     }
 }
-
-/// Reads a whole text with `readRoot`; an error when that fails, the JSON is broken or something follows it.
-std::optional<JsonError> readDocument(std::string_view text, JsonReading reading, void *owner,
-                                      bool (*readRoot)(Reader &, Value &, void *owner));
 
 } // namespace orvane::json
 
@@ -293,13 +308,10 @@ namespace orvane {
 template <class T>
 Result<T, JsonError> decodeJson(std::string_view text, JsonReading reading)
 {
+    json::Reader reader{reading, {}};
     T out{};
-    auto error =
-        json::readDocument(text, reading, &out, [](json::Reader &reader_, json::Value &value, void *owner) {
-            return json::readValue(reader_, value, *static_cast<T *>(owner));
-        });
-    if (error)
-        return failure(std::move(*error));
+    if (!json::readDocument(reader, text, &json::readErased<T>, &out))
+        return failure(std::move(reader.error));
     return out;
 }
 
