@@ -15,12 +15,12 @@ namespace orvane {
 
 namespace {
 
-constexpr std::string_view localeIdentifier = "en_GB";
-constexpr std::string_view calendarIdentifier = "gregorian";
+constexpr const char *localeIdentifier = "en_GB";
+constexpr const char *calendarIdentifier = "gregorian";
 
 const icu::Locale &fixedLocale()
 {
-    static const icu::Locale locale(localeIdentifier.data());
+    static const icu::Locale locale(localeIdentifier);
     return locale;
 }
 
@@ -86,9 +86,8 @@ const icu::SimpleDateFormat &sharedFormatter(const Key &key)
 
 std::string DateFormatters::string(Instant instant, std::string_view format, const UserTime &userTime)
 {
-    const icu::SimpleDateFormat &formatter =
-        sharedFormatter({std::string(format), false, userTime.timeZone(), std::string(calendarIdentifier),
-                         std::string(localeIdentifier)});
+    const icu::SimpleDateFormat &formatter = sharedFormatter(
+        {std::string(format), false, userTime.timeZone(), calendarIdentifier, localeIdentifier});
     icu::UnicodeString text;
     icu::FieldPositionIterator *const noPositions = nullptr;
     UErrorCode status = U_ZERO_ERROR;

@@ -71,12 +71,11 @@ std::unique_ptr<icu::BasicTimeZone> makeZone(std::string_view identifier)
     // ICU also makes a zone of "GMT+5", which is no name that another program would know.
     if (U_FAILURE(status) != 0 || isSystemZone == 0 || name == icu::UnicodeString(UCAL_UNKNOWN_ZONE_ID))
         return nullptr;
-    std::unique_ptr<icu::TimeZone> zone(icu::TimeZone::createTimeZone(name));
-    auto *const basic = dynamic_cast<icu::BasicTimeZone *>(zone.get());
-    if (basic == nullptr)
-        return nullptr;
-    static_cast<void>(zone.release());
-    return std::unique_ptr<icu::BasicTimeZone>(basic);
+    // Every zone of the data is a basic one; the type of the call is only wider.
+    std::unique_ptr<icu::BasicTimeZone> zone(
+        dynamic_cast<icu::BasicTimeZone *>(icu::TimeZone::createTimeZone(name)));
+    ORVANE_REQUIRE(zone, "a time zone without rules");
+    return zone;
 }
 
 } // namespace
