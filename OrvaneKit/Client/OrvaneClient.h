@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Client/CallError.h"
+#include "Client/WantedAnswer.h"
 #include "Support/Result.h"
 #include "Support/Task.h"
 
@@ -16,9 +16,6 @@ class AuthSession;
 class HttpTransport;
 class NetworkThread;
 class SyncConnection;
-
-template <class T>
-using CallResult = Result<T, CallError>;
 
 /// The one object through which everything else talks to the server. There is one for each signed-in session;
 /// drop it at sign-out.

@@ -1,0 +1,203 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Client/NetworkTransport.h"
+
+#include "Client/Pending.h"
+
+#include <QBuffer>
+#include <QHostAddress>
+#include <QNetworkAccessManager>
+#include <QNetworkProxy>
+#include <QNetworkReply>
+#include <QTimer>
+
+namespace orvane {
+
+namespace {
+
+using Answer = Result<HttpResponse, ConnectionError>;
+
+bool isLoopback(const QString &host)
+{
+    return host == QLatin1String("localhost") || QHostAddress(host).isLoopback();
+}
+
+class ProxyFactory final : public QNetworkProxyFactory {
+public:
+    QList<QNetworkProxy> queryProxy(const QNetworkProxyQuery &query) override
+    {
+        if (isLoopback(query.peerHostName()))
+            return {QNetworkProxy(QNetworkProxy::NoProxy)};
+        return systemProxyForQuery(query);
+    }
+};
+
+QNetworkRequest networkRequest(const HttpRequest &request, const QUrl &url, std::size_t answerLimit)
+{
+    QNetworkRequest result(url);
+    result.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
+    result.setAttribute(QNetworkRequest::Http2AllowedAttribute, url.scheme() == QLatin1String("https"));
+    result.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
+    result.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
+    result.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
+    result.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
+    result.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
+    result.setDecompressedSafetyCheckThreshold(static_cast<qint64>(answerLimit));
+    result.setHeader(QNetworkRequest::UserAgentHeader, QStringLiteral("Orvane/" ORVANE_VERSION));
+    // Otherwise a POST without a body would claim to be a form.
+    if (request.method == HttpMethod::Post || request.method == HttpMethod::Put)
+        result.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
+    for (const auto &[name, value] : request.headers.all())
+        result.setRawHeader(QByteArray::fromStdString(name), QByteArray::fromStdString(value));
+    return result;
+}
+
+} // namespace
+
+/// One request under way: collects its answer and watches over its time.
+class NetworkCall final : public QObject {
+public:
+    NetworkCall(NetworkTransport &transport, HttpRequest request, QUrl url)
+        : m_transport(transport), m_request(std::move(request)), m_url(std::move(url))
+    {
+        m_timer.setSingleShot(true);
+        connect(&m_timer, &QTimer::timeout, this, [this] { end("the connection timed out"); });
+    }
+
+    const Pending<Answer> &answer() const { return m_answer; }
+
+    void start(QNetworkAccessManager &manager)
+    {
+        const QNetworkRequest request = networkRequest(m_request, m_url, m_transport.m_limits.answer);
+        const auto verb = text(m_request.method);
+        m_reply =
+            manager.sendCustomRequest(request, QByteArray(verb.data(), static_cast<qsizetype>(verb.size())),
+                                      QByteArray::fromStdString(std::exchange(m_request.body, {})));
+        m_reply->setParent(this);
+        m_timer.start(m_transport.m_limits.connect);
+        const auto moved = [this] { m_timer.start(m_transport.m_limits.idle); };
+        connect(m_reply, &QNetworkReply::requestSent, this, moved);
+        connect(m_reply, &QNetworkReply::uploadProgress, this, [moved](qint64 sent, qint64) {
+            if (sent > 0)
+                moved();
+        });
+        connect(m_reply, &QNetworkReply::metaDataChanged, this, moved);
+        connect(m_reply, &QNetworkReply::downloadProgress, this, moved);
+        connect(m_reply, &QNetworkReply::readyRead, this, &NetworkCall::collect);
+        connect(m_reply, &QNetworkReply::finished, this, &NetworkCall::complete);
+    }
+
+    /// Ends with a ConnectionError. Deletes itself.
+    void end(const char *reason) { finish(failure(ConnectionError{reason})); }
+
+private:
+    int status() const { return m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(); }
+
+    void collect()
+    {
+        const bool refusal = status() >= 400;
+        const std::size_t limit = refusal ? m_transport.m_limits.refusal : m_transport.m_limits.answer;
+        const QByteArray bytes = m_reply->readAll();
+        m_body.append(bytes.constData(), static_cast<std::size_t>(bytes.size()));
+        if (m_body.size() < limit)
+            return;
+        if (!refusal)
+            return end("the answer is too long");
+        m_body.resize(limit);
+        finish(response());
+    }
+
+    void complete()
+    {
+        const int code = status();
+        const bool failed = m_reply->error() != QNetworkReply::NoError;
+        // QtNetwork calls a refusal an error too; to us it is an answer.
+        if (code == 0 || (failed && code < 400))
+            return finish(failure(ConnectionError{m_reply->errorString().toStdString()}));
+        collect();
+        if (!m_answer.isFinished())
+            finish(response());
+    }
+
+    HttpResponse response()
+    {
+        HttpResponse result{.status = status(), .headers = {}, .body = std::move(m_body)};
+        for (const auto &[name, value] : m_reply->rawHeaderPairs())
+            result.headers.set(name.toStdString(), value.toStdString());
+        return result;
+    }
+
+    void finish(Answer answer)
+    {
+        if (m_answer.isFinished())
+            return;
+        m_timer.stop();
+        if (m_reply) {
+            m_reply->disconnect(this);
+            m_reply->abort();
+        }
+        m_transport.ended(this);
+        deleteLater();
+        m_answer.finish(std::move(answer));
+    }
+
+    NetworkTransport &m_transport;
+    HttpRequest m_request;
+    QUrl m_url;
+    QNetworkReply *m_reply = nullptr;
+    QTimer m_timer;
+    std::string m_body;
+    Pending<Answer> m_answer;
+};
+
+NetworkTransport::NetworkTransport(NetworkLimits limits) : m_limits(limits) {}
+
+NetworkTransport::~NetworkTransport() = default;
+
+Task<Answer> NetworkTransport::send(HttpRequest request, std::string baseUrl)
+{
+    const QUrl url(QString::fromStdString(baseUrl + request.path), QUrl::StrictMode);
+    if (m_closed)
+        co_return failure(ConnectionError{"the connection is being closed"});
+    if (!url.isValid() || url.host().isEmpty())
+        co_return failure(ConnectionError{"the server's address cannot be used"});
+    auto *call = new NetworkCall(*this, std::move(request), url);
+    const Pending<Answer> answer = call->answer();
+    m_waiting.push_back(call);
+    startWaiting();
+    co_return co_await answer;
+}
+
+void NetworkTransport::startWaiting()
+{
+    while (!m_closed && !m_waiting.empty() && m_running.size() < m_limits.atOnce) {
+        if (!m_manager) {
+            m_manager = std::make_unique<QNetworkAccessManager>();
+            m_manager->setProxyFactory(new ProxyFactory);
+        }
+        NetworkCall *call = m_waiting.front();
+        m_waiting.pop_front();
+        m_running.insert(call);
+        call->start(*m_manager);
+    }
+}
+
+void NetworkTransport::ended(NetworkCall *call)
+{
+    std::erase(m_waiting, call);
+    m_running.erase(call);
+    // Not from inside the reply's own signal.
+    if (m_manager && !m_waiting.empty())
+        QMetaObject::invokeMethod(m_manager.get(), [this] { startWaiting(); }, Qt::QueuedConnection);
+}
+
+void NetworkTransport::close()
+{
+    m_closed = true;
+    while (!m_waiting.empty())
+        m_waiting.front()->end("the connection is being closed");
+    while (!m_running.empty())
+        (*m_running.begin())->end("the connection is being closed");
+    m_manager.reset();
+}
+
+} // namespace orvane

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Client/HttpTransport.h"
+#include "LocalServer/LocalServerLink.h"
+#include "Session/AuthSession.h"
+
+#include <memory>
+#include <string>
+
+/// The account on this computer: signed in by being this user, through the server's socket.
+namespace orvane {
+
+/// Carries requests to the server on this computer. Before each one the server proves itself at its socket,
+/// and the request goes to the address that it names there, whatever address the caller has; so no token ever
+/// reaches another program that took the port. Used on the network thread.
+class LocalServerTransport final : public HttpTransport {
+public:
+    /// With `start`, a server that is away (it ends when it is idle) is started for the request.
+    LocalServerTransport(std::shared_ptr<LocalServerLink> link, std::shared_ptr<HttpTransport> transport,
+                         bool start);
+
+    Task<Result<HttpResponse, ConnectionError>> send(HttpRequest request, std::string baseUrl) override;
+
+private:
+    std::shared_ptr<LocalServerLink> m_link;
+    std::shared_ptr<HttpTransport> m_transport;
+    bool m_start;
+};
+
+/// Signs in to that account with a fresh one-time code each time. `timeZone` is an IANA name, for an account
+/// that is made by this; `start` as above.
+Reauthenticator localReauthenticator(std::shared_ptr<LocalServerLink> link, std::string timeZone, bool start);
+
+} // namespace orvane

@@ -1,0 +1,216 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "LocalServer/LocalServerLink.h"
+
+#include "Client/NetworkThread.h"
+#include "LocalServer/LocalSocket.h"
+
+#include <QCoreApplication>
+#include <QCoro/QCoroTimer>
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QHostAddress>
+#include <QProcess>
+#include <QUrl>
+#include <cerrno>
+#include <csignal>
+
+namespace orvane {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+LinkError failed(std::string message)
+{
+    return {LinkError::Kind::Failed, std::move(message)};
+}
+
+Task<> pause(milliseconds time)
+{
+    QTimer timer;
+    timer.setSingleShot(true);
+    timer.start(time);
+    co_await timer;
+}
+
+Result<LocalServerHello, LinkError> helloFrom(const LinkAnswer &answer)
+{
+    const QUrl url(QString::fromStdString(answer.address.value_or("")), QUrl::StrictMode);
+    const bool usable = url.isValid() && url.scheme() == QLatin1String("http") && !url.host().isEmpty() &&
+                        url.port() > 0 && url.path().isEmpty() && url.userInfo().isEmpty();
+    if (!usable)
+        return failure(failed("The server on this computer named no address that can be used."));
+    return LocalServerHello{*answer.address, answer.version.value_or(""), answer.pid.value_or(0)};
+}
+
+bool processLives(std::int64_t pid)
+{
+    return ::kill(static_cast<pid_t>(pid), 0) == 0 || errno != ESRCH;
+}
+
+std::string programBeside()
+{
+    return (QCoreApplication::applicationDirPath() + QStringLiteral("/orvane-server")).toStdString();
+}
+
+} // namespace
+
+std::string describe(const LinkError &error)
+{
+    if (error.kind == LinkError::Kind::NotRunning)
+        return "The server on this computer is not running.";
+    return error.message;
+}
+
+ConnectionError connectionError(const LinkError &error)
+{
+    return {describe(error)};
+}
+
+std::shared_ptr<LocalServerLink> LocalServerLink::make(NetworkThread &thread, LocalServerOptions options)
+{
+    options.folder = QDir(QString::fromStdString(options.folder)).absolutePath().toStdString();
+    return std::shared_ptr<LocalServerLink>(new LocalServerLink(thread, std::move(options)));
+}
+
+LocalServerLink::LocalServerLink(NetworkThread &thread, LocalServerOptions options)
+    : m_thread(thread), m_options(std::move(options))
+{
+}
+
+LocalServerLink::~LocalServerLink() = default;
+
+LocalServerLink::Answer<LocalServerHello> LocalServerLink::hello()
+{
+    return m_thread.run([self = shared_from_this()] { return helloHere(self); });
+}
+
+LocalServerLink::Answer<LocalServerHello> LocalServerLink::ensureRunning(milliseconds patience)
+{
+    return m_thread.run([self = shared_from_this(), patience] { return ensureHere(self, patience); });
+}
+
+LocalServerLink::Answer<std::string> LocalServerLink::requestCode(std::string codeChallenge,
+                                                                  std::string timeZone)
+{
+    return m_thread.run([self = shared_from_this(), codeChallenge = std::move(codeChallenge),
+                         timeZone = std::move(timeZone)] { return codeHere(self, codeChallenge, timeZone); });
+}
+
+LocalServerLink::Answer<std::string> LocalServerLink::provenAddress(bool start)
+{
+    return m_thread.run([self = shared_from_this(), start] { return provenHere(self, start); });
+}
+
+LocalServerLink::Answer<LocalServerHello> LocalServerLink::helloHere(Self self)
+{
+    auto socket = co_await LocalSocket::connectTo(self->m_options.folder, self->m_options.stepLimit);
+    if (!socket)
+        co_return failure(std::move(socket.error()));
+    auto answer = co_await LocalSocket::ask(*socket, {.command = "hello"});
+    if (!answer)
+        co_return failure(std::move(answer.error()));
+    auto hello = helloFrom(*answer);
+    if (hello) {
+        self->m_proof = std::move(*socket);
+        self->m_proved = *hello;
+    }
+    co_return std::move(hello);
+}
+
+LocalServerLink::Answer<LocalServerHello> LocalServerLink::ensureHere(Self self, milliseconds patience)
+{
+    auto first = co_await helloHere(self);
+    if (first || first.error().kind != LinkError::Kind::NotRunning)
+        co_return std::move(first);
+    if (self->m_starting) {
+        const auto starting = *self->m_starting;
+        co_return co_await starting;
+    }
+    Pending<HelloResult> starting;
+    self->m_starting = starting;
+    HelloResult result = co_await startAndWait(self, patience);
+    self->m_starting.reset();
+    starting.finish(result);
+    co_return std::move(result);
+}
+
+LocalServerLink::Answer<LocalServerHello> LocalServerLink::startAndWait(Self self, milliseconds patience)
+{
+    constexpr milliseconds interval{10};
+    // A server that ends at once may have found another one that is just starting.
+    constexpr milliseconds graceAfterEnd{1000};
+    const auto pid = self->start();
+    if (!pid)
+        co_return failure(pid.error());
+    QDeadlineTimer deadline(patience);
+    bool ended = false;
+    while (!deadline.hasExpired()) {
+        co_await pause(interval);
+        auto hello = co_await helloHere(self);
+        if (hello || hello.error().kind == LinkError::Kind::Untrusted)
+            co_return std::move(hello);
+        if (!ended && !processLives(*pid)) {
+            ended = true;
+            deadline.setRemainingTime(std::min(deadline.remainingTime(), qint64{graceAfterEnd.count()}));
+        }
+    }
+    co_return failure(
+        LinkError{LinkError::Kind::StartFailed, "The server on this computer did not start. Its log is " +
+                                                    self->m_options.folder + "/server.log."});
+}
+
+Result<std::int64_t, LinkError> LocalServerLink::start() const
+{
+    QProcess process;
+    const std::string program = m_options.program.empty() ? programBeside() : m_options.program;
+    process.setProgram(QString::fromStdString(program));
+    QStringList arguments;
+    for (const std::string &argument :
+         m_options.arguments.value_or(std::vector<std::string>{"--data-dir", m_options.folder}))
+        arguments.append(QString::fromStdString(argument));
+    process.setArguments(arguments);
+    // It keeps the system's time, holds none of our pipes open, and no folder that is to be unmounted.
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove(QStringLiteral("ORVANE_NOW"));
+    process.setProcessEnvironment(environment);
+    process.setStandardInputFile(QProcess::nullDevice());
+    process.setStandardOutputFile(QProcess::nullDevice());
+    process.setStandardErrorFile(QProcess::nullDevice());
+    process.setWorkingDirectory(QStringLiteral("/"));
+    qint64 pid = 0;
+    // Makes a session of its own for it.
+    if (!process.startDetached(&pid))
+        return failure(
+            LinkError{LinkError::Kind::StartFailed, "The server on this computer cannot be started: " +
+                                                        process.errorString().toStdString()});
+    return pid;
+}
+
+LocalServerLink::Answer<std::string> LocalServerLink::codeHere(Self self, std::string codeChallenge,
+                                                               std::string timeZone)
+{
+    auto socket = co_await LocalSocket::connectTo(self->m_options.folder, self->m_options.stepLimit);
+    if (!socket)
+        co_return failure(std::move(socket.error()));
+    auto answer = co_await LocalSocket::ask(
+        *socket,
+        {.command = "code", .codeChallenge = std::move(codeChallenge), .timeZone = std::move(timeZone)});
+    if (!answer)
+        co_return failure(std::move(answer.error()));
+    if (!answer->code)
+        co_return failure(failed("The server on this computer gave no code."));
+    co_return std::move(*answer->code);
+}
+
+LocalServerLink::Answer<std::string> LocalServerLink::provenHere(Self self, bool start)
+{
+    if (self->m_proof && self->m_proof->isOpen())
+        co_return std::string(self->m_proved.address);
+    auto hello = co_await (start ? ensureHere(self, std::chrono::seconds{5}) : helloHere(self));
+    if (!hello)
+        co_return failure(std::move(hello.error()));
+    co_return std::move(hello->address);
+}
+
+} // namespace orvane

@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Client/CallError.h"
+#include "Client/Pending.h"
+#include "Support/Result.h"
+#include "Support/Task.h"
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace orvane {
+
+class LocalSocket;
+class NetworkThread;
+
+struct LinkError {
+    enum class Kind {
+        /// Nobody listens at the socket.
+        NotRunning,
+        /// The server could not be started, or did not answer in time.
+        StartFailed,
+        /// The folder or the process behind the socket is not this user's own. Nothing was sent.
+        Untrusted,
+        /// It did not answer, or not sensibly, or refused.
+        Failed,
+    };
+    Kind kind = Kind::NotRunning;
+    /// For people; empty for NotRunning.
+    std::string message = {};
+
+    bool operator==(const LinkError &) const = default;
+};
+
+std::string describe(const LinkError &error);
+/// What a call to that server fails with when the link does.
+ConnectionError connectionError(const LinkError &error);
+
+/// What the server says about itself. `address` is where its API answers, without a slash at the end.
+struct LocalServerHello {
+    std::string address;
+    std::string version;
+    std::int64_t pid = 0;
+
+    bool operator==(const LocalServerHello &) const = default;
+};
+
+struct LocalServerOptions {
+    /// The server's own data folder. Its socket is run/server.sock below it.
+    std::string folder;
+    /// The program to start; empty for the one beside this program.
+    std::string program = {};
+    /// Instead of the usual ones, which name the folder.
+    std::optional<std::vector<std::string>> arguments = {};
+    /// For each step of a talk: connecting, an answer.
+    std::chrono::milliseconds stepLimit = std::chrono::seconds{2};
+};
+
+/// The way to the server on this computer: its Unix socket, where the operating system vouches for who is on
+/// the other side. Any program can take a port, so nothing secret goes to a port before the server, asked
+/// here, has named it.
+///
+/// Lives on the network thread, which must outlive it; its calls may be made from any thread with an event
+/// loop.
+class LocalServerLink : public std::enable_shared_from_this<LocalServerLink> {
+public:
+    template <class T>
+    using Answer = Task<Result<T, LinkError>>;
+
+    static std::shared_ptr<LocalServerLink> make(NetworkThread &thread, LocalServerOptions options);
+    ~LocalServerLink();
+
+    /// Asks whoever runs now. Starts nothing.
+    Answer<LocalServerHello> hello();
+    /// Starts the server when none runs, detached from this process, and waits until it answers or `patience`
+    /// has passed.
+    Answer<LocalServerHello> ensureRunning(std::chrono::milliseconds patience = std::chrono::seconds{5});
+    /// A one-time code for the account on this computer, bound to a PKCE challenge. `timeZone` is for an
+    /// account that does not exist yet.
+    Answer<std::string> requestCode(std::string codeChallenge, std::string timeZone);
+    /// The address, proved: by a connection to the socket that is still open, else by asking again. While
+    /// that connection is open the server lives, and while it lives nobody else has its port. `start` says
+    /// whether a server that is away is started.
+    Answer<std::string> provenAddress(bool start);
+
+private:
+    using Self = std::shared_ptr<LocalServerLink>;
+    using HelloResult = Result<LocalServerHello, LinkError>;
+
+    LocalServerLink(NetworkThread &thread, LocalServerOptions options);
+
+    static Answer<LocalServerHello> helloHere(Self self);
+    static Answer<LocalServerHello> ensureHere(Self self, std::chrono::milliseconds patience);
+    static Answer<LocalServerHello> startAndWait(Self self, std::chrono::milliseconds patience);
+    static Answer<std::string> codeHere(Self self, std::string codeChallenge, std::string timeZone);
+    static Answer<std::string> provenHere(Self self, bool start);
+    Result<std::int64_t, LinkError> start() const;
+
+    NetworkThread &m_thread;
+    LocalServerOptions m_options;
+    /// The connection of the last hello, and what it said.
+    std::shared_ptr<LocalSocket> m_proof;
+    LocalServerHello m_proved;
+    std::optional<Pending<HelloResult>> m_starting;
+};
+
+} // namespace orvane

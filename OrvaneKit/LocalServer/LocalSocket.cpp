@@ -1,0 +1,194 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "LocalServer/LocalSocket.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+namespace orvane {
+
+namespace {
+
+/// More than any answer takes.
+constexpr qint64 answerLimit = 65536;
+/// What fits a socket's address everywhere.
+constexpr std::size_t shortPath = 100;
+
+LinkError failed(std::string message)
+{
+    return {LinkError::Kind::Failed, std::move(message)};
+}
+
+/// An open descriptor of the folder of the socket, once it is sure that nobody else can put one there.
+Result<int, LinkError> openOwnFolder(const std::string &path)
+{
+    const int descriptor = ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    if (descriptor < 0) {
+        if (errno == ENOENT)
+            return failure(LinkError{LinkError::Kind::NotRunning});
+        return failure(LinkError{LinkError::Kind::Untrusted,
+                                 std::string("The folder of the server's socket: ") + std::strerror(errno)});
+    }
+    struct stat info{};
+    if (::fstat(descriptor, &info) == 0 && info.st_uid == ::geteuid() && (info.st_mode & 0077) == 0)
+        return descriptor;
+    ::close(descriptor);
+    return failure(LinkError{LinkError::Kind::Untrusted,
+                             "The folder of the server's socket is open to other users of this computer."});
+}
+
+bool isOurs(qintptr descriptor)
+{
+#ifdef __linux__
+    struct ucred peer{};
+    socklen_t size = sizeof peer;
+    return ::getsockopt(static_cast<int>(descriptor), SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 &&
+           peer.uid == ::geteuid();
+#else
+    uid_t user = 0;
+    gid_t group = 0;
+    return ::getpeereid(static_cast<int>(descriptor), &user, &group) == 0 && user == ::geteuid();
+#endif
+}
+
+/// A name of the socket that is short enough, where there is one.
+std::optional<std::string> socketPath(const std::string &folder, [[maybe_unused]] int folderDescriptor)
+{
+    const std::string path = folder + "/server.sock";
+    if (path.size() <= shortPath)
+        return path;
+#ifdef __linux__
+    return "/proc/self/fd/" + std::to_string(folderDescriptor) + "/server.sock";
+#else
+    return std::nullopt;
+#endif
+}
+
+LinkError connectError(QLocalSocket::LocalSocketError error, const QString &text)
+{
+    if (error == QLocalSocket::ServerNotFoundError || error == QLocalSocket::ConnectionRefusedError)
+        return {LinkError::Kind::NotRunning};
+    return failed("The server's socket: " + text.toStdString());
+}
+
+} // namespace
+
+LocalSocket::LocalSocket(std::chrono::milliseconds stepLimit) : m_stepLimit(stepLimit)
+{
+    m_timer.setSingleShot(true);
+    connectSignals();
+}
+
+LocalSocket::~LocalSocket()
+{
+    m_socket.disconnect(this);
+    if (m_folderDescriptor >= 0)
+        ::close(m_folderDescriptor);
+}
+
+bool LocalSocket::isOpen() const
+{
+    if (m_socket.state() != QLocalSocket::ConnectedState)
+        return false;
+    char byte = 0;
+    const int descriptor = static_cast<int>(m_socket.socketDescriptor());
+    const auto count = ::recv(descriptor, &byte, 1, MSG_PEEK | MSG_DONTWAIT);
+    return count > 0 || (count < 0 && (errno == EAGAIN || errno == EWOULDBLOCK));
+}
+
+void LocalSocket::connectSignals()
+{
+    connect(&m_timer, &QTimer::timeout, this,
+            [this] { failWith(failed("The server on this computer does not answer.")); });
+    connect(&m_socket, &QLocalSocket::connected, this, [this] {
+        if (m_connecting)
+            m_connecting->finish(std::nullopt);
+    });
+    connect(&m_socket, &QLocalSocket::errorOccurred, this, [this](QLocalSocket::LocalSocketError error) {
+        failWith(connectError(error, m_socket.errorString()));
+    });
+    connect(&m_socket, &QLocalSocket::disconnected, this,
+            [this] { failWith(failed("The server on this computer hung up.")); });
+    connect(&m_socket, &QLocalSocket::readyRead, this, &LocalSocket::readLine);
+}
+
+void LocalSocket::failWith(LinkError error)
+{
+    m_timer.stop();
+    // What waits may let go of this object.
+    const auto connecting = std::exchange(m_connecting, std::nullopt);
+    const auto asking = std::exchange(m_asking, std::nullopt);
+    if (connecting)
+        auto(*connecting).finish(error);
+    if (asking)
+        auto(*asking).finish(failure(error));
+}
+
+Task<LocalSocket::Connected> LocalSocket::connectTo(std::string folder, std::chrono::milliseconds stepLimit)
+{
+    const std::string runFolder = folder + "/run";
+    const auto descriptor = openOwnFolder(runFolder);
+    if (!descriptor)
+        co_return failure(descriptor.error());
+    // Destroyed through the event loop: it may be let go of inside one of its own signals.
+    std::shared_ptr<LocalSocket> self(new LocalSocket(stepLimit),
+                                      [](LocalSocket *socket) { socket->deleteLater(); });
+    self->m_folderDescriptor = *descriptor;
+    const auto path = socketPath(runFolder, *descriptor);
+    if (!path)
+        co_return failure(failed("The path of the server's socket is too long."));
+
+    const Pending<std::optional<LinkError>> connecting;
+    self->m_connecting = connecting;
+    self->m_timer.start(stepLimit);
+    self->m_socket.connectToServer(QString::fromStdString(*path));
+    const auto error = co_await connecting;
+    self->m_timer.stop();
+    self->m_connecting.reset();
+    if (error)
+        co_return failure(LinkError(*error));
+    if (!isOurs(self->m_socket.socketDescriptor())) {
+        self->m_socket.abort();
+        co_return failure(LinkError{LinkError::Kind::Untrusted,
+                                    "The server's socket belongs to another user of this computer."});
+    }
+    co_return std::move(self);
+}
+
+Task<LocalSocket::Answered> LocalSocket::ask(std::shared_ptr<LocalSocket> socket, LinkRequest request)
+{
+    if (!socket->isOpen())
+        co_return failure(failed("The server on this computer hung up."));
+    const Pending<Answered> asking;
+    socket->m_asking = asking;
+    socket->m_timer.start(socket->m_stepLimit);
+    socket->m_socket.write(QByteArray::fromStdString(encodeJson(request) + "\n"));
+    socket->m_socket.flush();
+    co_return co_await asking;
+}
+
+void LocalSocket::readLine()
+{
+    if (!m_asking)
+        return;
+    if (!m_socket.canReadLine()) {
+        if (m_socket.bytesAvailable() >= answerLimit)
+            failWith(failed("The server's socket answers without end."));
+        return;
+    }
+    m_timer.stop();
+    auto asking = *std::exchange(m_asking, std::nullopt);
+    auto answer = decodeJson<LinkAnswer>(m_socket.readLine(answerLimit).toStdString());
+    if (!answer)
+        asking.finish(failure(failed("The server's socket gave an answer that could not be read.")));
+    else if (answer->error)
+        asking.finish(failure(failed(std::move(*answer->error))));
+    else
+        asking.finish(std::move(*answer));
+}
+
+} // namespace orvane

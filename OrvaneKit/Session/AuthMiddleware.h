@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Client/Middleware.h"
+
+namespace orvane {
+
+class AuthSession;
+
+/// Stamps each request with the session's access token. A 401 gets one more try, with a token that was
+/// renewed meanwhile or is renewed now; the second answer stands, whatever it is.
+class AuthMiddleware final : public Middleware {
+public:
+    explicit AuthMiddleware(std::shared_ptr<AuthSession> session) : m_session(std::move(session)) {}
+
+    Task<HttpResult> intercept(HttpRequest request, SendNext next) const override;
+
+private:
+    std::shared_ptr<AuthSession> m_session;
+};
+
+} // namespace orvane

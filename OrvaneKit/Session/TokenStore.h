@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Support/Task.h"
+
+#include <optional>
+#include <string>
+
+namespace orvane {
+
+/// Where refresh tokens are kept. The account is always a server's address, so one store serves several
+/// servers. A store has no failures to report: what cannot be read is not there. Used on one thread, the
+/// network thread.
+class TokenStore {
+public:
+    TokenStore() = default;
+    TokenStore(const TokenStore &) = delete;
+    TokenStore &operator=(const TokenStore &) = delete;
+    virtual ~TokenStore() = default;
+
+    virtual Task<std::optional<std::string>> read(std::string account) = 0;
+    /// Replaces what was there.
+    virtual Task<> write(std::string value, std::string account) = 0;
+    /// It is no error when there is nothing.
+    virtual Task<> remove(std::string account) = 0;
+};
+
+} // namespace orvane
