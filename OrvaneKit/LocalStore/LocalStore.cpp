@@ -1,0 +1,253 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "LocalStore/LocalStore.h"
+
+#include <QLoggingCategory>
+#include <QUrl>
+#include <array>
+#include <csignal>
+#include <filesystem>
+
+namespace orvane {
+
+namespace {
+
+Q_LOGGING_CATEGORY(storeLog, "orvane.store")
+
+const std::string selectDocument = "SELECT value FROM document WHERE key = ?";
+const std::string upsertDocument = "INSERT INTO document (key, value) VALUES (?, ?) "
+                                   "ON CONFLICT(key) DO UPDATE SET value = excluded.value";
+const std::string deleteDocument = "DELETE FROM document WHERE key = ?";
+const std::string selectOutbox = "SELECT seq, change FROM outbox ORDER BY seq";
+const std::string insertChange = "INSERT INTO outbox (change, created_at) VALUES (?, ?)";
+const std::string updateChange = "UPDATE outbox SET change = ? WHERE seq = ?";
+const std::string deleteChange = "DELETE FROM outbox WHERE seq = ?";
+
+double secondsNow()
+{
+    return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
+}
+
+/// Letters, digits, "-" and "." stay; every other character becomes "_".
+QString safe(const QString &text)
+{
+    QString out;
+    for (const char32_t c : text.toUcs4()) {
+        if (QChar::isLetter(c) || QChar::isDigit(c) || c == U'-' || c == U'.')
+            out += QStringView(QChar::fromUcs4(c));
+        else
+            out += QLatin1Char('_');
+    }
+    return out;
+}
+
+/// A write beyond the limit on the size of files then fails on this thread instead of ending the process.
+void refuseSignalsOfLimits()
+{
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGXFSZ);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+}
+
+bool exists(const std::string &path)
+{
+    std::error_code ignored;
+    return std::filesystem::exists(path, ignored);
+}
+
+} // namespace
+
+LocalStore::LocalStore()
+{
+    m_pool.setMaxThreadCount(1);
+    m_pool.setExpiryTimeout(-1);
+    m_pool.start(&refuseSignalsOfLimits);
+}
+
+LocalStore::~LocalStore()
+{
+    // Closed where it was used: closing may write too.
+    m_pool.start([this] { m_connection.reset(); });
+    m_pool.waitForDone();
+}
+
+Task<LocalStore::Opened> LocalStore::open(std::string path, StoreOptions options)
+{
+    return openAt(std::move(path), options);
+}
+
+Task<LocalStore::Opened> LocalStore::openInMemory()
+{
+    return openAt(std::nullopt, {});
+}
+
+Task<LocalStore::Opened> LocalStore::openAt(std::optional<std::string> path, StoreOptions options)
+{
+    // Absolute, so that no name of a file means something else to SQLite (":memory:", "file:...", "").
+    if (path) {
+        std::error_code error;
+        const std::filesystem::path absolute = std::filesystem::absolute(*path, error);
+        if (error)
+            co_return Opened(failure(StoreError{StoreError::Kind::CannotOpen, error.message(), *path}));
+        path = absolute.string();
+    }
+    const std::shared_ptr<LocalStore> store(new LocalStore);
+    LocalStore *const self = store.get();
+    const StoreStatus opened = co_await runOn(store->m_pool, [self, path = std::move(path), options] {
+        return Connection::open(path, options).map([self](std::unique_ptr<Connection> connection) {
+            self->m_connection = std::move(connection);
+        });
+    });
+    if (!opened)
+        co_return Opened(failure(opened.error()));
+    co_return Opened(store);
+}
+
+Task<StoreStatus> LocalStore::remove(std::string key)
+{
+    return runOn(m_pool, [this, key = std::move(key)] {
+        return m_connection->run(deleteDocument, std::array<Value, 1>{key});
+    });
+}
+
+Task<std::vector<PendingChange>> LocalStore::pending()
+{
+    return runOn(m_pool, [this] { return readPending(); });
+}
+
+Task<Result<std::int64_t, StoreError>> LocalStore::enqueue(EntryChange change)
+{
+    return runOn(m_pool, [this, change = std::move(change)] { return enqueueOn(*m_connection, change); });
+}
+
+Result<std::int64_t, StoreError> LocalStore::enqueueOn(Connection &connection, const EntryChange &change)
+{
+    const std::array<Value, 2> values{StoreBlob{encodeJson(change, style)}, secondsNow()};
+    return connection.run(insertChange, values).map([&connection] { return connection.lastInsertedRow(); });
+}
+
+Task<StoreStatus> LocalStore::replace(std::int64_t seq, EntryChange change)
+{
+    return runOn(m_pool, [this, seq, change = std::move(change)] { return replaceNow(seq, change); });
+}
+
+Task<StoreStatus> LocalStore::dequeue(std::int64_t seq)
+{
+    return runOn(m_pool, [this, seq] { return dequeueNow(seq); });
+}
+
+Task<StoreStatus> LocalStore::dequeueAndReplace(std::int64_t seq, std::vector<PendingChange> replaced)
+{
+    return runOn(m_pool, [this, seq, replaced = std::move(replaced)] {
+        if (replaced.empty())
+            return dequeueNow(seq);
+        return m_connection->transaction([&] {
+            StoreStatus status = dequeueNow(seq);
+            for (const PendingChange &row : replaced)
+                status = status.and_then([&] { return replaceNow(row.seq, row.change); });
+            return status;
+        });
+    });
+}
+
+Task<Result<LocalStore::Rows, StoreError>> LocalStore::query(std::string sql, std::vector<Value> values)
+{
+    return runOn(m_pool, [this, sql = std::move(sql), values = std::move(values)] {
+        Rows rows;
+        const auto keep = [&rows](const Connection::Row &row) {
+            std::vector<Value> &columns = rows.emplace_back();
+            for (int column = 0; column < row.size(); ++column)
+                columns.push_back(row.value(column));
+        };
+        return m_connection->run(sql, values, keep).map([&rows] { return std::move(rows); });
+    });
+}
+
+StoreStatus LocalStore::saveText(std::string key, std::string text)
+{
+    return m_connection->run(upsertDocument,
+                             std::array<Value, 2>{std::move(key), StoreBlob{std::move(text)}});
+}
+
+StoreStatus LocalStore::replaceNow(std::int64_t seq, const EntryChange &change)
+{
+    return m_connection->run(updateChange, std::array<Value, 2>{StoreBlob{encodeJson(change, style)}, seq});
+}
+
+StoreStatus LocalStore::dequeueNow(std::int64_t seq)
+{
+    return m_connection->run(deleteChange, std::array<Value, 1>{seq});
+}
+
+std::vector<PendingChange> LocalStore::readPending()
+{
+    std::vector<PendingChange> changes;
+    std::size_t unreadable = 0;
+    const auto keep = [&](const Connection::Row &row) {
+        const std::optional<std::int64_t> seq = row.integer(0);
+        const std::optional<std::string_view> text = row.blob(1);
+        if (seq && text) {
+            if (Result<EntryChange, JsonError> change = decodeJson<EntryChange>(*text, reading)) {
+                changes.emplace_back(*seq, std::move(*change));
+                return;
+            }
+        }
+        ++unreadable;
+    };
+    const StoreStatus status = m_connection->run(selectOutbox, {}, keep);
+    if (unreadable > 0)
+        qCWarning(storeLog) << unreadable << "queued changes cannot be read and stay where they are";
+    if (!status) {
+        qCWarning(storeLog) << "the queue cannot be read:" << status.error().message.c_str();
+        return {};
+    }
+    return changes;
+}
+
+void LocalStore::readDocument(const std::string &key, const std::function<bool(std::string_view)> &decode)
+{
+    const auto read = [&](const Connection::Row &row) {
+        const std::optional<std::string_view> text = row.blob(0);
+        if (!text || !decode(*text))
+            qCWarning(storeLog) << "a document cannot be read and counts as absent";
+    };
+    const StoreStatus status = m_connection->run(selectDocument, std::array<Value, 1>{key}, read);
+    if (!status)
+        qCWarning(storeLog) << "a document cannot be read:" << status.error().message.c_str();
+}
+
+std::string LocalStore::fileName(const std::string &server, const std::string &account)
+{
+    const QUrl address(QString::fromStdString(server));
+    QString name = address.host().isEmpty() ? QStringLiteral("server") : address.host();
+    if (address.port() >= 0)
+        name += QLatin1Char('-') + QString::number(address.port());
+    name += QLatin1Char('-') + QString::fromStdString(account);
+    return (safe(name) + QStringLiteral(".sqlite")).toStdString();
+}
+
+std::string LocalStore::filePath(const std::string &root, const std::string &server,
+                                 const std::string &account)
+{
+    return (std::filesystem::path(root) / fileName(server, account)).string();
+}
+
+StoreStatus LocalStore::moveStore(const std::string &from, const std::string &to)
+{
+    // The changes beside one store would be played into the other.
+    if (exists(from) && exists(to))
+        return {};
+    for (const char *suffix : {"", "-wal", "-shm"}) {
+        const std::string source = from + suffix;
+        const std::string target = to + suffix;
+        if (!exists(source) || exists(target))
+            continue;
+        std::error_code error;
+        std::filesystem::rename(source, target, error);
+        if (error)
+            return failure(StoreError{StoreError::Kind::CannotOpen, error.message(), source});
+    }
+    return {};
+}
+
+} // namespace orvane

@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Catalog/EntryChange.h"
+#include "LocalStore/Connection.h"
+#include "Support/AsyncHop.h"
+#include "Support/Json.h"
+
+#include <QThreadPool>
+#include <memory>
+
+namespace orvane {
+
+/// A change in the queue, under the number that gives its order. Numbers only grow and are never reused.
+struct PendingChange {
+    std::int64_t seq = 0;
+    EntryChange change;
+
+    bool operator==(const PendingChange &) const = default;
+};
+
+/// What must survive between runs, in one SQLite file per server and account: documents by key, so that
+/// screens open with data before the server answers, and the queue of changes that the server has not
+/// accepted yet.
+///
+/// Owned by whoever keeps the signed-in account. Calls may come from any thread with an event loop, which the
+/// answer comes back to; they run one at a time on the store's own thread, in the order in which they were
+/// made. A call that answered without an error is on the disk, whatever happens to the process or the power.
+/// Several processes may hold one file open. The destructor waits for the calls under way.
+class LocalStore {
+public:
+    using Value = StoreValue;
+    using Rows = std::vector<std::vector<Value>>;
+    using Opened = Result<std::shared_ptr<LocalStore>, StoreError>;
+
+    /// Opens the file at `path`, creating it (mode 0600) and its folders (0700) when missing. A file that
+    /// cannot be used is an error and stays as it is.
+    static Task<Opened> open(std::string path, StoreOptions options = {});
+    /// The same store without a file.
+    static Task<Opened> openInMemory();
+    LocalStore(const LocalStore &) = delete;
+    LocalStore &operator=(const LocalStore &) = delete;
+    ~LocalStore();
+
+    /// The document under a key; nothing when there is none, or when it cannot be read as a T.
+    template <class T>
+    Task<std::optional<T>> load(std::string key);
+    template <class T>
+    Task<StoreStatus> save(std::string key, T document);
+    Task<StoreStatus> remove(std::string key);
+
+    /// The queue in order. Rows that do not hold a change are left out and stay in the file; when the queue
+    /// cannot be read at all it reads as empty. Both are logged.
+    Task<std::vector<PendingChange>> pending();
+    /// Adds a change to the end of the queue and answers its number.
+    Task<Result<std::int64_t, StoreError>> enqueue(EntryChange change);
+    Task<StoreStatus> replace(std::int64_t seq, EntryChange change);
+    Task<StoreStatus> dequeue(std::int64_t seq);
+    /// Takes an accepted change out and puts new content into rows still queued, all of it or nothing.
+    Task<StoreStatus> dequeueAndReplace(std::int64_t seq, std::vector<PendingChange> replaced);
+
+    /// Runs one statement with `values` bound to its parameters 1…n and answers its rows.
+    Task<Result<Rows, StoreError>> query(std::string sql, std::vector<Value> values);
+
+    /// Runs `work(Connection &)` on the store's thread inside one transaction and answers what it answers, a
+    /// Result with a StoreError; an error rolls back.
+    template <class Work>
+    auto transact(Work work) -> Task<std::invoke_result_t<Work, Connection &>>;
+    /// The same outside a transaction, for reading.
+    template <class Work>
+    auto inspect(Work work) -> Task<std::invoke_result_t<Work, Connection &>>;
+    /// Adds a change to the end of the queue, for use inside `transact`.
+    static Result<std::int64_t, StoreError> enqueueOn(Connection &connection, const EntryChange &change);
+
+    /// "HOST-PORT-ACCOUNT.sqlite" for the server's address and the account's identifier; without the port
+    /// where the address names none.
+    static std::string fileName(const std::string &server, const std::string &account);
+    static std::string filePath(const std::string &root, const std::string &server,
+                                const std::string &account);
+    /// Moves a store that nobody has open, with the files that SQLite keeps beside it. Never overwrites: when
+    /// both paths hold a store, both stay. A move that was cut short is taken up by the next call. Blocks.
+    static StoreStatus moveStore(const std::string &from, const std::string &to);
+
+private:
+    LocalStore();
+    static Task<Opened> openAt(std::optional<std::string> path, StoreOptions options);
+
+    StoreStatus saveText(std::string key, std::string text);
+    StoreStatus replaceNow(std::int64_t seq, const EntryChange &change);
+    StoreStatus dequeueNow(std::int64_t seq);
+    std::vector<PendingChange> readPending();
+    /// Calls back with the document's text, if there is one.
+    void readDocument(const std::string &key, const std::function<bool(std::string_view)> &decode);
+
+    static constexpr JsonReading reading{.dates = DateCoding::SecondsSince2001};
+    static constexpr JsonStyle style{.dates = DateCoding::SecondsSince2001};
+
+    std::unique_ptr<Connection> m_connection; ///< touched on m_pool only
+    QThreadPool m_pool;                       ///< one thread; the last member, so that it ends first
+};
+
+// The jobs below hold plain pointers to the store: its destructor waits for them, and one that held the last
+// reference would make the pool wait for itself.
+
+template <class T>
+Task<std::optional<T>> LocalStore::load(std::string key)
+{
+    return runOn(m_pool, [this, key = std::move(key)] {
+        std::optional<T> document;
+        readDocument(key, [&](std::string_view text) {
+            Result<T, JsonError> decoded = decodeJson<T>(text, reading);
+            if (decoded)
+                document = std::move(*decoded);
+            return document.has_value();
+        });
+        return document;
+    });
+}
+
+template <class T>
+Task<StoreStatus> LocalStore::save(std::string key, T document)
+{
+    return runOn(m_pool, [this, key = std::move(key), document = std::move(document)]() mutable {
+        return saveText(std::move(key), encodeJson(document, style));
+    });
+}
+
+template <class Work>
+auto LocalStore::transact(Work work) -> Task<std::invoke_result_t<Work, Connection &>>
+{
+    using Answer = std::invoke_result_t<Work, Connection &>;
+    return runOn(m_pool, [this, work = std::move(work)]() mutable -> Answer {
+        std::optional<Answer> answer;
+        const StoreStatus committed = m_connection->transaction([&]() -> StoreStatus {
+            answer.emplace(work(*m_connection));
+            return *answer ? StoreStatus{} : StoreStatus{failure(answer->error())};
+        });
+        if (!committed)
+            return failure(committed.error());
+        return std::move(*answer);
+    });
+}
+
+template <class Work>
+auto LocalStore::inspect(Work work) -> Task<std::invoke_result_t<Work, Connection &>>
+{
+    return runOn(m_pool, [this, work = std::move(work)]() mutable { return work(*m_connection); });
+}
+
+} // namespace orvane
