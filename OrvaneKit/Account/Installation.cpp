@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Account/Installation.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSettings>
+#include <QStandardPaths>
+#include <QUrl>
+#include <filesystem>
+
+namespace orvane {
+
+namespace {
+
+std::string rootFor(const std::string &folder)
+{
+    const QString place = folder.empty()
+                              ? QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
+                                    QStringLiteral("/Orvane")
+                              : QDir(QString::fromStdString(folder)).absolutePath();
+    return place.toStdString();
+}
+
+/// A key as it stands in the settings file: an address holds "/" and ":", which that format takes for
+/// structure.
+QString encoded(const std::string &key)
+{
+    return QString::fromLatin1(QUrl::toPercentEncoding(QString::fromStdString(key)));
+}
+
+} // namespace
+
+Installation::Installation(const std::string &folder)
+    : m_root(rootFor(folder)), m_hasOwnFolder(!folder.empty())
+{
+}
+
+Installation::~Installation() = default;
+
+bool Installation::makeFolder(std::string &problem) const
+{
+    std::error_code error;
+    if (std::filesystem::is_directory(m_root, error))
+        return true;
+    std::filesystem::create_directories(m_root, error);
+    if (!error)
+        std::filesystem::permissions(m_root, std::filesystem::perms::owner_all, error);
+    if (error)
+        problem = "The folder " + m_root + " cannot be made: " + error.message() + ".";
+    return !error;
+}
+
+QSettings &Installation::settings() const
+{
+    if (!m_settings)
+        m_settings = std::make_unique<QSettings>(QString::fromStdString(m_root + "/settings.ini"),
+                                                 QSettings::IniFormat);
+    return *m_settings;
+}
+
+std::optional<std::string> Installation::value(const std::string &key) const
+{
+    const QVariant value = settings().value(encoded(key));
+    return value.isValid() ? std::optional{value.toString().toStdString()} : std::nullopt;
+}
+
+void Installation::setValue(const std::string &key, const std::optional<std::string> &value)
+{
+    if (this->value(key) == value)
+        return;
+    if (value)
+        settings().setValue(encoded(key), QString::fromStdString(*value));
+    else
+        settings().remove(encoded(key));
+    settings().sync();
+    QFile::setPermissions(settings().fileName(), QFile::ReadOwner | QFile::WriteOwner);
+}
+
+std::optional<std::string> Installation::currentServer() const
+{
+    return value("server");
+}
+
+void Installation::setCurrentServer(const std::optional<std::string> &address)
+{
+    setValue("server", address);
+}
+
+std::optional<std::string> Installation::localServer() const
+{
+    return value("localServer");
+}
+
+void Installation::setLocalServer(const std::string &address)
+{
+    setValue("localServer", address);
+}
+
+std::optional<std::string> Installation::account(const std::string &server) const
+{
+    return value("account:" + server);
+}
+
+void Installation::setAccount(const std::string &server, const std::optional<std::string> &account)
+{
+    setValue("account:" + server, account);
+}
+
+std::optional<std::string> Installation::workspace(const std::string &server,
+                                                   const std::string &account) const
+{
+    return value("workspace:" + account + "@" + server);
+}
+
+void Installation::setWorkspace(const std::string &server, const std::string &account,
+                                const std::string &workspace)
+{
+    setValue("workspace:" + account + "@" + server, workspace);
+}
+
+} // namespace orvane

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+class QSettings;
+
+namespace orvane {
+
+/// Where one installation keeps its files, and its small settings. The default installation lives in the
+/// platform's place for application data; a folder of its own (`--data-dir`) is an installation of its own.
+/// Folders are made 0700. Used from the main thread.
+class Installation {
+public:
+    /// Empty: the platform's place.
+    explicit Installation(const std::string &folder = {});
+    ~Installation();
+
+    const std::string &root() const { return m_root; }
+    bool hasOwnFolder() const { return m_hasOwnFolder; }
+    /// Makes the folder, for its user alone, when it is missing; on failure `problem` is a sentence for the
+    /// user.
+    bool makeFolder(std::string &problem) const;
+    std::string serverFolder() const { return m_root + "/server"; }
+
+    /// The server signed in to; none before the first sign-in (then it is the one on this computer).
+    std::optional<std::string> currentServer() const;
+    void setCurrentServer(const std::optional<std::string> &address);
+    /// The last known address of the server on this computer.
+    std::optional<std::string> localServer() const;
+    void setLocalServer(const std::string &address);
+
+    std::optional<std::string> account(const std::string &server) const;
+    void setAccount(const std::string &server, const std::optional<std::string> &account);
+    std::optional<std::string> workspace(const std::string &server, const std::string &account) const;
+    void setWorkspace(const std::string &server, const std::string &account, const std::string &workspace);
+
+private:
+    QSettings &settings() const;
+    std::optional<std::string> value(const std::string &key) const;
+    void setValue(const std::string &key, const std::optional<std::string> &value);
+
+    std::string m_root;
+    bool m_hasOwnFolder;
+    mutable std::unique_ptr<QSettings> m_settings;
+};
+
+} // namespace orvane

@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Catalog/EntryChange.h"
+#include "Client/CallError.h"
+#include "LocalStore/LocalStore.h"
+#include "OrvaneAPI/Schemas.h"
+#include "Outbox/Refusal.h"
+#include "Support/FileLock.h"
+#include "Support/RetryTimer.h"
+#include "Support/Task.h"
+
+#include <QObject>
+#include <functional>
+#include <map>
+#include <memory>
+#include <variant>
+#include <vector>
+
+namespace orvane {
+
+class OrvaneClient;
+
+/// The queue of changes that the server has not yet answered for good. A change is stored before anything
+/// else happens to it, is sent in the order in which it was queued, and leaves the queue only when the server
+/// has accepted or refused it.
+///
+/// Owner: the signed-in account. Thread: the main thread. Several processes may hold an outbox on one store:
+/// a lock file lets one of them send at a time, and the row to send is read anew before each send, so no
+/// change is sent twice and none is forgotten.
+class Outbox final : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(bool isOffline READ isOffline NOTIFY isOfflineChanged)
+
+public:
+    /// One queued change. `conflict` is the server's current entry once the server has reported that the
+    /// entry was changed elsewhere; it lives in memory only.
+    struct Pending {
+        std::int64_t seq = 0;
+        EntryChange change;
+        std::optional<TimeEntryResponse> conflict;
+    };
+
+    /// What became of one submitted change.
+    struct Sent {
+        /// The entry as the server answered; none for a delete, or when another process sent the change.
+        std::optional<TimeEntryResponse> entry;
+    };
+    struct Rejected {
+        CallError error;
+    };
+    /// Still in the outbox: the server is away, or the user has a conflict to settle.
+    struct Queued {};
+    using Outcome = std::variant<Sent, Rejected, Queued>;
+
+    /// Says whether the queue may be sent: nothing (it may), or why not. A failed check counts as an
+    /// unreachable server.
+    struct NotOurs {};
+    using SendCheck = std::function<Task<std::variant<std::monostate, CallError, NotOurs>>()>;
+
+    struct Parts {
+        std::shared_ptr<OrvaneClient> api;
+        std::shared_ptr<LocalStore> store;
+        /// Empty path: no other process can have this store.
+        std::string lockPath;
+        /// Null: a system timer.
+        std::unique_ptr<RetryTimer> retry;
+        /// Asked at the start of each pass; empty: always.
+        SendCheck mayBeSent;
+        /// How long a pass waits for another process that is sending.
+        std::chrono::milliseconds lockPatience{60'000};
+    };
+
+    /// Makes the outbox and reads the stored queue. Nothing is sent before the first `submit` or `flush`.
+    static Task<std::unique_ptr<Outbox>> make(Parts parts);
+    ~Outbox() override;
+
+    /// Stores the change, starts a pass and answers what became of the change. The error is the store's: then
+    /// the change was not taken at all.
+    Task<Result<Outcome, StoreError>> submit(EntryChange change);
+    /// The same for changes that belong together: all are stored in one transaction, or none. Answers their
+    /// outcomes in order.
+    Task<Result<std::vector<Outcome>, StoreError>> submit(std::vector<EntryChange> changes);
+    /// A pass over the whole queue; when one runs already, waits for its end.
+    Task<> flush();
+    /// Ends a running pass after the request in flight and schedules nothing more; every waiting caller is
+    /// answered.
+    Task<> close();
+
+    const std::vector<Pending> &pending() const { return m_pending; }
+    std::vector<EntryChange> changes() const;
+    std::vector<Pending> conflicts() const;
+    bool isOffline() const { return m_isOffline; }
+    bool isFlushing() const { return m_isFlushing; }
+    /// True when the last pass was held back because the server says this is another account than the
+    /// store's.
+    bool isHeldBack() const { return m_isHeldBack; }
+
+    /// Settles a conflict with the user's change: it is made anew against the server's current version. False
+    /// when no conflict has that number.
+    Task<Result<bool, StoreError>> keepMine(std::int64_t seq);
+    /// Settles a conflict by dropping the user's change.
+    Task<Result<bool, StoreError>> keepTheirs(std::int64_t seq);
+
+    /// Refusals that nobody was waiting for and that have not been shown yet, oldest first; they survive
+    /// restarts.
+    Task<std::vector<Refusal>> unshownRefusals();
+    Task<StoreStatus> markShown(std::vector<Refusal> refusals);
+
+    /// The handlers through which outcomes reach the tracker.
+    std::function<void(const Pending &, const std::optional<TimeEntryResponse> &)> onSent;
+    std::function<void(const Pending &, const CallError &, bool callerWaits)> onRejected;
+    std::function<void(const Pending &, const TimeEntryResponse &current)> onConflict;
+
+Q_SIGNALS:
+    void pendingChanged();
+    void isOfflineChanged();
+    void passEnded();
+
+private:
+    using Answer = std::function<void(Outcome)>;
+    enum class Step { GoOn, Stop };
+
+    explicit Outbox(Parts parts);
+    Task<> pass();
+    Task<bool> waitForTurn(std::shared_ptr<FileLock> lock);
+    Task<> sendAll();
+    Task<bool> isAllowed();
+    Task<Step> sendOne(Pending row);
+    Task<Result<std::optional<TimeEntryResponse>, CallError>> deliver(EntryChange change);
+    Task<Step> handleAccepted(Pending row, std::optional<TimeEntryResponse> entry);
+    Task<Step> handleFailure(Pending row, CallError error);
+    Task<Step> handleRefusal(Pending row, CallError error);
+    Step handleConflict(Pending row, const TimeEntryResponse &current);
+    void handleTransient();
+    void stopForStore(const StoreError &error);
+    Task<> catchUp(std::int64_t after, std::int64_t before);
+    void reportSettledElsewhere(const Pending &row, const std::vector<Refusal> &refusals);
+    bool isBlocked(const Pending &row) const;
+    Pending *find(std::int64_t seq);
+    Pending adopt(Pending row);
+    void remove(std::int64_t seq);
+    void resume(std::int64_t seq, const Outcome &outcome);
+    void resumeAllQueued();
+    void scheduleRetry();
+    void setOffline(bool isOffline);
+
+    Parts m_parts;
+    std::vector<Pending> m_pending;
+    std::map<std::int64_t, Answer> m_waiters;
+    std::optional<std::int64_t> m_sending;
+    bool m_isOffline = false;
+    bool m_isFlushing = false;
+    bool m_isHeldBack = false;
+    bool m_isClosing = false;
+    int m_failures = 0;
+};
+
+} // namespace orvane

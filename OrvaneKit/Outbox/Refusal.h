@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Catalog/EntryChange.h"
+#include "Support/Instant.h"
+#include "Support/Json.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace orvane {
+
+/// A change that the server refused for good while nobody waited for it. It is kept, whole, until it has been
+/// shown.
+struct Refusal {
+    std::int64_t seq = 0;
+    EntryChange change;
+    /// The server's reason, ready to show.
+    std::string message;
+    std::int64_t status = 0;
+
+    bool operator==(const Refusal &) const = default;
+};
+
+/// The store's document of refusals not yet shown.
+struct RefusalDocument {
+    static constexpr const char *key = "refusals";
+    std::vector<Refusal> refusals;
+};
+
+template <>
+struct JsonFields<Refusal> {
+    static constexpr auto list =
+        std::tuple{jsonField<"seq">(&Refusal::seq), jsonField<"change">(&Refusal::change),
+                   jsonField<"message">(&Refusal::message), jsonField<"status">(&Refusal::status)};
+};
+
+template <>
+struct JsonFields<RefusalDocument> {
+    static constexpr auto list = std::tuple{jsonField<"refusals">(&RefusalDocument::refusals)};
+};
+
+} // namespace orvane

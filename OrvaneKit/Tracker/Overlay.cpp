@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Tracker/Overlay.h"
+
+#include "Catalog/EntryConversions.h"
+
+#include <algorithm>
+#include <tuple>
+#include <unordered_map>
+
+namespace orvane {
+
+namespace {
+
+/// The entries while changes are applied: by place, with an index so that many changes stay cheap.
+class Pile {
+public:
+    explicit Pile(std::vector<TimeEntryResponse> entries)
+    {
+        m_entries.reserve(entries.size());
+        for (TimeEntryResponse &entry : entries)
+            add(std::move(entry));
+    }
+
+    void add(TimeEntryResponse entry)
+    {
+        if (m_places.try_emplace(entry.id, m_entries.size()).second)
+            m_entries.emplace_back(std::move(entry));
+    }
+
+    std::optional<TimeEntryResponse> *find(const std::string &id)
+    {
+        const auto place = m_places.find(id);
+        return place == m_places.end() || !m_entries[place->second] ? nullptr : &m_entries[place->second];
+    }
+
+    void endRunning(Instant at)
+    {
+        for (auto &entry : m_entries) {
+            if (entry && !entry->stop)
+                entry->stop = std::max(at, entry->start);
+        }
+    }
+
+    std::vector<TimeEntryResponse> take()
+    {
+        std::vector<TimeEntryResponse> entries;
+        for (auto &entry : m_entries) {
+            if (entry)
+                entries.push_back(std::move(*entry));
+        }
+        return entries;
+    }
+
+private:
+    std::vector<std::optional<TimeEntryResponse>> m_entries;
+    std::unordered_map<std::string, std::size_t> m_places;
+};
+
+void applyCreate(Pile &pile, const EntryChange::Create &create)
+{
+    if (pile.find(create.id) != nullptr)
+        return;
+    if (!create.request.stop)
+        pile.endRunning(create.request.start);
+    pile.add(entryResponse(create.request, create.id, create.workspaceId));
+}
+
+} // namespace
+
+std::optional<TimeEntryResponse> applied(const EntryChange &change, TimeEntryResponse entry)
+{
+    if (const auto *update = std::get_if<EntryChange::Update>(&change.action)) {
+        TimeEntryResponse changed = entryResponse(update->request, entry.id, entry.workspaceId);
+        changed.version = std::move(entry.version);
+        return changed;
+    }
+    if (const auto *stop = std::get_if<EntryChange::Stop>(&change.action))
+        entry.stop = stop->at;
+    else if (std::holds_alternative<EntryChange::Delete>(change.action))
+        return std::nullopt;
+    return entry;
+}
+
+ShownEntries overlay(std::vector<TimeEntryResponse> serverEntries,
+                     std::optional<TimeEntryResponse> serverRunning, std::span<const EntryChange> changes,
+                     const std::string &workspaceId)
+{
+    Pile pile(std::move(serverEntries));
+    if (serverRunning)
+        pile.add(std::move(*serverRunning));
+    for (const EntryChange &change : changes) {
+        if (const auto *create = std::get_if<EntryChange::Create>(&change.action)) {
+            if (create->workspaceId == workspaceId || !create->request.stop)
+                applyCreate(pile, *create);
+        } else if (auto *entry = pile.find(change.entryId())) {
+            *entry = applied(change, std::move(**entry));
+        }
+    }
+    ShownEntries shown{pile.take(), std::nullopt};
+    std::ranges::sort(shown.entries, std::ranges::greater{},
+                      [](const TimeEntryResponse &entry) { return std::tie(entry.start, entry.id); });
+    const auto running = std::ranges::find_if(
+        shown.entries, [](const TimeEntryResponse &entry) { return !entry.stop.has_value(); });
+    if (running != shown.entries.end())
+        shown.running = *running;
+    std::erase_if(shown.entries,
+                  [&](const TimeEntryResponse &entry) { return entry.workspaceId != workspaceId; });
+    return shown;
+}
+
+} // namespace orvane

@@ -1,0 +1,230 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What the user does: each action checks the rules that need no server, and hands its changes to the outbox.
+#include "Tracker/Tracker.h"
+
+#include "Catalog/EntryConversions.h"
+#include "Time/AppClock.h"
+#include "Tracker/Overlay.h"
+
+#include <QPointer>
+#include <QUuid>
+#include <algorithm>
+#include <numeric>
+
+namespace orvane {
+
+namespace {
+
+/// How far back "continue" looks for an entry.
+constexpr int weeksSearched = 8;
+
+std::string newIdentifier()
+{
+    return QUuid::createUuid().toString(QUuid::WithoutBraces).toStdString();
+}
+
+/// Without a version (an entry that another process sent, not fetched since) a change is made
+/// unconditionally.
+std::optional<std::string> versionOf(const TimeEntryResponse &entry)
+{
+    return entry.version.empty() ? std::nullopt : std::optional{entry.version};
+}
+
+EntryChange stopChange(const TimeEntryResponse &running, Instant at)
+{
+    return EntryChange{EntryChange::Stop{at, running.id, running.workspaceId, versionOf(running)}};
+}
+
+constexpr const char *stopNeedsDetails = "Add the details this workspace requires to stop the timer.";
+
+} // namespace
+
+SaveResult Tracker::refusedHere(SaveOutcome outcome, std::string message) const
+{
+    return {.outcome = outcome, .isQueued = false, .entry = {}, .message = std::move(message), .error = {}};
+}
+
+/// The refusal that the server would give as well, where that can be known here.
+std::optional<SaveResult> Tracker::checkRules(const EntryRequest &request) const
+{
+    if (!isAcceptable(request.start) || (request.stop && !isAcceptable(*request.stop)))
+        return refusedHere(SaveOutcome::rejected, "That time is out of range.");
+    if (request.stop && *request.stop < request.start)
+        return refusedHere(SaveOutcome::rejected, "The end must not be before the start.");
+    const auto &shares = request.details.shares;
+    const auto sum =
+        std::accumulate(shares.begin(), shares.end(), std::int64_t{0},
+                        [](std::int64_t total, const SplitPart &part) { return total + part.percent; });
+    if (!shares.empty() && sum != 100)
+        return refusedHere(SaveOutcome::rejected, "The shares of a split entry must add up to 100 percent.");
+    if (!m_settings)
+        return std::nullopt;
+    const EntryRules rules = this->rules();
+    if (rules.isLocked(request.start))
+        return refusedHere(SaveOutcome::rejected,
+                           "Time before " +
+                               m_parts.time.dayTitle(m_parts.time.dayKey(*m_settings->lockedBefore)) +
+                               " is locked in this workspace.");
+    if (request.stop && !rules.missing(request.details).empty())
+        return refusedHere(SaveOutcome::needsDetails, "Add the details this workspace requires.");
+    return std::nullopt;
+}
+
+Task<SaveResult> Tracker::submit(std::vector<EntryChange> changes, std::string id, SaveOutcome whenDone)
+{
+    const QPointer<Tracker> self(this);
+    auto outcomes = co_await m_parts.outbox->submit(std::move(changes));
+    if (!outcomes)
+        co_return refusedHere(SaveOutcome::failed, describe(outcomes.error()));
+    if (!self)
+        co_return refusedHere(SaveOutcome::waiting, {});
+    SaveResult result{.outcome = whenDone, .isQueued = false, .entry = entry(id), .message = {}, .error = {}};
+    for (const Outbox::Outcome &outcome : *outcomes) {
+        if (const auto *rejected = std::get_if<Outbox::Rejected>(&outcome)) {
+            result.error = rejected->error;
+            result.message = describe(rejected->error);
+        }
+    }
+    if (std::holds_alternative<Outbox::Rejected>(outcomes->back())) {
+        result.outcome = SaveOutcome::rejected;
+    } else if (std::holds_alternative<Outbox::Queued>(outcomes->back())) {
+        result.isQueued = true;
+        if (whenDone == SaveOutcome::saved)
+            result.outcome = SaveOutcome::waiting;
+        const auto conflicts = m_parts.outbox->conflicts();
+        const bool isInConflict = std::ranges::any_of(
+            conflicts, [&](const Outbox::Pending &row) { return row.change.entryId() == id; });
+        if (isInConflict)
+            result.message =
+                "This entry was changed on another device. Your change waits until you choose which to keep.";
+    }
+    co_return result;
+}
+
+Task<SaveResult> Tracker::start(EntryDetails details, Instant at)
+{
+    EntryRequest request{
+        .details = std::move(details), .start = millisecondsFloor(at), .stop = {}, .describeParts = false};
+    co_return co_await create(std::move(request));
+}
+
+Task<SaveResult> Tracker::create(EntryRequest request)
+{
+    if (auto refused = checkRules(request))
+        co_return std::move(*refused);
+    std::vector<EntryChange> changes;
+    if (!request.stop && m_shownRunning) {
+        const TimeEntryResponse &running = *m_shownRunning;
+        if (running.start > request.start)
+            co_return refusedHere(SaveOutcome::rejected,
+                                  "Another timer runs since " + m_parts.time.timeLabel(running.start) +
+                                      ", which is later than that. Stop or change it first.");
+        if (isLackingDetails(running))
+            co_return refusedHere(SaveOutcome::needsDetails, stopNeedsDetails);
+        changes.push_back(stopChange(running, request.start));
+    }
+    const std::string id = newIdentifier();
+    changes.push_back(EntryChange{EntryChange::Create{std::move(request), id, m_parts.workspace.id}});
+    co_return co_await submit(std::move(changes), id, SaveOutcome::saved);
+}
+
+/// Whether the workspace would refuse to let this entry end as it is.
+bool Tracker::isLackingDetails(const TimeEntryResponse &running) const
+{
+    // The rules of another workspace, where the timer may run as well, are not known here.
+    return running.workspaceId == m_parts.workspace.id && m_settings &&
+           !rules().missing(entryDetails(running)).empty();
+}
+
+Task<SaveResult> Tracker::stop(Instant at)
+{
+    if (!m_shownRunning)
+        co_return refusedHere(SaveOutcome::failed, "No timer is running.");
+    const TimeEntryResponse running = *m_shownRunning;
+    const Instant end = millisecondsFloor(at);
+    if (end < running.start || !isAcceptable(end))
+        co_return refusedHere(SaveOutcome::rejected, "The end must not be before the start.");
+    if (isLackingDetails(running))
+        co_return refusedHere(SaveOutcome::needsDetails, stopNeedsDetails);
+    std::vector<EntryChange> changes;
+    changes.push_back(stopChange(running, end));
+    SaveResult result = co_await submit(std::move(changes), running.id, SaveOutcome::stopped);
+    if (!result.entry)
+        result.entry = applied(stopChange(running, end), running);
+    co_return result;
+}
+
+Task<SaveResult> Tracker::continueLast(Instant at)
+{
+    const QPointer<Tracker> self(this);
+    const auto lastStopped = [this]() {
+        const auto found = std::ranges::find_if(
+            m_shown, [](const TimeEntryResponse &entry) { return entry.stop.has_value(); });
+        return found == m_shown.end() ? std::nullopt : std::optional{*found};
+    };
+    auto last = lastStopped();
+    while (!last && m_weeksLoaded < weeksSearched) {
+        const bool isLoaded = co_await loadWeekBefore();
+        if (!self || !isLoaded)
+            break;
+        last = lastStopped();
+    }
+    if (!last)
+        co_return refusedHere(SaveOutcome::failed, "There is no entry to continue yet.");
+    co_return co_await start(entryDetails(*last), at);
+}
+
+Task<SaveResult> Tracker::update(std::string id, EntryRequest request)
+{
+    const auto known = entry(id);
+    if (!known)
+        co_return refusedHere(SaveOutcome::failed, "There is no such entry.");
+    if (auto refused = checkRules(request))
+        co_return std::move(*refused);
+    if (m_settings && rules().isLocked(known->start))
+        co_return refusedHere(SaveOutcome::rejected, "This entry lies in a locked period of the workspace.");
+    std::vector<EntryChange> changes;
+    changes.push_back(
+        EntryChange{EntryChange::Update{std::move(request), id, known->workspaceId, versionOf(*known)}});
+    co_return co_await submit(std::move(changes), id, SaveOutcome::saved);
+}
+
+Task<SaveResult> Tracker::duplicate(std::string id)
+{
+    const auto known = entry(id);
+    if (!known)
+        co_return refusedHere(SaveOutcome::failed, "There is no such entry.");
+    EntryRequest request = entryRequest(*known);
+    if (!request.stop)
+        request.stop = std::max(millisecondsFloor(AppClock::now()), request.start);
+    co_return co_await create(std::move(request));
+}
+
+Task<SaveResult> Tracker::split(std::string id, std::vector<SplitPart> shares)
+{
+    const auto known = entry(id);
+    if (!known)
+        co_return refusedHere(SaveOutcome::failed, "There is no such entry.");
+    EntryRequest request = entryRequest(*known);
+    request.describeParts =
+        std::ranges::any_of(shares, [](const SplitPart &part) { return !part.description.empty(); });
+    request.details.shares = std::move(shares);
+    co_return co_await update(std::move(id), std::move(request));
+}
+
+Task<SaveResult> Tracker::remove(std::string id)
+{
+    const auto known = entry(id);
+    if (!known)
+        co_return refusedHere(SaveOutcome::failed, "There is no such entry.");
+    if (m_settings && rules().isLocked(known->start))
+        co_return refusedHere(SaveOutcome::rejected, "This entry lies in a locked period of the workspace.");
+    std::vector<EntryChange> changes;
+    changes.push_back(EntryChange{EntryChange::Delete{id, known->workspaceId, versionOf(*known)}});
+    SaveResult result = co_await submit(std::move(changes), id, SaveOutcome::saved);
+    if (result.outcome != SaveOutcome::rejected)
+        result.entry.reset();
+    co_return result;
+}
+
+} // namespace orvane
