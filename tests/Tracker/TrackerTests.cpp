@@ -1,0 +1,235 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The tracker as a signed-in account has it, over the real server on this computer.
+#include "Account/Account.h"
+#include "Catalog/EntryConversions.h"
+#include "Client/OrvaneClient.h"
+#include "Time/AppClock.h"
+#include "support/Await.h"
+#include "support/CommandRun.h"
+
+#include <gtest/gtest.h>
+
+namespace orvane {
+namespace {
+
+using namespace orvane::testing;
+using std::chrono::minutes;
+
+class TrackerTest : public ::testing::Test {
+protected:
+    std::unique_ptr<Account> open(bool startsServer = true)
+    {
+        Account::Options options;
+        options.installation = &installation;
+        options.startsServer = startsServer;
+        options.serverProgram = builtProgram("orvane-server");
+        auto account = await(Account::open(std::move(options)));
+        if (!account) {
+            ADD_FAILURE() << account.error().message;
+            return nullptr;
+        }
+        return std::move(*account);
+    }
+
+    void close(std::unique_ptr<Account> account) { await(account->close()); }
+
+    static EntryDetails details(const std::string &description)
+    {
+        EntryDetails details;
+        details.description = description;
+        return details;
+    }
+
+    /// What the server holds of this week, straight from it.
+    static std::vector<TimeEntryResponse> held(Account &account)
+    {
+        const Instant now = AppClock::now();
+        auto entries = await(account.client().listTimeEntries(
+            account.tracker().workspace().id, now - std::chrono::days{8}, now + std::chrono::days{8}));
+        EXPECT_TRUE(entries);
+        return entries ? std::move(*entries) : std::vector<TimeEntryResponse>{};
+    }
+
+    TestInstallation folder;
+    Installation installation{folder.folder()};
+};
+
+TEST_F(TrackerTest, TracksAcrossARestartWithoutTheServer)
+{
+    auto account = open();
+    ASSERT_TRUE(account);
+    EXPECT_TRUE(account->isAutomatic());
+    await(account->tracker().load());
+    ASSERT_EQ(account->tracker().state(), LoadState::Loaded);
+    const SaveResult started =
+        await(account->tracker().start(details("Write the README"), AppClock::now() - minutes{30}));
+    EXPECT_EQ(started.outcome, SaveOutcome::saved) << started.message;
+    ASSERT_TRUE(account->tracker().running());
+    const std::string id = account->tracker().running()->id;
+    close(std::move(account));
+
+    ASSERT_TRUE(folder.killServer());
+    account = open(false);
+    ASSERT_TRUE(account);
+    EXPECT_FALSE(account->isReachable());
+    EXPECT_TRUE(await(account->tracker().loadSnapshot()));
+    ASSERT_TRUE(account->tracker().running()) << "the snapshot shows what the last run knew";
+    EXPECT_EQ(account->tracker().running()->id, id);
+    const SaveResult next =
+        await(account->tracker().start(details("Offline"), AppClock::now() - minutes{10}));
+    EXPECT_EQ(next.outcome, SaveOutcome::waiting) << next.message;
+    const SaveResult stopped = await(account->tracker().stop(AppClock::now() - minutes{5}));
+    EXPECT_EQ(stopped.outcome, SaveOutcome::stopped);
+    EXPECT_TRUE(stopped.isQueued);
+    EXPECT_FALSE(account->tracker().running());
+    await(account->tracker().load());
+    EXPECT_EQ(account->tracker().state(), LoadState::Failed);
+    EXPECT_EQ(account->tracker().entries().size(), 2U) << "a failed load takes nothing away";
+    EXPECT_FALSE(await(account->tracker().loadWeekBefore()));
+    EXPECT_EQ(account->tracker().weeksLoaded(), 0);
+    const std::vector<TimeEntryResponse> shown = account->tracker().entries();
+    close(std::move(account));
+
+    account = open();
+    ASSERT_TRUE(account);
+    EXPECT_EQ(account->outbox().pending().size(), 3U);
+    await(account->outbox().flush());
+    await(account->tracker().load());
+    EXPECT_TRUE(account->outbox().pending().empty());
+    std::vector<TimeEntryResponse> now = account->tracker().entries();
+    EXPECT_EQ(now.size(), held(*account).size());
+    ASSERT_EQ(now.size(), shown.size());
+    for (std::size_t i = 0; i < now.size(); ++i) {
+        now[i].version = shown[i].version;
+        EXPECT_EQ(now[i], shown[i]) << "what was shown offline is what the server holds";
+    }
+    close(std::move(account));
+}
+
+TEST_F(TrackerTest, AsksForRequiredDetailsBeforeAnythingIsSent)
+{
+    auto account = open();
+    ASSERT_TRUE(account);
+    Tracker &tracker = account->tracker();
+    await(tracker.load());
+    auto settings = await(account->client().getWorkspaceSettings(tracker.workspace().id));
+    ASSERT_TRUE(settings);
+    WorkspaceSettingsRequest stricter;
+    stricter.name = settings->name;
+    stricter.currency = settings->currency;
+    stricter.requireProject = true;
+    const auto updated = await(account->client().updateWorkspaceSettings(tracker.workspace().id, stricter));
+    ASSERT_TRUE(updated) << describe(updated.error());
+    await(tracker.load());
+
+    ASSERT_EQ(await(tracker.start(details("no project"), AppClock::now() - minutes{20})).outcome,
+              SaveOutcome::saved);
+    const SaveResult stopped = await(tracker.stop(AppClock::now()));
+    EXPECT_EQ(stopped.outcome, SaveOutcome::needsDetails);
+    EXPECT_EQ(stopped.message, "Add the details this workspace requires to stop the timer.");
+    EXPECT_EQ(await(tracker.start(details("another"), AppClock::now())).outcome, SaveOutcome::needsDetails);
+    EntryRequest finished{details("finished"), AppClock::now() - minutes{90}, AppClock::now() - minutes{60},
+                          false};
+    EXPECT_EQ(await(tracker.create(finished)).outcome, SaveOutcome::needsDetails);
+    EXPECT_TRUE(account->outbox().pending().empty());
+    EXPECT_EQ(held(*account).size(), 1U);
+    close(std::move(account));
+}
+
+TEST_F(TrackerTest, StartingEndsWhatRunsAndContinueTakesUpTheLastEntry)
+{
+    auto account = open();
+    ASSERT_TRUE(account);
+    Tracker &tracker = account->tracker();
+    await(tracker.load());
+    const Instant now = AppClock::now();
+    const SaveResult nothing = await(tracker.continueLast(now));
+    EXPECT_EQ(nothing.outcome, SaveOutcome::failed);
+    EXPECT_EQ(nothing.message, "There is no entry to continue yet.");
+    EXPECT_EQ(await(tracker.stop(now)).outcome, SaveOutcome::failed);
+
+    EntryDetails first = details("first");
+    first.isBillable = true;
+    ASSERT_EQ(await(tracker.start(first, now - minutes{60})).outcome, SaveOutcome::saved);
+    EXPECT_EQ(await(tracker.start(details("too early"), now - minutes{90})).outcome, SaveOutcome::rejected)
+        << "the running entry cannot end before it began";
+    ASSERT_EQ(await(tracker.start(details("second"), now - minutes{30})).outcome, SaveOutcome::saved);
+    std::vector<TimeEntryResponse> entries = held(*account);
+    ASSERT_EQ(entries.size(), 2U);
+    std::ranges::sort(entries, {}, &TimeEntryResponse::start);
+    EXPECT_EQ(entries[0].stop, entries[1].start);
+    EXPECT_FALSE(entries[1].stop);
+
+    ASSERT_EQ(await(tracker.stop(now - minutes{20})).outcome, SaveOutcome::stopped);
+    ASSERT_EQ(await(tracker.remove(entries[1].id)).outcome, SaveOutcome::saved);
+    ASSERT_EQ(await(tracker.continueLast(now)).outcome, SaveOutcome::saved);
+    EXPECT_EQ(tracker.running()->description, "first");
+    EXPECT_TRUE(tracker.running()->isBillable);
+    EXPECT_EQ(held(*account).size(), 2U);
+    close(std::move(account));
+}
+
+TEST_F(TrackerTest, RefusesWhatCannotBeAndGroupsByDay)
+{
+    auto account = open();
+    ASSERT_TRUE(account);
+    Tracker &tracker = account->tracker();
+    await(tracker.load());
+    const DayKey today = tracker.time().today();
+    const Instant noon = tracker.time().date(today, 12, 0);
+    EntryRequest backwards{details("backwards"), noon, noon - minutes{1}, false};
+    EXPECT_EQ(await(tracker.create(backwards)).outcome, SaveOutcome::rejected);
+    EXPECT_EQ(await(tracker.update("unknown", backwards)).outcome, SaveOutcome::failed);
+    EXPECT_EQ(await(tracker.remove("unknown")).outcome, SaveOutcome::failed);
+
+    const DayKey yesterday = today.adding(-1);
+    const Instant late = tracker.time().date(yesterday, 23, 50);
+    ASSERT_EQ(await(tracker.create({details("across midnight"), late, late + minutes{20}, false})).outcome,
+              SaveOutcome::saved);
+    ASSERT_EQ(await(tracker.create({details("before it"), late - minutes{60}, late, false})).outcome,
+              SaveOutcome::saved);
+    ASSERT_TRUE(await(tracker.loadDays(yesterday.adding(-1), 3)));
+    const std::vector<DayGroup> days = tracker.days(yesterday.adding(-1), 3);
+    ASSERT_EQ(days.size(), 3U);
+    EXPECT_TRUE(days[0].entries.empty());
+    ASSERT_EQ(days[1].entries.size(), 2U) << "an entry belongs to the day it starts on";
+    EXPECT_EQ(days[1].entries[0].description, "before it");
+    EXPECT_EQ(days[2].day, today);
+
+    const SaveResult halves = await(tracker.split(days[1].entries[0].id, {{.percent = 60}, {.percent = 30}}));
+    EXPECT_EQ(halves.outcome, SaveOutcome::rejected) << "the shares of an entry are the whole of it";
+    const SaveResult split = await(tracker.split(days[1].entries[0].id, {{.percent = 60}, {.percent = 40}}));
+    EXPECT_EQ(split.outcome, SaveOutcome::saved) << split.message;
+    EXPECT_EQ(split.entry->shares.size(), 2U);
+    close(std::move(account));
+}
+
+TEST_F(TrackerTest, SaysSoWhenAnotherDeviceChangedTheEntry)
+{
+    auto account = open();
+    ASSERT_TRUE(account);
+    Tracker &tracker = account->tracker();
+    await(tracker.load());
+    const Instant now = AppClock::now();
+    const SaveResult made =
+        await(tracker.create({details("mine"), now - minutes{60}, now - minutes{30}, false}));
+    ASSERT_EQ(made.outcome, SaveOutcome::saved);
+    EntryRequest theirs = entryRequest(*made.entry);
+    theirs.details.description = "theirs";
+    ASSERT_TRUE(await(account->client().updateTimeEntry(tracker.workspace().id, made.entry->id,
+                                                        timeEntryRequest(theirs), made.entry->version)));
+    EntryRequest mine = entryRequest(*made.entry);
+    mine.details.description = "mine again";
+    const SaveResult changed = await(tracker.update(made.entry->id, mine));
+    EXPECT_EQ(changed.outcome, SaveOutcome::waiting);
+    EXPECT_FALSE(changed.message.empty());
+    EXPECT_EQ(tracker.entry(made.entry->id)->description, "mine again")
+        << "the user's change shows until it is settled";
+    ASSERT_EQ(account->outbox().conflicts().size(), 1U);
+    ASSERT_TRUE(*await(account->outbox().keepTheirs(account->outbox().conflicts().front().seq)));
+    EXPECT_EQ(tracker.entry(made.entry->id)->description, "theirs");
+    close(std::move(account));
+}
+
+} // namespace
+} // namespace orvane
