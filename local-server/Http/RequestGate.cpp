@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Http/RequestGate.h"
+
+#include "Http/Problems.h"
+
+#include <QHostAddress>
+#include <QSysInfo>
+#include <algorithm>
+
+namespace orvane::server {
+
+namespace {
+
+std::string lowered(std::string text)
+{
+    std::ranges::transform(text, text.begin(), [](char c) {
+        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    });
+    return text;
+}
+
+bool isJson(const std::string &contentType)
+{
+    std::string media = lowered(contentType.substr(0, contentType.find(';')));
+    while (media.ends_with(' ') || media.ends_with('\t'))
+        media.pop_back();
+    return media == "application/json";
+}
+
+/// An address in the form that stands before the port: IPv6 in brackets.
+std::string hostForm(const std::string &address)
+{
+    return address.find(':') == std::string::npos ? address : "[" + address + "]";
+}
+
+/// "HOST:PORT" taken apart; without a port it is that of plain HTTP.
+struct HostParts {
+    std::string host;
+    std::string port = "80";
+};
+
+HostParts parted(const std::string &text)
+{
+    const std::size_t colon = text.rfind(':');
+    if (colon == std::string::npos || text.ends_with(']'))
+        return {text};
+    return {text.substr(0, colon), text.substr(colon + 1)};
+}
+
+bool isAddressText(const std::string &host)
+{
+    const bool bracketed = host.starts_with('[') && host.ends_with(']');
+    const std::string bare = bracketed ? host.substr(1, host.size() - 2) : host;
+    return !QHostAddress(QString::fromStdString(bare)).isNull();
+}
+
+} // namespace
+
+bool ListenPoint::isLoopback() const
+{
+    return QHostAddress(QString::fromStdString(address)).isLoopback();
+}
+
+std::string ListenPoint::url() const
+{
+    std::string host = address;
+    if (isAnyAddress())
+        host = address == "::" ? "::1" : "127.0.0.1";
+    return "http://" + hostForm(host) + ":" + std::to_string(port);
+}
+
+bool RequestGate::isOurHost(const std::string &text) const
+{
+    const auto [host, port] = parted(lowered(text));
+    if (port != std::to_string(m_point.port))
+        return false;
+    if (host == hostForm(m_point.address) || host == "localhost" || host == "127.0.0.1")
+        return true;
+    // Listening everywhere, any number will do, but of names only this machine's: a page's own name must not.
+    return m_point.isAnyAddress() &&
+           (isAddressText(host) || host == lowered(QSysInfo::machineHostName().toStdString()));
+}
+
+std::optional<HttpResponse> RequestGate::refuse(const HttpRequest &request) const
+{
+    const auto host = request.headers.find("Host");
+    if (!host || !isOurHost(*host))
+        return problem(421, "This server does not go by that name.",
+                       "The request's Host is not the address on which this server listens.");
+    if (const auto origin = request.headers.find("Origin"); origin && *origin != "http://" + *host)
+        return forbidden("Web pages of other origins may not use this server.");
+    if (request.body.size() > longestBody)
+        return problem(413, "The request is too large.", "Its body must not be over 1 MiB.");
+    if (!request.body.empty() && !isJson(request.headers.find("Content-Type").value_or("")))
+        return problem(415, "The request's body is not JSON.", "Its Content-Type must be application/json.");
+    return std::nullopt;
+}
+
+} // namespace orvane::server

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "OrvaneAPI/HttpMessage.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace orvane::server {
+
+inline constexpr std::size_t longestBody = std::size_t{1} << 20U;
+
+/// Where the server listens, as `address` ("127.0.0.1", "::1", "0.0.0.0") and port.
+struct ListenPoint {
+    std::string address = "127.0.0.1";
+    std::uint16_t port = 0;
+
+    bool isLoopback() const;
+    bool isAnyAddress() const { return address == "0.0.0.0" || address == "::"; }
+    /// The address by which a process of this computer reaches it: "http://127.0.0.1:4711".
+    std::string url() const;
+};
+
+/// Turns away what a web page could make a browser send to this server: every page can reach a loopback
+/// address, under its own name too, once that name's address is changed to the loopback one.
+class RequestGate {
+public:
+    explicit RequestGate(ListenPoint point) : m_point(std::move(point)) {}
+
+    /// The refusal, or nothing when the request may go on.
+    std::optional<HttpResponse> refuse(const HttpRequest &request) const;
+
+private:
+    bool isOurHost(const std::string &host) const;
+
+    ListenPoint m_point;
+};
+
+} // namespace orvane::server

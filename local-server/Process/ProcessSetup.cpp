@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Process/ProcessSetup.h"
+
+#include <QSocketNotifier>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#ifdef __linux__
+#include <sys/syscall.h>
+#endif
+
+namespace orvane::server {
+
+namespace {
+
+// What a signal handler may touch.
+int stopPipe[2] = {-1, -1};
+
+void writeToStopPipe(int)
+{
+    const int kept = errno;
+    const char byte = 0;
+    [[maybe_unused]] const ssize_t written = ::write(stopPipe[1], &byte, 1);
+    errno = kept;
+}
+
+void closeInheritedFiles()
+{
+    constexpr unsigned int first = 3;
+#ifdef SYS_close_range
+    if (::syscall(SYS_close_range, first, ~0U, 0U) == 0)
+        return;
+#endif
+    struct rlimit limit{};
+    const bool known = ::getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY;
+    const int end = known ? static_cast<int>(std::min<rlim_t>(limit.rlim_cur, 65536)) : 65536;
+    for (int descriptor = first; descriptor < end; ++descriptor)
+        ::close(descriptor);
+}
+
+void setAction(int signal, void (*handler)(int))
+{
+    struct sigaction action{};
+    action.sa_handler = handler;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = SA_RESTART;
+    ::sigaction(signal, &action, nullptr);
+}
+
+bool isFolder(const std::string &path)
+{
+    struct stat info{};
+    return ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+}
+
+} // namespace
+
+void leaveParentBehind(bool foreground)
+{
+    closeInheritedFiles();
+    ::unsetenv("ORVANE_NOW");
+    ::umask(0077);
+    sigset_t none;
+    sigemptyset(&none);
+    ::sigprocmask(SIG_SETMASK, &none, nullptr);
+    setAction(SIGPIPE, SIG_IGN);
+    if (foreground)
+        return;
+    setAction(SIGHUP, SIG_IGN);
+    // Fails for who leads a group already, which then has no terminal to lose or was asked for by hand.
+    ::setsid();
+}
+
+void releaseStandardStreams()
+{
+    const int null = ::open("/dev/null", O_RDWR | O_CLOEXEC);
+    for (int descriptor = 0; null >= 0 && descriptor < 3; ++descriptor)
+        ::dup2(null, descriptor);
+    if (null > 2)
+        ::close(null);
+}
+
+std::string makePrivateFolder(const std::string &path)
+{
+    for (std::size_t end = path.find('/', 1);; end = path.find('/', end + 1)) {
+        const std::string part = path.substr(0, end);
+        if (::mkdir(part.c_str(), 0700) != 0 && !isFolder(part))
+            return std::strerror(errno);
+        if (end == std::string::npos)
+            return {};
+    }
+}
+
+StopSignals::StopSignals()
+{
+    if (::pipe(stopPipe) != 0)
+        return;
+    for (const int end : stopPipe) {
+        ::fcntl(end, F_SETFD, FD_CLOEXEC);
+        ::fcntl(end, F_SETFL, O_NONBLOCK);
+    }
+    m_notifier = new QSocketNotifier(stopPipe[0], QSocketNotifier::Read, this);
+    connect(m_notifier, &QSocketNotifier::activated, this, [this] {
+        char byte = 0;
+        while (::read(stopPipe[0], &byte, 1) > 0) {
+        }
+        Q_EMIT stopRequested();
+    });
+    for (const int signal : {SIGTERM, SIGINT})
+        setAction(signal, writeToStopPipe);
+}
+
+StopSignals::~StopSignals()
+{
+    for (const int signal : {SIGTERM, SIGINT})
+        setAction(signal, SIG_DFL);
+    for (int &end : stopPipe) {
+        if (end >= 0)
+            ::close(end);
+        end = -1;
+    }
+}
+
+} // namespace orvane::server

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QObject>
+#include <string>
+
+class QSocketNotifier;
+
+namespace orvane::server {
+
+/// Makes the process independent of the one that started it, before anything else runs: no inherited files
+/// beyond the three standard ones, no pretended time, what it makes is private, a hang-up of the terminal
+/// does not matter.
+void leaveParentBehind(bool foreground);
+
+/// Lets go of the parent's standard streams, so that nobody waits for their end.
+void releaseStandardStreams();
+
+/// Makes a folder, and those above it, for the owner alone. Answers what went wrong, or nothing.
+std::string makePrivateFolder(const std::string &path);
+
+/// Turns SIGTERM and SIGINT into a signal of the event loop. One in a process.
+class StopSignals : public QObject {
+    Q_OBJECT
+
+public:
+    StopSignals();
+    ~StopSignals() override;
+
+Q_SIGNALS:
+    void stopRequested();
+
+private:
+    QSocketNotifier *m_notifier = nullptr;
+};
+
+} // namespace orvane::server

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Http/RequestGate.h"
+#include "Support/Result.h"
+
+#include <chrono>
+#include <optional>
+#include <string>
+
+namespace orvane::server {
+
+/// What the command line of `orvane-server` says.
+struct ServerOptions {
+    std::string dataDir;
+    /// Where to listen instead of the kept loopback port.
+    std::optional<ListenPoint> listen;
+    /// Ends after that long without a request; zero is never.
+    std::chrono::seconds idleExit{600};
+    /// Stays with its terminal and says what it does there.
+    bool foreground = false;
+    bool wantsHelp = false;
+    bool wantsVersion = false;
+};
+
+/// The error is a sentence for people about what is wrong with the command line.
+Result<ServerOptions, std::string> readServerOptions(int argc, const char *const *argv);
+std::string serverUsage();
+
+} // namespace orvane::server

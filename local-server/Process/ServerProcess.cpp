@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Process/ServerProcess.h"
+
+#include "Process/PortFile.h"
+#include "Process/ProcessSetup.h"
+
+#include <QLoggingCategory>
+#include <QThread>
+#include <pwd.h>
+#include <unistd.h>
+
+namespace orvane::server {
+
+namespace {
+
+Q_LOGGING_CATEGORY(processLog, "orvane.server.process")
+
+/// How long a server that is on its way out, or up, may take.
+constexpr std::chrono::milliseconds lockPatience{5'000};
+constexpr std::chrono::milliseconds lockInterval{20};
+
+std::string userName()
+{
+    const struct passwd *entry = ::getpwuid(::geteuid());
+    return entry && entry->pw_name && *entry->pw_name ? entry->pw_name : "user";
+}
+
+} // namespace
+
+ServerProcess::ServerProcess(ServerOptions options)
+    : m_options(std::move(options))
+    , m_lock(file("server.lock"))
+    , m_front([this](const HttpRequest &request, const std::string &peer) {
+        restartIdleTimer();
+        return m_core->handle(request, peer);
+    })
+    , m_socket([this](const SocketRequest &request) {
+        restartIdleTimer();
+        return answer(request);
+    })
+{
+    m_idle.setSingleShot(true);
+    connect(&m_idle, &QTimer::timeout, this, &ServerProcess::idle);
+}
+
+ServerProcess::~ServerProcess()
+{
+    // In this order: who finds no socket knows to wait for the lock, and who has the lock finds no one else
+    // at the port or in the database.
+    m_socket.close();
+    m_front.close();
+    m_core.reset();
+    m_lock.unlock();
+}
+
+std::string ServerProcess::file(const char *name) const
+{
+    return m_options.dataDir + "/" + name;
+}
+
+Result<ServerProcess::Outcome, std::string> ServerProcess::start()
+{
+    if (!takeFolder()) {
+        if (!m_lock.error().empty())
+            return failure("the data folder cannot be used: " + m_lock.error());
+        return Outcome::RunsAlready;
+    }
+    if (auto fault = listen(); !fault.empty())
+        return failure(std::move(fault));
+    if (auto fault = openCore(); !fault.empty())
+        return failure(std::move(fault));
+    if (auto fault = m_socket.listen(file("run")); !fault.empty())
+        return failure("the folder of the server's socket cannot be used: " + fault);
+    qCInfo(processLog, "serving at %s", m_point.url().c_str());
+    if (!m_point.isLoopback())
+        qCWarning(processLog, "listening beyond this computer over plain HTTP: passwords and tokens can be "
+                              "read on the way. Put a proxy with TLS in front. Registration is closed.");
+    restartIdleTimer();
+    return Outcome::Serving;
+}
+
+/// False when another server has the folder. One that holds the lock but does not answer is starting or
+/// ending, which is worth waiting for: in the second case nobody would be left.
+bool ServerProcess::takeFolder()
+{
+    const QDeadlineTimer deadline(lockPatience);
+    while (!m_lock.tryLock()) {
+        if (!m_lock.error().empty() || serverAnswersIn(file("run")) || deadline.hasExpired())
+            return false;
+        QThread::msleep(static_cast<unsigned long>(lockInterval.count()));
+    }
+    return true;
+}
+
+std::string ServerProcess::listen()
+{
+    const bool keeps = !m_options.listen;
+    const std::string portFile = file("port");
+    m_point = m_options.listen.value_or(ListenPoint{});
+    if (keeps)
+        m_point.port = keptPort(portFile).value_or(0);
+    const bool isNew = m_point.port == 0;
+    const auto port = m_front.listen(m_point);
+    if (!port)
+        return "cannot listen on " + m_point.address + " port " + std::to_string(m_point.port) + ": " +
+               port.error() +
+               (keeps && !isNew ? " (another program uses the port that this server keeps)" : "");
+    m_point.port = *port;
+    if (!keeps || !isNew)
+        return {};
+    const auto fault = keepPort(portFile, *port);
+    return fault.empty() ? "" : "the port cannot be kept: " + fault;
+}
+
+std::string ServerProcess::openCore()
+{
+    auto core = ServerCore::open({.databasePath = file("orvane-server.sqlite"),
+                                  .listenPoint = m_point,
+                                  .clock = {},
+                                  .userName = userName()});
+    if (!core)
+        return std::move(core.error());
+    m_core = std::move(*core);
+    return {};
+}
+
+SocketAnswer ServerProcess::answer(const SocketRequest &request)
+{
+    SocketAnswer answer;
+    if (request.command == "hello") {
+        answer.address = m_point.url();
+        answer.version = ORVANE_VERSION;
+        answer.pid = ::getpid();
+    } else if (request.command == "code") {
+        auto code =
+            m_core->localSignInCode(request.codeChallenge.value_or(""), request.timeZone.value_or(""));
+        if (code) {
+            answer.address = m_point.url();
+            answer.code = std::move(*code);
+        } else {
+            answer.error = std::move(code.error());
+        }
+    } else {
+        answer.error = "the command is not known";
+    }
+    return answer;
+}
+
+void ServerProcess::restartIdleTimer()
+{
+    if (m_options.idleExit.count() > 0)
+        m_idle.start(m_options.idleExit);
+}
+
+} // namespace orvane::server

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Http/HttpFront.h"
+#include "Process/ServerOptions.h"
+#include "Process/ServerSocket.h"
+#include "ServerCore.h"
+#include "Support/FileLock.h"
+
+#include <QTimer>
+#include <memory>
+#include <optional>
+
+namespace orvane::server {
+
+/// One server over one data folder, in a process of its own with an event loop. In the folder: the database
+/// `orvane-server.sqlite`, the `port` that it keeps, `server.lock` held while it runs, `server.log`, and
+/// `run/server.sock`.
+class ServerProcess : public QObject {
+    Q_OBJECT
+
+public:
+    explicit ServerProcess(ServerOptions options);
+    ~ServerProcess() override;
+
+    enum class Outcome { Serving, RunsAlready };
+    /// The error is a sentence for people.
+    Result<Outcome, std::string> start();
+    /// Where it listens, once started.
+    const ListenPoint &listenPoint() const { return m_point; }
+
+Q_SIGNALS:
+    /// No request came for as long as the options say.
+    void idle();
+
+private:
+    bool takeFolder();
+    std::string listen();
+    std::string openCore();
+    SocketAnswer answer(const SocketRequest &request);
+    void restartIdleTimer();
+    std::string file(const char *name) const;
+
+    ServerOptions m_options;
+    ListenPoint m_point;
+    FileLock m_lock;
+    std::unique_ptr<ServerCore> m_core;
+    HttpFront m_front;
+    ServerSocket m_socket;
+    QTimer m_idle;
+};
+
+} // namespace orvane::server

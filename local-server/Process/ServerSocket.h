@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Process/SocketMessages.h"
+
+#include <QLocalServer>
+#include <QLocalSocket>
+#include <functional>
+#include <string>
+
+namespace orvane::server {
+
+/// The Unix socket where the server proves that it is the one of this data folder, and where processes of the
+/// same user get their sign-in codes. It lies in a folder that only its owner can enter, and whoever connects
+/// must be that user too.
+class ServerSocket : public QObject {
+    Q_OBJECT
+
+public:
+    using Answer = std::function<SocketAnswer(const SocketRequest &)>;
+
+    /// Used on the thread that made it.
+    explicit ServerSocket(Answer answer);
+    ~ServerSocket() override;
+
+    /// Makes `folder` (or makes it private) and the socket "server.sock" in it; an old one is replaced. The
+    /// error says what is wrong.
+    std::string listen(const std::string &folder);
+    void close();
+
+private:
+    void accept();
+    void read(QLocalSocket *socket);
+    void reply(QLocalSocket *socket, const QByteArray &line);
+
+    Answer m_answer;
+    QLocalServer m_server;
+    std::string m_path;
+};
+
+/// Whether a server answers at the socket in that folder.
+bool serverAnswersIn(const std::string &folder);
+
+} // namespace orvane::server

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Records/NameText.h"
+
+#include <QString>
+#include <QTimeZone>
+#include <algorithm>
+
+namespace orvane::server {
+
+namespace {
+
+QString qtText(std::string_view text)
+{
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+} // namespace
+
+std::string trimmed(std::string_view text)
+{
+    return qtText(text).trimmed().toStdString();
+}
+
+std::string nameKey(std::string_view name)
+{
+    return qtText(name).trimmed().normalized(QString::NormalizationForm_C).toCaseFolded().toStdString();
+}
+
+bool hasControlCharacter(std::string_view text)
+{
+    return std::ranges::any_of(text, [](char c) {
+        const auto byte = static_cast<unsigned char>(c);
+        return (byte < 0x20 && c != '\t' && c != '\n' && c != '\r') || byte == 0x7f;
+    });
+}
+
+bool isEmailAddress(std::string_view text)
+{
+    const std::size_t at = text.find('@');
+    return at != std::string_view::npos && at > 0 && at + 1 < text.size() &&
+           text.find('@', at + 1) == std::string_view::npos &&
+           std::ranges::none_of(text, [](char c) { return static_cast<unsigned char>(c) <= 0x20; }) &&
+           !hasControlCharacter(text);
+}
+
+bool isTimeZone(const std::string &name)
+{
+    return QTimeZone::isTimeZoneIdAvailable(QByteArray::fromStdString(name));
+}
+
+} // namespace orvane::server

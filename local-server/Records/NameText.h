@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <string>
+#include <string_view>
+
+/// What the server does with texts that people typed.
+namespace orvane::server {
+
+/// Without white space at either end.
+std::string trimmed(std::string_view text);
+/// A name in the form in which two are compared: without regard to case, to white space at the ends and to
+/// how accents are encoded.
+std::string nameKey(std::string_view name);
+/// Whether a text holds a character that no one types: a control character other than tab and line end.
+bool hasControlCharacter(std::string_view text);
+/// Something before and after one "@", without blanks.
+bool isEmailAddress(std::string_view text);
+/// Whether the system knows the time zone ("Europe/Paris").
+bool isTimeZone(const std::string &name);
+
+} // namespace orvane::server

@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Records/Sessions.h"
+
+#include "Database/Database.h"
+#include "Security/RandomText.h"
+
+namespace orvane::server {
+
+namespace {
+
+constexpr std::chrono::days lastingLifetime{60};
+constexpr std::chrono::days localLifetime{1};
+constexpr std::chrono::minutes touchInterval{1};
+/// Lost answers make siblings; nobody loses that many in a row.
+constexpr std::size_t mostSuccessors = 8;
+
+// The states of a refresh token: not used yet, used last, used before that.
+constexpr std::string_view fresh = "fresh";
+constexpr std::string_view spent = "spent";
+constexpr std::string_view dead = "dead";
+
+std::int64_t ms(Instant instant)
+{
+    return millisecondsSinceEpoch(instant);
+}
+
+} // namespace
+
+IssuedRefresh Sessions::start(const std::string &userId, const std::optional<std::string> &deviceName,
+                              Kind kind, Instant now)
+{
+    // Every run of the command signs in to the account on this computer, so what has expired goes as others
+    // come.
+    m_database.run("DELETE FROM sessions WHERE expires_at <= ?", ms(now));
+    const std::string id = newIdentifier();
+    m_database.run("INSERT INTO sessions (id, user_id, device_name, is_local, created_at, last_used_at, "
+                   "expires_at) VALUES (?, ?, ?, ?, ?, ?, ?)",
+                   id, userId, deviceName, kind == Kind::Local, ms(now), ms(now), ms(now));
+    return issue(id, userId, kind, now);
+}
+
+IssuedRefresh Sessions::issue(const std::string &sessionId, const std::string &userId, Kind kind, Instant now)
+{
+    const Instant expiresAt = now + (kind == Kind::Local ? localLifetime : lastingLifetime);
+    IssuedRefresh issued{sessionId, userId, randomText(32), millisecondsFloor(expiresAt)};
+    m_database.run("INSERT INTO refresh_tokens (digest, session_id, state, issued_at, expires_at) "
+                   "VALUES (?, ?, ?, ?, ?)",
+                   digestText(issued.token), sessionId, fresh, ms(now), ms(issued.expiresAt));
+    m_database.run("UPDATE sessions SET last_used_at = ?, expires_at = ? WHERE id = ?", ms(now),
+                   ms(issued.expiresAt), sessionId);
+    return issued;
+}
+
+Sessions::Renewal Sessions::renew(const std::string &token, Instant now)
+{
+    struct Found {
+        std::string sessionId, userId, state;
+        bool isLocal, isExpired;
+    };
+    const std::string digest = digestText(token);
+    const auto found = m_database.row(
+        "SELECT t.session_id, s.user_id, t.state, s.is_local, t.expires_at FROM refresh_tokens t "
+        "JOIN sessions s ON s.id = t.session_id WHERE t.digest = ?",
+        [&](const SqlRow &row) {
+            return Found{row.text(0), row.text(1), row.text(2), row.boolean(3), row.integer(4) <= ms(now)};
+        },
+        digest);
+    if (!found || found->isExpired)
+        return Unknown{};
+    if (found->state == dead) {
+        m_database.run("DELETE FROM sessions WHERE id = ?", found->sessionId);
+        return Ended{};
+    }
+    if (found->state == fresh)
+        spend(digest, found->sessionId);
+    else
+        boundSuccessors(found->sessionId);
+    m_database.run("DELETE FROM refresh_tokens WHERE session_id = ? AND expires_at <= ?", found->sessionId,
+                   ms(now));
+    return issue(found->sessionId, found->userId, found->isLocal ? Kind::Local : Kind::Lasting, now);
+}
+
+void Sessions::spend(const std::string &digest, const std::string &sessionId)
+{
+    m_database.run("UPDATE refresh_tokens SET state = ? WHERE session_id = ? AND state <> ?", dead, sessionId,
+                   dead);
+    m_database.run("UPDATE refresh_tokens SET state = ? WHERE digest = ?", spent, digest);
+}
+
+void Sessions::boundSuccessors(const std::string &sessionId)
+{
+    const auto successors = m_database.rows(
+        "SELECT digest FROM refresh_tokens WHERE session_id = ? AND state = ? ORDER BY issued_at DESC",
+        [](const SqlRow &row) { return row.text(0); }, sessionId, fresh);
+    for (std::size_t i = mostSuccessors - 1; i < successors.size(); ++i)
+        m_database.run("DELETE FROM refresh_tokens WHERE digest = ?", successors[i]);
+}
+
+void Sessions::endByToken(const std::string &token)
+{
+    m_database.run(
+        "DELETE FROM sessions WHERE id IN (SELECT session_id FROM refresh_tokens WHERE digest = ?)",
+        digestText(token));
+}
+
+bool Sessions::touch(const std::string &sessionId, const std::string &userId, Instant now)
+{
+    const auto lastUsed = m_database.row(
+        "SELECT last_used_at FROM sessions WHERE id = ? AND user_id = ? AND expires_at > ?",
+        [](const SqlRow &row) { return instantFromMilliseconds(row.integer(0)); }, sessionId, userId,
+        ms(now));
+    if (lastUsed && now - *lastUsed > touchInterval)
+        m_database.run("UPDATE sessions SET last_used_at = ? WHERE id = ?", ms(now), sessionId);
+    return lastUsed.has_value();
+}
+
+std::vector<SessionRecord> Sessions::list(const std::string &userId, Instant now)
+{
+    return m_database.rows(
+        "SELECT id, device_name, created_at, last_used_at FROM sessions WHERE user_id = ? AND expires_at > ? "
+        "ORDER BY last_used_at DESC, id",
+        [](const SqlRow &row) {
+            return SessionRecord{row.text(0), row.optionalText(1), instantFromMilliseconds(row.integer(2)),
+                                 instantFromMilliseconds(row.integer(3))};
+        },
+        userId, ms(now));
+}
+
+bool Sessions::end(const std::string &sessionId, const std::string &userId)
+{
+    return m_database.run("DELETE FROM sessions WHERE id = ? AND user_id = ?", sessionId, userId) > 0;
+}
+
+void Sessions::endOthers(const std::string &keptSessionId, const std::string &userId)
+{
+    m_database.run("DELETE FROM sessions WHERE user_id = ? AND id <> ?", userId, keptSessionId);
+}
+
+} // namespace orvane::server

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Support/Instant.h"
+
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace orvane::server {
+
+class Database;
+
+/// A session as listed to its user.
+struct SessionRecord {
+    std::string id;
+    std::optional<std::string> deviceName;
+    Instant createdAt;
+    Instant lastUsedAt;
+};
+
+/// A refresh token as handed out: the only place where its text exists on this side.
+struct IssuedRefresh {
+    std::string sessionId;
+    std::string userId;
+    std::string token;
+    Instant expiresAt;
+};
+
+/// Sessions and their refresh tokens. The table holds digests only.
+///
+/// Using a token spends it and brings a successor. The token spent last stays good until a successor of it is
+/// used, since its answer may have been lost on the way; a token spent before that one is a stolen copy (or
+/// the theft of one), so showing it ends the session.
+class Sessions {
+public:
+    explicit Sessions(Database &database) : m_database(database) {}
+
+    /// A session of the account on this computer lives for a day, others for sixty since their last use.
+    enum class Kind { Lasting, Local };
+    IssuedRefresh start(const std::string &userId, const std::optional<std::string> &deviceName, Kind kind,
+                        Instant now);
+
+    struct Unknown {};
+    struct Ended {};
+    using Renewal = std::variant<IssuedRefresh, Unknown, Ended>;
+    Renewal renew(const std::string &token, Instant now);
+
+    /// Ends the session that a token of it, fresh or spent, stands for.
+    void endByToken(const std::string &token);
+
+    /// Whether the session goes on; keeps its time of last use, to a minute.
+    bool touch(const std::string &sessionId, const std::string &userId, Instant now);
+    std::vector<SessionRecord> list(const std::string &userId, Instant now);
+    /// False when the user has no such session.
+    bool end(const std::string &sessionId, const std::string &userId);
+    void endOthers(const std::string &keptSessionId, const std::string &userId);
+
+private:
+    IssuedRefresh issue(const std::string &sessionId, const std::string &userId, Kind kind, Instant now);
+    void spend(const std::string &digest, const std::string &sessionId);
+    void boundSuccessors(const std::string &sessionId);
+
+    Database &m_database;
+};
+
+} // namespace orvane::server
