@@ -80,13 +80,12 @@ ServerCore::ServerCore(Options options, std::unique_ptr<Database> database, std:
     addSessionHandlers(m_router);
     addAccountHandlers(m_router);
     addWorkspaceHandlers(m_router);
-    // addProjectHandlers(m_router);
-    // addTaskHandlers(m_router);
-    // addClientHandlers(m_router);
-    // addTagHandlers(m_router);
-    // addEntryHandlers(m_router);
-    // addEntryBulkHandlers(m_router);
-    // addSuggestionHandlers(m_router);
+    addProjectHandlers(m_router);
+    addClientHandlers(m_router);
+    addTagHandlers(m_router);
+    addEntryHandlers(m_router);
+    addEntryBulkHandlers(m_router);
+    addSuggestionHandlers(m_router);
 }
 
 Instant ServerCore::now() const

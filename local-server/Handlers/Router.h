@@ -49,7 +49,6 @@ void addSessionHandlers(Router &router);
 void addAccountHandlers(Router &router);
 void addWorkspaceHandlers(Router &router);
 void addProjectHandlers(Router &router);
-void addTaskHandlers(Router &router);
 void addClientHandlers(Router &router);
 void addTagHandlers(Router &router);
 void addEntryHandlers(Router &router);

@@ -1,0 +1,320 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The server as a process of its own, over real sockets.
+#include "OrvaneAPI/Operations.h"
+#include "Process/SocketMessages.h"
+#include "Security/RandomText.h"
+#include "support/LoopbackServer.h"
+
+#include <QDir>
+#include <QFile>
+#include <QLocalSocket>
+#include <QProcess>
+#include <QTcpServer>
+#include <QTemporaryDir>
+#include <csignal>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace orvane::server {
+
+using namespace operations;
+
+namespace {
+
+/// The programs of the tests are slow under sanitizers on a busy machine.
+constexpr int patience = 60'000;
+
+QString text(const std::string &value)
+{
+    return QString::fromStdString(value);
+}
+
+unsigned int modeOf(const std::string &path)
+{
+    struct stat info{};
+    return ::lstat(path.c_str(), &info) == 0 ? info.st_mode & 0777U : 0;
+}
+
+} // namespace
+
+class ServerRun : public ::testing::Test {
+protected:
+    std::string folder() const { return m_root.path().toStdString() + "/server"; }
+
+    std::unique_ptr<QProcess> launch(QStringList arguments = {})
+    {
+        auto process = std::make_unique<QProcess>();
+        arguments.prepend(text(folder()));
+        arguments.prepend(QStringLiteral("--data-dir"));
+        process->start(QStringLiteral(ORVANE_BIN_DIR "/orvane-server"), arguments);
+        EXPECT_TRUE(process->waitForStarted(patience));
+        return process;
+    }
+    /// Starts one and waits until it says where it listens.
+    std::unique_ptr<QProcess> serve(const QStringList &arguments = {})
+    {
+        auto process = launch(arguments);
+        while (!process->canReadLine() && process->waitForReadyRead(patience)) {
+        }
+        const QString address = text(process->readLine().trimmed().toStdString());
+        EXPECT_TRUE(address.startsWith(QStringLiteral("http://")))
+            << process->readAllStandardError().toStdString();
+        m_port = static_cast<std::uint16_t>(address.section(QLatin1Char(':'), -1).toInt());
+        return process;
+    }
+    static int exitCode(QProcess &process)
+    {
+        EXPECT_TRUE(process.state() == QProcess::NotRunning || process.waitForFinished(patience));
+        return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    }
+    static int endWith(QProcess &process, int signal)
+    {
+        ::kill(static_cast<pid_t>(process.processId()), signal);
+        return exitCode(process);
+    }
+
+    std::string ask(const std::string &line)
+    {
+        QLocalSocket socket;
+        socket.connectToServer(text(folder() + "/run/server.sock"));
+        if (!socket.waitForConnected(patience))
+            return {};
+        socket.write(QByteArray::fromStdString(line));
+        while (!socket.canReadLine() && socket.waitForReadyRead(patience)) {
+        }
+        return socket.readLine().toStdString();
+    }
+    SocketAnswer answer(const std::string &line)
+    {
+        return decodeJson<SocketAnswer>(ask(line)).value_or(SocketAnswer{});
+    }
+
+    HttpResponse send(const HttpRequest &request)
+    {
+        std::string raw = std::string(orvane::text(request.method)) + " " + request.path +
+                          " HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(m_port) +
+                          "\r\nContent-Length: " + std::to_string(request.body.size()) +
+                          "\r\nAuthorization: Bearer " + m_token + "\r\n";
+        for (const auto &[name, value] : request.headers.all())
+            raw += name + ": " + value + "\r\n";
+        const std::string got = orvane::testing::exchangeRaw(m_port, raw + "\r\n" + request.body);
+        const std::size_t end = got.find("\r\n\r\n");
+        if (end == std::string::npos)
+            return {};
+        return {std::stoi(got.substr(9, 3)), {}, got.substr(end + 4)};
+    }
+    template <class Operation>
+    HttpResponse call(const typename Operation::Input &input)
+    {
+        return send(Operation::request(input));
+    }
+    int rawStatus(const std::string &request)
+    {
+        const std::string got = orvane::testing::exchangeRaw(m_port, request);
+        return got.size() > 12 ? std::stoi(got.substr(9, 3)) : 0;
+    }
+
+    void signIn()
+    {
+        const std::string verifier = randomText(32);
+        const SocketAnswer code = answer(R"({"command":"code","timeZone":"Asia/Tokyo","codeChallenge":")" +
+                                         digestText(verifier) + "\"}\n");
+        ASSERT_TRUE(code.code) << code.error.value_or("no answer");
+        ExternalExchangeRequest body;
+        body.code = *code.code;
+        body.codeVerifier = verifier;
+        const auto signedIn = decodeJson<ExternalSignInResponse>(call<ExchangeExternalSignIn>({body}).body);
+        ASSERT_TRUE(signedIn);
+        m_token = signedIn->tokens.accessToken;
+        const auto me = decodeJson<MeResponse>(call<GetMe>({}).body);
+        ASSERT_TRUE(me);
+        EXPECT_EQ(me->timeZone, "Asia/Tokyo");
+        m_workspace = me->defaultWorkspaceId.value_or("");
+    }
+
+    QTemporaryDir m_root;
+    std::uint16_t m_port = 0;
+    std::string m_token;
+    std::string m_workspace;
+};
+
+TEST_F(ServerRun, ItKeepsItsPortItsDataAndItsPrivacy)
+{
+    auto first = serve();
+    const std::uint16_t port = m_port;
+    const SocketAnswer hello = answer("{\"command\":\"hello\"}\n");
+    EXPECT_EQ(hello.address, "http://127.0.0.1:" + std::to_string(port));
+    EXPECT_EQ(hello.pid, first->processId());
+    EXPECT_EQ(hello.version, ORVANE_VERSION);
+    signIn();
+    const std::string token = m_token;
+    for (const char *name : {"", "/run"})
+        EXPECT_EQ(modeOf(folder() + name), 0700U) << name;
+    for (const char *name : {"/port", "/server.lock", "/server.log", "/orvane-server.sqlite",
+                             "/orvane-server.sqlite-wal", "/run/server.sock"})
+        EXPECT_EQ(modeOf(folder() + name), 0600U) << name;
+    EXPECT_EQ(endWith(*first, SIGTERM), 0);
+    EXPECT_FALSE(QFile::exists(text(folder() + "/run/server.sock")));
+
+    const auto second = serve();
+    EXPECT_EQ(m_port, port);
+    EXPECT_EQ(call<GetMe>({}).status, 200) << "the key of the access tokens is kept";
+    QFile log(text(folder() + "/server.log"));
+    ASSERT_TRUE(log.open(QIODevice::ReadOnly));
+    EXPECT_FALSE(log.readAll().contains(QByteArray::fromStdString(token)));
+    EXPECT_EQ(endWith(*second, SIGINT), 0);
+}
+
+TEST_F(ServerRun, WhatWasAnsweredSurvivesAKill)
+{
+    auto server = serve();
+    signIn();
+    CreateTimeEntryRequest body;
+    body.start = instantFromMilliseconds(1'772'355'600'000);
+    body.stop = body.start;
+    for (int i = 0; i < 20; ++i) {
+        body.id = "entry-" + std::to_string(i);
+        ASSERT_EQ(call<CreateTimeEntry>({m_workspace, body}).status, 201);
+    }
+    endWith(*server, SIGKILL);
+    server = serve();
+    signIn();
+    const auto kept = decodeJson<std::vector<TimeEntryResponse>>(
+        call<ListTimeEntries>({m_workspace, body.start, body.start + std::chrono::hours{1}}).body);
+    ASSERT_TRUE(kept);
+    EXPECT_EQ(kept->size(), 20U);
+    EXPECT_EQ(call<CreateTimeEntry>({m_workspace, body}).status, 200);
+    endWith(*server, SIGTERM);
+}
+
+TEST_F(ServerRun, OneServerServesAFolder)
+{
+    std::vector<std::unique_ptr<QProcess>> racers;
+    for (int i = 0; i < 3; ++i)
+        racers.push_back(launch());
+    std::size_t ended = 0;
+    QProcess *serving = nullptr;
+    for (auto &racer : racers) {
+        while (racer->state() == QProcess::Running && !racer->canReadLine() &&
+               racer->waitForReadyRead(patience)) {
+        }
+        if (racer->canReadLine()) {
+            serving = racer.get();
+            continue;
+        }
+        EXPECT_EQ(exitCode(*racer), 0);
+        EXPECT_TRUE(racer->readAllStandardError().contains("runs already"));
+        ++ended;
+    }
+    ASSERT_NE(serving, nullptr);
+    EXPECT_EQ(ended, 2U);
+    EXPECT_EQ(answer("{\"command\":\"hello\"}\n").pid, serving->processId());
+    EXPECT_EQ(endWith(*serving, SIGTERM), 0);
+}
+
+TEST_F(ServerRun, APortThatAnotherProgramHoldsIsAClearError)
+{
+    endWith(*serve(), SIGTERM);
+    QTcpServer other;
+    ASSERT_TRUE(other.listen(QHostAddress::LocalHost, m_port));
+    const auto server = launch();
+    EXPECT_EQ(exitCode(*server), 1);
+    const QByteArray said = server->readAllStandardError();
+    EXPECT_TRUE(said.contains(QByteArray::number(m_port)) && said.contains("another program"))
+        << said.toStdString();
+    QFile log(text(folder() + "/server.log"));
+    ASSERT_TRUE(log.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(log.readAll().contains("another program"));
+}
+
+TEST_F(ServerRun, ADatabaseThatIsNotOneIsAClearErrorAndStays)
+{
+    ASSERT_TRUE(QDir().mkpath(text(folder())));
+    const QString path = text(folder() + "/orvane-server.sqlite");
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    const QByteArray content = QByteArray(8192, 'x');
+    file.write(content);
+    file.close();
+    const auto server = launch();
+    EXPECT_EQ(exitCode(*server), 1);
+    EXPECT_TRUE(server->readAllStandardError().contains("database"));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), content);
+}
+
+TEST_F(ServerRun, TheSocketsFolderIsMadePrivateOrRefused)
+{
+    ASSERT_TRUE(QDir().mkpath(text(folder() + "/run")));
+    ::chmod((folder() + "/run").c_str(), 0777);
+    endWith(*serve(), SIGTERM);
+    EXPECT_EQ(modeOf(folder() + "/run"), 0700U);
+
+    ASSERT_TRUE(QDir(text(folder() + "/run")).removeRecursively());
+    ASSERT_EQ(::symlink(m_root.path().toStdString().c_str(), (folder() + "/run").c_str()), 0);
+    const auto server = launch();
+    EXPECT_EQ(exitCode(*server), 1);
+    EXPECT_TRUE(server->readAllStandardError().contains("socket"));
+}
+
+TEST_F(ServerRun, TheSocketAnswersNonsenseWithAnError)
+{
+    const auto server = serve();
+    for (const char *line : {"\n", "x\n", "{}\n", "{\"command\":\"code\"}\n", "{\"command\":\"go\"}\n"})
+        EXPECT_TRUE(answer(line).error) << line;
+    EXPECT_EQ(ask(std::string(5000, 'x')), "") << "a line that never ends is hung up on";
+    EXPECT_TRUE(answer("{\"command\":\"hello\"}\n").address);
+    endWith(*server, SIGTERM);
+}
+
+TEST_F(ServerRun, RequestsThatAreNotRequestsDoNoHarm)
+{
+    const auto server = serve();
+    const std::string host = "Host: 127.0.0.1:" + std::to_string(m_port) + "\r\n";
+    EXPECT_EQ(rawStatus("GET /api/server HTTP/1.1\r\n" + host + "\r\n"), 200);
+    EXPECT_EQ(rawStatus("GET /api/server HTTP/1.1\r\nHost: evil.example\r\n\r\n"), 421);
+    EXPECT_EQ(rawStatus("GET /api/server HTTP/1.1\r\n" + host + "Origin: http://evil.example\r\n\r\n"), 403);
+    EXPECT_EQ(rawStatus("PATCH /api/server HTTP/1.1\r\n" + host + "\r\n"), 405);
+    EXPECT_EQ(rawStatus("OPTIONS /api/me HTTP/1.1\r\n" + host + "\r\n"), 405);
+    EXPECT_EQ(rawStatus("\x16\x03\x01garbage\r\n\r\n"), 400);
+    EXPECT_EQ(
+        rawStatus("GET /api/server HTTP/1.1\r\n" + host + "X: " + std::string(2 << 20, 'x') + "\r\n\r\n"),
+        413);
+    const std::string post =
+        "POST /api/auth/login HTTP/1.1\r\n" + host + "Content-Type: application/json\r\n";
+    EXPECT_EQ(rawStatus(post + "Content-Length: 1048577\r\n\r\n" + std::string(1048577, ' ')), 413);
+    EXPECT_EQ(rawStatus(post + "Content-Length: 999999999\r\n\r\n" + std::string(2 << 20, ' ')), 413)
+        << "refused while it is still arriving";
+    EXPECT_EQ(rawStatus("GET /api/server HTTP/1.1\r\n" + host + "\r\n"), 200);
+    EXPECT_EQ(endWith(*server, SIGTERM), 0);
+}
+
+TEST_F(ServerRun, ItEndsWhenNobodyAsks)
+{
+    const auto server = serve({QStringLiteral("--idle-exit"), QStringLiteral("1")});
+    EXPECT_EQ(exitCode(*server), 0);
+}
+
+TEST_F(ServerRun, ItHoldsNothingOfWhoStartedIt)
+{
+    int pipe[2];
+    ASSERT_EQ(::pipe(pipe), 0); // without close-on-exec, so that the server inherits it
+    const auto server = serve();
+    ::close(pipe[1]);
+    char byte = 0;
+    EXPECT_EQ(::read(pipe[0], &byte, 1), 0) << "the other end is closed everywhere";
+    ::close(pipe[0]);
+    ::kill(static_cast<pid_t>(server->processId()), SIGHUP);
+    EXPECT_TRUE(answer("{\"command\":\"hello\"}\n").address) << "a hang-up is survived";
+    EXPECT_EQ(endWith(*server, SIGTERM), 0);
+}
+
+TEST_F(ServerRun, WrongUsageIsSaid)
+{
+    EXPECT_EQ(exitCode(*launch({QStringLiteral("--nonsense")})), 2);
+    EXPECT_EQ(exitCode(*launch({QStringLiteral("--listen"), QStringLiteral("nowhere")})), 2);
+    EXPECT_EQ(exitCode(*launch({QStringLiteral("--idle-exit"), QStringLiteral("-1")})), 2);
+}
+
+} // namespace orvane::server
