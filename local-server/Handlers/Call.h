@@ -17,7 +17,7 @@ namespace orvane::server {
 struct Services {
     Database &database;
     AccessTokens tokens;
-    SignInCodes codes;
+    SignInCodes codes{};
     GuessGuard passwordGuesses{5};
     GuessGuard registrations{20};
     bool registrationOpen = true;

@@ -52,6 +52,16 @@ void setAction(int signal, void (*handler)(int))
     ::sigaction(signal, &action, nullptr);
 }
 
+/// A closed standard stream's number would go to the next file opened, and be written to as a stream.
+void openStandardStreams()
+{
+    int descriptor = 0;
+    while (descriptor >= 0 && descriptor < 3)
+        descriptor = ::open("/dev/null", O_RDWR);
+    if (descriptor >= 3)
+        ::close(descriptor);
+}
+
 bool isFolder(const std::string &path)
 {
     struct stat info{};
@@ -63,6 +73,7 @@ bool isFolder(const std::string &path)
 void leaveParentBehind(bool foreground)
 {
     closeInheritedFiles();
+    openStandardStreams();
     ::unsetenv("ORVANE_NOW");
     ::umask(0077);
     sigset_t none;
