@@ -113,7 +113,8 @@ Task<Result<void, AccountError>> Account::findServer()
     const auto wanted = m_options.server ? m_options.server : installation.currentServer();
     const auto local = installation.localServer();
     m_isLocal = !wanted || wanted == local;
-    m_isAutomatic = m_isLocal && installation.currentServer() != local;
+    // Somebody may also sign in to the server on this computer with an e-mail address; then it is the current one.
+    m_isAutomatic = m_isLocal && !(local && installation.currentServer() == local);
     m_server = wanted.value_or(local.value_or(""));
     m_isReachable = true;
     if (!m_isLocal)
@@ -316,19 +317,19 @@ Task<Result<void, AccountError>> Account::openStore(std::string accountId)
 }
 
 /// Nothing of a queue goes to an account that is not the store's.
-Task<std::variant<std::monostate, CallError, Outbox::NotOurs>> Account::checkAccount()
+Task<Outbox::SendVerdict> Account::checkAccount()
 {
     const QPointer<Account> self(this);
     if (!m_hasFreshMe) {
         co_await fetchMe();
         if (!self)
-            co_return Outbox::NotOurs{};
+            co_return Outbox::SendVerdict::NotOurs;
         if (!m_hasFreshMe)
-            co_return CallError(*m_meError);
+            co_return Outbox::SendVerdict::Away;
     }
     if (m_freshMe.id != m_accountId)
-        co_return Outbox::NotOurs{};
-    co_return std::monostate{};
+        co_return Outbox::SendVerdict::NotOurs;
+    co_return Outbox::SendVerdict::Allowed;
 }
 
 Task<> Account::updateMe(MeResponse me)

@@ -127,7 +127,7 @@ private:
     Task<Result<void, AccountError>> openStore(std::string accountId);
     Task<> fetchMe();
     bool isSessionOver() const;
-    Task<std::variant<std::monostate, CallError, Outbox::NotOurs>> checkAccount();
+    Task<Outbox::SendVerdict> checkAccount();
     Result<void, AccountError> selectWorkspace();
     const WorkspaceSummary *chosenWorkspace() const;
     void makeTracker();

@@ -207,15 +207,15 @@ Task<bool> Outbox::isAllowed()
     if (!m_parts.mayBeSent)
         co_return true;
     const QPointer<Outbox> self(this);
-    const auto verdict = co_await m_parts.mayBeSent();
+    const SendVerdict verdict = co_await m_parts.mayBeSent();
     if (!self)
         co_return false;
-    m_isHeldBack = std::holds_alternative<NotOurs>(verdict);
+    m_isHeldBack = verdict == SendVerdict::NotOurs;
     if (m_isHeldBack)
         resumeAllQueued();
-    else if (std::holds_alternative<CallError>(verdict))
+    else if (verdict == SendVerdict::Away)
         handleTransient();
-    co_return std::holds_alternative<std::monostate>(verdict);
+    co_return verdict == SendVerdict::Allowed;
 }
 
 Task<Outbox::Step> Outbox::sendOne(Pending row)

@@ -53,10 +53,10 @@ public:
     struct Queued {};
     using Outcome = std::variant<Sent, Rejected, Queued>;
 
-    /// Says whether the queue may be sent: nothing (it may), or why not. A failed check counts as an
-    /// unreachable server.
-    struct NotOurs {};
-    using SendCheck = std::function<Task<std::variant<std::monostate, CallError, NotOurs>>()>;
+    /// Whether the queue may be sent: yes; not now, since the server cannot be asked; no, since the account
+    /// signed in to is not the one whose changes these are.
+    enum class SendVerdict { Allowed, Away, NotOurs };
+    using SendCheck = std::function<Task<SendVerdict>()>;
 
     struct Parts {
         std::shared_ptr<OrvaneClient> api;

@@ -13,6 +13,17 @@ HttpRequest stamped(HttpRequest request, const std::string &token)
     return request;
 }
 
+/// What a request fails with when no token could be had for it. The server has not judged the request then,
+/// so a refusal of the renewal (a one-time code used twice, a gateway's 403) must not look like a refusal of
+/// the request, which callers take for its end: it says that the request was not authorised.
+CallError unsent(CallError error)
+{
+    auto *refusal = std::get_if<APIError>(&error);
+    if (refusal != nullptr && refusal->status < 500)
+        refusal->status = 401;
+    return error;
+}
+
 } // namespace
 
 Task<HttpResult> AuthMiddleware::intercept(HttpRequest request, SendNext next) const
@@ -20,13 +31,13 @@ Task<HttpResult> AuthMiddleware::intercept(HttpRequest request, SendNext next) c
     const std::shared_ptr<AuthSession> session = m_session;
     auto token = co_await session->validAccessToken();
     if (!token)
-        co_return failure(std::move(token.error()));
+        co_return failure(unsent(std::move(token.error())));
     auto answer = co_await next(stamped(request, *token));
     if (!answer || answer->status != 401)
         co_return std::move(answer);
     auto other = co_await session->accessTokenAfterRefusal(std::move(*token));
     if (!other)
-        co_return failure(std::move(other.error()));
+        co_return failure(unsent(std::move(other.error())));
     co_return co_await next(stamped(std::move(request), *other));
 }
 

@@ -73,7 +73,10 @@ TEST_F(OutboxTest, DeliversEveryChangeOnceAndInOrderThroughAllTroubles)
     int conflicts = 0;
     outbox->onConflict = [&](const Outbox::Pending &, const TimeEntryResponse &) { ++conflicts; };
     int refusals = 0;
-    outbox->onRejected = [&](const Outbox::Pending &, const CallError &, bool) { ++refusals; };
+    outbox->onRejected = [&](const Outbox::Pending &row, const CallError &error, bool) {
+        ++refusals;
+        ADD_FAILURE() << row.change.action.index() << ": " << describe(error);
+    };
 
     std::vector<EntryChange> changes;
     std::mt19937 random(7);
@@ -254,12 +257,10 @@ TEST_F(OutboxTest, TwoProcessesShareOneQueueWithoutSendingTwiceOrMakingUpAConfli
 TEST_F(OutboxTest, SendsNothingToAnotherAccountThanTheStores)
 {
     bool isOurs = false;
-    auto [outbox, retry] =
-        stack.openOutbox([&isOurs]() -> Task<std::variant<std::monostate, CallError, Outbox::NotOurs>> {
-            if (isOurs)
-                co_return std::monostate{};
-            co_return Outbox::NotOurs{};
-        });
+    const auto answer = [](bool isAllowed) -> Task<Outbox::SendVerdict> {
+        co_return isAllowed ? Outbox::SendVerdict::Allowed : Outbox::SendVerdict::NotOurs;
+    };
+    auto [outbox, retry] = stack.openOutbox([&] { return answer(isOurs); });
     queue(*outbox, {create(newId(), "private", 0)});
     EXPECT_TRUE(outbox->isHeldBack());
     EXPECT_EQ(outbox->pending().size(), 1U);

@@ -40,6 +40,13 @@ protected:
         return details;
     }
 
+    static SplitPart share(std::int64_t percent)
+    {
+        SplitPart part;
+        part.percent = percent;
+        return part;
+    }
+
     /// What the server holds of this week, straight from it.
     static std::vector<TimeEntryResponse> held(Account &account)
     {
@@ -196,9 +203,9 @@ TEST_F(TrackerTest, RefusesWhatCannotBeAndGroupsByDay)
     EXPECT_EQ(days[1].entries[0].description, "before it");
     EXPECT_EQ(days[2].day, today);
 
-    const SaveResult halves = await(tracker.split(days[1].entries[0].id, {{.percent = 60}, {.percent = 30}}));
+    const SaveResult halves = await(tracker.split(days[1].entries[0].id, {share(60), share(30)}));
     EXPECT_EQ(halves.outcome, SaveOutcome::rejected) << "the shares of an entry are the whole of it";
-    const SaveResult split = await(tracker.split(days[1].entries[0].id, {{.percent = 60}, {.percent = 40}}));
+    const SaveResult split = await(tracker.split(days[1].entries[0].id, {share(60), share(40)}));
     EXPECT_EQ(split.outcome, SaveOutcome::saved) << split.message;
     EXPECT_EQ(split.entry->shares.size(), 2U);
     close(std::move(account));
