@@ -62,7 +62,7 @@ struct EntryChange {
 
 template <>
 struct JsonFields<EntryChange::Create> {
-    static constexpr auto list = std::tuple{
+    static constexpr auto list = JsonFieldList{
         jsonField<"_0">(&EntryChange::Create::request),
         jsonField<"id">(&EntryChange::Create::id),
         jsonField<"workspaceId">(&EntryChange::Create::workspaceId),
@@ -71,7 +71,7 @@ struct JsonFields<EntryChange::Create> {
 
 template <>
 struct JsonFields<EntryChange::Update> {
-    static constexpr auto list = std::tuple{
+    static constexpr auto list = JsonFieldList{
         jsonField<"_0">(&EntryChange::Update::request),
         jsonField<"id">(&EntryChange::Update::id),
         jsonField<"workspaceId">(&EntryChange::Update::workspaceId),
@@ -81,7 +81,7 @@ struct JsonFields<EntryChange::Update> {
 
 template <>
 struct JsonFields<EntryChange::Stop> {
-    static constexpr auto list = std::tuple{
+    static constexpr auto list = JsonFieldList{
         jsonField<"at">(&EntryChange::Stop::at),
         jsonField<"id">(&EntryChange::Stop::id),
         jsonField<"workspaceId">(&EntryChange::Stop::workspaceId),
@@ -91,7 +91,7 @@ struct JsonFields<EntryChange::Stop> {
 
 template <>
 struct JsonFields<EntryChange::Delete> {
-    static constexpr auto list = std::tuple{
+    static constexpr auto list = JsonFieldList{
         jsonField<"id">(&EntryChange::Delete::id),
         jsonField<"workspaceId">(&EntryChange::Delete::workspaceId),
         jsonField<"version">(&EntryChange::Delete::version),

@@ -35,7 +35,7 @@ struct EntryDetails {
 
 template <>
 struct JsonFields<SplitPart> {
-    static constexpr auto list = std::tuple{
+    static constexpr auto list = JsonFieldList{
         jsonField<"projectId">(&SplitPart::projectId),     jsonField<"taskId">(&SplitPart::taskId),
         jsonField<"isBillable">(&SplitPart::isBillable),   jsonField<"percent">(&SplitPart::percent),
         jsonField<"description">(&SplitPart::description),
@@ -44,7 +44,7 @@ struct JsonFields<SplitPart> {
 
 template <>
 struct JsonFields<EntryDetails> {
-    static constexpr auto list = std::tuple{
+    static constexpr auto list = JsonFieldList{
         jsonField<"description">(&EntryDetails::description),
         jsonField<"projectId">(&EntryDetails::projectId),
         jsonField<"taskId">(&EntryDetails::taskId),

@@ -19,7 +19,7 @@ struct EntryRequest {
 
 template <>
 struct JsonFields<EntryRequest> {
-    static constexpr auto list = std::tuple{
+    static constexpr auto list = JsonFieldList{
         jsonField<"details">(&EntryRequest::details),
         jsonField<"start">(&EntryRequest::start),
         jsonField<"stop">(&EntryRequest::stop),
