@@ -3,11 +3,11 @@
 
 #include "Client/Pending.h"
 
-#include <QBuffer>
 #include <QHostAddress>
 #include <QNetworkAccessManager>
 #include <QNetworkProxy>
 #include <QNetworkReply>
+#include <QTcpSocket>
 #include <QTimer>
 
 namespace orvane {
@@ -74,7 +74,8 @@ public:
                                       QByteArray::fromStdString(std::exchange(m_request.body, {})));
         m_reply->setParent(this);
         m_timer.start(m_transport.m_limits.connect);
-        const auto moved = [this] { m_timer.start(m_transport.m_limits.idle); };
+        watchConnecting(*manager.proxyFactory());
+        const auto moved = [this] { onMoved(); };
         connect(m_reply, &QNetworkReply::requestSent, this, moved);
         connect(m_reply, &QNetworkReply::uploadProgress, this, [moved](qint64 sent, qint64) {
             if (sent > 0)
@@ -90,6 +91,34 @@ public:
     void end(const char *reason) { finish(failure(ConnectionError{reason})); }
 
 private:
+    /// The connection is there, or bytes have come or gone.
+    void onMoved()
+    {
+        m_watch.reset();
+        m_timer.start(m_transport.m_limits.idle);
+    }
+
+    /// QtNetwork does not say when a request without a body is on its way. So, when nothing has been heard
+    /// for a while, a connection of our own shows whether the other side takes any.
+    void watchConnecting(QNetworkProxyFactory &proxies)
+    {
+        m_watch = std::make_unique<QTcpSocket>();
+        m_watch->setProxy(QNetworkProxy::NoProxy);
+        connect(m_watch.get(), &QTcpSocket::connected, this, [this] {
+            m_watch.release()->deleteLater();
+            onMoved();
+        });
+        QTimer::singleShot(m_transport.m_limits.connect / 10, m_watch.get(), [this, &proxies] {
+            const QNetworkProxy proxy = proxies.queryProxy(QNetworkProxyQuery(m_url)).value(0);
+            if (proxy.hostName().isEmpty()) {
+                const bool secure = m_url.scheme() == QLatin1String("https");
+                m_watch->connectToHost(m_url.host(), static_cast<quint16>(m_url.port(secure ? 443 : 80)));
+            } else {
+                m_watch->connectToHost(proxy.hostName(), proxy.port());
+            }
+        });
+    }
+
     int status() const { return m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(); }
 
     void collect()
@@ -131,6 +160,7 @@ private:
         if (m_answer.isFinished())
             return;
         m_timer.stop();
+        m_watch.reset();
         if (m_reply) {
             m_reply->disconnect(this);
             m_reply->abort();
@@ -145,6 +175,7 @@ private:
     QUrl m_url;
     QNetworkReply *m_reply = nullptr;
     QTimer m_timer;
+    std::unique_ptr<QTcpSocket> m_watch;
     std::string m_body;
     Pending<Answer> m_answer;
 };

@@ -1,0 +1,171 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Session/Keychain.h"
+
+#include "Client/NetworkThread.h"
+#include "Session/TokenStoreChoice.h"
+#include "support/Await.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <csignal>
+#include <gtest/gtest.h>
+
+// The tests named Keyring run under support/with-keyring.sh, each in a process and a session of its own; the
+// others want no bus.
+
+namespace orvane {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::await;
+
+template <class Make>
+auto on(NetworkThread &thread, Make make)
+{
+    return await(thread.run(std::move(make)));
+}
+
+Task<bool> write(std::shared_ptr<Keychain> keychain, std::string value, std::string account)
+{
+    co_await keychain->write(std::move(value), std::move(account));
+    co_return true;
+}
+
+Task<bool> remove(std::shared_ptr<Keychain> keychain, std::string account)
+{
+    co_await keychain->remove(std::move(account));
+    co_return true;
+}
+
+class KeychainTest : public ::testing::Test {
+protected:
+    std::shared_ptr<Keychain> make(const char *service = "com.orvanetrack.test")
+    {
+        return std::make_shared<Keychain>(QString::fromLatin1(service), 2s);
+    }
+    std::optional<std::string> read(const std::shared_ptr<Keychain> &keychain, const std::string &account)
+    {
+        return on(thread, [=] { return keychain->read(account); });
+    }
+    void write(const std::shared_ptr<Keychain> &keychain, const std::string &value,
+               const std::string &account)
+    {
+        on(thread, [=] { return orvane::write(keychain, value, account); });
+    }
+    void remove(const std::shared_ptr<Keychain> &keychain, const std::string &account)
+    {
+        on(thread, [=] { return orvane::remove(keychain, account); });
+    }
+    void lock()
+    {
+        const QString array = QStringLiteral("array:objpath:/org/freedesktop/secrets/collection/login");
+        ASSERT_EQ(QProcess::execute(QStringLiteral("dbus-send"),
+                                    {QStringLiteral("--session"), QStringLiteral("--print-reply"),
+                                     QStringLiteral("--dest=org.freedesktop.secrets"),
+                                     QStringLiteral("/org/freedesktop/secrets"),
+                                     QStringLiteral("org.freedesktop.Secret.Service.Lock"), array}),
+                  0);
+    }
+
+    NetworkThread thread;
+};
+
+class KeyringTest : public KeychainTest {
+protected:
+    void SetUp() override
+    {
+        if (!qEnvironmentVariableIsSet("ORVANE_KEYRING_PID"))
+            GTEST_SKIP() << "runs under with-keyring.sh";
+    }
+};
+
+TEST_F(KeyringTest, KeepsTokensByServiceAndAccount)
+{
+    EXPECT_TRUE(on(thread, [] { return Keychain::works(); }));
+    const auto one = make();
+    const auto two = make("com.orvanetrack.test.0123456789abcdef");
+    write(one, "first", "http://a.example");
+    write(one, "second", "http://a.example");
+    write(one, "other", "http://b.example");
+    // Another object, as another process has it.
+    EXPECT_EQ(read(make(), "http://a.example"), "second");
+    EXPECT_EQ(read(two, "http://a.example"), std::nullopt);
+    remove(one, "http://a.example");
+    remove(one, "http://a.example");
+    EXPECT_EQ(read(make(), "http://a.example"), std::nullopt);
+    EXPECT_EQ(read(make(), "http://b.example"), "other");
+}
+
+TEST_F(KeyringTest, IsChosenWhereItWorks)
+{
+    const auto choice = await(makeTokenStore(thread, std::nullopt));
+    EXPECT_FALSE(choice.warning);
+    EXPECT_NE(std::dynamic_pointer_cast<Keychain>(choice.store), nullptr);
+}
+
+TEST_F(KeyringTest, DoesNotHangWhenLocked)
+{
+    const auto keychain = make();
+    write(keychain, "token", "http://a.example");
+    lock();
+    QElapsedTimer timer;
+    timer.start();
+    // What this process knows still serves it; another one has nothing to go by.
+    EXPECT_EQ(read(keychain, "http://a.example"), "token");
+    EXPECT_EQ(read(make(), "http://a.example"), std::nullopt);
+    EXPECT_FALSE(on(thread, [] { return Keychain::works(1s); }));
+    EXPECT_LT(timer.elapsed(), 8000);
+}
+
+TEST_F(KeyringTest, GoesOnWhenTheKeyringGoesAway)
+{
+    const auto keychain = make();
+    write(keychain, "token", "http://a.example");
+    ASSERT_EQ(::kill(static_cast<pid_t>(qEnvironmentVariableIntValue("ORVANE_KEYRING_PID")), SIGKILL), 0);
+    QElapsedTimer timer;
+    timer.start();
+    EXPECT_EQ(read(keychain, "http://a.example"), "token");
+    write(keychain, "next token", "http://a.example");
+    EXPECT_EQ(read(keychain, "http://a.example"), "next token");
+    remove(keychain, "http://a.example");
+    EXPECT_EQ(read(keychain, "http://a.example"), std::nullopt);
+    EXPECT_LT(timer.elapsed(), 12'000);
+}
+
+TEST_F(KeychainTest, IsNotChosenWithoutABus)
+{
+    if (qEnvironmentVariableIsSet("DBUS_SESSION_BUS_ADDRESS"))
+        GTEST_SKIP() << "there is a bus";
+    const auto choice = await(makeTokenStore(thread, std::nullopt));
+    EXPECT_EQ(choice.warning,
+              "Sign-ins will last only until this command ends, because no keychain is available.");
+    EXPECT_EQ(std::dynamic_pointer_cast<Keychain>(choice.store), nullptr);
+    // A session in it goes on all the same.
+    const auto keychain = make();
+    write(keychain, "token", "http://a.example");
+    EXPECT_EQ(read(keychain, "http://a.example"), "token");
+}
+
+TEST(KeychainService, IsTheInstallationsOwn)
+{
+    const QTemporaryDir folder;
+    const auto service = [](const QString &path) { return keychainService(path.toStdString()); };
+    EXPECT_EQ(keychainService({}), QStringLiteral("com.orvanetrack.refresh-token"));
+    const QString own = service(folder.path());
+    EXPECT_TRUE(own.startsWith(QStringLiteral("com.orvanetrack.refresh-token.")));
+    EXPECT_EQ(own.size(), 30 + 16);
+    EXPECT_EQ(service(folder.path() + QStringLiteral("/new/../")), own);
+    // The name of a folder does not change when the folder is made.
+    const QString later = folder.filePath(QStringLiteral("later"));
+    const QString before = service(later);
+    EXPECT_NE(before, own);
+    ASSERT_TRUE(QDir().mkdir(later));
+    EXPECT_EQ(service(later), before);
+    ASSERT_TRUE(QFile::link(folder.path(), later + QStringLiteral("/link")));
+    EXPECT_EQ(service(later + QStringLiteral("/link")), own);
+}
+
+} // namespace
+} // namespace orvane
