@@ -169,7 +169,11 @@ std::optional<Instant> instantFromSecondsSince2001(double seconds)
     // The bound keeps the conversion below defined; the exact check follows it.
     if (!std::isfinite(seconds) || std::abs(seconds) > 1e12)
         return std::nullopt;
-    const Instant instant = year2001 + microseconds{std::llround(seconds * 1e6)};
+    // Beyond 2^31 seconds a double no longer tells each microsecond from the next, so that an instant would
+    // change a little whenever it is read and written; a millisecond it tells for all acceptable instants.
+    const bool isFar = std::abs(seconds) >= 0x1p31;
+    const Instant instant = isFar ? year2001 + milliseconds{std::llround(seconds * 1e3)}
+                                  : year2001 + microseconds{std::llround(seconds * 1e6)};
     return isAcceptable(instant) ? std::optional{instant} : std::nullopt;
 }
 

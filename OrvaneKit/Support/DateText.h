@@ -22,8 +22,8 @@ std::optional<Instant> instantFromIso8601(std::string_view text);
 /// Seconds since 2001-01-01 00:00:00 UTC; exact to the millisecond for every acceptable instant.
 double secondsSince2001(Instant instant);
 
-/// The reverse, rounded to a microsecond; nothing for a number that is not finite or lies outside 1900 to
-/// 9999.
+/// The reverse, rounded to a microsecond (to a millisecond before 1933 and after 2069); nothing for a number
+/// that is not finite or lies outside 1900 to 9999.
 std::optional<Instant> instantFromSecondsSince2001(double seconds);
 
 /// "2026-03-01". The day must be a real one.

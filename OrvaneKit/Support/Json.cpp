@@ -152,7 +152,7 @@ struct Node {
 namespace {
 
 /// A text above this is read with a parser of its own, which is released afterwards.
-constexpr std::size_t keptParserLimit = 256 * 1024;
+constexpr std::size_t keptParserLimit = std::size_t{256} * 1024;
 
 /// A padded copy of the text and a parser for it: this thread's, unless they are in use or the text is so
 /// large that keeping their memory would be a burden.
@@ -353,6 +353,18 @@ bool readPlain(Reader &reader, Node &node, double &out)
     return node.value.get_double().get(out) == simdjson::SUCCESS || reader.fail("is not a number");
 }
 
+namespace {
+/// At most `limit` bytes, no character cut in two.
+std::string_view frontOf(std::string_view text, std::size_t limit)
+{
+    if (text.size() <= limit)
+        return text;
+    while (limit > 0 && (static_cast<unsigned char>(text[limit]) & 0xC0U) == 0x80U)
+        --limit;
+    return text.substr(0, limit);
+}
+} // namespace
+
 bool readPlain(Reader &reader, Node &node, Instant &out)
 {
     std::optional<Instant> instant;
@@ -363,7 +375,7 @@ bool readPlain(Reader &reader, Node &node, Instant &out)
         instant = instantFromIso8601(text);
         if (!instant) {
             reader.error.message = "Not an ISO 8601 date: ";
-            reader.error.message += text.substr(0, 40);
+            reader.error.message += frontOf(text, 40);
             return false;
         }
     } else {

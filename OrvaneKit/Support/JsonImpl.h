@@ -187,7 +187,8 @@ bool readNext(Reader &reader, Node &node, void *list)
 template <class Map>
 bool readEntry(Reader &reader, Node &node, std::string name, void *map)
 {
-    return readValue(reader, node, (*static_cast<Map *>(map))[std::move(name)]);
+    const auto [entry, isNew] = static_cast<Map *>(map)->try_emplace(std::move(name));
+    return isNew ? readValue(reader, node, entry->second) : reader.fail("is given twice");
 }
 
 template <class Variant, std::size_t Index>
