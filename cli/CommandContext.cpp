@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "CommandContext.h"
+
+#include "Output/EntryText.h"
+#include "Terminal/StandardStreams.h"
+
+#include <unistd.h>
+
+namespace orvane {
+
+namespace {
+
+/// How long a command waits for the server before it goes on without it.
+constexpr std::chrono::milliseconds patience{3000};
+
+} // namespace
+
+CommandContext::CommandContext(GlobalOptions options)
+    : m_options(std::move(options))
+    , m_style(TerminalStyle::of(STDOUT_FILENO))
+    , m_installation(m_options.dataFolder)
+{
+}
+
+CommandContext::~CommandContext() = default;
+
+Account::Options CommandContext::accountOptions()
+{
+    Account::Options options;
+    options.installation = &m_installation;
+    options.server = m_options.server;
+    options.startsServer = m_options.startsServer;
+    options.workspace = m_options.workspace;
+    options.zone = m_options.zone;
+    options.patience = patience;
+    return options;
+}
+
+Task<Result<Account *, CommandFailure>> CommandContext::openAccount()
+{
+    if (m_account)
+        co_return m_account.get();
+    const bool isFirst =
+        !m_options.server && !m_installation.currentServer() && !m_installation.localServer();
+    m_progress.begin(isFirst && m_options.startsServer ? "Starting the server on this computer …"
+                                                       : "Waiting for the server …");
+    auto opened = co_await Account::open(accountOptions());
+    m_progress.finish();
+    co_return co_await adopt(std::move(opened));
+}
+
+Task<Result<Account *, CommandFailure>> CommandContext::signIn(Account::Credentials credentials)
+{
+    m_progress.begin("Signing in …");
+    auto opened = co_await Account::signIn(accountOptions(), std::move(credentials));
+    m_progress.finish();
+    co_return co_await adopt(std::move(opened));
+}
+
+Task<Result<Account *, CommandFailure>>
+CommandContext::adopt(Result<std::unique_ptr<Account>, AccountError> opened)
+{
+    if (!opened) {
+        m_openError = opened.error().kind;
+        co_return failure(CommandFailure::of(opened.error()));
+    }
+    m_account = std::move(*opened);
+    co_await m_account->tracker().loadSnapshot();
+    if (!m_account->tokenNotice().empty())
+        writeMessage(m_account->tokenNotice());
+    co_return m_account.get();
+}
+
+Task<> CommandContext::flush()
+{
+    Outbox &outbox = m_account->outbox();
+    if (outbox.pending().empty() || !m_account->isReachable())
+        co_return;
+    const auto all = static_cast<std::int64_t>(outbox.pending().size());
+    m_progress.begin("Sending changes");
+    m_progress.setProgress(0, all);
+    const auto advance = [this, all] {
+        const auto left = static_cast<std::int64_t>(m_account->outbox().pending().size());
+        m_progress.setProgress(all - std::min(left, all), all);
+        // Each answer shows that the server is there; only silence uses the patience up.
+        m_account->restartPatience();
+    };
+    const auto connection = connect(&outbox, &Outbox::pendingChanged, this, advance);
+    co_await outbox.flush();
+    disconnect(connection);
+    m_progress.finish();
+}
+
+Task<> CommandContext::bringUpToDate()
+{
+    co_await flush();
+    if (!m_account->isReachable())
+        co_return;
+    m_progress.begin("Waiting for the server …");
+    co_await m_account->tracker().load();
+    m_progress.finish();
+}
+
+Task<> CommandContext::showRefusals()
+{
+    auto refusals = co_await m_account->outbox().unshownRefusals();
+    if (refusals.empty())
+        co_return;
+    const EntryWriter writer(m_account->tracker(), TerminalStyle::of(STDERR_FILENO));
+    for (const Refusal &refusal : refusals)
+        writeMessage(writer.refusal(refusal));
+    const auto marked = co_await m_account->outbox().markShown(std::move(refusals));
+    if (!marked)
+        writeMessage(describe(marked.error()));
+}
+
+void CommandContext::showQueue()
+{
+    const EntryWriter writer(m_account->tracker(), TerminalStyle::of(STDERR_FILENO));
+    for (const Outbox::Pending &pending : m_account->outbox().conflicts())
+        writeMessage(writer.conflict(pending));
+    const std::string message = queueMessage(m_account->outbox(), m_account->isReachable());
+    if (!message.empty() && !json())
+        writeMessage(message);
+    else if (!m_account->isReachable() && !json())
+        writeMessage("Offline: the server cannot be reached; this is what was known last.");
+}
+
+Task<> CommandContext::finish()
+{
+    if (!m_account)
+        co_return;
+    co_await showRefusals();
+    showQueue();
+    co_await m_account->close();
+}
+
+} // namespace orvane

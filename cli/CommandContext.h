@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Account/Account.h"
+#include "Account/Installation.h"
+#include "Output/CommandFailure.h"
+#include "Terminal/ProgressLine.h"
+#include "Terminal/TerminalStyle.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace orvane {
+
+/// The options that every command takes.
+struct GlobalOptions {
+    std::optional<std::string> server;
+    bool startsServer = true;
+    std::string dataFolder;
+    std::string homeFolder;
+    std::string fixturesFolder;
+    std::optional<std::string> workspace;
+    std::optional<std::string> zone;
+    bool json = false;
+};
+
+/// What a running command works with: its options, the streams' styles, and the account, opened when it is
+/// asked for. Lives on the main thread for the length of one command.
+class CommandContext final : public QObject {
+    Q_OBJECT
+
+public:
+    explicit CommandContext(GlobalOptions options);
+    ~CommandContext() override;
+
+    const GlobalOptions &options() const { return m_options; }
+    bool json() const { return m_options.json; }
+    /// Of standard output.
+    const TerminalStyle &style() const { return m_style; }
+    ProgressLine &progress() { return m_progress; }
+    Installation &installation() { return m_installation; }
+    Account::Options accountOptions();
+
+    /// The signed-in account with its snapshot read; the same one at each call. The account stays owned here.
+    Task<Result<Account *, CommandFailure>> openAccount();
+    Task<Result<Account *, CommandFailure>> signIn(Account::Credentials credentials);
+    /// Why the account could not be opened.
+    std::optional<AccountError::Kind> openError() const { return m_openError; }
+    /// Null before it was opened.
+    Account *account() const { return m_account.get(); }
+
+    /// Sends what waits, with a progress bar. Does nothing for an account whose server did not answer.
+    Task<> flush();
+    /// `flush`, then the server's state of the tracker.
+    Task<> bringUpToDate();
+    /// Shows what was refused while nobody waited, and what to do about conflicts; then ends the account.
+    Task<> finish();
+
+private:
+    Task<Result<Account *, CommandFailure>> adopt(Result<std::unique_ptr<Account>, AccountError> opened);
+    Task<> showRefusals();
+    void showQueue();
+
+    GlobalOptions m_options;
+    TerminalStyle m_style;
+    Installation m_installation;
+    ProgressLine m_progress;
+    std::unique_ptr<Account> m_account;
+    std::optional<AccountError::Kind> m_openError;
+};
+
+using Context = std::shared_ptr<CommandContext>;
+
+} // namespace orvane

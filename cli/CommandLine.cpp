@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "CommandLine.h"
+
+#include "CommandTree.h"
+#include "Output/JsonShapes.h"
+#include "Support/DateText.h"
+#include "Terminal/StandardStreams.h"
+#include "Time/AppClock.h"
+
+#include <QCoreApplication>
+#include <QLoggingCategory>
+#include <algorithm>
+#include <clocale>
+#include <cstdlib>
+#include <cstring>
+#include <langinfo.h>
+#include <simdjson.h>
+
+namespace orvane {
+
+namespace {
+
+bool asksForJson(const std::vector<std::string> &arguments)
+{
+    const auto end = std::ranges::find(arguments, "--");
+    return std::find(arguments.begin(), end, "--json") != end;
+}
+
+int code(ExitStatus status)
+{
+    return static_cast<int>(status);
+}
+
+std::string failureText(const CommandFailure &failure, FailureForm form)
+{
+    const shapes::Error error = shapes::error(failure);
+    if (form == FailureForm::Outcome && failure.exitStatus == ExitStatus::failed)
+        return shapes::text(shapes::FailedOutcome{SaveOutcome::failed, false, {}, failure.message, error});
+    return shapes::text(shapes::Failure{error});
+}
+
+ExitStatus show(const CommandResult &result, bool json, FailureForm form)
+{
+    if (!result) {
+        if (json && !writeOutput(failureText(result.error(), form)))
+            return ExitStatus::failed;
+        writeMessage(result.error().message);
+        return result.error().exitStatus;
+    }
+    const bool isWritten = writeOutput(result->output);
+    const int reason = errno;
+    for (const std::string &message : result->messages)
+        writeMessage(message);
+    if (isWritten)
+        return result->exitStatus;
+    // A reader that went away (`orvane list | head -1`) knows why itself.
+    if (reason != EPIPE)
+        writeMessage(std::string("The output could not be written: ") + std::strerror(reason));
+    return ExitStatus::failed;
+}
+
+Task<> drive(Context context, CommandTree::Handler handler, FailureForm form)
+{
+    const CommandResult result = co_await handler(context);
+    const ExitStatus status = show(result, context->json(), form);
+    co_await context->finish();
+    QCoreApplication::exit(code(status));
+}
+
+/// Qt wants a UTF-8 locale and complains about any other; texts here are UTF-8 whatever the locale says.
+void useUtf8Locale()
+{
+    std::setlocale(LC_ALL, "");
+    if (std::strcmp(nl_langinfo(CODESET), "UTF-8") != 0)
+        setenv("LC_ALL", "C.UTF-8", 1);
+}
+
+int runWithEventLoop(const CommandTree &tree, int argc, char **argv)
+{
+    useUtf8Locale();
+    // What libraries would like developers to know is no message for the user.
+    if (!std::getenv("QT_LOGGING_RULES"))
+        QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false\n*.info=false\n*.warning=false"));
+    QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("orvane"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(ORVANE_VERSION));
+    auto context = std::make_shared<CommandContext>(tree.options());
+    const CommandTree::Action &action = tree.action();
+    QMetaObject::invokeMethod(
+        &application, [&] { drive(context, action.handler, action.failureForm); }, Qt::QueuedConnection);
+    return QCoreApplication::exec();
+}
+
+/// The clock starts where ORVANE_NOW says. The variable goes away, since a server that is started keeps the
+/// system's time.
+Result<std::monostate, CommandFailure> setClock()
+{
+    const char *text = std::getenv("ORVANE_NOW");
+    if (!text || *text == '\0')
+        return std::monostate();
+    const auto now = instantFromIso8601(text);
+    if (!now)
+        return failure(CommandFailure::usage("ORVANE_NOW wants an instant such as 2026-03-01T09:30:00Z."));
+    AppClock::setNow(*now);
+    unsetenv("ORVANE_NOW");
+    return std::monostate();
+}
+
+CommandAnswer versionAnswer(bool json)
+{
+    if (json)
+        return {.output = shapes::text(shapes::Version{ORVANE_VERSION})};
+    return {.output = "orvane " ORVANE_VERSION "\n"};
+}
+
+int run(const std::vector<std::string> &arguments, int argc, char **argv)
+{
+    const bool json = asksForJson(arguments);
+    const auto end = [&](const CommandResult &result) {
+        return code(show(result, json, FailureForm::Error));
+    };
+    for (const std::string &argument : arguments) {
+        if (!simdjson::validate_utf8(argument))
+            return end(failure(CommandFailure::usage("The arguments have to be UTF-8 text.")));
+    }
+    CommandTree tree;
+    if (const auto parsed = tree.parse(arguments); !parsed)
+        return end(failure(parsed.error()));
+    if (tree.wantsVersion())
+        return end(versionAnswer(json));
+    if (tree.wantsHelp())
+        return end(CommandAnswer{
+            .output = tree.root().get_formatter()->make_help(tree.chosen(), {}, CLI::AppFormatMode::Normal)});
+    if (const auto clock = setClock(); !clock)
+        return end(failure(clock.error()));
+    if (tree.action().plain)
+        return end(tree.action().plain(tree));
+    return runWithEventLoop(tree, argc, argv);
+}
+
+} // namespace
+
+int runCommandLine(int argc, char **argv)
+{
+    takeOverSignals();
+    return run(std::vector<std::string>(argv + std::min(argc, 1), argv + argc), argc, argv);
+}
+
+} // namespace orvane

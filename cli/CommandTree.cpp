@@ -1,0 +1,263 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "CommandTree.h"
+
+#include "Commands/Commands.h"
+#include "HelpText.h"
+#include "Support/Require.h"
+#include "Terminal/TextWidth.h"
+#include "Time/UserTime.h"
+
+#include <QFileInfo>
+#include <QUrl>
+#include <algorithm>
+
+namespace orvane {
+
+namespace {
+
+/// The library splits "[a,b]" among remaining words into a list and takes "++" for the end of a sub-command.
+/// Words that would be mangled so travel behind this mark, which cannot be typed.
+constexpr char mark = '\x01';
+
+bool isMangled(const std::string &argument)
+{
+    return argument == "++" || (!argument.empty() && argument.front() == '[' && argument.back() == ']');
+}
+
+std::string unmarked(const std::string &argument)
+{
+    return argument.starts_with(mark) ? argument.substr(1) : argument;
+}
+
+/// `--name=` is an empty value; the library would take the next argument for it.
+std::vector<std::string> prepared(const std::vector<std::string> &arguments)
+{
+    std::vector<std::string> out;
+    bool onlyWords = false;
+    for (const std::string &argument : arguments) {
+        const bool isEmptyValue = !onlyWords && argument.size() > 3 && argument.starts_with("--") &&
+                                  argument.find('=') == argument.size() - 1;
+        if (isEmptyValue) {
+            out.push_back(argument.substr(0, argument.size() - 1));
+            out.emplace_back();
+        } else {
+            out.push_back(isMangled(argument) ? mark + argument : argument);
+        }
+        onlyWords = onlyWords || argument == "--";
+    }
+    return out;
+}
+
+std::string commandLine(const CLI::App *command)
+{
+    std::string names;
+    for (const CLI::App *app = command; app->get_parent(); app = app->get_parent())
+        names = " " + app->get_name() + names;
+    return "orvane" + names;
+}
+
+std::string withoutMarks(std::string text)
+{
+    std::erase(text, mark);
+    return text;
+}
+
+Result<std::string, CommandFailure> checkedAddress(const std::string &text)
+{
+    const QUrl url(QString::fromStdString(text), QUrl::StrictMode);
+    const bool isHttp = url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https");
+    if (!url.isValid() || !isHttp || url.host().isEmpty() || url.hasQuery() || url.hasFragment())
+        return failure(CommandFailure::usage(
+            "--server wants an address such as https://time.example.com, not \"" + printable(text) + "\"."));
+    std::string address = text;
+    while (address.ends_with('/'))
+        address.pop_back();
+    return address;
+}
+
+std::optional<CommandFailure> folderProblem(const char *option, const std::optional<std::string> &folder)
+{
+    if (!folder || QFileInfo(QString::fromStdString(*folder)).isDir())
+        return {};
+    return CommandFailure::usage(std::string(option) + ": there is no folder \"" + printable(*folder) +
+                                 "\".");
+}
+
+} // namespace
+
+CommandTree::CommandTree() : m_root("Track time from the terminal.", "orvane")
+{
+    m_root.formatter(std::make_shared<HelpText>());
+    m_root.set_help_flag();
+    m_root.fallthrough();
+    m_root.require_subcommand(0, 1);
+    addGlobalOptions();
+    addTimerCommands(*this);
+    addEntryCommands(*this);
+    addListCommand(*this);
+    addProjectCommands(*this);
+    addCatalogCommands(*this);
+    addSignInCommands(*this);
+    addSettingsCommands(*this);
+    addOutboxCommand(*this);
+    addServeCommand(*this);
+    addHelpCommands(*this);
+}
+
+void CommandTree::addGlobalOptions()
+{
+    const std::string group = "Options of every command";
+    const auto text = [&](const char *name, std::optional<std::string> &target, const char *type,
+                          const char *what) { addText(&m_root, name, target, type, what)->group(group); };
+    text("--server", m_options.server, "URL", "The server to talk to instead of the one signed in to");
+    m_root.add_flag_callback("--no-start-server", [this] { m_options.startsServer = false; })
+        ->description("Do not start the server on this computer")
+        ->group(group);
+    text("--data-dir", m_dataFolder, "DIR", "Keep everything in this folder, an installation of its own");
+    text("--home", m_homeFolder, "DIR", "Where the agents' log folders are looked for");
+    text("--fixtures", m_fixturesFolder, "DIR", "Read sample logs from here instead");
+    text("--workspace", m_options.workspace, "ID", "The workspace for this call");
+    text("--zone", m_options.zone, "ZONE", "The time zone for this call, such as Europe/Paris");
+    m_root.add_flag("--json", m_options.json, "Print one JSON value, for programs")->group(group);
+    m_root.add_flag("-h,--help", m_wantsHelp, "Say what a command does")->group(group);
+    m_root.add_flag("--version", m_wantsVersion, "Say which version this is")->group(group);
+}
+
+CLI::App *CommandTree::add(const std::string &name, const std::string &description, const std::string &group)
+{
+    return m_root.add_subcommand(name, description)->group(group)->require_subcommand(0, 1);
+}
+
+CLI::App *CommandTree::addVerb(CLI::App *command, const std::string &name, const std::string &description)
+{
+    return command->add_subcommand(name, description)->group("Commands")->require_subcommand(0, 1);
+}
+
+void CommandTree::onRun(const CLI::App *command, Handler handler, FailureForm failureForm)
+{
+    m_actions[command] = {std::move(handler), {}, failureForm};
+}
+
+void CommandTree::onRunPlain(const CLI::App *command, PlainHandler handler)
+{
+    m_actions[command] = {{}, std::move(handler), FailureForm::Error};
+}
+
+CLI::Option *CommandTree::addText(CLI::App *command, const std::string &name,
+                                  std::optional<std::string> &target, const std::string &type,
+                                  const std::string &description)
+{
+    return command
+        ->add_option_function<std::string>(
+            name, [&target](const std::string &value) { target = unmarked(value); }, description)
+        ->type_name(type)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+}
+
+CLI::Option *CommandTree::addRequired(CLI::App *command, const std::string &name, std::string &target,
+                                      const std::string &description)
+{
+    return command
+        ->add_option_function<std::string>(
+            name, [&target](const std::string &value) { target = unmarked(value); }, description)
+        ->required();
+}
+
+CLI::Option *CommandTree::addTexts(CLI::App *command, const std::string &name,
+                                   std::vector<std::string> &target, const std::string &type,
+                                   const std::string &description)
+{
+    return command
+        ->add_option_function<std::vector<std::string>>(
+            name,
+            [&target](const std::vector<std::string> &values) {
+                target.clear();
+                for (const std::string &value : values)
+                    target.push_back(unmarked(value));
+            },
+            description)
+        ->type_name(type)
+        ->allow_extra_args(false);
+}
+
+CLI::Option *CommandTree::addSentence(CLI::App *command, const std::string &name,
+                                      std::optional<std::string> &target, const std::string &description)
+{
+    return command->add_option_function<std::vector<std::string>>(
+        name,
+        [&target](const std::vector<std::string> &words) {
+            std::string sentence;
+            for (const std::string &word : words)
+                sentence += (sentence.empty() ? "" : " ") + unmarked(word);
+            target = std::move(sentence);
+        },
+        description);
+}
+
+Result<std::monostate, CommandFailure> CommandTree::parse(std::vector<std::string> arguments)
+{
+    std::vector<std::string> reversed = prepared(arguments);
+    std::ranges::reverse(reversed);
+    try {
+        m_root.parse(reversed);
+    } catch (const CLI::ParseError &error) {
+        if (m_wantsHelp || m_wantsVersion)
+            return std::monostate();
+        const CLI::App *command = chosen();
+        std::string message = withoutMarks(error.what());
+        const auto first =
+            std::ranges::find_if(arguments, [](const std::string &text) { return !text.starts_with('-'); });
+        if (command == &m_root && error.get_name() == "ExtrasError" && first != arguments.end())
+            message = "There is no command \"" + printable(*first) + "\".";
+        return failure(CommandFailure::usage(message + " See: " + commandLine(command) + " --help"));
+    }
+    if (m_wantsHelp || m_wantsVersion)
+        return std::monostate();
+    return checkGlobalOptions();
+}
+
+Result<std::monostate, CommandFailure> CommandTree::checkGlobalOptions()
+{
+    if (m_options.server) {
+        auto address = checkedAddress(*m_options.server);
+        if (!address)
+            return failure(address.error());
+        m_options.server = *address;
+    }
+    if (m_options.zone && !UserTime::make(*m_options.zone))
+        return failure(CommandFailure::usage("--zone wants a time zone such as Europe/Paris, not \"" +
+                                             printable(*m_options.zone) + "\"."));
+    if (m_dataFolder && m_dataFolder->empty())
+        return failure(CommandFailure::usage("--data-dir wants a folder."));
+    for (const auto &problem :
+         {folderProblem("--home", m_homeFolder), folderProblem("--fixtures", m_fixturesFolder)}) {
+        if (problem)
+            return failure(*problem);
+    }
+    m_options.dataFolder = m_dataFolder.value_or("");
+    m_options.homeFolder = m_homeFolder.value_or("");
+    m_options.fixturesFolder = m_fixturesFolder.value_or("");
+    return std::monostate();
+}
+
+const CLI::App *CommandTree::chosen() const
+{
+    const CLI::App *command = &m_root;
+    while (!command->get_subcommands().empty())
+        command = command->get_subcommands().back();
+    return command;
+}
+
+const CommandTree::Action &CommandTree::action() const
+{
+    const auto found = m_actions.find(chosen());
+    ORVANE_REQUIRE(found != m_actions.end(), "every command does something");
+    return found->second;
+}
+
+std::vector<const CLI::App *> CommandTree::commandsOf(const CLI::App *parent)
+{
+    return parent->get_subcommands([](const CLI::App *) { return true; });
+}
+
+} // namespace orvane

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Commands/CatalogAnswers.h"
+
+namespace orvane {
+
+Task<Result<Account *, CommandFailure>> openOnline(Context context)
+{
+    const auto opened = co_await context->openAccount();
+    if (!opened)
+        co_return failure(opened.error());
+    if (!(*opened)->isReachable())
+        co_return failure(
+            CommandFailure::of("The server cannot be reached, and this change cannot wait for it. " +
+                               (*opened)->unreachableReason()));
+    co_await context->flush();
+    co_return static_cast<Account *>(*opened);
+}
+
+} // namespace orvane

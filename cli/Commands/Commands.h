@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+/// Each adds its sub-commands, with their options and what they do, to the tree.
+namespace orvane {
+
+class CommandTree;
+
+void addTimerCommands(CommandTree &tree);
+void addEntryCommands(CommandTree &tree);
+void addListCommand(CommandTree &tree);
+void addProjectCommands(CommandTree &tree);
+void addCatalogCommands(CommandTree &tree);
+void addSignInCommands(CommandTree &tree);
+void addSettingsCommands(CommandTree &tree);
+void addOutboxCommand(CommandTree &tree);
+void addServeCommand(CommandTree &tree);
+void addHelpCommands(CommandTree &tree);
+
+} // namespace orvane

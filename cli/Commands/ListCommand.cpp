@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Commands/Commands.h"
+
+#include "CommandTree.h"
+#include "Input/MomentText.h"
+#include "Output/EntryText.h"
+#include "Output/JsonShapes.h"
+#include "Time/AppClock.h"
+
+namespace orvane {
+
+namespace {
+
+struct ListOptions {
+    std::optional<std::string> day;
+    std::optional<std::string> week;
+};
+
+struct DayRange {
+    DayKey first;
+    int count = 1;
+};
+
+Result<DayRange, CommandFailure> rangeOf(const ListOptions &options, const UserTime &time)
+{
+    const auto day = readDay(options.week ? *options.week : options.day.value_or("today"), time);
+    if (!day)
+        return failure(CommandFailure::usage(day.error()));
+    return options.week ? DayRange{time.weekStartContaining(*day), 7} : DayRange{*day, 1};
+}
+
+/// The weeks that the tracker always holds: this one, and those loaded before it.
+bool isInWindow(const Tracker &tracker, const DayRange &range)
+{
+    const DayKey week = tracker.time().weekStartContaining(tracker.time().today());
+    return range.first >= week.adding(-7 * tracker.weeksLoaded()) &&
+           range.first.adding(range.count) <= week.adding(7);
+}
+
+CommandTask list(Context context, ListOptions options)
+{
+    const auto opened = co_await context->openAccount();
+    if (!opened)
+        co_return failure(opened.error());
+    Account &account = **opened;
+    Tracker &tracker = account.tracker();
+    const auto range = rangeOf(options, tracker.time());
+    if (!range)
+        co_return failure(range.error());
+    co_await context->bringUpToDate();
+    if (!isInWindow(tracker, *range) && !co_await tracker.loadDays(range->first, range->count))
+        co_return failure(CommandFailure::of(
+            "These days are not kept on this computer, and the server cannot be reached."));
+    const auto days = tracker.days(range->first, range->count);
+    if (!context->json())
+        co_return CommandAnswer{.output = EntryWriter(tracker, context->style()).days(days)};
+    shapes::Days answer;
+    for (const DayGroup &group : days)
+        answer.days.push_back(shapes::day(group, AppClock::now()));
+    co_return CommandAnswer{.output = shapes::text(answer)};
+}
+
+} // namespace
+
+void addListCommand(CommandTree &tree)
+{
+    const auto options = std::make_shared<ListOptions>();
+    CLI::App *command = tree.add("list", "List the entries of a day or a week, with totals", "Entries");
+    CLI::Option *day =
+        CommandTree::addText(command, "--day", options->day, "DAY", "The day; today unless it is named");
+    CLI::Option *week = CommandTree::addText(command, "--week", options->week, "DAY",
+                                             "The seven days of the week that holds it");
+    week->excludes(day);
+    command->footer("A DAY is 2026-03-01, today, yesterday or the name of a weekday, which is the last one.");
+    tree.onRun(command, [options](Context context) { return list(std::move(context), *options); });
+}
+
+} // namespace orvane

@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Commands/Commands.h"
+
+#include "CommandTree.h"
+#include "Output/EntryText.h"
+#include "Output/JsonShapes.h"
+
+namespace orvane {
+
+namespace {
+
+CommandAnswer queueAnswer(const CommandContext &context)
+{
+    const Outbox &outbox = context.account()->outbox();
+    if (context.json())
+        return {.output = shapes::text(shapes::queuedChanges(outbox))};
+    return {.output = EntryWriter(context.account()->tracker(), context.style()).queue(outbox.pending())};
+}
+
+/// The list; a pass goes before it, since only the server tells which changes are in conflict.
+CommandTask list(Context context)
+{
+    const auto opened = co_await context->openAccount();
+    if (!opened)
+        co_return failure(opened.error());
+    co_await context->flush();
+    co_return queueAnswer(*context);
+}
+
+CommandTask flush(Context context)
+{
+    const auto opened = co_await context->openAccount();
+    if (!opened)
+        co_return failure(opened.error());
+    const auto before = static_cast<std::int64_t>((*opened)->outbox().pending().size());
+    co_await context->flush();
+    CommandAnswer answer = queueAnswer(*context);
+    const auto after = static_cast<std::int64_t>((*opened)->outbox().pending().size());
+    if (!context->json() && before > after)
+        answer.output =
+            "Sent " + counted(before - after, "change") + ".\n" + (after > 0 ? answer.output : std::string());
+    co_return answer;
+}
+
+enum class Side { Mine, Theirs };
+
+CommandTask settle(Context context, std::int64_t seq, Side side)
+{
+    const auto opened = co_await context->openAccount();
+    if (!opened)
+        co_return failure(opened.error());
+    co_await context->flush();
+    Outbox &outbox = (*opened)->outbox();
+    const auto settled = side == Side::Mine ? co_await outbox.keepMine(seq) : co_await outbox.keepTheirs(seq);
+    if (!settled)
+        co_return failure(CommandFailure::of(settled.error()));
+    if (!*settled) {
+        const bool waits =
+            std::ranges::any_of(outbox.pending(), [seq](const auto &item) { return item.seq == seq; });
+        co_return failure(CommandFailure::of(
+            !waits ? "No change with the number " + std::to_string(seq) + " is waiting."
+            : (*opened)->isReachable()
+                ? "The change " + std::to_string(seq) + " is in no conflict."
+                : "Whether the change is in conflict is known only when the server answers."));
+    }
+    co_await context->flush();
+    co_return queueAnswer(*context);
+}
+
+void addSide(CommandTree &tree, CLI::App *outbox, const char *name, const char *description, Side side)
+{
+    const auto seq = std::make_shared<std::int64_t>(0);
+    CLI::App *command = CommandTree::addVerb(outbox, name, description);
+    command->add_option("SEQ", *seq, "The change's number, as orvane outbox lists it")->required();
+    tree.onRun(command, [seq, side](Context context) { return settle(std::move(context), *seq, side); });
+}
+
+} // namespace
+
+void addOutboxCommand(CommandTree &tree)
+{
+    CLI::App *outbox =
+        tree.add("outbox", "List the changes that wait to be sent, and settle conflicts", "Entries");
+    tree.onRun(outbox, list);
+    tree.onRun(CommandTree::addVerb(outbox, "flush", "Send what is waiting"), flush);
+    addSide(tree, outbox, "keep-mine", "Settle a conflict: your change is made again", Side::Mine);
+    addSide(tree, outbox, "keep-theirs", "Settle a conflict: your change is dropped", Side::Theirs);
+}
+
+} // namespace orvane

@@ -1,0 +1,266 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Commands/Commands.h"
+
+#include "Catalog/NameOrder.h"
+#include "CommandTree.h"
+#include "Commands/CatalogAnswers.h"
+#include "Input/EntryOptions.h"
+#include "Terminal/TextWidth.h"
+
+#include <algorithm>
+#include <array>
+
+namespace orvane {
+
+namespace {
+
+/// Colours for new projects, told apart easily on light and dark ground; taken in turn.
+constexpr std::array<const char *, 10> palette{"#3b82f6", "#10b981", "#f59e0b", "#ef4444", "#8b5cf6",
+                                               "#ec4899", "#14b8a6", "#f97316", "#6366f1", "#84cc16"};
+
+struct NewProject {
+    std::string name;
+    std::optional<std::string> client;
+    std::optional<std::string> colour;
+    bool isBillable = false;
+    bool isPrivate = false;
+};
+
+constexpr TextStyle quiet{.dim = true};
+
+TextCell named(const ProjectResponse &project)
+{
+    return TextCell(printable(project.name), {.ownColour = colourFromText(project.color)});
+}
+
+std::string projectTable(std::vector<ProjectResponse> projects, const Catalog &catalog,
+                         const TerminalStyle &style)
+{
+    if (projects.empty())
+        return "There are no projects yet. Make one with: orvane projects add \"Website\"\n";
+    std::ranges::sort(projects, {}, [](const ProjectResponse &project) {
+        return std::pair(nameOrderKey(project.name), project.id);
+    });
+    std::vector<std::string> ids;
+    for (const ProjectResponse &project : projects)
+        ids.push_back(project.id);
+    ids = shortIds(ids);
+    TextTable table({{}, {.shrinksTo = 12}, {.shrinksTo = 10}, {}, {}});
+    for (std::size_t i = 0; i < projects.size(); ++i) {
+        const ProjectResponse &project = projects[i];
+        const ClientResponse *client = project.clientId ? catalog.client(*project.clientId) : nullptr;
+        const auto tasks = static_cast<std::int64_t>(project.tasks.size());
+        std::string marks = project.isBillable ? "billable" : "";
+        for (const auto &[is, mark] :
+             {std::pair{project.isPrivate, "private"}, std::pair{project.isArchived, "archived"}}) {
+            if (is)
+                marks += (marks.empty() ? "" : ", ") + std::string(mark);
+        }
+        table.add({TextCell(ids[i], quiet), named(project), TextCell(client ? printable(client->name) : ""),
+                   TextCell(tasks > 0 ? counted(tasks, "task") : "", quiet), TextCell(marks, quiet)});
+    }
+    return table.render(style);
+}
+
+CommandTask listProjects(Context context, bool archivedToo)
+{
+    std::vector<ProjectResponse> projects;
+    if (archivedToo) {
+        const auto opened = co_await openOnline(context);
+        if (!opened)
+            co_return failure(opened.error());
+        auto all = co_await (*opened)->client().listProjects((*opened)->tracker().workspace().id, true);
+        if (!all)
+            co_return failure(CommandFailure::of(all.error()));
+        projects = std::move(*all);
+        co_await context->bringUpToDate();
+    } else {
+        const auto opened = co_await context->openAccount();
+        if (!opened)
+            co_return failure(opened.error());
+        co_await context->bringUpToDate();
+        projects = (*opened)->tracker().catalog().projects();
+        std::erase_if(projects, [](const ProjectResponse &project) { return project.isArchived; });
+    }
+    if (context->json())
+        co_return CommandAnswer{.output = shapes::text(projects)};
+    co_return CommandAnswer{
+        .output =
+            projectTable(std::move(projects), context->account()->tracker().catalog(), context->style())};
+}
+
+CommandTask addProject(Context context, NewProject project)
+{
+    const auto opened = co_await openOnline(context);
+    if (!opened)
+        co_return failure(opened.error());
+    OrvaneClient &api = (*opened)->client();
+    const std::string workspace = (*opened)->tracker().workspace().id;
+    ProjectRequest request;
+    request.name = project.name;
+    request.isBillable = project.isBillable;
+    request.isPrivate = project.isPrivate;
+    if (project.client) {
+        const auto clients = co_await api.listClients(workspace);
+        const auto client = chosenOf(clients, "client", *project.client,
+                                     clients ? candidates(*clients) : std::vector<Candidate>());
+        if (!client)
+            co_return failure(client.error());
+        request.clientId = client->id;
+    }
+    const auto known = (*opened)->tracker().catalog().projects().size();
+    request.color = project.colour.value_or(palette[known % palette.size()]);
+    auto made = co_await api.createProject(workspace, std::move(request));
+    std::string line =
+        made ? "Added the project " + printable(made->name) + "  " + made->id.substr(0, 8) : std::string();
+    co_return co_await answerWith(context, std::move(made), std::move(line));
+}
+
+enum class ProjectVerb { Archive, Restore, Delete };
+
+CommandTask changeProject(Context context, std::string typed, ProjectVerb verb)
+{
+    const auto opened = co_await openOnline(context);
+    if (!opened)
+        co_return failure(opened.error());
+    OrvaneClient &api = (*opened)->client();
+    const std::string workspace = (*opened)->tracker().workspace().id;
+    const auto projects = co_await api.listProjects(workspace, true);
+    const auto project =
+        chosenOf(projects, "project", typed,
+                 projects ? candidates(*projects, (*opened)->tracker().catalog()) : std::vector<Candidate>());
+    if (!project)
+        co_return failure(project.error());
+    const std::string name = printable(project->name);
+    if (verb == ProjectVerb::Delete)
+        co_return co_await answerWithout(context, co_await api.deleteProject(workspace, project->id),
+                                         ProjectResponse(*project), "Deleted the project " + name);
+    if (verb == ProjectVerb::Archive)
+        co_return co_await answerWith(context, co_await api.archiveProject(workspace, project->id),
+                                      "Archived the project " + name);
+    co_return co_await answerWith(context, co_await api.restoreProject(workspace, project->id),
+                                  "Restored the project " + name);
+}
+
+CommandTask listTasks(Context context)
+{
+    const auto opened = co_await context->openAccount();
+    if (!opened)
+        co_return failure(opened.error());
+    co_await context->bringUpToDate();
+    const Catalog &catalog = (*opened)->tracker().catalog();
+    const std::vector<TaskResponse> tasks = tasksOf(catalog);
+    if (context->json())
+        co_return CommandAnswer{.output = shapes::text(tasks)};
+    if (tasks.empty())
+        co_return CommandAnswer{
+            .output = "There are no tasks yet. Make one with: orvane tasks add PROJECT \"Design\"\n"};
+    std::vector<std::string> ids;
+    for (const TaskResponse &task : tasks)
+        ids.push_back(task.id);
+    ids = shortIds(ids);
+    TextTable table({{}, {.shrinksTo = 12}, {.shrinksTo = 12}, {}});
+    for (std::size_t i = 0; i < tasks.size(); ++i) {
+        const ProjectResponse *project = catalog.project(tasks[i].projectId);
+        table.add({TextCell(ids[i], quiet), TextCell(printable(tasks[i].name)),
+                   project ? named(*project) : TextCell(), TextCell(tasks[i].isActive ? "" : "done", quiet)});
+    }
+    co_return CommandAnswer{.output = table.render(context->style())};
+}
+
+CommandTask addTask(Context context, std::string typedProject, std::string name)
+{
+    const auto opened = co_await openOnline(context);
+    if (!opened)
+        co_return failure(opened.error());
+    OrvaneClient &api = (*opened)->client();
+    const std::string workspace = (*opened)->tracker().workspace().id;
+    const auto projects = co_await api.listProjects(workspace);
+    const auto project =
+        chosenOf(projects, "project", typedProject,
+                 projects ? candidates(*projects, (*opened)->tracker().catalog()) : std::vector<Candidate>());
+    if (!project)
+        co_return failure(project.error());
+    TaskRequest request;
+    request.name = name;
+    auto made = co_await api.createTask(workspace, project->id, std::move(request));
+    std::string line = made ? "Added the task " + printable(made->name) + " to " + printable(project->name) +
+                                  "  " + made->id.substr(0, 8)
+                            : std::string();
+    co_return co_await answerWith(context, std::move(made), std::move(line));
+}
+
+CommandTask deleteTask(Context context, std::string typed)
+{
+    const auto opened = co_await openOnline(context);
+    if (!opened)
+        co_return failure(opened.error());
+    co_await context->bringUpToDate();
+    const Catalog &catalog = (*opened)->tracker().catalog();
+    const std::vector<TaskResponse> tasks = tasksOf(catalog);
+    const auto task = chosenOf<TaskResponse>(CallResult<std::vector<TaskResponse>>(tasks), "task", typed,
+                                             candidates(tasks, catalog));
+    if (!task)
+        co_return failure(task.error());
+    const std::string workspace = (*opened)->tracker().workspace().id;
+    co_return co_await answerWithout(
+        context, co_await (*opened)->client().deleteTask(workspace, task->projectId, task->id),
+        TaskResponse(*task), "Deleted the task " + printable(task->name));
+}
+
+const std::string projectText = "A name or an identifier";
+
+void addProjectVerb(CommandTree &tree, CLI::App *projects, const char *name, const char *description,
+                    ProjectVerb verb)
+{
+    const auto id = std::make_shared<std::string>();
+    CLI::App *command = CommandTree::addVerb(projects, name, description);
+    CommandTree::addRequired(command, "ID", *id, projectText);
+    tree.onRun(command, [id, verb](Context context) { return changeProject(std::move(context), *id, verb); });
+}
+
+void addTaskCommands(CommandTree &tree, const std::string &group)
+{
+    CLI::App *tasks = tree.add("tasks", "List the tasks of the projects, or change them", group);
+    tree.onRun(tasks, listTasks);
+    const auto project = std::make_shared<std::string>();
+    const auto name = std::make_shared<std::string>();
+    CLI::App *add = CommandTree::addVerb(tasks, "add", "Make a task of a project");
+    CommandTree::addRequired(add, "PROJECT", *project, projectText);
+    CommandTree::addRequired(add, "NAME", *name, "The task's name");
+    tree.onRun(add,
+               [project, name](Context context) { return addTask(std::move(context), *project, *name); });
+    const auto id = std::make_shared<std::string>();
+    CLI::App *remove = CommandTree::addVerb(tasks, "delete", "Delete a task");
+    CommandTree::addRequired(remove, "ID", *id, "A name or an identifier");
+    tree.onRun(remove, [id](Context context) { return deleteTask(std::move(context), *id); });
+}
+
+} // namespace
+
+void addProjectCommands(CommandTree &tree)
+{
+    const std::string group = "The workspace";
+    CLI::App *projects = tree.add("projects", "List the projects, or change them", group);
+    const auto archivedToo = std::make_shared<bool>(false);
+    projects->add_flag("--archived", *archivedToo, "List the archived ones too");
+    tree.onRun(projects,
+               [archivedToo](Context context) { return listProjects(std::move(context), *archivedToo); });
+
+    const auto project = std::make_shared<NewProject>();
+    CLI::App *add = CommandTree::addVerb(projects, "add", "Make a project");
+    CommandTree::addRequired(add, "NAME", project->name, "The project's name");
+    CommandTree::addText(add, "--client", project->client, "CLIENT",
+                         "Whom it is for: a name or an identifier");
+    CommandTree::addText(add, "--color", project->colour, "#RRGGBB",
+                         "Its colour; one is chosen unless it is named");
+    add->add_flag("--billable", project->isBillable, "Its time can be billed");
+    add->add_flag("--private", project->isPrivate, "Only its members see it");
+    tree.onRun(add, [project](Context context) { return addProject(std::move(context), *project); });
+    addProjectVerb(tree, projects, "archive", "Put a project away; its entries stay", ProjectVerb::Archive);
+    addProjectVerb(tree, projects, "restore", "Take a project back from the archive", ProjectVerb::Restore);
+    addProjectVerb(tree, projects, "delete", "Delete a project", ProjectVerb::Delete);
+    addTaskCommands(tree, group);
+}
+
+} // namespace orvane

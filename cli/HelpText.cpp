@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "HelpText.h"
+
+#include "Terminal/TerminalStyle.h"
+#include "Terminal/TextWidth.h"
+
+#include <algorithm>
+#include <unistd.h>
+#include <vector>
+
+namespace orvane {
+
+namespace {
+
+struct Item {
+    std::string term;
+    std::string text;
+};
+
+std::vector<const CLI::App *> commandsOf(const CLI::App *command)
+{
+    return command->get_subcommands([](const CLI::App *) { return true; });
+}
+
+std::vector<const CLI::Option *> optionsOf(const CLI::App *command, bool arePositional)
+{
+    return command->get_options(
+        [arePositional](const CLI::Option *option) { return option->get_positional() == arePositional; });
+}
+
+/// Words on lines of at most `width` columns; lines after the first begin with `indent` spaces.
+std::string wrapped(const std::string &text, std::size_t indent, std::size_t width)
+{
+    std::string out;
+    std::size_t column = indent;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = std::min(text.find(' ', at), text.size());
+        const std::string word = text.substr(at, end - at);
+        const auto wide = static_cast<std::size_t>(displayWidth(word));
+        if (column > indent && column + 1 + wide > width) {
+            out += "\n" + std::string(indent, ' ');
+            column = indent;
+        } else if (column > indent) {
+            out += ' ';
+            ++column;
+        }
+        out += word;
+        column += wide;
+        at = end + 1;
+    }
+    return out;
+}
+
+std::string section(const std::string &title, const std::vector<Item> &items, std::size_t width)
+{
+    if (items.empty())
+        return {};
+    std::size_t term = 0;
+    for (const Item &item : items)
+        term = std::max(term, item.term.size());
+    term = std::min<std::size_t>(term, 30);
+    std::string out = "\n" + title + ":\n";
+    for (const Item &item : items) {
+        out += "  " + item.term;
+        out += item.term.size() > term ? "\n" + std::string(term + 4, ' ')
+                                       : std::string(term + 2 - item.term.size(), ' ');
+        out += wrapped(item.text, term + 4, width) + "\n";
+    }
+    return out;
+}
+
+Item itemOf(const CLI::Option *option)
+{
+    std::string term = option->get_positional() ? option->get_name(true) : option->get_name(false, true);
+    std::ranges::replace(term, ',', ' ');
+    if (!option->get_positional() && option->get_expected_max() > 0 && !option->get_type_name().empty())
+        term += " " + option->get_type_name();
+    return {term, option->get_description()};
+}
+
+std::string usage(const CLI::App *command)
+{
+    std::string out = "Usage: " + callOf(command);
+    const bool isRoot = command->get_parent() == nullptr;
+    if (isRoot || !optionsOf(command, false).empty())
+        out += " [OPTIONS]";
+    for (const CLI::Option *argument : optionsOf(command, true)) {
+        std::string name = argument->get_name(true);
+        if (argument->get_expected_max() > 1)
+            name += "…";
+        out += argument->get_required() ? " " + name : " [" + name + "]";
+    }
+    if (!commandsOf(command).empty())
+        out += " [COMMAND]";
+    return out + "\n";
+}
+
+std::string commandSections(const CLI::App *command, std::size_t width)
+{
+    std::vector<std::string> groups;
+    for (const CLI::App *sub : commandsOf(command)) {
+        if (std::ranges::find(groups, sub->get_group()) == groups.end())
+            groups.push_back(sub->get_group());
+    }
+    std::string out;
+    for (const std::string &group : groups) {
+        std::vector<Item> items;
+        for (const CLI::App *sub : commandsOf(command)) {
+            if (sub->get_group() != group)
+                continue;
+            std::string term = sub->get_name();
+            for (const CLI::Option *argument : optionsOf(sub, true))
+                term += argument->get_required() ? " " + argument->get_name(true)
+                                                 : " [" + argument->get_name(true) + "]";
+            items.push_back({std::move(term), sub->get_description()});
+        }
+        out += section(group, items, width);
+    }
+    return out;
+}
+
+std::vector<Item> items(const std::vector<const CLI::Option *> &options)
+{
+    std::vector<Item> list;
+    for (const CLI::Option *option : options)
+        list.push_back(itemOf(option));
+    return list;
+}
+
+} // namespace
+
+std::string callOf(const CLI::App *command)
+{
+    std::string names;
+    for (; command->get_parent(); command = command->get_parent())
+        names = " " + command->get_name() + names;
+    return command->get_name() + names;
+}
+
+std::string HelpText::make_help(const CLI::App *command, std::string, CLI::AppFormatMode) const
+{
+    const int columns = TerminalStyle::of(STDOUT_FILENO).width;
+    const std::size_t width = columns > 0 ? static_cast<std::size_t>(std::clamp(columns, 40, 100)) : 100;
+    const bool isRoot = command->get_parent() == nullptr;
+    std::string out = wrapped(command->get_description(), 0, width) + "\n\n" + usage(command);
+    out += section("Arguments", items(optionsOf(command, true)), width);
+    out += commandSections(command, width);
+    out += section(isRoot ? "Options of every command" : "Options", items(optionsOf(command, false)), width);
+    if (!command->get_footer().empty())
+        out += "\n" + wrapped(command->get_footer(), 0, width) + "\n";
+    if (!isRoot)
+        out += "\nOptions of every command: orvane --help\n";
+    return out;
+}
+
+} // namespace orvane

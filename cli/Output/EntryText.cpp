@@ -1,0 +1,309 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Output/EntryText.h"
+
+#include "Catalog/EntryConversions.h"
+#include "Input/Candidates.h"
+#include "Output/JsonShapes.h"
+#include "Terminal/TextWidth.h"
+#include "Time/AppClock.h"
+
+#include <algorithm>
+
+namespace orvane {
+
+namespace {
+
+constexpr TextStyle strong{.bold = true};
+constexpr TextStyle quiet{.dim = true};
+constexpr TextStyle good{.bold = true, .colour = TextStyle::Colour::green};
+constexpr TextStyle warning{.colour = TextStyle::Colour::yellow};
+
+/// As wide as "12:30 pm": clock labels of a 12-hour clock are lined up on it.
+constexpr std::size_t clockWidth12 = 8;
+
+std::string quoted(const std::string &description)
+{
+    return description.empty() ? "an entry without a description" : "\"" + printable(description) + "\"";
+}
+
+std::string_view kindOf(const EntryChange &change)
+{
+    static constexpr std::array<std::string_view, 4> names{"create", "update", "stop", "delete"};
+    return names[change.action.index()];
+}
+
+std::string sentence(std::string_view text, std::string_view more)
+{
+    return std::string(text) + "\n" + std::string(more);
+}
+
+} // namespace
+
+std::string counted(std::int64_t count, std::string_view noun)
+{
+    return std::to_string(count) + " " + std::string(noun) + (count == 1 ? "" : "s");
+}
+
+std::string queueMessage(const Outbox &outbox, bool isReachable)
+{
+    const auto pending = static_cast<std::int64_t>(outbox.pending().size());
+    const auto conflicts = static_cast<std::int64_t>(outbox.conflicts().size());
+    const std::string waiting = counted(pending, "change") + (pending == 1 ? " is" : " are") + " waiting";
+    if (outbox.isHeldBack())
+        return "The server says that another account is signed in: " + waiting +
+               " and will not be sent to it.";
+    if (pending > conflicts && (outbox.isOffline() || !isReachable))
+        return "Offline: " + waiting + " to be sent.";
+    if (conflicts > 0)
+        return counted(conflicts, "change") + (conflicts == 1 ? " waits" : " wait") +
+               " for you to settle a conflict: orvane outbox";
+    return pending > 0 ? waiting + " to be sent." : std::string();
+}
+
+EntryWriter::EntryWriter(Tracker &tracker, TerminalStyle style)
+    : m_tracker(tracker), m_time(tracker.time()), m_style(style), m_now(AppClock::now())
+{
+}
+
+TextTable EntryWriter::table() const
+{
+    // Identifier, times, length, description, project and tags.
+    return TextTable({{}, {}, {.alignsRight = true}, {.shrinksTo = 14}, {.shrinksTo = 10}});
+}
+
+std::string EntryWriter::clock(Instant instant) const
+{
+    return m_time.clockLabel(instant);
+}
+
+std::string EntryWriter::span(Instant start, std::optional<Instant> stop) const
+{
+    std::string from = clock(start);
+    if (m_time.hour12() && from.size() < clockWidth12)
+        from.insert(0, clockWidth12 - from.size(), ' ');
+    if (!stop)
+        return from + " – …";
+    const auto days = m_time.dayKey(start).daysUntil(m_time.dayKey(*stop));
+    return from + " – " + clock(*stop) + (days > 0 ? " +" + std::to_string(days) : std::string());
+}
+
+std::string EntryWriter::duration(const TimeEntryResponse &entry) const
+{
+    return m_time.duration(static_cast<double>(shapes::secondsOf({entry}, m_now)));
+}
+
+std::string EntryWriter::shortId(const std::string &id) const
+{
+    std::vector<std::string> ids{id};
+    for (const TimeEntryResponse &entry : m_tracker.entries()) {
+        if (entry.id != id)
+            ids.push_back(entry.id);
+    }
+    return shortIds(ids).front();
+}
+
+TextCell EntryWriter::description(const std::string &text) const
+{
+    return text.empty() ? TextCell("(no description)", quiet) : TextCell(printable(text));
+}
+
+void EntryWriter::addProject(TextCell &cell, const std::optional<std::string> &projectId,
+                             const std::optional<std::string> &taskId) const
+{
+    if (!projectId)
+        return;
+    const ProjectResponse *project = m_tracker.catalog().project(*projectId);
+    // Deleted elsewhere, or not known yet: the entry still says that it had one.
+    std::string name = project ? printable(project->name) : "unknown project";
+    if (const TaskResponse *task = taskId ? m_tracker.catalog().task(*taskId) : nullptr)
+        name += ": " + printable(task->name);
+    cell.runs.push_back(
+        {std::move(name), {.ownColour = project ? colourFromText(project->color) : std::nullopt}});
+}
+
+TextCell EntryWriter::where(const TimeEntryResponse &entry) const
+{
+    TextCell cell;
+    for (const TimeShareResponse &share : entry.shares) {
+        if (!cell.runs.empty())
+            cell.runs.push_back({", "});
+        addProject(cell, share.projectId, share.taskId);
+        cell.runs.push_back({(share.projectId ? " " : "no project ") + std::to_string(share.percent) + "%"});
+    }
+    if (entry.shares.empty())
+        addProject(cell, entry.projectId, entry.taskId);
+    std::string tags;
+    for (const std::string &id : entry.tagIds) {
+        const TagResponse *tag = m_tracker.catalog().tag(id);
+        tags += (tags.empty() ? "" : ", ") + (tag ? printable(tag->name) : std::string("unknown tag"));
+    }
+    if (entry.isBillable)
+        tags += tags.empty() ? "billable" : ", billable";
+    if (!tags.empty())
+        cell.runs.push_back({(cell.runs.empty() ? "" : " · ") + tags, quiet});
+    return cell;
+}
+
+std::vector<TextCell> EntryWriter::row(const TimeEntryResponse &entry, const std::string &id) const
+{
+    return {TextCell(id, quiet), TextCell(span(entry.start, entry.stop)),
+            TextCell(duration(entry), entry.stop ? TextStyle{} : good), description(entry.description),
+            where(entry)};
+}
+
+std::string EntryWriter::runningTimer() const
+{
+    const auto &running = m_tracker.running();
+    if (!running)
+        return m_style.apply("No timer is running.", quiet) + "\n";
+    TextCell left("● ", good);
+    for (const TextRun &run : description(running->description).runs)
+        left.runs.push_back({run.text, run.style.dim ? run.style : strong});
+    const TextCell place = where(*running);
+    if (!place.runs.empty())
+        left.runs.push_back({"  "});
+    left.runs.insert(left.runs.end(), place.runs.begin(), place.runs.end());
+    const DayKey day = m_time.dayKey(running->start);
+    std::string since = "since " + clock(running->start);
+    if (day != m_time.today())
+        since += ", " + m_time.dayLabel(day);
+    TextCell right(duration(*running), good);
+    right.runs.push_back({"  " + since, quiet});
+    return alignedLine(left, right, 0, m_style);
+}
+
+std::string EntryWriter::days(const std::vector<DayGroup> &days) const
+{
+    TextTable all = table();
+    std::vector<std::string> ids;
+    for (const DayGroup &day : days) {
+        for (const TimeEntryResponse &entry : day.entries)
+            ids.push_back(entry.id);
+    }
+    ids = shortIds(ids);
+    auto id = ids.begin();
+    for (const DayGroup &day : days) {
+        for (const TimeEntryResponse &entry : day.entries)
+            all.add(row(entry, *id++));
+    }
+    constexpr int narrowest = 40;
+    const int width = std::max(all.width(m_style), narrowest);
+    const std::vector<std::string> lines = all.lines(m_style);
+    auto line = lines.begin();
+    std::string out;
+    for (const DayGroup &day : days) {
+        if (day.entries.empty() && days.size() == 1) {
+            const bool isToday = day.day == m_time.today();
+            return "Nothing tracked " + std::string(isToday ? "today" : "on " + m_time.dayLabel(day.day)) +
+                   ". " +
+                   (isToday ? "Start with: orvane start \"Write the README\"\n"
+                            : "Add an entry with: orvane add \"Stand-up\" --start \"" +
+                                  day.day.description() + " 9:30\" --stop 9:45\n");
+        }
+        const auto seconds = static_cast<double>(shapes::secondsOf(day.entries, m_now));
+        const std::string title = m_time.dayLabel(day.day);
+        out += day.entries.empty() ? alignedLine(TextCell(title, quiet), TextCell("–", quiet), width, m_style)
+                                   : alignedLine(TextCell(title, strong),
+                                                 TextCell(m_time.duration(seconds), strong), width, m_style);
+        for (std::size_t i = 0; i < day.entries.size(); ++i)
+            out += *line++ + "\n";
+    }
+    if (days.size() > 1) {
+        std::int64_t total = 0;
+        for (const DayGroup &day : days)
+            total += shapes::secondsOf(day.entries, m_now);
+        out += alignedLine(TextCell("Total", strong),
+                           TextCell(m_time.duration(static_cast<double>(total)), strong), width, m_style);
+    }
+    return out;
+}
+
+std::string EntryWriter::done(std::string_view verb, const TimeEntryResponse &entry) const
+{
+    TextTable line({{}, {}, {}, {.alignsRight = true}, {.shrinksTo = 14}, {.shrinksTo = 10}}, 0);
+    std::vector<TextCell> cells = row(entry, shortId(entry.id));
+    const DayKey day = m_time.dayKey(entry.start);
+    if (day != m_time.today())
+        cells[1].runs.insert(cells[1].runs.begin(), {m_time.dayLabel(day) + ", ", {}});
+    if (!entry.stop)
+        cells[2] = {};
+    cells.insert(cells.begin(), TextCell(std::string(verb), good));
+    line.add(std::move(cells));
+    return line.render(m_style);
+}
+
+TimeEntryResponse EntryWriter::changed(const EntryChange &change,
+                                       std::optional<TimeEntryResponse> before) const
+{
+    if (const EntryRequest *request = change.request())
+        return entryResponse(*request, change.entryId(), change.workspaceId());
+    TimeEntryResponse entry = before.value_or(TimeEntryResponse{});
+    entry.id = change.entryId();
+    if (const auto *stop = std::get_if<EntryChange::Stop>(&change.action))
+        entry.stop = stop->at;
+    return entry;
+}
+
+std::string EntryWriter::queue(const std::vector<Outbox::Pending> &pending) const
+{
+    if (pending.empty())
+        return "Nothing is waiting to be sent.\n";
+    TextTable rows({{.alignsRight = true}, {}, {}, {}, {.shrinksTo = 14}, {.shrinksTo = 10}});
+    for (const Outbox::Pending &item : pending) {
+        const auto known = m_tracker.entry(item.change.entryId());
+        const bool saysWhen = known || item.change.request();
+        const TimeEntryResponse entry = changed(item.change, item.conflict ? item.conflict : known);
+        std::string when;
+        if (saysWhen || item.conflict)
+            when = m_time.dayLabel(m_time.dayKey(entry.start)) + ", " + span(entry.start, entry.stop);
+        rows.add({TextCell(std::to_string(item.seq), strong),
+                  TextCell(std::string(kindOf(item.change)), item.conflict ? warning : TextStyle{}),
+                  TextCell(shortId(entry.id), quiet), TextCell(when),
+                  saysWhen || item.conflict ? description(entry.description) : TextCell(), where(entry)});
+    }
+    return rows.render(m_style);
+}
+
+std::string EntryWriter::refusal(const Refusal &refusal) const
+{
+    const TimeEntryResponse entry = changed(refusal.change, m_tracker.entry(refusal.change.entryId()));
+    std::string text =
+        "Refused: a change made earlier to " + quoted(entry.description) + ". " + refusal.message;
+    if (!refusal.change.request())
+        return sentence(text, "  " + std::string(kindOf(refusal.change)) + " " + entry.id);
+    TextTable line({{}, {}, {}, {.alignsRight = true}, {}, {}});
+    std::vector<TextCell> cells = row(entry, entry.id);
+    cells.insert(cells.begin(), TextCell(std::string(kindOf(refusal.change))));
+    cells[2].runs.insert(cells[2].runs.begin(), {m_time.dayLabel(m_time.dayKey(entry.start)) + ", ", {}});
+    line.add(std::move(cells));
+    // Nothing of it is cut: this is the last place where the words can be read.
+    TerminalStyle whole = m_style;
+    whole.width = 0;
+    text = sentence(text, line.render(whole));
+    text.pop_back();
+    return text;
+}
+
+std::string EntryWriter::conflict(const Outbox::Pending &pending) const
+{
+    const TimeEntryResponse theirs = pending.conflict.value_or(TimeEntryResponse{});
+    const std::string seq = std::to_string(pending.seq);
+    TextTable both({{}, {}, {}, {.alignsRight = true}, {.shrinksTo = 14}, {.shrinksTo = 10}});
+    const bool isDelete = std::holds_alternative<EntryChange::Delete>(pending.change.action);
+    const auto add = [&](const char *whose, const TimeEntryResponse &entry) {
+        std::vector<TextCell> cells = row(entry, shortId(entry.id));
+        cells.insert(cells.begin(), TextCell(whose, strong));
+        both.add(std::move(cells));
+    };
+    if (isDelete)
+        both.add({TextCell("yours", strong), TextCell("delete"), {}, {}, {}, {}});
+    else
+        add("yours", changed(pending.change, theirs));
+    add("theirs", theirs);
+    return m_style.apply("Changed on another device: ", warning) + quoted(theirs.description) +
+           " while your change was waiting.\n" + both.render(m_style) +
+           "  Keep yours:  orvane outbox keep-mine " + seq + "\n  Keep theirs: orvane outbox keep-theirs " +
+           seq;
+}
+
+} // namespace orvane

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Catalog/DayGroup.h"
+#include "Outbox/Outbox.h"
+#include "Terminal/TextTable.h"
+#include "Tracker/Tracker.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orvane {
+
+/// Entries as people read them on a terminal, in the user's own time and with the names of the catalog.
+/// Used from the main thread while the tracker lives.
+class EntryWriter {
+public:
+    EntryWriter(Tracker &tracker, TerminalStyle style);
+
+    /// The running timer, or that there is none.
+    std::string runningTimer() const;
+    /// Entries by day under headings with totals; all days share their columns. A single day without entries
+    /// says what to do next.
+    std::string days(const std::vector<DayGroup> &days) const;
+    /// "Started  a1b2c3  09:30 – …  Write the README  Website · docs".
+    std::string done(std::string_view verb, const TimeEntryResponse &entry) const;
+    std::string queue(const std::vector<Outbox::Pending> &pending) const;
+
+    /// A change that was refused while nobody waited, whole.
+    std::string refusal(const Refusal &refusal) const;
+    /// A change that met another one, and how to settle it.
+    std::string conflict(const Outbox::Pending &pending) const;
+
+private:
+    TextTable table() const;
+    std::vector<TextCell> row(const TimeEntryResponse &entry, const std::string &shortId) const;
+    TextCell description(const std::string &text) const;
+    TextCell where(const TimeEntryResponse &entry) const;
+    void addProject(TextCell &cell, const std::optional<std::string> &projectId,
+                    const std::optional<std::string> &taskId) const;
+    std::string clock(Instant instant) const;
+    std::string span(Instant start, std::optional<Instant> stop) const;
+    std::string duration(const TimeEntryResponse &entry) const;
+    std::string shortId(const std::string &id) const;
+    /// The entry as a change would leave it; `before` is what the change starts from.
+    TimeEntryResponse changed(const EntryChange &change, std::optional<TimeEntryResponse> before) const;
+
+    Tracker &m_tracker;
+    const UserTime &m_time;
+    TerminalStyle m_style;
+    Instant m_now;
+};
+
+/// "Offline: 2 changes are waiting to be sent.", or what else is to be said about the queue; empty when there
+/// is nothing to say.
+std::string queueMessage(const Outbox &outbox, bool isReachable);
+
+/// "1 change", "2 changes".
+std::string counted(std::int64_t count, std::string_view noun);
+
+} // namespace orvane

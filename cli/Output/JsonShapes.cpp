@@ -1,0 +1,158 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Output/JsonShapes.h"
+
+#include "OrvaneAPI/SchemaFields.h"
+#include "Support/JsonImpl.h"
+
+#include <algorithm>
+
+namespace orvane {
+
+template <>
+struct JsonFields<shapes::Server> {
+    static constexpr auto list =
+        JsonFieldList{jsonField<"url">(&shapes::Server::url), jsonField<"local">(&shapes::Server::local),
+                      jsonField<"reachable">(&shapes::Server::reachable)};
+};
+template <>
+struct JsonFields<shapes::AccountPerson> {
+    static constexpr auto list = JsonFieldList{jsonField<"id">(&shapes::AccountPerson::id),
+                                               jsonField<"email">(&shapes::AccountPerson::email),
+                                               jsonField<"automatic">(&shapes::AccountPerson::automatic)};
+};
+template <>
+struct JsonFields<shapes::Workspace> {
+    static constexpr auto list =
+        JsonFieldList{jsonField<"id">(&shapes::Workspace::id), jsonField<"name">(&shapes::Workspace::name),
+                      jsonField<"role">(&shapes::Workspace::role)};
+};
+template <>
+struct JsonFields<shapes::Day> {
+    static constexpr auto list =
+        JsonFieldList{jsonField<"day">(&shapes::Day::day), jsonField<"seconds">(&shapes::Day::seconds),
+                      jsonField<"entries">(&shapes::Day::entries)};
+};
+template <>
+struct JsonFields<shapes::Queue> {
+    static constexpr auto list = JsonFieldList{jsonField<"pending">(&shapes::Queue::pending),
+                                               jsonField<"offline">(&shapes::Queue::offline),
+                                               jsonField<"conflicts">(&shapes::Queue::conflicts)};
+};
+template <>
+struct JsonFields<shapes::Status> {
+    static constexpr auto list = JsonFieldList{
+        jsonField<"server">(&shapes::Status::server),       jsonField<"account">(&shapes::Status::account),
+        jsonField<"workspace">(&shapes::Status::workspace), jsonField<"running">(&shapes::Status::running),
+        jsonField<"today">(&shapes::Status::today),         jsonField<"outbox">(&shapes::Status::outbox)};
+};
+template <>
+struct JsonFields<shapes::SignIn> {
+    static constexpr auto list = JsonFieldList{jsonField<"account">(&shapes::SignIn::account),
+                                               jsonField<"server">(&shapes::SignIn::server)};
+};
+template <>
+struct JsonFields<shapes::Days> {
+    static constexpr auto list = JsonFieldList{jsonField<"days">(&shapes::Days::days)};
+};
+template <>
+struct JsonFields<shapes::Outcome> {
+    static constexpr auto list = JsonFieldList{
+        jsonField<"outcome">(&shapes::Outcome::outcome), jsonField<"queued">(&shapes::Outcome::queued),
+        jsonField<"entry">(&shapes::Outcome::entry), jsonField<"message">(&shapes::Outcome::message)};
+};
+template <>
+struct JsonFields<shapes::Error> {
+    static constexpr auto list = JsonFieldList{jsonField<"status">(&shapes::Error::status),
+                                               jsonField<"type">(&shapes::Error::type),
+                                               jsonField<"title">(&shapes::Error::title),
+                                               jsonField<"detail">(&shapes::Error::detail),
+                                               jsonField<"fieldErrors">(&shapes::Error::fieldErrors),
+                                               jsonField<"message">(&shapes::Error::message)};
+};
+template <>
+struct JsonFields<shapes::Failure> {
+    static constexpr auto list = JsonFieldList{jsonField<"error">(&shapes::Failure::error)};
+};
+template <>
+struct JsonFields<shapes::FailedOutcome> {
+    static constexpr auto list = JsonFieldList{jsonField<"outcome">(&shapes::FailedOutcome::outcome),
+                                               jsonField<"queued">(&shapes::FailedOutcome::queued),
+                                               jsonField<"entry">(&shapes::FailedOutcome::entry),
+                                               jsonField<"message">(&shapes::FailedOutcome::message),
+                                               jsonField<"error">(&shapes::FailedOutcome::error)};
+};
+template <>
+struct JsonFields<shapes::QueuedChange> {
+    static constexpr auto list = JsonFieldList{jsonField<"seq">(&shapes::QueuedChange::seq),
+                                               jsonField<"change">(&shapes::QueuedChange::change),
+                                               jsonField<"conflict">(&shapes::QueuedChange::conflict)};
+};
+template <>
+struct JsonFields<shapes::Version> {
+    static constexpr auto list = JsonFieldList{jsonField<"version">(&shapes::Version::version)};
+};
+
+ORVANE_JSON(shapes::Status)
+ORVANE_JSON(shapes::SignIn)
+ORVANE_JSON(shapes::Days)
+ORVANE_JSON(shapes::Outcome)
+ORVANE_JSON(shapes::Failure)
+ORVANE_JSON(shapes::FailedOutcome)
+ORVANE_JSON(std::vector<shapes::QueuedChange>)
+ORVANE_JSON(shapes::Version)
+ORVANE_JSON(shapes::Members)
+ORVANE_JSON(std::string)
+ORVANE_JSON(std::vector<WorkspaceSummary>)
+ORVANE_JSON(std::vector<TaskResponse>)
+
+} // namespace orvane
+
+namespace orvane::shapes {
+
+Server server(const Account &account)
+{
+    return {account.server(), account.isLocal(), account.isReachable()};
+}
+
+AccountPerson person(const Account &account)
+{
+    return {account.me().id, account.me().email, account.isAutomatic()};
+}
+
+Queue queue(const Outbox &outbox)
+{
+    return {static_cast<std::int64_t>(outbox.pending().size()), outbox.isOffline(),
+            static_cast<std::int64_t>(outbox.conflicts().size())};
+}
+
+std::vector<QueuedChange> queuedChanges(const Outbox &outbox)
+{
+    std::vector<QueuedChange> rows;
+    for (const Outbox::Pending &pending : outbox.pending()) {
+        rows.push_back({pending.seq, RawJson{encodeJson(pending.change, JsonStyle{.writeNulls = true})},
+                        pending.conflict});
+    }
+    return rows;
+}
+
+std::int64_t secondsOf(const std::vector<TimeEntryResponse> &entries, Instant now)
+{
+    // Summed before it is cut to seconds, so that many short entries do not lose what they add up to.
+    Instant::duration sum{0};
+    for (const TimeEntryResponse &entry : entries)
+        sum += std::max(entry.stop.value_or(now) - entry.start, Instant::duration{0});
+    return std::chrono::floor<std::chrono::seconds>(sum).count();
+}
+
+Day day(const DayGroup &group, Instant now)
+{
+    return {group.day.civil(), secondsOf(group.entries, now), group.entries};
+}
+
+Error error(const CommandFailure &failure)
+{
+    return {failure.status, failure.type,        failure.title,
+            failure.detail, failure.fieldErrors, failure.message};
+}
+
+} // namespace orvane::shapes

@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Account/Account.h"
+#include "Catalog/DayGroup.h"
+#include "Output/CommandFailure.h"
+#include "Support/Json.h"
+#include "Tracker/Tracker.h"
+
+#include <chrono>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// What `--json` prints, command by command; scripts rely on these shapes. Every member is always there,
+/// `null` where it has no value; dates are ISO 8601 with milliseconds, lengths whole seconds.
+namespace orvane::shapes {
+
+/// The members of any object, their values as text.
+using Members = std::map<std::string, RawJson>;
+
+struct Server {
+    std::string url;
+    bool local = false;
+    bool reachable = false;
+};
+
+struct AccountPerson {
+    std::string id;
+    std::string email;
+    bool automatic = false;
+};
+
+struct Workspace {
+    std::string id;
+    std::string name;
+    WorkspaceRole role{};
+};
+
+struct Day {
+    std::chrono::year_month_day day;
+    std::int64_t seconds = 0;
+    std::vector<TimeEntryResponse> entries;
+};
+
+struct Queue {
+    std::int64_t pending = 0;
+    bool offline = false;
+    std::int64_t conflicts = 0;
+};
+
+struct Status {
+    Server server;
+    AccountPerson account;
+    Workspace workspace;
+    std::optional<TimeEntryResponse> running;
+    Day today;
+    Queue outbox;
+};
+
+struct SignIn {
+    std::optional<AccountPerson> account;
+    Server server;
+};
+
+struct Days {
+    std::vector<Day> days;
+};
+
+struct Outcome {
+    SaveOutcome outcome = SaveOutcome::failed;
+    bool queued = false;
+    std::optional<TimeEntryResponse> entry;
+    std::optional<std::string> message;
+};
+
+struct Error {
+    std::optional<std::int64_t> status;
+    std::optional<std::string> type;
+    std::optional<std::string> title;
+    std::optional<std::string> detail;
+    std::optional<std::map<std::string, std::vector<std::string>>> fieldErrors;
+    std::string message;
+};
+
+struct Failure {
+    Error error;
+};
+
+/// A failure of a command that otherwise answers an outcome: both in one value.
+struct FailedOutcome {
+    SaveOutcome outcome = SaveOutcome::failed;
+    bool queued = false;
+    std::optional<TimeEntryResponse> entry;
+    std::optional<std::string> message;
+    Error error;
+};
+
+struct QueuedChange {
+    std::int64_t seq = 0;
+    RawJson change;
+    std::optional<TimeEntryResponse> conflict;
+};
+
+struct Version {
+    std::string version;
+};
+
+Server server(const Account &account);
+AccountPerson person(const Account &account);
+Queue queue(const Outbox &outbox);
+std::vector<QueuedChange> queuedChanges(const Outbox &outbox);
+Day day(const DayGroup &group, Instant now);
+Error error(const CommandFailure &failure);
+
+/// Whole seconds that the entries last together; a running one until `now`.
+std::int64_t secondsOf(const std::vector<TimeEntryResponse> &entries, Instant now);
+
+/// A value as `--json` prints it: one line, ended by a line break.
+template <class T>
+std::string text(const T &value)
+{
+    return encodeJson(value, JsonStyle{.writeNulls = true}) + "\n";
+}
+
+} // namespace orvane::shapes
+
+namespace orvane {
+
+template <>
+struct JsonEnum<SaveOutcome> {
+    static constexpr auto list =
+        std::array{std::pair{SaveOutcome::saved, std::string_view("saved")},
+                   std::pair{SaveOutcome::waiting, std::string_view("waiting")},
+                   std::pair{SaveOutcome::rejected, std::string_view("rejected")},
+                   std::pair{SaveOutcome::stopped, std::string_view("stopped")},
+                   std::pair{SaveOutcome::needsDetails, std::string_view("needsDetails")},
+                   std::pair{SaveOutcome::failed, std::string_view("failed")}};
+};
+
+} // namespace orvane

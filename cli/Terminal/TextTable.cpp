@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Terminal/TextTable.h"
+
+#include "Support/Require.h"
+#include "Terminal/TextWidth.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace orvane {
+
+namespace {
+
+constexpr int gap = 2;
+
+std::string spaces(int count)
+{
+    return std::string(static_cast<std::size_t>(std::max(count, 0)), ' ');
+}
+
+} // namespace
+
+int TextCell::width() const
+{
+    int width = 0;
+    for (const TextRun &run : runs)
+        width += displayWidth(run.text);
+    return width;
+}
+
+TextCell TextCell::truncated(int limit) const
+{
+    if (width() <= limit)
+        return *this;
+    TextCell cut;
+    int left = limit;
+    for (const TextRun &run : runs) {
+        const int runWidth = displayWidth(run.text);
+        // A run that would just fit leaves no room for the sign that more follows.
+        const bool isLast = &run == &runs.back();
+        if (runWidth < left || (isLast && runWidth <= left)) {
+            cut.runs.push_back(run);
+            left -= runWidth;
+            continue;
+        }
+        std::string text = truncatedToWidth(run.text, left);
+        if (runWidth == left)
+            text = truncatedToWidth(run.text + " ", left);
+        cut.runs.push_back({std::move(text), run.style});
+        break;
+    }
+    return cut;
+}
+
+std::string TextCell::render(const TerminalStyle &style) const
+{
+    std::string out;
+    for (const TextRun &run : runs)
+        out += style.apply(run.text, run.style);
+    return out;
+}
+
+TextTable::TextTable(std::vector<Column> columns, int indent)
+    : m_columns(std::move(columns)), m_indent(indent)
+{
+}
+
+void TextTable::add(std::vector<TextCell> row)
+{
+    ORVANE_REQUIRE(row.size() == m_columns.size(), "a row has one cell for each column");
+    m_rows.push_back(std::move(row));
+}
+
+int TextTable::total(const std::vector<int> &widths) const
+{
+    int total = m_indent;
+    bool first = true;
+    for (const int width : widths) {
+        if (width > 0)
+            total += width + (std::exchange(first, false) ? 0 : gap);
+    }
+    return total;
+}
+
+std::vector<int> TextTable::widths(const TerminalStyle &style) const
+{
+    std::vector<int> widths(m_columns.size());
+    for (const auto &row : m_rows) {
+        for (std::size_t i = 0; i < row.size(); ++i)
+            widths[i] = std::max(widths[i], row[i].width());
+    }
+    if (style.width == 0)
+        return widths;
+    for (std::size_t i = m_columns.size(); i-- > 0;) {
+        const int excess = total(widths) - style.width;
+        const int least = m_columns[i].shrinksTo;
+        if (excess > 0 && least > 0 && widths[i] > least)
+            widths[i] = std::max(least, widths[i] - excess);
+    }
+    return widths;
+}
+
+int TextTable::width(const TerminalStyle &style) const
+{
+    return total(widths(style));
+}
+
+std::vector<std::string> TextTable::lines(const TerminalStyle &style) const
+{
+    const std::vector<int> columnWidths = widths(style);
+    std::vector<std::string> lines;
+    for (const auto &row : m_rows) {
+        std::string line;
+        // Spaces are written only before something, so no line ends in them.
+        int owed = m_indent;
+        bool first = true;
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            if (columnWidths[i] == 0)
+                continue;
+            const TextCell cell = row[i].truncated(columnWidths[i]);
+            const int padding = columnWidths[i] - cell.width();
+            owed += (std::exchange(first, false) ? 0 : gap) + (m_columns[i].alignsRight ? padding : 0);
+            if (cell.width() > 0)
+                line += spaces(std::exchange(owed, 0)) + cell.render(style);
+            owed += m_columns[i].alignsRight ? 0 : padding;
+        }
+        lines.push_back(std::move(line));
+    }
+    return lines;
+}
+
+std::string TextTable::render(const TerminalStyle &style) const
+{
+    std::string out;
+    for (const std::string &line : lines(style))
+        out += line + "\n";
+    return out;
+}
+
+std::string alignedLine(const TextCell &left, const TextCell &right, int width, const TerminalStyle &style)
+{
+    const int rightWidth = right.width();
+    if (rightWidth == 0)
+        return left.render(style) + "\n";
+    const TextCell shown =
+        style.width > 0 ? left.truncated(std::max(style.width - rightWidth - gap, 1)) : left;
+    const int padding = std::max(width - shown.width() - rightWidth, gap);
+    return shown.render(style) + spaces(padding) + right.render(style) + "\n";
+}
+
+} // namespace orvane

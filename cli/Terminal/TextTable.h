@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Terminal/TerminalStyle.h"
+
+#include <string>
+#include <vector>
+
+namespace orvane {
+
+/// One stretch of a cell in one style.
+struct TextRun {
+    std::string text;
+    TextStyle style = {};
+};
+
+/// What stands in one place of a table: runs, one after the other.
+struct TextCell {
+    TextCell() = default;
+    TextCell(std::string text, TextStyle style = {}) { runs.push_back({std::move(text), style}); }
+
+    std::vector<TextRun> runs;
+
+    int width() const;
+    /// Cut to so many columns, with "…" where something is missing.
+    TextCell truncated(int width) const;
+    std::string render(const TerminalStyle &style) const;
+};
+
+/// Rows in aligned columns, two spaces apart. Columns that may shrink give way, the last one first, until the
+/// table fits the terminal; what no longer fits is cut with "…". Cells hold text that is `printable`.
+class TextTable {
+public:
+    struct Column {
+        bool alignsRight = false;
+        /// The least width that the column may shrink to; 0: it never shrinks.
+        int shrinksTo = 0;
+    };
+
+    explicit TextTable(std::vector<Column> columns, int indent = 2);
+
+    void add(std::vector<TextCell> row);
+    bool isEmpty() const { return m_rows.empty(); }
+    /// The widest line in columns, for what is set out beside the table.
+    int width(const TerminalStyle &style) const;
+    /// One line for each row, without line breaks.
+    std::vector<std::string> lines(const TerminalStyle &style) const;
+    /// The lines, each ended by a line break.
+    std::string render(const TerminalStyle &style) const;
+
+private:
+    std::vector<int> widths(const TerminalStyle &style) const;
+    int total(const std::vector<int> &widths) const;
+
+    std::vector<Column> m_columns;
+    int m_indent;
+    std::vector<std::vector<TextCell>> m_rows;
+};
+
+/// `left` and `right` on one line of so many columns, two spaces apart at least; `left` is cut when they do
+/// not fit.
+std::string alignedLine(const TextCell &left, const TextCell &right, int width, const TerminalStyle &style);
+
+} // namespace orvane

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <string>
+#include <string_view>
+
+/// Text as a terminal shows it. Widths are columns: most characters take one, East Asian wide ones and emoji
+/// two, combining marks none. Everything takes UTF-8; broken bytes count as U+FFFD. Any thread.
+namespace orvane {
+
+/// The columns that the text takes.
+int displayWidth(std::string_view text);
+
+/// The text, or when it is wider its beginning and "…", together at most `width` columns. Never cuts through
+/// a character and its marks.
+std::string truncatedToWidth(std::string_view text, int width);
+
+/// The text without what would drive the terminal or disguise other text: control characters and line breaks
+/// become spaces, marks that turn the writing direction go. Texts of entries and names come from servers and
+/// other people.
+std::string printable(std::string_view text);
+
+} // namespace orvane
