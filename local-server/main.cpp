@@ -31,7 +31,7 @@ int serve(ServerOptions options, QCoreApplication &application)
 {
     const bool foreground = options.foreground;
     const std::string dataDir = options.dataDir;
-    const StopSignals signals_;
+    const StopSignals signals;
     ServerProcess server(std::move(options));
     const auto outcome = server.start();
     if (!outcome) {
@@ -47,7 +47,7 @@ int serve(ServerOptions options, QCoreApplication &application)
     std::fflush(stdout);
     if (!foreground)
         releaseStandardStreams();
-    QObject::connect(&signals_, &StopSignals::stopRequested, &application, &QCoreApplication::quit);
+    QObject::connect(&signals, &StopSignals::stopRequested, &application, &QCoreApplication::quit);
     QObject::connect(&server, &ServerProcess::idle, &application, &QCoreApplication::quit);
     return QCoreApplication::exec();
 }

@@ -10,7 +10,8 @@ namespace orvane::server {
 namespace {
 
 // Instants are milliseconds since 1970 (BIGINT), truth values 0 or 1 (INTEGER), identifiers TEXT. A name_key
-// is a name folded for comparing. Only what both SQLite and PostgreSQL understand is used.
+// is a name folded for comparing; ends_at is stop_at, or the end of time while there is none. Only what both
+// SQLite and PostgreSQL understand is used.
 constexpr std::string_view firstVersion[] = {
     R"(CREATE TABLE server_keys (name TEXT PRIMARY KEY, value TEXT NOT NULL))",
 
@@ -133,9 +134,10 @@ constexpr std::string_view firstVersion[] = {
         describe_parts INTEGER NOT NULL,
         start_at BIGINT NOT NULL,
         stop_at BIGINT,
+        ends_at BIGINT NOT NULL,
         version TEXT NOT NULL,
         creation_digest TEXT NOT NULL))",
-    R"(CREATE INDEX time_entries_by_stop ON time_entries (user_id, workspace_id, stop_at))",
+    R"(CREATE INDEX time_entries_by_end ON time_entries (user_id, workspace_id, ends_at))",
     R"(CREATE INDEX time_entries_by_start ON time_entries (user_id, workspace_id, start_at))",
     R"(CREATE UNIQUE INDEX time_entries_running ON time_entries (user_id) WHERE stop_at IS NULL)",
     R"(CREATE INDEX time_entries_by_project ON time_entries (project_id))",

@@ -37,9 +37,7 @@ void GuardedSocket::arrived()
         m_requestBegan.start();
     m_received += bytesAvailable() - m_unread;
     if (!m_refused && m_received > longestRequest) {
-        const HttpResponse answer =
-            problem(413, "The request is too large.", "Its body must not be over 1 MiB.");
-        refuse("HTTP/1.1 413 Payload Too Large\r\n", QByteArray::fromStdString(answer.body));
+        refuse();
     }
     if (m_refused) {
         if (isTransactionStarted())
@@ -54,19 +52,14 @@ void GuardedSocket::arrived()
 void GuardedSocket::settle()
 {
     m_unread = bytesAvailable();
-    // What it cannot parse, the library drops: it lets go of the socket and leaves it open.
-    if (m_refused || receivers(SIGNAL(readyRead())) > 0 || state() != ConnectedState)
-        return;
-    const HttpResponse answer = problem(400, "The request was not understood.", "It is not proper HTTP.");
-    refuse("HTTP/1.1 400 Bad Request\r\n", QByteArray::fromStdString(answer.body));
-    connect(this, &QTcpSocket::disconnected, this, &QObject::deleteLater);
-    connect(this, &QTcpSocket::readyRead, this, &GuardedSocket::arrived);
 }
 
-void GuardedSocket::refuse(const QByteArray &statusLine, const QByteArray &body)
+void GuardedSocket::refuse()
 {
     m_refused = true;
-    write(statusLine + "Content-Type: application/problem+json\r\nConnection: close\r\nContent-Length: " +
+    const auto body = QByteArray::fromStdString(bodyTooLarge().body);
+    write("HTTP/1.1 413 Payload Too Large\r\nContent-Type: application/problem+json\r\n"
+          "Connection: close\r\nContent-Length: " +
           QByteArray::number(body.size()) + "\r\n\r\n" + body);
     flush();
     // Closing at once with unread bytes would take the answer back; the sender closes, or the sweep does.

@@ -11,7 +11,7 @@
 namespace orvane::server {
 
 /// A connection that bounds what one request may bring: the HTTP library collects a request until it is
-/// complete, however long it is. It also answers what the library gives up on in silence.
+/// complete, however long it is.
 class GuardedSocket : public QTcpSocket {
     Q_OBJECT
 
@@ -26,7 +26,7 @@ public:
 private:
     void arrived();
     void settle();
-    void refuse(const QByteArray &statusLine, const QByteArray &body);
+    void refuse();
 
     QElapsedTimer m_lastArrival;
     QElapsedTimer m_requestBegan;

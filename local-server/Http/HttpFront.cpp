@@ -44,7 +44,8 @@ HttpRequest requestFrom(const QHttpServerRequest &request, HttpMethod method)
     const auto headers = request.headers();
 #if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
     for (qsizetype i = 0; i < headers.size(); ++i)
-        out.headers.set(std::string_view(headers.nameAt(i)), headers.valueAt(i).toByteArray().toStdString());
+        out.headers.set({headers.nameAt(i).data(), static_cast<std::size_t>(headers.nameAt(i).size())},
+                        headers.valueAt(i).toByteArray().toStdString());
 #else
     for (const auto &[name, value] : headers)
         out.headers.set(name.toStdString(), value.toStdString());

@@ -56,6 +56,11 @@ bool isAddressText(const std::string &host)
 
 } // namespace
 
+HttpResponse bodyTooLarge()
+{
+    return problem(413, "The request is too large.", "Its body must not be over 1 MiB.");
+}
+
 bool ListenPoint::isLoopback() const
 {
     return QHostAddress(QString::fromStdString(address)).isLoopback();
@@ -90,7 +95,7 @@ std::optional<HttpResponse> RequestGate::refuse(const HttpRequest &request) cons
     if (const auto origin = request.headers.find("Origin"); origin && *origin != "http://" + *host)
         return forbidden("Web pages of other origins may not use this server.");
     if (request.body.size() > longestBody)
-        return problem(413, "The request is too large.", "Its body must not be over 1 MiB.");
+        return bodyTooLarge();
     if (!request.body.empty() && !isJson(request.headers.find("Content-Type").value_or("")))
         return problem(415, "The request's body is not JSON.", "Its Content-Type must be application/json.");
     return std::nullopt;

@@ -23,6 +23,8 @@ struct ListenPoint {
     std::string url() const;
 };
 
+HttpResponse bodyTooLarge();
+
 /// Turns away what a web page could make a browser send to this server: every page can reach a loopback
 /// address, under its own name too, once that name's address is changed to the loopback one.
 class RequestGate {

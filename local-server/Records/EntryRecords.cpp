@@ -63,10 +63,17 @@ TimeShareResponse shareFrom(const SqlRow &row)
 #define ORVANE_SHARE_COLUMNS                                                                                 \
     "SELECT s.entry_id, s.project_id, s.task_id, s.is_billable, s.percent, s.description "                   \
     "FROM entry_shares s "
-// User, workspace, to, and three times from. The first look at stop_at is for the index.
+// User, workspace, from, to, from, from. Entries are mostly asked for of late, so their ends lead to them;
+// the sign keeps the index of starts, which would go through everything earlier, from being taken instead.
 #define ORVANE_ENTRY_RANGE                                                                                   \
-    "WHERE e.user_id = ? AND e.workspace_id = ? AND e.start_at < ? AND (e.stop_at IS NULL OR "               \
-    "(e.stop_at >= ? AND (e.stop_at > ? OR e.start_at >= ?))) "
+    "WHERE e.user_id = ? AND e.workspace_id = ? AND e.ends_at >= ? AND +e.start_at < ? AND "                 \
+    "(+e.ends_at > ? OR +e.start_at >= ?) "
+
+/// When an entry ends, for finding it by time.
+std::int64_t endOf(const TimeEntryResponse &entry)
+{
+    return ms(entry.stop.value_or(instantLimit));
+}
 
 } // namespace
 
@@ -107,7 +114,7 @@ std::vector<TimeEntryResponse> EntryRecords::inRange(const std::string &userId,
                                                      const std::string &workspaceId, Instant from, Instant to)
 {
     auto entries = m_database.rows(ORVANE_ENTRY_COLUMNS ORVANE_ENTRY_RANGE "ORDER BY e.start_at, e.id",
-                                   entryFrom, userId, workspaceId, ms(to), ms(from), ms(from), ms(from));
+                                   entryFrom, userId, workspaceId, ms(from), ms(to), ms(from), ms(from));
     // Their tags and shares come with one question each, not with one for every entry.
     std::unordered_map<std::string_view, TimeEntryResponse *> byId;
     for (TimeEntryResponse &entry : entries)
@@ -125,7 +132,7 @@ std::vector<TimeEntryResponse> EntryRecords::inRange(const std::string &userId,
                 entry->tagIds.push_back(row.text(1));
             return true;
         },
-        userId, workspaceId, ms(to), ms(from), ms(from), ms(from));
+        userId, workspaceId, ms(from), ms(to), ms(from), ms(from));
     m_database.rows(
         ORVANE_SHARE_COLUMNS "JOIN time_entries e ON e.id = s.entry_id " ORVANE_ENTRY_RANGE
                              "ORDER BY s.entry_id, s.position",
@@ -134,7 +141,7 @@ std::vector<TimeEntryResponse> EntryRecords::inRange(const std::string &userId,
                 entry->shares.push_back(shareFrom(row));
             return true;
         },
-        userId, workspaceId, ms(to), ms(from), ms(from), ms(from));
+        userId, workspaceId, ms(from), ms(to), ms(from), ms(from));
     return entries;
 }
 
@@ -151,11 +158,11 @@ void EntryRecords::add(EntryRecord &record)
     TimeEntryResponse &entry = record.entry;
     entry.version = newVersion();
     m_database.run("INSERT INTO time_entries (id, workspace_id, user_id, description, project_id, task_id, "
-                   "is_billable, describe_parts, start_at, stop_at, version, creation_digest) "
-                   "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)",
+                   "is_billable, describe_parts, start_at, stop_at, ends_at, version, creation_digest) "
+                   "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)",
                    entry.id, entry.workspaceId, record.userId, entry.description, entry.projectId,
                    entry.taskId, entry.isBillable, record.describeParts, ms(entry.start), ms(entry.stop),
-                   entry.version, record.creationDigest);
+                   endOf(entry), entry.version, record.creationDigest);
     addParts(entry);
 }
 
@@ -164,9 +171,9 @@ void EntryRecords::update(EntryRecord &record)
     TimeEntryResponse &entry = record.entry;
     entry.version = newVersion();
     m_database.run("UPDATE time_entries SET description = ?, project_id = ?, task_id = ?, is_billable = ?, "
-                   "describe_parts = ?, start_at = ?, stop_at = ?, version = ? WHERE id = ?",
+                   "describe_parts = ?, start_at = ?, stop_at = ?, ends_at = ?, version = ? WHERE id = ?",
                    entry.description, entry.projectId, entry.taskId, entry.isBillable, record.describeParts,
-                   ms(entry.start), ms(entry.stop), entry.version, entry.id);
+                   ms(entry.start), ms(entry.stop), endOf(entry), entry.version, entry.id);
     m_database.run("DELETE FROM entry_tags WHERE entry_id = ?", entry.id);
     m_database.run("DELETE FROM entry_shares WHERE entry_id = ?", entry.id);
     addParts(entry);

@@ -23,7 +23,13 @@ std::string trimmed(std::string_view text)
 
 std::string nameKey(std::string_view name)
 {
-    return qtText(name).trimmed().normalized(QString::NormalizationForm_C).toCaseFolded().toStdString();
+    // Folding alone maps letter by letter; upper case knows that "ß" is "SS".
+    return qtText(name)
+        .trimmed()
+        .normalized(QString::NormalizationForm_C)
+        .toUpper()
+        .toCaseFolded()
+        .toStdString();
 }
 
 bool hasControlCharacter(std::string_view text)
