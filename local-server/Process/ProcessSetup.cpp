@@ -79,7 +79,9 @@ void leaveParentBehind(bool foreground)
     sigset_t none;
     sigemptyset(&none);
     ::sigprocmask(SIG_SETMASK, &none, nullptr);
+    // A write that cannot be made is an error where it is made, not the end of the process.
     setAction(SIGPIPE, SIG_IGN);
+    setAction(SIGXFSZ, SIG_IGN);
     if (foreground)
         return;
     setAction(SIGHUP, SIG_IGN);

@@ -12,7 +12,9 @@
 #include <QTcpServer>
 #include <QTemporaryDir>
 #include <csignal>
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -40,11 +42,11 @@ unsigned int modeOf(const std::string &path)
 
 class ServerRun : public ::testing::Test {
 protected:
-    std::string folder() const { return m_root.path().toStdString() + "/server"; }
+    std::string folder() const { return m_root.path().toStdString() + m_below + "/server"; }
 
-    std::unique_ptr<QProcess> launch(QStringList arguments = {})
+    std::unique_ptr<QProcess> launch(QStringList arguments = {},
+                                     std::unique_ptr<QProcess> process = std::make_unique<QProcess>())
     {
-        auto process = std::make_unique<QProcess>();
         arguments.prepend(text(folder()));
         arguments.prepend(QStringLiteral("--data-dir"));
         process->start(QStringLiteral(ORVANE_BIN_DIR "/orvane-server"), arguments);
@@ -52,9 +54,10 @@ protected:
         return process;
     }
     /// Starts one and waits until it says where it listens.
-    std::unique_ptr<QProcess> serve(const QStringList &arguments = {})
+    std::unique_ptr<QProcess> serve(const QStringList &arguments = {},
+                                    std::unique_ptr<QProcess> process = std::make_unique<QProcess>())
     {
-        auto process = launch(arguments);
+        process = launch(arguments, std::move(process));
         while (!process->canReadLine() && process->waitForReadyRead(patience)) {
         }
         const QString address = text(process->readLine().trimmed().toStdString());
@@ -76,8 +79,11 @@ protected:
 
     std::string ask(const std::string &line)
     {
+        // Through a descriptor, since the path may be longer than an address has room for.
+        const int run = ::open((folder() + "/run").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
         QLocalSocket socket;
-        socket.connectToServer(text(folder() + "/run/server.sock"));
+        socket.connectToServer(text("/proc/self/fd/" + std::to_string(run) + "/server.sock"));
+        ::close(run);
         if (!socket.waitForConnected(patience))
             return {};
         socket.write(QByteArray::fromStdString(line));
@@ -134,6 +140,7 @@ protected:
     }
 
     QTemporaryDir m_root;
+    std::string m_below;
     std::uint16_t m_port = 0;
     std::string m_token;
     std::string m_workspace;
@@ -256,6 +263,64 @@ TEST_F(ServerRun, TheSocketsFolderIsMadePrivateOrRefused)
     const auto server = launch();
     EXPECT_EQ(exitCode(*server), 1);
     EXPECT_TRUE(server->readAllStandardError().contains("socket"));
+}
+
+TEST_F(ServerRun, ADeepFolderIsNoHindrance)
+{
+    m_below = "/" + std::string(100, 'd') + "/" + std::string(100, 'e');
+    const auto server = serve();
+    EXPECT_EQ(answer("{\"command\":\"hello\"}\n").pid, server->processId());
+    EXPECT_EQ(endWith(*server, SIGTERM), 0);
+}
+
+TEST_F(ServerRun, AChosenPortIsNotTheOneItKeeps)
+{
+    endWith(*serve(), SIGTERM);
+    const std::uint16_t kept = m_port;
+    const auto chosen = serve({QStringLiteral("--listen"), QStringLiteral("0.0.0.0:0")});
+    EXPECT_EQ(answer("{\"command\":\"hello\"}\n").address, "http://127.0.0.1:" + std::to_string(m_port));
+    EXPECT_EQ(call<Register>({}).status, 400);
+    RegisterRequest body;
+    body.email = "grace@example.org";
+    body.password = "correct horse battery";
+    EXPECT_EQ(call<Register>({body}).status, 403) << "closed beyond this computer";
+    EXPECT_EQ(endWith(*chosen, SIGTERM), 0);
+    const auto usual = serve();
+    EXPECT_EQ(m_port, kept);
+    EXPECT_EQ(endWith(*usual, SIGTERM), 0);
+}
+
+/// A disk without room, as a limit on the size of files makes one.
+TEST_F(ServerRun, WhatCannotBeKeptIsRefused)
+{
+    endWith(*serve(), SIGTERM);
+    auto server = std::make_unique<QProcess>();
+    server->setChildProcessModifier([] {
+        const rlimit small{400 * 1024, 400 * 1024};
+        ::setrlimit(RLIMIT_FSIZE, &small);
+    });
+    server = serve({}, std::move(server));
+    signIn();
+    CreateTimeEntryRequest body;
+    body.start = instantFromMilliseconds(1'772'355'600'000);
+    body.stop = body.start;
+    body.description = std::string(2900, 'x');
+    int kept = 0;
+    HttpResponse answer{201, {}, {}};
+    for (; answer.status == 201 && kept < 1000; ++kept) {
+        body.id = "entry-" + std::to_string(kept);
+        answer = call<CreateTimeEntry>({m_workspace, body});
+    }
+    EXPECT_EQ(answer.status, 503) << answer.body;
+    EXPECT_EQ(endWith(*server, SIGTERM), 0);
+
+    server = serve();
+    signIn();
+    const auto entries = decodeJson<std::vector<TimeEntryResponse>>(
+        call<ListTimeEntries>({m_workspace, body.start, body.start + std::chrono::hours{1}}).body);
+    ASSERT_TRUE(entries);
+    EXPECT_EQ(static_cast<int>(entries->size()), kept - 1) << "just what was answered with success";
+    EXPECT_EQ(endWith(*server, SIGTERM), 0);
 }
 
 TEST_F(ServerRun, TheSocketAnswersNonsenseWithAnError)
