@@ -113,7 +113,8 @@ Task<Result<void, AccountError>> Account::findServer()
     const auto wanted = m_options.server ? m_options.server : installation.currentServer();
     const auto local = installation.localServer();
     m_isLocal = !wanted || wanted == local;
-    // Somebody may also sign in to the server on this computer with an e-mail address; then it is the current one.
+    // Somebody may also sign in to the server on this computer with an e-mail address; then it is the current
+    // one.
     m_isAutomatic = m_isLocal && !(local && installation.currentServer() == local);
     m_server = wanted.value_or(local.value_or(""));
     m_isReachable = true;
