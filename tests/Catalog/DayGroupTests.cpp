@@ -32,9 +32,9 @@ TEST(DayGroup, PutsEntriesOnTheUsersDaysLatestFirst)
     const std::vector entries = {entry("a", "2026-03-01T22:30:00Z"), entry("b", "2026-03-01T23:30:00Z"),
                                  entry("d", "2026-02-27T12:00:00Z"), entry("c", "2026-02-27T12:00:00Z"),
                                  entry("e", "2026-03-01T08:00:00Z")};
-    EXPECT_EQ(shown(DayGroup::of(entries, *UserTime::make("UTC"))), "2026-03-01: b a e | 2026-02-27: d c");
+    EXPECT_EQ(shown(DayGroup::of(entries, *UserTime::make("UTC"))), "2026-03-01: b a e | 2026-02-27: c d");
     EXPECT_EQ(shown(DayGroup::of(entries, *UserTime::make("Europe/Paris"))),
-              "2026-03-02: b | 2026-03-01: a e | 2026-02-27: d c");
+              "2026-03-02: b | 2026-03-01: a e | 2026-02-27: c d");
     EXPECT_TRUE(DayGroup::of({}, UserTime::utc()).empty());
 }
 

@@ -121,18 +121,23 @@ class EveryZone : public testing::TestWithParam<const char *> {};
 TEST_P(EveryZone, DaysJoinUpFrom1900To2100)
 {
     const UserTime time = zone(GetParam());
-    Instant previous = time.startOfDay(day("1900-01-01").adding(-1));
-    for (DayKey key = day("1900-01-01"); key.year < 2101; key = key.adding(1)) {
-        const Instant start = time.startOfDay(key);
-        ASSERT_GE(start, previous) << key.description();
-        if (start != previous)
-            ASSERT_EQ(time.dayKey(start - std::chrono::microseconds{1}), key.adding(-1)) << key.description();
-        if (start != time.startOfDay(key.adding(1)))
-            ASSERT_EQ(time.dayKey(start), key);
-        // Offsets before this had odd seconds here and there, which a time to the minute does not carry.
-        if (key.year >= 1973)
-            ASSERT_EQ(time.date(key, time.timeOfDay(start)), start) << key.description();
-        previous = start;
+    for (int year = 1900; year <= 2100; year += 3) { // all days of a third of the years
+        DayKey key{year, 1, 1};
+        Instant start = time.startOfDay(key);
+        while (key.year == year) {
+            const DayKey nextKey = key.adding(1);
+            const Instant end = time.startOfDay(nextKey);
+            ASSERT_GE(end, start) << key.description();
+            if (end != start) {
+                ASSERT_EQ(time.dayKey(start), key);
+                ASSERT_EQ(time.dayKey(end - std::chrono::microseconds{1}), key) << key.description();
+            }
+            // Offsets before this had odd seconds here and there, which a time to the minute does not carry.
+            if (year >= 1973)
+                ASSERT_EQ(time.date(key, time.timeOfDay(start)), start) << key.description();
+            key = nextKey;
+            start = end;
+        }
     }
 }
 
@@ -151,7 +156,7 @@ TEST_P(EveryZone, AgreesWithTheFormattersCalendar)
 }
 
 INSTANTIATE_TEST_SUITE_P(Zones, EveryZone,
-                         testing::Values("UTC", "Europe/Paris", "Europe/Dublin", "America/New_York",
+                         testing::Values("Europe/Paris", "Europe/Dublin", "America/New_York",
                                          "America/Sao_Paulo", "America/St_Johns", "Asia/Beirut",
                                          "Asia/Kathmandu", "Africa/Cairo", "Africa/Casablanca",
                                          "Australia/Lord_Howe", "Pacific/Apia", "Pacific/Kwajalein",
