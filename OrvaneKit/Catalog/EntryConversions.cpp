@@ -40,14 +40,27 @@ void copyDetails(To &to, const From &from)
     to.shares = sameShares<typename decltype(to.shares)::value_type>(from.shares);
 }
 
+/// The details of a request; its shares say what the entry says unless they describe themselves. The request
+/// to the server and the entry shown before its answer have them alike, so the echo changes nothing on the
+/// screen.
+template <class To>
+void copyContents(To &to, const EntryRequest &request)
+{
+    copyDetails(to, request.details);
+    if (!request.describeParts) {
+        for (auto &share : to.shares)
+            share.description = to.description;
+    }
+    to.start = request.start;
+    to.stop = request.stop;
+}
+
 template <class To>
 To serverRequest(const EntryRequest &request)
 {
     To to;
-    copyDetails(to, request.details);
+    copyContents(to, request);
     to.describeParts = request.describeParts;
-    to.start = request.start;
-    to.stop = request.stop;
     return to;
 }
 
@@ -83,15 +96,9 @@ TimeEntryResponse entryResponse(const EntryRequest &request, std::string id, std
                                 std::string version)
 {
     TimeEntryResponse entry;
-    copyDetails(entry, request.details);
-    if (!request.describeParts) {
-        for (TimeShareResponse &share : entry.shares)
-            share.description = entry.description;
-    }
+    copyContents(entry, request);
     entry.id = std::move(id);
     entry.workspaceId = std::move(workspaceId);
-    entry.start = request.start;
-    entry.stop = request.stop;
     entry.version = std::move(version);
     return entry;
 }

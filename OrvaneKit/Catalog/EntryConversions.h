@@ -7,6 +7,7 @@
 /// Between what the user says about an entry and the server's own forms of it. Any thread.
 namespace orvane {
 
+/// Without `describeParts` each share goes out with the entry's description.
 TimeEntryRequest timeEntryRequest(const EntryRequest &request);
 CreateTimeEntryRequest createTimeEntryRequest(const EntryRequest &request, std::string id);
 

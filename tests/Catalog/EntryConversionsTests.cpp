@@ -45,6 +45,8 @@ TEST(EntryConversions, GiveEachShareTheEntrysDescriptionUnlessThePartsDescribeTh
     for (const TimeShareResponse &share : entry.shares)
         EXPECT_EQ(share.description, "Review");
     EXPECT_FALSE(entryRequest(entry).describeParts);
+    for (const TimeShareRequest &share : timeEntryRequest(splitRequest(false)).shares)
+        EXPECT_EQ(share.description, "Review");
 }
 
 TEST(EntryConversions, CarryEveryMemberToTheServer)
