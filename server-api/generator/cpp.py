@@ -61,8 +61,9 @@ def member_type(type_, required):
 
 
 def initializer(type_, required, schemas):
-    if is_optional(type_, required):
-        return ""
+    # With an initializer, what may be absent may be left out of a designated one; what is required is warned about.
+    if not required or is_optional(type_, required):
+        return "{}"
     if type_.kind == "enum":
         return f" = {bare_type(type_)}::{identifier(schemas[type_.name].texts[0])}"
     return DEFAULTS.get(type_.kind, "")

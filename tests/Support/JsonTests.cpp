@@ -344,7 +344,8 @@ TEST(Json, deepNestingIsRefusedWithoutHarm)
 TEST(Json, textsOfEverySizeAreRead)
 {
     // Around a parser's block of 64 bytes, and above the size from which it is not kept.
-    for (const std::size_t size : {0, 1, 31, 32, 33, 63, 64, 65, 127, 128, 129, 300'000}) {
+    for (const std::size_t size :
+         std::initializer_list<std::size_t>{0, 1, 31, 32, 33, 63, 64, 65, 127, 128, 129, 300'000}) {
         const std::vector<Item> items{{std::string(size, 'x'), 1}, {"after", {}}};
         EXPECT_EQ(decodeJson<std::vector<Item>>(encodeJson(items), {.strict = true}), items) << size;
     }

@@ -17,11 +17,11 @@ namespace orvane {
 /// A request as a server took it apart.
 struct RequestParts {
     /// In the order of the path; see matchRoute.
-    std::vector<std::string> pathArguments;
+    std::vector<std::string> pathArguments{};
     /// Decoded; see parseQuery.
-    QueryPairs query;
-    HttpHeaders headers;
-    std::string body;
+    QueryPairs query{};
+    HttpHeaders headers{};
+    std::string body{};
 };
 
 /// Why a request was not accepted. `fieldErrors` is empty when it was no JSON at all.
