@@ -1,133 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Support/DateText.h"
 #include "Support/JsonImpl.h"
-#include "Support/Require.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
 #include <cstring>
 #include <simdjson.h>
-
-namespace orvane {
-
-namespace {
-
-constexpr auto escapes = [] {
-    std::array<char, 256> table{};
-    for (std::size_t c = 0; c < 0x20; ++c)
-        table[c] = 'u';
-    table['"'] = '"';
-    table['\\'] = '\\';
-    table['\b'] = 'b';
-    table['\f'] = 'f';
-    table['\n'] = 'n';
-    table['\r'] = 'r';
-    table['\t'] = 't';
-    return table;
-}();
-
-void appendEscaped(std::string &out, std::string_view text)
-{
-    std::size_t plainFrom = 0;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto c = static_cast<unsigned char>(text[i]);
-        const char escape = escapes[c];
-        if (escape == 0)
-            continue;
-        out.append(text, plainFrom, i - plainFrom);
-        plainFrom = i + 1;
-        out += '\\';
-        out += escape;
-        if (escape == 'u') {
-            constexpr char hex[] = "0123456789abcdef";
-            out += "00";
-            out += hex[c >> 4U];
-            out += hex[c & 15U];
-        }
-    }
-    out.append(text, plainFrom);
-}
-
-/// How many bytes at the front are one valid UTF-8 character; 0 when the first byte begins none.
-std::size_t validLength(std::string_view text)
-{
-    for (std::size_t length = 1; length <= 4 && length <= text.size(); ++length) {
-        if (simdjson::validate_utf8(text.substr(0, length)))
-            return length;
-    }
-    return 0;
-}
-
-std::string mended(std::string_view text)
-{
-    std::string out;
-    while (!text.empty()) {
-        const std::size_t length = validLength(text);
-        if (length == 0)
-            out += "\xEF\xBF\xBD";
-        else
-            out.append(text, 0, length);
-        text.remove_prefix(std::max<std::size_t>(length, 1));
-    }
-    return out;
-}
-
-} // namespace
-
-void JsonOutput::name(std::string_view name, bool &first)
-{
-    if (!std::exchange(first, false))
-        m_text += ',';
-    m_text += '"';
-    m_text += name;
-    m_text += "\":";
-}
-
-void JsonOutput::value(std::int64_t value)
-{
-    char digits[24];
-    const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
-    m_text.append(digits, end);
-}
-
-void JsonOutput::value(double value)
-{
-    ORVANE_REQUIRE(std::isfinite(value), "JSON has no form for a number that is not finite");
-    char digits[40];
-    const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
-    m_text.append(digits, end);
-}
-
-void JsonOutput::value(std::string_view value)
-{
-    m_text += '"';
-    if (simdjson::validate_utf8(value.data(), value.size()))
-        appendEscaped(m_text, value);
-    else
-        appendEscaped(m_text, mended(value));
-    m_text += '"';
-}
-
-void JsonOutput::value(Instant instant)
-{
-    if (m_style.dates == DateCoding::SecondsSince2001) {
-        value(secondsSince2001(instant));
-        return;
-    }
-    m_text += '"';
-    appendIso8601Text(m_text, instant);
-    m_text += '"';
-}
-
-void JsonOutput::value(std::chrono::year_month_day day)
-{
-    m_text += '"';
-    m_text += dayText(day);
-    m_text += '"';
-}
-
-} // namespace orvane
 
 namespace orvane::json {
 
@@ -201,13 +78,67 @@ bool ParserLease::open(od::document &document)
     return m_parts->parser.iterate(view).get(document) == simdjson::SUCCESS;
 }
 
-bool isJson(const std::string &padded)
+simdjson::error_code parseAll(const std::string &padded)
 {
     simdjson::dom::parser parser;
     simdjson::dom::element element;
-    const auto error = parser.parse(padded.data(), padded.size(), false).get(element);
-    // A number that no type here can hold is JSON all the same.
-    return error == simdjson::SUCCESS || error == simdjson::NUMBER_ERROR;
+    return parser.parse(padded.data(), padded.size(), false).get(element);
+}
+
+std::size_t digitsAt(std::string_view text, std::size_t at)
+{
+    std::size_t count = 0;
+    while (at + count < text.size() && text[at + count] >= '0' && text[at + count] <= '9')
+        ++count;
+    return count;
+}
+
+/// How many bytes at `at` are a number by JSON's grammar.
+std::size_t numberLength(std::string_view text, std::size_t at)
+{
+    const auto isAt = [&](std::size_t place, std::string_view any) {
+        return place < text.size() && any.find(text[place]) != std::string_view::npos;
+    };
+    std::size_t end = at + (isAt(at, "-") ? 1U : 0U);
+    const std::size_t whole = isAt(end, "0") ? 1 : digitsAt(text, end);
+    if (whole == 0)
+        return 0;
+    end += whole;
+    if (isAt(end, ".") && digitsAt(text, end + 1) > 0)
+        end += 1 + digitsAt(text, end + 1);
+    if (isAt(end, "eE")) {
+        const std::size_t digits = end + (isAt(end + 1, "+-") ? 2U : 1U);
+        if (digitsAt(text, digits) > 0)
+            end = digits + digitsAt(text, digits);
+    }
+    return end - at;
+}
+
+/// The text with 0 in the place of each number.
+std::string withoutNumbers(std::string_view text)
+{
+    std::string out;
+    out.reserve(text.size() + simdjson::SIMDJSON_PADDING);
+    bool isInText = false;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const std::size_t number = isInText ? 0 : numberLength(text, i);
+        out += number > 0 ? '0' : text[i];
+        if (number > 0)
+            i += number - 1;
+        else if (isInText && text[i] == '\\' && i + 1 < text.size())
+            out += text[++i];
+        else if (text[i] == '"')
+            isInText = !isInText;
+    }
+    return out;
+}
+
+bool isJson(const std::string &padded)
+{
+    const auto error = parseAll(padded);
+    // The parser refuses numbers that no type here can hold, but they are JSON all the same.
+    return error == simdjson::SUCCESS ||
+           (error == simdjson::NUMBER_ERROR && parseAll(withoutNumbers(padded)) == simdjson::SUCCESS);
 }
 
 bool ParserLease::isWellFormed() const
@@ -292,11 +223,31 @@ bool nothingIsMissing(Reader &reader, std::span<const MemberReader> members, std
     return true;
 }
 
-bool readWhole(Reader &reader, ParserLease &lease, ReadInto read, void *out)
+/// The parser gives no value for a text that is a single scalar, so that is read as the only item of a list.
+bool readScalar(Reader &reader, std::string_view text, ReadInto read, void *out)
+{
+    ParserLease lease("[" + std::string(text) + "]");
+    od::document document;
+    od::array list;
+    if (!lease.open(document) || document.get_array().get(list) != simdjson::SUCCESS)
+        return reader.failBroken();
+    for (auto element : list) {
+        Node node;
+        return element.get(node.value) == simdjson::SUCCESS ? read(reader, node, out) : reader.failBroken();
+    }
+    return reader.failBroken();
+}
+
+bool readWhole(Reader &reader, ParserLease &lease, std::string_view text, ReadInto read, void *out)
 {
     od::document document;
     Node node;
-    if (!lease.open(document) || document.get_value().get(node.value) != simdjson::SUCCESS)
+    if (!lease.open(document))
+        return reader.failBroken();
+    const auto error = document.get_value().get(node.value);
+    if (error == simdjson::SCALAR_DOCUMENT_AS_VALUE)
+        return lease.isWellFormed() ? readScalar(reader, text, read, out) : reader.failBroken();
+    if (error != simdjson::SUCCESS)
         return reader.failBroken();
     if (!read(reader, node, out))
         return false;
@@ -310,7 +261,7 @@ bool readWhole(Reader &reader, ParserLease &lease, ReadInto read, void *out)
 bool readDocument(Reader &reader, std::string_view text, ReadInto read, void *out)
 {
     ParserLease lease(text);
-    const bool ok = readWhole(reader, lease, read, out);
+    const bool ok = readWhole(reader, lease, text, read, out);
     // Finding which is at fault, the text or a value in it, is worth another look at a text that is refused.
     if (reader.isBroken || ((!ok || reader.reading.strict) && !lease.isWellFormed())) {
         reader.error = {{}, "is broken JSON"};

@@ -317,9 +317,15 @@ TEST(Json, numbersComeBackAsTheyWere)
     EXPECT_FALSE(decodeJson<std::vector<double>>("[" + std::string(10'000, '9') + "]"));
     EXPECT_FALSE(decodeJson<std::vector<double>>("[01]"));
     EXPECT_FALSE(decodeJson<std::vector<double>>("[NaN]"));
-    // An unknown member may hold a number that nothing here could.
-    EXPECT_EQ(decodeJson<Item>(R"({"x":123456789012345678901234567890,"id":"1"})", {.strict = true}),
-              (Item{"1", {}}));
+    // An unknown member may hold a number that nothing here could, as long as it is one.
+    for (const char *number : {"123456789012345678901234567890", "-1.5e+99999", "[1e999,\"\\\"01\",-0E-9]"})
+        EXPECT_EQ(decodeJson<Item>("{\"x\":" + std::string(number) + R"(,"id":"1"})", {.strict = true}),
+                  (Item{"1", {}}))
+            << number;
+    for (const char *number :
+         {"[1e999,01]", "[1e999,1.]", "[1e999,-]", "[1e999,1e+]", "[1e999,.5]", "[1e999,+1]"})
+        EXPECT_FALSE(decodeJson<Item>("{\"x\":" + std::string(number) + R"(,"id":"1"})", {.strict = true}))
+            << number;
 }
 
 TEST(Json, freeFormJsonIsKeptAsItsText)
