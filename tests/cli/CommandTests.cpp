@@ -1,0 +1,399 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The real command against the real server that it starts by itself, without bus and display.
+#include "support/CommandRun.h"
+
+#include <QJsonDocument>
+#include <QProcess>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace orvane {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+const QString idKey = QStringLiteral("id");
+
+QStringList keys(const QJsonObject &object)
+{
+    return object.keys();
+}
+
+std::string text(const QJsonValue &value)
+{
+    return value.toString().toStdString();
+}
+
+class Command : public testing::Test {
+protected:
+    /// Runs with --json and expects exit status 0.
+    QJsonObject done(const Arguments &arguments) const
+    {
+        const CommandRun run = installation.json(arguments);
+        EXPECT_EQ(run.exitStatus, 0) << arguments.front() << ": " << run.all();
+        EXPECT_EQ(std::ranges::count(run.output, '\n'), 1) << "one value on one line";
+        return run.object();
+    }
+    QJsonArray listed(const Arguments &arguments) const
+    {
+        const CommandRun run = installation.json(arguments);
+        EXPECT_EQ(run.exitStatus, 0) << run.all();
+        return run.array();
+    }
+    /// Runs with --json, expects this exit status and answers the error.
+    QJsonObject failed(int exitStatus, const Arguments &arguments) const
+    {
+        const CommandRun run = installation.json(arguments);
+        EXPECT_EQ(run.exitStatus, exitStatus) << run.all();
+        EXPECT_THAT(run.errors, Not(IsEmpty())) << "people are told too";
+        return run.object()[u"error"].toObject();
+    }
+    QJsonObject entry(const Arguments &arguments) const { return done(arguments)[u"entry"].toObject(); }
+    std::string id(const QJsonObject &object) const { return text(object[idKey]); }
+    void setNow(const char *instant) { installation.environment["ORVANE_NOW"] = instant; }
+
+    TestInstallation installation;
+};
+
+TEST_F(Command, TracksADay)
+{
+    setNow("2026-03-04T09:00:00Z");
+    const QJsonObject started = done({"--zone", "Europe/Paris", "start", "Write", "the", "README"});
+    EXPECT_EQ(keys(started), (QStringList{"entry", "message", "outcome", "queued"}));
+    EXPECT_EQ(text(started[u"outcome"]), "saved");
+    EXPECT_FALSE(started[u"queued"].toBool(true));
+    const QJsonObject first = started[u"entry"].toObject();
+    EXPECT_EQ(keys(first), (QStringList{"description", "id", "isBillable", "projectId", "shares", "start",
+                                        "stop", "tagIds", "taskId", "version", "workspaceId"}));
+    EXPECT_EQ(text(first[u"description"]), "Write the README");
+    EXPECT_THAT(text(first[u"start"]), testing::StartsWith("2026-03-04T09:00:0"));
+    EXPECT_TRUE(first[u"stop"].isNull());
+
+    setNow("2026-03-04T09:30:00Z");
+    const QJsonObject status = done({"status"});
+    EXPECT_EQ(keys(status), (QStringList{"account", "outbox", "running", "server", "today", "workspace"}));
+    EXPECT_EQ(status[u"running"].toObject(), first);
+    EXPECT_TRUE(status[u"server"].toObject()[u"local"].toBool());
+    EXPECT_TRUE(status[u"server"].toObject()[u"reachable"].toBool());
+    EXPECT_TRUE(status[u"account"].toObject()[u"automatic"].toBool());
+    EXPECT_EQ(text(status[u"workspace"].toObject()[u"role"]), "owner");
+    EXPECT_EQ(status[u"today"].toObject()[u"seconds"].toInteger() / 60, 30);
+    EXPECT_EQ(status[u"outbox"].toObject(),
+              (QJsonObject{{"conflicts", 0}, {"offline", false}, {"pending", 0}}));
+
+    const QJsonObject second = done({"start", "Answer mail"});
+    EXPECT_EQ(text(second[u"outcome"]), "saved");
+    setNow("2026-03-04T10:00:00Z");
+    const QJsonObject stopped = done({"stop", "--at", "-15"});
+    EXPECT_EQ(text(stopped[u"outcome"]), "stopped");
+    EXPECT_THAT(text(stopped[u"entry"].toObject()[u"stop"]), testing::StartsWith("2026-03-04T09:45:0"));
+    EXPECT_EQ(text(done({"continue"})[u"entry"].toObject()[u"description"]), "Answer mail");
+
+    const QJsonArray days = done({"list"})[u"days"].toArray();
+    ASSERT_EQ(days.size(), 1);
+    EXPECT_EQ(keys(days[0].toObject()), (QStringList{"day", "entries", "seconds"}));
+    EXPECT_EQ(text(days[0].toObject()[u"day"]), "2026-03-04");
+    EXPECT_EQ(days[0].toObject()[u"entries"].toArray().size(), 3);
+    EXPECT_TRUE(days[0].toObject()[u"entries"].toArray()[0].toObject()[u"stop"].isString())
+        << "the start of the second ended the first";
+}
+
+TEST_F(Command, RecordsAndChangesEntries)
+{
+    setNow("2026-03-04T12:00:00Z");
+    const Arguments utc{"--zone", "UTC"};
+    const auto with = [&](Arguments arguments) {
+        arguments.insert(arguments.begin(), utc.begin(), utc.end());
+        return arguments;
+    };
+    const QJsonObject project = done({"projects", "add", "Website", "--billable"});
+    const QJsonObject task = done({"tasks", "add", "website", "Design"});
+    done({"tags", "add", "review"});
+    const QJsonObject added = entry(with({"add", "[draft]", "--start", "9:00", "--stop",
+                                          "2026-03-04T10:00:00Z", "--task", "des", "--tag", "Review"}));
+    EXPECT_EQ(text(added[u"description"]), "[draft]");
+    EXPECT_EQ(added[u"projectId"], project[idKey]) << "the task brings its project";
+    EXPECT_EQ(added[u"taskId"], task[idKey]);
+    EXPECT_TRUE(added[u"isBillable"].toBool()) << "as the project is";
+    EXPECT_EQ(added[u"tagIds"].toArray().size(), 1);
+    EXPECT_EQ(text(added[u"start"]), "2026-03-04T09:00:00.000Z");
+
+    const std::string cut = id(added).substr(0, 8);
+    const QJsonObject edited = entry(with({"edit", cut, "--stop", "11", "--tag", ""}));
+    EXPECT_EQ(text(edited[u"stop"]), "2026-03-04T11:00:00.000Z");
+    EXPECT_EQ(edited[u"start"], added[u"start"]);
+    EXPECT_EQ(edited[u"taskId"], added[u"taskId"]) << "what is not named stays";
+    EXPECT_TRUE(edited[u"tagIds"].toArray().isEmpty());
+    EXPECT_NE(edited[u"version"], added[u"version"]);
+    EXPECT_TRUE(entry(with({"edit", cut, "Final", "--project", ""}))[u"taskId"].isNull());
+
+    const QJsonObject copy = entry(with({"duplicate", cut}));
+    EXPECT_NE(copy[idKey], added[idKey]);
+    EXPECT_EQ(text(copy[u"description"]), "Final");
+    const QJsonObject removed = done(with({"delete", id(copy)}));
+    EXPECT_EQ(text(removed[u"outcome"]), "saved");
+    EXPECT_TRUE(removed[u"entry"].isNull());
+    EXPECT_EQ(done(with({"list"}))[u"days"].toArray()[0].toObject()[u"seconds"].toInteger(), 7200);
+
+    const QJsonObject night = entry(with({"start", "Deploy", "--start", "23:00", "--stop", "0:30"}));
+    EXPECT_EQ(text(night[u"start"]), "2026-03-03T23:00:00.000Z") << "a start with an end is a finished entry";
+    const QJsonArray week = done(with({"list", "--week", "2026-03-04"}))[u"days"].toArray();
+    ASSERT_EQ(week.size(), 7);
+    EXPECT_EQ(text(week[0].toObject()[u"day"]), "2026-03-02");
+    EXPECT_EQ(week[1].toObject()[u"seconds"].toInteger(), 5400);
+
+    const QJsonObject old =
+        entry(with({"add", "Long ago", "--start", "2026-01-20 9:00", "--stop", "2026-01-20 9:30"}));
+    EXPECT_EQ(done(with({"list", "--day", "2026-01-20"}))[u"days"]
+                  .toArray()[0]
+                  .toObject()[u"entries"]
+                  .toArray()
+                  .size(),
+              1);
+    EXPECT_EQ(text(entry(with({"edit", id(old).substr(0, 13), "Longer ago"}))[u"description"]), "Longer ago")
+        << "weeks before the loaded one are looked through";
+}
+
+TEST_F(Command, SaysWhatIsWrongWithACall)
+{
+    EXPECT_EQ(keys(failed(2, {"fly"})),
+              (QStringList{"detail", "fieldErrors", "message", "status", "title", "type"}));
+    failed(2, {"add", "No times"});
+    failed(2, {"start", "x", "--start", "noonish"});
+    failed(2, {"start", "x", "--stop", "9:00"});
+    failed(2, {"edit", "abc"});
+    failed(2, {"list", "--day", "2026-02-30"});
+    failed(2, {"settings", "set", "weekStart", "monday"});
+    failed(2, {"settings", "set", "colour", "red"});
+    EXPECT_THAT(text(failed(1, {"start", "x", "--project", "Nope"})[u"message"]),
+                HasSubstr("no project \"Nope\""));
+    EXPECT_THAT(text(failed(1, {"delete", "abcdef"})[u"message"]), HasSubstr("no entry"));
+    EXPECT_THAT(text(failed(1, {"login", "--provider", "anyone"})[u"message"]),
+                HasSubstr("desktop application"));
+    failed(1, {"outbox", "keep-mine", "7"});
+    failed(1, {"logout"});
+
+    const CommandRun stop = installation.json({"stop"});
+    EXPECT_EQ(stop.exitStatus, 1);
+    EXPECT_EQ(keys(stop.object()), (QStringList{"entry", "error", "message", "outcome", "queued"}));
+    EXPECT_EQ(text(stop.object()[u"outcome"]), "failed");
+
+    for (const char *now : {"yesterday", "2026-03-04", "10:00"}) {
+        setNow(now);
+        failed(2, {"status"});
+    }
+    installation.environment.clear();
+    const CommandRun broken =
+        runProgram("bash", {"-c", builtProgram("orvane") + " --json start $'caf\\xe9'"});
+    EXPECT_EQ(broken.exitStatus, 2) << broken.all();
+    EXPECT_THAT(text(broken.object()[u"error"].toObject()[u"message"]), HasSubstr("UTF-8"));
+}
+
+TEST_F(Command, AmbiguousNamesAndIdentifiersListWhatIsThere)
+{
+    done({"projects", "add", "Website A"});
+    done({"projects", "add", "Website B"});
+    const std::string message = text(failed(1, {"start", "x", "--project", "web"})[u"message"]);
+    EXPECT_THAT(message, HasSubstr("can mean 2 projects"));
+    EXPECT_THAT(message, HasSubstr("Website B"));
+    // Seventeen identifiers have sixteen first characters, so two share one.
+    std::map<char, std::vector<std::string>> byFirst;
+    for (int i = 0; i < 17; ++i) {
+        const std::string minute = std::to_string(10 + i);
+        const std::string added =
+            id(entry({"add", "e", "--start", "2026-03-04 9:" + minute, "--stop", "9:59"}));
+        byFirst[added[0]].push_back(added);
+    }
+    const auto shared =
+        std::ranges::find_if(byFirst, [](const auto &item) { return item.second.size() > 1; });
+    ASSERT_NE(shared, byFirst.end());
+    setNow("2026-03-04T12:00:00Z");
+    EXPECT_THAT(text(failed(1, {"delete", std::string(1, shared->first)})[u"message"]),
+                HasSubstr("beginning of " + std::to_string(shared->second.size()) + " identifiers"));
+}
+
+TEST_F(Command, KeepsTheCatalog)
+{
+    const QJsonObject client = done({"clients", "add", "Acme"});
+    EXPECT_EQ(keys(client), (QStringList{"id", "isArchived", "name", "workspaceId"}));
+    const QJsonObject project =
+        done({"projects", "add", "Website", "--client", "acme", "--color", "#102030"});
+    EXPECT_EQ(keys(project),
+              (QStringList{"clientId", "color", "estimateSeconds", "hourlyRate", "id", "isArchived",
+                           "isBillable", "isPrivate", "name", "tasks", "workspaceId"}));
+    EXPECT_EQ(project[u"clientId"], client[idKey]);
+    EXPECT_EQ(listed({"projects"}).size(), 1);
+    EXPECT_TRUE(done({"projects", "archive", id(project).substr(0, 6)})[u"isArchived"].toBool());
+    EXPECT_TRUE(listed({"projects"}).isEmpty());
+    EXPECT_EQ(listed({"projects", "--archived"}).size(), 1);
+    EXPECT_THAT(text(failed(1, {"start", "x", "--project", "Website"})[u"message"]), HasSubstr("archived"));
+    EXPECT_FALSE(done({"projects", "restore", "Website"})[u"isArchived"].toBool(true));
+
+    const QJsonObject task = done({"tasks", "add", "Website", "Design"});
+    EXPECT_EQ(keys(task), (QStringList{"id", "isActive", "name", "projectId"}));
+    EXPECT_EQ(listed({"tasks"}).size(), 1);
+    EXPECT_EQ(done({"tasks", "delete", "Design"})[idKey], task[idKey]);
+    EXPECT_TRUE(listed({"tasks"}).isEmpty());
+    const QJsonObject tag = done({"tags", "add", "review"});
+    EXPECT_EQ(keys(tag), (QStringList{"id", "name", "workspaceId"}));
+    EXPECT_NE(failed(1, {"tags", "add", "review"})[u"status"].toInteger(), 0)
+        << "the server refuses a second one";
+    EXPECT_EQ(done({"tags", "delete", "review"})[idKey], tag[idKey]);
+    EXPECT_TRUE(done({"clients", "archive", "Acme"})[u"isArchived"].toBool());
+    EXPECT_TRUE(listed({"clients"}).isEmpty());
+    done({"clients", "restore", "Acme"});
+    done({"clients", "delete", "Acme"});
+    done({"projects", "delete", "Website"});
+    EXPECT_TRUE(listed({"projects", "--archived"}).isEmpty());
+}
+
+TEST_F(Command, KeepsSettingsAndTheWorkspace)
+{
+    const QJsonObject before = done({"settings"});
+    EXPECT_EQ(keys(before),
+              (QStringList{"dateFormat", "durationFormat", "pomodoroAutoStop", "pomodoroBreakMinutes",
+                           "pomodoroEnabled", "pomodoroMinutes", "timeFormat", "weekStart"}));
+    EXPECT_EQ(text(done({"settings", "set", "durationformat", "decimal"})[u"durationFormat"]), "decimal");
+    EXPECT_TRUE(done({"settings", "set", "pomodoroEnabled", "on"})[u"pomodoroEnabled"].toBool());
+    EXPECT_EQ(done({"settings", "set", "weekStart", "0"})[u"weekStart"].toInteger(), 0);
+    EXPECT_EQ(failed(1, {"settings", "set", "weekStart", "9"})[u"status"].toInteger(), 400);
+    setNow("2026-03-04T12:00:00Z");
+    EXPECT_EQ(text(done({"list", "--week", "today"})[u"days"].toArray()[0].toObject()[u"day"]), "2026-03-01")
+        << "weeks begin on Sunday now";
+    EXPECT_THAT(installation.run({"status"}).output, HasSubstr("Nothing tracked today"));
+
+    const QJsonArray workspaces = listed({"workspaces"});
+    ASSERT_EQ(workspaces.size(), 1);
+    EXPECT_EQ(keys(workspaces[0].toObject()), (QStringList{"id", "name", "organizationId", "role"}));
+    EXPECT_EQ(done({"workspaces", "use", id(workspaces[0].toObject()).substr(0, 8)}),
+              workspaces[0].toObject());
+    failed(1, {"workspaces", "use", "elsewhere"});
+}
+
+TEST_F(Command, QueuesWithoutTheServerAndDeliversWhenItIsBack)
+{
+    const QJsonObject online = done({"start", "Before"});
+    ASSERT_TRUE(installation.killServer());
+    const CommandRun stop = installation.json({"--no-start-server", "stop"});
+    EXPECT_EQ(stop.exitStatus, 0) << stop.all();
+    EXPECT_EQ(text(stop.object()[u"outcome"]), "stopped");
+    EXPECT_TRUE(stop.object()[u"queued"].toBool());
+    const QJsonObject waiting = done({"--no-start-server", "start", "Meanwhile"});
+    EXPECT_EQ(text(waiting[u"outcome"]), "waiting");
+    EXPECT_TRUE(waiting[u"queued"].toBool());
+
+    const QJsonObject status = done({"--no-start-server", "status"});
+    EXPECT_FALSE(status[u"server"].toObject()[u"reachable"].toBool(true));
+    EXPECT_EQ(status[u"outbox"].toObject()[u"pending"].toInteger(), 2);
+    EXPECT_EQ(text(status[u"running"].toObject()[u"description"]), "Meanwhile");
+    EXPECT_THAT(installation.run({"--no-start-server", "list"}).errors,
+                HasSubstr("Offline: 2 changes are waiting to be sent."));
+    const QJsonArray queue = listed({"--no-start-server", "outbox"});
+    ASSERT_EQ(queue.size(), 2);
+    EXPECT_EQ(keys(queue[0].toObject()), (QStringList{"change", "conflict", "seq"}));
+    EXPECT_TRUE(queue[0].toObject()[u"conflict"].isNull());
+    EXPECT_EQ(text(queue[0].toObject()[u"change"].toObject()[u"stop"].toObject()[idKey]),
+              text(online[u"entry"].toObject()[idKey]));
+    const QJsonObject create = queue[1].toObject()[u"change"].toObject()[u"create"].toObject();
+    EXPECT_THAT(text(create[u"_0"].toObject()[u"start"]), testing::EndsWith("Z")) << "dates in ISO form";
+    EXPECT_TRUE(create[u"_0"].toObject()[u"stop"].isNull()) << "null, not left out";
+    failed(1, {"--no-start-server", "projects", "add", "Later"});
+    failed(1, {"--no-start-server", "list", "--day", "2020-01-01"});
+
+    EXPECT_EQ(done({"status"})[u"outbox"].toObject()[u"pending"].toInteger(), 0);
+    const QJsonArray entries = done({"list"})[u"days"].toArray()[0].toObject()[u"entries"].toArray();
+    ASSERT_EQ(entries.size(), 2);
+    EXPECT_TRUE(entries[0].toObject()[u"stop"].isString());
+    EXPECT_EQ(text(entries[1].toObject()[u"description"]), "Meanwhile");
+    EXPECT_THAT(installation.run({"outbox"}).output, HasSubstr("Nothing is waiting"));
+}
+
+TEST_F(Command, SignsInElsewhereAndComesBack)
+{
+    TestInstallation other;
+    const CommandRun hosted = other.json({"status"});
+    ASSERT_EQ(hosted.exitStatus, 0) << hosted.all();
+    const std::string url = text(hosted.object()[u"server"].toObject()[u"url"]);
+    const Arguments login{"--server", url, "login", "--email", "ada@example.com", "--password-stdin"};
+    EXPECT_EQ(installation.json(login, "correct horse battery\n").exitStatus, 1) << "not registered yet";
+    Arguments registering = login;
+    registering.emplace_back("--register");
+    EXPECT_EQ(installation.json(registering, "\n").exitStatus, 1) << "an empty password";
+    const CommandRun registered = installation.json(registering, "correct horse battery\n");
+    EXPECT_EQ(registered.exitStatus, 0) << registered.all();
+    EXPECT_EQ(keys(registered.object()), (QStringList{"account", "server"}));
+    EXPECT_EQ(text(registered.object()[u"account"].toObject()[u"email"]), "ada@example.com");
+    EXPECT_FALSE(registered.object()[u"account"].toObject()[u"automatic"].toBool(true));
+    EXPECT_THAT(installation.run(login, "wrong\n").exitStatus, 1);
+    const CommandRun again = installation.run(login, "correct horse battery\n");
+    EXPECT_EQ(again.exitStatus, 0) << again.all();
+    EXPECT_THAT(again.output, HasSubstr("Signed in at " + url + " as ada@example.com."));
+    EXPECT_THAT(again.errors + again.output, Not(HasSubstr("correct horse")));
+}
+
+TEST_F(Command, ShowsADayToPeople)
+{
+    setNow("2026-03-04T12:00:00Z");
+    EXPECT_THAT(installation.run({}).output,
+                HasSubstr("Nothing tracked today. Start with: orvane start \"Write the README\""));
+    done({"projects", "add", "Website"});
+    done({"--zone", "UTC", "add", "日本語\x1b[2J and a\nbreak", "--start", "9", "--stop", "10:30",
+          "--project", "Website"});
+    const CommandRun started = installation.run({"--zone", "UTC", "start", "Review"});
+    EXPECT_THAT(started.output, testing::StartsWith("Started  "));
+    const CommandRun list = installation.run({"--zone", "UTC", "list"});
+    EXPECT_EQ(list.exitStatus, 0);
+    EXPECT_THAT(list.output, HasSubstr("09:00 – 10:30  1:30:00  日本語 [2J and a break  Website\n"));
+    EXPECT_THAT(list.output, Not(HasSubstr("\x1b"))) << "no colour in a pipe, no escape from a description";
+    EXPECT_THAT(list.output, testing::StartsWith("Today"));
+    EXPECT_THAT(list.errors, IsEmpty());
+    const CommandRun stopped = installation.run({"stop"});
+    EXPECT_THAT(stopped.output, testing::StartsWith("Stopped  "));
+}
+
+TEST_F(Command, EndsCleanlyWhenItsOutputCannotBeWritten)
+{
+    const std::string call = builtProgram("orvane") + " --data-dir " + installation.folder();
+    const CommandRun full = runProgram("bash", {"-c", call + " list > /dev/full"});
+    EXPECT_EQ(full.exitStatus, 1);
+    EXPECT_THAT(full.errors, HasSubstr("could not be written"));
+    const CommandRun closed = runProgram("bash", {"-c", call + " --help | true; echo ${PIPESTATUS[0]}"});
+    EXPECT_THAT(closed.output, testing::AnyOf("1\n", "0\n")) << closed.all();
+    EXPECT_THAT(closed.errors, IsEmpty());
+    const CommandRun reader = runProgram("bash", {"-c", call + " list >&-; echo $?"});
+    EXPECT_EQ(reader.output, "1\n") << reader.all();
+}
+
+TEST_F(Command, AnswersHelpAndVersion)
+{
+    EXPECT_EQ(installation.run({"--version"}).output, "orvane " ORVANE_VERSION "\n");
+    const CommandRun help = installation.run({"help", "projects", "add"});
+    EXPECT_EQ(help.exitStatus, 0);
+    EXPECT_THAT(help.output, HasSubstr("Usage: orvane projects add [OPTIONS] NAME"));
+    EXPECT_EQ(help.output, installation.run({"projects", "add", "--help"}).output)
+        << "also where NAME is missing";
+    EXPECT_EQ(installation.run({"help", "fly"}).exitStatus, 2);
+    EXPECT_EQ(installation.run({"completion", "tcsh"}).exitStatus, 2);
+    EXPECT_THAT(installation.run({"completion", "fish"}).output, HasSubstr("complete -c orvane"));
+    EXPECT_FALSE(installation.hello()) << "none of this starts a server";
+}
+
+TEST_F(Command, ServesInTheForegroundUntilItIsTold)
+{
+    const auto server = installation.start({"serve"});
+    ASSERT_TRUE(server->waitForReadyRead(20'000)) << server->readAllStandardError().toStdString();
+    const QByteArray address = server->readLine().trimmed();
+    EXPECT_TRUE(address.startsWith("http://127.0.0.1:")) << address.toStdString();
+    EXPECT_EQ(installation.hello().value().address, address.toStdString());
+    EXPECT_EQ(installation.hello().value().pid, server->processId()) << "it takes the command's place";
+    EXPECT_EQ(text(done({"--no-start-server", "status"})[u"server"].toObject()[u"url"]),
+              address.toStdString());
+    server->terminate();
+    EXPECT_TRUE(server->waitForFinished(20'000));
+    EXPECT_EQ(server->exitStatus(), QProcess::NormalExit);
+}
+
+} // namespace
+} // namespace orvane

@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "CommandTree.h"
+
+#include "CompletionScript.h"
+#include "HelpText.h"
+#include "support/CommandRun.h"
+
+#include <QTemporaryDir>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace orvane {
+namespace {
+
+using testing::HasSubstr;
+
+std::string usageError(std::vector<std::string> arguments)
+{
+    CommandTree tree;
+    const auto parsed = tree.parse(std::move(arguments));
+    if (parsed)
+        return {};
+    EXPECT_EQ(parsed.error().exitStatus, ExitStatus::usage);
+    return parsed.error().message;
+}
+
+TEST(CommandTree, TakesGlobalOptionsBeforeAndAfterTheCommand)
+{
+    CommandTree tree;
+    ASSERT_TRUE(tree.parse({"--json", "list", "--zone", "Europe/Paris", "--no-start-server", "--server",
+                            "https://time.example.com/"}));
+    EXPECT_EQ(tree.chosen()->get_name(), "list");
+    EXPECT_TRUE(tree.options().json);
+    EXPECT_FALSE(tree.options().startsServer);
+    EXPECT_EQ(tree.options().zone, "Europe/Paris");
+    EXPECT_EQ(tree.options().server, "https://time.example.com");
+    CommandTree nothing;
+    ASSERT_TRUE(nothing.parse({}));
+    EXPECT_EQ(nothing.chosen(), &nothing.root());
+}
+
+TEST(CommandTree, RefusesWhatItDoesNotUnderstand)
+{
+    EXPECT_THAT(usageError({"fly"}), HasSubstr("There is no command \"fly\""));
+    EXPECT_THAT(usageError({"stop", "now"}), HasSubstr("orvane stop --help"));
+    EXPECT_THAT(usageError({"projects", "rename", "x"}), HasSubstr("orvane projects --help"));
+    EXPECT_THAT(usageError({"edit"}), HasSubstr("ID"));
+    EXPECT_THAT(usageError({"outbox", "keep-mine", "three"}), HasSubstr("SEQ"));
+    EXPECT_NE(usageError({"start", "--billable", "--no-billable", "x"}), "");
+    EXPECT_NE(usageError({"list", "--day", "today", "--week", "today"}), "");
+    EXPECT_NE(usageError({"status", "list"}), "");
+    EXPECT_THAT(usageError({"--server", "example.com"}), HasSubstr("--server"));
+    EXPECT_THAT(usageError({"--server", "ftp://example.com"}), HasSubstr("--server"));
+    EXPECT_THAT(usageError({"--zone", "Mars/Olympus"}), HasSubstr("--zone"));
+    EXPECT_THAT(usageError({"--home", "/no/such/folder"}), HasSubstr("--home"));
+    EXPECT_THAT(usageError({"--fixtures", "/no/such/folder"}), HasSubstr("--fixtures"));
+    EXPECT_THAT(usageError({"--data-dir", ""}), HasSubstr("--data-dir"));
+}
+
+TEST(CommandTree, EveryCommandHasAnActionAndAHelpText)
+{
+    CommandTree tree;
+    std::vector<const CLI::App *> commands{&tree.root()};
+    for (std::size_t i = 0; i < commands.size(); ++i) {
+        const std::string help = HelpText().make_help(commands[i], {}, CLI::AppFormatMode::Normal);
+        EXPECT_THAT(help, HasSubstr("Usage: " + callOf(commands[i])));
+        std::vector<std::string> call;
+        for (const CLI::App *app = commands[i]; app->get_parent(); app = app->get_parent())
+            call.insert(call.begin(), app->get_name());
+        for (const CLI::Option *option : commands[i]->get_options()) {
+            if (option->get_positional() && option->get_required())
+                call.emplace_back("1");
+        }
+        CommandTree parsed;
+        EXPECT_TRUE(parsed.parse(call)) << callOf(commands[i]);
+        EXPECT_TRUE(parsed.action().handler || parsed.action().plain) << callOf(commands[i]);
+        for (const CLI::App *sub : CommandTree::commandsOf(commands[i]))
+            commands.push_back(sub);
+    }
+    EXPECT_GT(commands.size(), 30U);
+}
+
+class Completions : public testing::TestWithParam<const char *> {};
+
+TEST_P(Completions, KnowEveryCommandAndOption)
+{
+    CommandTree tree;
+    const auto script = completionScript(tree.root(), GetParam());
+    ASSERT_TRUE(script);
+    const bool isFish = std::string_view(GetParam()) == "fish";
+    std::vector<const CLI::App *> commands{&tree.root()};
+    for (std::size_t i = 0; i < commands.size(); ++i) {
+        for (const CLI::Option *option : commands[i]->get_options()) {
+            for (const std::string &name : option->get_lnames())
+                EXPECT_THAT(*script, HasSubstr((isFish ? "-l " : "--") + name));
+        }
+        for (const CLI::App *sub : CommandTree::commandsOf(commands[i])) {
+            EXPECT_THAT(*script, HasSubstr(sub->get_name()));
+            commands.push_back(sub);
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Shells, Completions, testing::Values("bash", "zsh", "fish"));
+
+/// What bash offers for the words, the last of which is being typed.
+std::string offered(const std::string &script, const std::vector<std::string> &words)
+{
+    std::string program = script + "\nCOMP_WORDS=(";
+    for (const std::string &word : words)
+        program += "'" + word + "' ";
+    program +=
+        ")\nCOMP_CWORD=" + std::to_string(words.size() - 1) + "\n_orvane\nprintf '%s ' \"${COMPREPLY[@]}\"\n";
+    return runProgram("bash", {"--norc", "-c", program}).output;
+}
+
+TEST(Completions, OfferWhatCanFollow)
+{
+    CommandTree tree;
+    const std::string script = completionScript(tree.root(), "bash").value();
+    EXPECT_EQ(offered(script, {"orvane", "sta"}), "start status ");
+    EXPECT_EQ(offered(script, {"orvane", "projects", "a"}), "add archive ");
+    EXPECT_EQ(offered(script, {"orvane", "--json", "--zone", "list", "outbox", "keep"}),
+              "keep-mine keep-theirs ")
+        << "the value of an option is no command";
+    EXPECT_EQ(offered(script, {"orvane", "start", "--pro"}), "--project ");
+    EXPECT_EQ(offered(script, {"orvane", "start", "--js"}), "--json ");
+    EXPECT_EQ(offered(script, {"orvane", "start", "--project", "sta"}), " ")
+        << "a project's name, which it does not know";
+}
+
+} // namespace
+} // namespace orvane
