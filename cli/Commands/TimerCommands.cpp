@@ -21,10 +21,8 @@ CommandTask status(Context context)
     Account &account = **opened;
     Tracker &tracker = account.tracker();
     const auto today = tracker.days(tracker.time().today(), 1);
-    if (!context->json()) {
-        const EntryWriter writer(tracker, context->style());
-        co_return CommandAnswer{.output = writer.runningTimer() + "\n" + writer.days(today)};
-    }
+    if (!context->json())
+        co_return CommandAnswer{.output = EntryWriter(tracker, context->style()).status(today.front())};
     const WorkspaceSummary &workspace = tracker.workspace();
     co_return CommandAnswer{
         .output = shapes::text(shapes::Status{.server = shapes::server(account),

@@ -138,7 +138,7 @@ TextCell EntryWriter::where(const TimeEntryResponse &entry) const
         tags += (tags.empty() ? "" : ", ") + (tag ? printable(tag->name) : std::string("unknown tag"));
     }
     if (entry.isBillable)
-        tags += tags.empty() ? "billable" : ", billable";
+        cell.runs.push_back({cell.runs.empty() ? "$" : " $", quiet});
     if (!tags.empty())
         cell.runs.push_back({(cell.runs.empty() ? "" : " · ") + tags, quiet});
     return cell;
@@ -151,7 +151,7 @@ std::vector<TextCell> EntryWriter::row(const TimeEntryResponse &entry, const std
             where(entry)};
 }
 
-std::string EntryWriter::runningTimer() const
+std::string EntryWriter::runningTimer(int width) const
 {
     const auto &running = m_tracker.running();
     if (!running)
@@ -167,12 +167,18 @@ std::string EntryWriter::runningTimer() const
     std::string since = "since " + clock(running->start);
     if (day != m_time.today())
         since += ", " + m_time.dayLabel(day);
-    TextCell right(duration(*running), good);
-    right.runs.push_back({"  " + since, quiet});
-    return alignedLine(left, right, 0, m_style);
+    TextCell right(since + "  ", quiet);
+    right.runs.push_back({duration(*running), good});
+    return alignedLine(left, right, width, m_style);
 }
 
-std::string EntryWriter::days(const std::vector<DayGroup> &days) const
+std::string EntryWriter::status(const DayGroup &today) const
+{
+    const Layout layout = layoutOf({today});
+    return runningTimer(today.entries.empty() ? 0 : layout.width) + "\n" + dayText(today, layout, 0);
+}
+
+EntryWriter::Layout EntryWriter::layoutOf(const std::vector<DayGroup> &days) const
 {
     TextTable all = table();
     std::vector<std::string> ids;
@@ -187,35 +193,50 @@ std::string EntryWriter::days(const std::vector<DayGroup> &days) const
             all.add(row(entry, *id++));
     }
     constexpr int narrowest = 40;
-    const int width = std::max(all.width(m_style), narrowest);
-    const std::vector<std::string> lines = all.lines(m_style);
-    auto line = lines.begin();
-    std::string out;
-    for (const DayGroup &day : days) {
-        if (day.entries.empty() && days.size() == 1) {
-            const bool isToday = day.day == m_time.today();
-            return "Nothing tracked " + std::string(isToday ? "today" : "on " + m_time.dayLabel(day.day)) +
-                   ". " +
-                   (isToday ? "Start with: orvane start \"Write the README\"\n"
-                            : "Add an entry with: orvane add \"Stand-up\" --start \"" +
-                                  day.day.description() + " 9:30\" --stop 9:45\n");
-        }
-        const auto seconds = static_cast<double>(shapes::secondsOf(day.entries, m_now));
-        const std::string title = m_time.dayLabel(day.day);
-        out += day.entries.empty() ? alignedLine(TextCell(title, quiet), TextCell("–", quiet), width, m_style)
-                                   : alignedLine(TextCell(title, strong),
-                                                 TextCell(m_time.duration(seconds), strong), width, m_style);
-        for (std::size_t i = 0; i < day.entries.size(); ++i)
-            out += *line++ + "\n";
-    }
-    if (days.size() > 1) {
-        std::int64_t total = 0;
-        for (const DayGroup &day : days)
-            total += shapes::secondsOf(day.entries, m_now);
-        out += alignedLine(TextCell("Total", strong),
-                           TextCell(m_time.duration(static_cast<double>(total)), strong), width, m_style);
-    }
+    return {all.lines(m_style), std::max(all.width(m_style), narrowest)};
+}
+
+std::string EntryWriter::emptyDay(DayKey day) const
+{
+    if (day == m_time.today())
+        return "Nothing tracked today. Start with: orvane start \"Write the README\"\n";
+    return "Nothing tracked on " + m_time.dayLabel(day) +
+           ". Add an entry with: orvane add \"Stand-up\" --start \"" + day.description() +
+           " 9:30\" --stop 9:45\n";
+}
+
+std::string EntryWriter::heading(const std::string &title, std::int64_t seconds, int width) const
+{
+    return alignedLine(TextCell(title, strong),
+                       TextCell(m_time.duration(static_cast<double>(seconds)), strong), width, m_style);
+}
+
+std::string EntryWriter::dayText(const DayGroup &day, const Layout &layout, std::size_t firstLine) const
+{
+    if (day.entries.empty())
+        return emptyDay(day.day);
+    std::string out = heading(m_time.dayLabel(day.day), shapes::secondsOf(day.entries, m_now), layout.width);
+    for (std::size_t i = 0; i < day.entries.size(); ++i)
+        out += layout.lines[firstLine + i] + "\n";
     return out;
+}
+
+std::string EntryWriter::days(const std::vector<DayGroup> &days) const
+{
+    const Layout layout = layoutOf(days);
+    if (days.size() == 1)
+        return dayText(days.front(), layout, 0);
+    std::string out;
+    std::size_t line = 0;
+    std::int64_t total = 0;
+    for (const DayGroup &day : days) {
+        out += day.entries.empty() ? alignedLine(TextCell(m_time.dayLabel(day.day), quiet),
+                                                 TextCell("–", quiet), layout.width, m_style)
+                                   : dayText(day, layout, line);
+        line += day.entries.size();
+        total += shapes::secondsOf(day.entries, m_now);
+    }
+    return out + heading("Total", total, layout.width);
 }
 
 std::string EntryWriter::done(std::string_view verb, const TimeEntryResponse &entry) const

@@ -18,8 +18,8 @@ class EntryWriter {
 public:
     EntryWriter(Tracker &tracker, TerminalStyle style);
 
-    /// The running timer, or that there is none.
-    std::string runningTimer() const;
+    /// The running timer, or that there is none, and today's entries.
+    std::string status(const DayGroup &today) const;
     /// Entries by day under headings with totals; all days share their columns. A single day without entries
     /// says what to do next.
     std::string days(const std::vector<DayGroup> &days) const;
@@ -33,6 +33,17 @@ public:
     std::string conflict(const Outbox::Pending &pending) const;
 
 private:
+    /// The lines of the entries of all days in their order, and the columns that the widest takes.
+    struct Layout {
+        std::vector<std::string> lines;
+        int width = 0;
+    };
+
+    std::string runningTimer(int width) const;
+    Layout layoutOf(const std::vector<DayGroup> &days) const;
+    std::string dayText(const DayGroup &day, const Layout &layout, std::size_t firstLine) const;
+    std::string emptyDay(DayKey day) const;
+    std::string heading(const std::string &title, std::int64_t seconds, int width) const;
     TextTable table() const;
     std::vector<TextCell> row(const TimeEntryResponse &entry, const std::string &shortId) const;
     TextCell description(const std::string &text) const;

@@ -89,15 +89,25 @@ std::vector<int> TextTable::widths(const TerminalStyle &style) const
         for (std::size_t i = 0; i < row.size(); ++i)
             widths[i] = std::max(widths[i], row[i].width());
     }
-    if (style.width == 0)
-        return widths;
-    for (std::size_t i = m_columns.size(); i-- > 0;) {
-        const int excess = total(widths) - style.width;
-        const int least = m_columns[i].shrinksTo;
-        if (excess > 0 && least > 0 && widths[i] > least)
-            widths[i] = std::max(least, widths[i] - excess);
+    for (int excess = style.width > 0 ? total(widths) - style.width : 0; excess > 0; --excess) {
+        const std::size_t widest = widestThatShrinks(widths);
+        if (widest == widths.size())
+            break;
+        --widths[widest];
     }
     return widths;
+}
+
+/// The column that gives way next; their number when none can.
+std::size_t TextTable::widestThatShrinks(const std::vector<int> &widths) const
+{
+    std::size_t widest = widths.size();
+    for (std::size_t i = 0; i < widths.size(); ++i) {
+        const bool canShrink = m_columns[i].shrinksTo > 0 && widths[i] > m_columns[i].shrinksTo;
+        if (canShrink && (widest == widths.size() || widths[i] >= widths[widest]))
+            widest = i;
+    }
+    return widest;
 }
 
 int TextTable::width(const TerminalStyle &style) const

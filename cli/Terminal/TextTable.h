@@ -27,7 +27,7 @@ struct TextCell {
     std::string render(const TerminalStyle &style) const;
 };
 
-/// Rows in aligned columns, two spaces apart. Columns that may shrink give way, the last one first, until the
+/// Rows in aligned columns, two spaces apart. Of the columns that may shrink the widest gives way, until the
 /// table fits the terminal; what no longer fits is cut with "…". Cells hold text that is `printable`.
 class TextTable {
 public:
@@ -51,6 +51,7 @@ public:
 private:
     std::vector<int> widths(const TerminalStyle &style) const;
     int total(const std::vector<int> &widths) const;
+    std::size_t widestThatShrinks(const std::vector<int> &widths) const;
 
     std::vector<Column> m_columns;
     int m_indent;

@@ -2,10 +2,14 @@
 // The real command against the real server that it starts by itself, without bus and display.
 #include "support/CommandRun.h"
 
+#include <QDir>
 #include <QJsonDocument>
 #include <QProcess>
+#include <algorithm>
+#include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <map>
 
 namespace orvane {
 namespace {
@@ -13,12 +17,24 @@ namespace {
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
+using testing::StartsWith;
 
 const QString idKey = QStringLiteral("id");
 
-QStringList keys(const QJsonObject &object)
+using Names = std::vector<std::string>;
+
+/// Sorted.
+Names keys(const QJsonObject &object)
 {
-    return object.keys();
+    Names names;
+    for (const QString &key : object.keys())
+        names.push_back(key.toStdString());
+    return names;
+}
+
+std::string compact(const QJsonValue &object)
+{
+    return QJsonDocument(object.toObject()).toJson(QJsonDocument::Compact).toStdString();
 }
 
 std::string text(const QJsonValue &value)
@@ -54,6 +70,23 @@ protected:
     std::string id(const QJsonObject &object) const { return text(object[idKey]); }
     void setNow(const char *instant) { installation.environment["ORVANE_NOW"] = instant; }
 
+    /// Does it with another local store of the same account, as a second device has one.
+    void onAnotherDevice(const std::function<void()> &work) const
+    {
+        const QDir folder(QString::fromStdString(installation.folder()));
+        const QString aside = folder.filePath(QStringLiteral("aside"));
+        ASSERT_TRUE(folder.mkpath(aside));
+        const QStringList stores = folder.entryList(QStringList(QStringLiteral("*.sqlite*")), QDir::Files);
+        ASSERT_FALSE(stores.isEmpty());
+        for (const QString &name : stores)
+            ASSERT_TRUE(QFile::rename(folder.filePath(name), aside + QLatin1Char('/') + name));
+        work();
+        for (const QString &name : folder.entryList(QStringList(QStringLiteral("*.sqlite*")), QDir::Files))
+            ASSERT_TRUE(QFile::remove(folder.filePath(name)));
+        for (const QString &name : stores)
+            ASSERT_TRUE(QFile::rename(aside + QLatin1Char('/') + name, folder.filePath(name)));
+    }
+
     TestInstallation installation;
 };
 
@@ -61,39 +94,38 @@ TEST_F(Command, TracksADay)
 {
     setNow("2026-03-04T09:00:00Z");
     const QJsonObject started = done({"--zone", "Europe/Paris", "start", "Write", "the", "README"});
-    EXPECT_EQ(keys(started), (QStringList{"entry", "message", "outcome", "queued"}));
+    EXPECT_EQ(keys(started), (Names{"entry", "message", "outcome", "queued"}));
     EXPECT_EQ(text(started[u"outcome"]), "saved");
     EXPECT_FALSE(started[u"queued"].toBool(true));
     const QJsonObject first = started[u"entry"].toObject();
-    EXPECT_EQ(keys(first), (QStringList{"description", "id", "isBillable", "projectId", "shares", "start",
-                                        "stop", "tagIds", "taskId", "version", "workspaceId"}));
+    EXPECT_EQ(keys(first), (Names{"description", "id", "isBillable", "projectId", "shares", "start", "stop",
+                                  "tagIds", "taskId", "version", "workspaceId"}));
     EXPECT_EQ(text(first[u"description"]), "Write the README");
-    EXPECT_THAT(text(first[u"start"]), testing::StartsWith("2026-03-04T09:00:0"));
+    EXPECT_THAT(text(first[u"start"]), StartsWith("2026-03-04T09:00:"));
     EXPECT_TRUE(first[u"stop"].isNull());
 
     setNow("2026-03-04T09:30:00Z");
     const QJsonObject status = done({"status"});
-    EXPECT_EQ(keys(status), (QStringList{"account", "outbox", "running", "server", "today", "workspace"}));
+    EXPECT_EQ(keys(status), (Names{"account", "outbox", "running", "server", "today", "workspace"}));
     EXPECT_EQ(status[u"running"].toObject(), first);
     EXPECT_TRUE(status[u"server"].toObject()[u"local"].toBool());
     EXPECT_TRUE(status[u"server"].toObject()[u"reachable"].toBool());
     EXPECT_TRUE(status[u"account"].toObject()[u"automatic"].toBool());
     EXPECT_EQ(text(status[u"workspace"].toObject()[u"role"]), "owner");
     EXPECT_EQ(status[u"today"].toObject()[u"seconds"].toInteger() / 60, 30);
-    EXPECT_EQ(status[u"outbox"].toObject(),
-              (QJsonObject{{"conflicts", 0}, {"offline", false}, {"pending", 0}}));
+    EXPECT_EQ(compact(status[u"outbox"]), R"({"conflicts":0,"offline":false,"pending":0})");
 
     const QJsonObject second = done({"start", "Answer mail"});
     EXPECT_EQ(text(second[u"outcome"]), "saved");
     setNow("2026-03-04T10:00:00Z");
     const QJsonObject stopped = done({"stop", "--at", "-15"});
     EXPECT_EQ(text(stopped[u"outcome"]), "stopped");
-    EXPECT_THAT(text(stopped[u"entry"].toObject()[u"stop"]), testing::StartsWith("2026-03-04T09:45:0"));
+    EXPECT_THAT(text(stopped[u"entry"].toObject()[u"stop"]), StartsWith("2026-03-04T09:45:"));
     EXPECT_EQ(text(done({"continue"})[u"entry"].toObject()[u"description"]), "Answer mail");
 
     const QJsonArray days = done({"list"})[u"days"].toArray();
     ASSERT_EQ(days.size(), 1);
-    EXPECT_EQ(keys(days[0].toObject()), (QStringList{"day", "entries", "seconds"}));
+    EXPECT_EQ(keys(days[0].toObject()), (Names{"day", "entries", "seconds"}));
     EXPECT_EQ(text(days[0].toObject()[u"day"]), "2026-03-04");
     EXPECT_EQ(days[0].toObject()[u"entries"].toArray().size(), 3);
     EXPECT_TRUE(days[0].toObject()[u"entries"].toArray()[0].toObject()[u"stop"].isString())
@@ -159,7 +191,7 @@ TEST_F(Command, RecordsAndChangesEntries)
 TEST_F(Command, SaysWhatIsWrongWithACall)
 {
     EXPECT_EQ(keys(failed(2, {"fly"})),
-              (QStringList{"detail", "fieldErrors", "message", "status", "title", "type"}));
+              (Names{"detail", "fieldErrors", "message", "status", "title", "type"}));
     failed(2, {"add", "No times"});
     failed(2, {"start", "x", "--start", "noonish"});
     failed(2, {"start", "x", "--stop", "9:00"});
@@ -177,7 +209,7 @@ TEST_F(Command, SaysWhatIsWrongWithACall)
 
     const CommandRun stop = installation.json({"stop"});
     EXPECT_EQ(stop.exitStatus, 1);
-    EXPECT_EQ(keys(stop.object()), (QStringList{"entry", "error", "message", "outcome", "queued"}));
+    EXPECT_EQ(keys(stop.object()), (Names{"entry", "error", "message", "outcome", "queued"}));
     EXPECT_EQ(text(stop.object()[u"outcome"]), "failed");
 
     for (const char *now : {"yesterday", "2026-03-04", "10:00"}) {
@@ -217,12 +249,11 @@ TEST_F(Command, AmbiguousNamesAndIdentifiersListWhatIsThere)
 TEST_F(Command, KeepsTheCatalog)
 {
     const QJsonObject client = done({"clients", "add", "Acme"});
-    EXPECT_EQ(keys(client), (QStringList{"id", "isArchived", "name", "workspaceId"}));
+    EXPECT_EQ(keys(client), (Names{"id", "isArchived", "name", "workspaceId"}));
     const QJsonObject project =
         done({"projects", "add", "Website", "--client", "acme", "--color", "#102030"});
-    EXPECT_EQ(keys(project),
-              (QStringList{"clientId", "color", "estimateSeconds", "hourlyRate", "id", "isArchived",
-                           "isBillable", "isPrivate", "name", "tasks", "workspaceId"}));
+    EXPECT_EQ(keys(project), (Names{"clientId", "color", "estimateSeconds", "hourlyRate", "id", "isArchived",
+                                    "isBillable", "isPrivate", "name", "tasks", "workspaceId"}));
     EXPECT_EQ(project[u"clientId"], client[idKey]);
     EXPECT_EQ(listed({"projects"}).size(), 1);
     EXPECT_TRUE(done({"projects", "archive", id(project).substr(0, 6)})[u"isArchived"].toBool());
@@ -232,12 +263,12 @@ TEST_F(Command, KeepsTheCatalog)
     EXPECT_FALSE(done({"projects", "restore", "Website"})[u"isArchived"].toBool(true));
 
     const QJsonObject task = done({"tasks", "add", "Website", "Design"});
-    EXPECT_EQ(keys(task), (QStringList{"id", "isActive", "name", "projectId"}));
+    EXPECT_EQ(keys(task), (Names{"id", "isActive", "name", "projectId"}));
     EXPECT_EQ(listed({"tasks"}).size(), 1);
     EXPECT_EQ(done({"tasks", "delete", "Design"})[idKey], task[idKey]);
     EXPECT_TRUE(listed({"tasks"}).isEmpty());
     const QJsonObject tag = done({"tags", "add", "review"});
-    EXPECT_EQ(keys(tag), (QStringList{"id", "name", "workspaceId"}));
+    EXPECT_EQ(keys(tag), (Names{"id", "name", "workspaceId"}));
     EXPECT_NE(failed(1, {"tags", "add", "review"})[u"status"].toInteger(), 0)
         << "the server refuses a second one";
     EXPECT_EQ(done({"tags", "delete", "review"})[idKey], tag[idKey]);
@@ -252,9 +283,8 @@ TEST_F(Command, KeepsTheCatalog)
 TEST_F(Command, KeepsSettingsAndTheWorkspace)
 {
     const QJsonObject before = done({"settings"});
-    EXPECT_EQ(keys(before),
-              (QStringList{"dateFormat", "durationFormat", "pomodoroAutoStop", "pomodoroBreakMinutes",
-                           "pomodoroEnabled", "pomodoroMinutes", "timeFormat", "weekStart"}));
+    EXPECT_EQ(keys(before), (Names{"dateFormat", "durationFormat", "pomodoroAutoStop", "pomodoroBreakMinutes",
+                                   "pomodoroEnabled", "pomodoroMinutes", "timeFormat", "weekStart"}));
     EXPECT_EQ(text(done({"settings", "set", "durationformat", "decimal"})[u"durationFormat"]), "decimal");
     EXPECT_TRUE(done({"settings", "set", "pomodoroEnabled", "on"})[u"pomodoroEnabled"].toBool());
     EXPECT_EQ(done({"settings", "set", "weekStart", "0"})[u"weekStart"].toInteger(), 0);
@@ -266,7 +296,7 @@ TEST_F(Command, KeepsSettingsAndTheWorkspace)
 
     const QJsonArray workspaces = listed({"workspaces"});
     ASSERT_EQ(workspaces.size(), 1);
-    EXPECT_EQ(keys(workspaces[0].toObject()), (QStringList{"id", "name", "organizationId", "role"}));
+    EXPECT_EQ(keys(workspaces[0].toObject()), (Names{"id", "name", "organizationId", "role"}));
     EXPECT_EQ(done({"workspaces", "use", id(workspaces[0].toObject()).substr(0, 8)}),
               workspaces[0].toObject());
     failed(1, {"workspaces", "use", "elsewhere"});
@@ -292,7 +322,7 @@ TEST_F(Command, QueuesWithoutTheServerAndDeliversWhenItIsBack)
                 HasSubstr("Offline: 2 changes are waiting to be sent."));
     const QJsonArray queue = listed({"--no-start-server", "outbox"});
     ASSERT_EQ(queue.size(), 2);
-    EXPECT_EQ(keys(queue[0].toObject()), (QStringList{"change", "conflict", "seq"}));
+    EXPECT_EQ(keys(queue[0].toObject()), (Names{"change", "conflict", "seq"}));
     EXPECT_TRUE(queue[0].toObject()[u"conflict"].isNull());
     EXPECT_EQ(text(queue[0].toObject()[u"change"].toObject()[u"stop"].toObject()[idKey]),
               text(online[u"entry"].toObject()[idKey]));
@@ -310,6 +340,47 @@ TEST_F(Command, QueuesWithoutTheServerAndDeliversWhenItIsBack)
     EXPECT_THAT(installation.run({"outbox"}).output, HasSubstr("Nothing is waiting"));
 }
 
+TEST_F(Command, SettlesConflictsAndShowsRefusals)
+{
+    setNow("2026-03-04T12:00:00Z");
+    const auto add = [&](const char *what) {
+        return id(entry({"add", what, "--start", "2026-03-04T09:00:00Z", "--stop", "2026-03-04T10:00:00Z"}));
+    };
+    const std::string mine = add("mine");
+    const std::string theirs = add("theirs");
+    const std::string gone = add("gone");
+    ASSERT_TRUE(installation.killServer());
+    for (const std::string &edited : {mine, theirs, gone})
+        EXPECT_EQ(text(done({"--no-start-server", "edit", edited, "Edited here"})[u"outcome"]), "waiting");
+    onAnotherDevice([&] {
+        done({"edit", mine, "Edited there"});
+        done({"edit", theirs, "Edited there"});
+        done({"delete", gone});
+    });
+
+    const CommandRun first = installation.json({"status"});
+    EXPECT_EQ(first.exitStatus, 0) << first.all();
+    EXPECT_EQ(compact(first.object()[u"outbox"]), R"({"conflicts":2,"offline":false,"pending":2})");
+    EXPECT_THAT(first.errors, HasSubstr("Refused: a change made earlier to \"Edited here\""));
+    EXPECT_THAT(first.errors, HasSubstr(gone)) << "the whole of it is shown";
+    const CommandRun second = installation.run({"status"});
+    EXPECT_THAT(second.errors, Not(HasSubstr("Refused"))) << "once";
+    EXPECT_THAT(second.errors, HasSubstr("Changed on another device: \"Edited there\""));
+
+    const QJsonArray queue = listed({"outbox"});
+    ASSERT_EQ(queue.size(), 2);
+    EXPECT_EQ(text(queue[0].toObject()[u"conflict"].toObject()[u"description"]), "Edited there");
+    const auto seq = [&](int index) { return std::to_string(queue[index].toObject()[u"seq"].toInteger()); };
+    EXPECT_THAT(second.errors, HasSubstr("orvane outbox keep-mine " + seq(0)));
+    EXPECT_EQ(listed({"outbox", "keep-mine", seq(0)}).size(), 1);
+    EXPECT_TRUE(listed({"outbox", "keep-theirs", seq(1)}).isEmpty());
+    std::map<std::string, std::string> descriptions;
+    for (const QJsonValue &item : done({"list"})[u"days"].toArray()[0].toObject()[u"entries"].toArray())
+        descriptions[id(item.toObject())] = text(item.toObject()[u"description"]);
+    EXPECT_EQ(descriptions,
+              (std::map<std::string, std::string>{{mine, "Edited here"}, {theirs, "Edited there"}}));
+}
+
 TEST_F(Command, SignsInElsewhereAndComesBack)
 {
     TestInstallation other;
@@ -323,7 +394,7 @@ TEST_F(Command, SignsInElsewhereAndComesBack)
     EXPECT_EQ(installation.json(registering, "\n").exitStatus, 1) << "an empty password";
     const CommandRun registered = installation.json(registering, "correct horse battery\n");
     EXPECT_EQ(registered.exitStatus, 0) << registered.all();
-    EXPECT_EQ(keys(registered.object()), (QStringList{"account", "server"}));
+    EXPECT_EQ(keys(registered.object()), (Names{"account", "server"}));
     EXPECT_EQ(text(registered.object()[u"account"].toObject()[u"email"]), "ada@example.com");
     EXPECT_FALSE(registered.object()[u"account"].toObject()[u"automatic"].toBool(true));
     EXPECT_THAT(installation.run(login, "wrong\n").exitStatus, 1);
@@ -331,6 +402,31 @@ TEST_F(Command, SignsInElsewhereAndComesBack)
     EXPECT_EQ(again.exitStatus, 0) << again.all();
     EXPECT_THAT(again.output, HasSubstr("Signed in at " + url + " as ada@example.com."));
     EXPECT_THAT(again.errors + again.output, Not(HasSubstr("correct horse")));
+}
+
+TEST_F(Command, StaysSignedInWhereThereIsAKeychain)
+{
+    TestInstallation other;
+    const std::string url = text(other.json({"status"}).object()[u"server"].toObject()[u"url"]);
+    const std::string call = builtProgram("orvane") + " --json --data-dir " + installation.folder() + " ";
+    const CommandRun session = runProgram(
+        "dbus-run-session",
+        {"--", "bash", "-c",
+         "printf pw | gnome-keyring-daemon --unlock --components=secrets >/dev/null\n"
+         "printf 'correct horse battery' | " +
+             call + "--server " + url + " login --register --email ada@example.com --password-stdin\n" +
+             call + "status\n" + call + "logout\n" + call + "logout\n" + call + "status\n"},
+        {{"XDG_RUNTIME_DIR", installation.folder()}, {"HOME", installation.folder()}});
+    const QStringList lines =
+        QString::fromStdString(session.output).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    ASSERT_EQ(lines.size(), 5) << session.all();
+    const auto answer = [&](int index) { return QJsonDocument::fromJson(lines[index].toUtf8()).object(); };
+    EXPECT_EQ(text(answer(1)[u"server"].toObject()[u"url"]), url) << "the next command is signed in still";
+    EXPECT_EQ(text(answer(1)[u"account"].toObject()[u"email"]), "ada@example.com");
+    EXPECT_TRUE(answer(2)[u"account"].isNull());
+    EXPECT_EQ(text(answer(2)[u"server"].toObject()[u"url"]), url);
+    EXPECT_TRUE(answer(3).contains(u"error")) << "the account on this computer is not signed out of";
+    EXPECT_TRUE(answer(4)[u"account"].toObject()[u"automatic"].toBool());
 }
 
 TEST_F(Command, ShowsADayToPeople)
@@ -342,15 +438,15 @@ TEST_F(Command, ShowsADayToPeople)
     done({"--zone", "UTC", "add", "日本語\x1b[2J and a\nbreak", "--start", "9", "--stop", "10:30",
           "--project", "Website"});
     const CommandRun started = installation.run({"--zone", "UTC", "start", "Review"});
-    EXPECT_THAT(started.output, testing::StartsWith("Started  "));
+    EXPECT_THAT(started.output, StartsWith("Started  "));
     const CommandRun list = installation.run({"--zone", "UTC", "list"});
     EXPECT_EQ(list.exitStatus, 0);
     EXPECT_THAT(list.output, HasSubstr("09:00 – 10:30  1:30:00  日本語 [2J and a break  Website\n"));
     EXPECT_THAT(list.output, Not(HasSubstr("\x1b"))) << "no colour in a pipe, no escape from a description";
-    EXPECT_THAT(list.output, testing::StartsWith("Today"));
+    EXPECT_THAT(list.output, StartsWith("Today"));
     EXPECT_THAT(list.errors, IsEmpty());
     const CommandRun stopped = installation.run({"stop"});
-    EXPECT_THAT(stopped.output, testing::StartsWith("Stopped  "));
+    EXPECT_THAT(stopped.output, StartsWith("Stopped  "));
 }
 
 TEST_F(Command, EndsCleanlyWhenItsOutputCannotBeWritten)

@@ -27,11 +27,11 @@ TEST(TextTable, AlignsColumnsAndEndsLinesWithoutSpaces)
                                         "  b2  12:30  日本語\n");
 }
 
-TEST(TextTable, ShrinksTheLastColumnsFirstAndNeverBelowTheirLeast)
+TEST(TextTable, ShrinksTheWidestColumnsAndNoneBelowItsLeast)
 {
-    EXPECT_EQ(sample().render(wide(37)), "  a1   0:05  Write the README  Websi…\n"
+    EXPECT_EQ(sample().render(wide(37)), "  a1   0:05  Write the READ…  Website\n"
                                          "  b2  12:30  日本語\n");
-    EXPECT_EQ(sample().render(wide(30)), "  a1   0:05  Write th…  Websi…\n"
+    EXPECT_EQ(sample().render(wide(30)), "  a1   0:05  Write t…  Website\n"
                                          "  b2  12:30  日本語\n");
     for (int width = 29; width < 45; ++width) {
         for (const std::string &line : sample().lines(wide(width)))
