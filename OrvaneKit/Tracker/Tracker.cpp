@@ -252,6 +252,8 @@ Task<> Tracker::close()
 {
     if (m_isSnapshotStale && (m_hasServerState || m_saved))
         co_await saveSnapshot();
+    // A snapshot that a pass left under way ends too: the store answers in the order in which it was asked.
+    co_await m_parts.store->inspect([](Connection &) { return true; });
 }
 
 InstantInterval Tracker::window() const
