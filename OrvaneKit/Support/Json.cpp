@@ -161,20 +161,7 @@ bool isNullValue(Value &value)
 bool isKey(const char *raw, std::string_view name)
 {
     // The reader's padding keeps the comparison inside the buffer.
-    return std::memcmp(raw, name.data(), name.size()) == 0 && raw[name.size()] == '"';
-}
-
-/// Where a key stands in the list, trying the expected place first: members mostly come in the listed order.
-std::size_t memberIndex(const char *raw, std::span<const MemberReader> members, std::size_t expected)
-{
-    for (std::size_t tried = 0; tried < members.size(); ++tried) {
-        std::size_t index = expected + tried;
-        if (index >= members.size())
-            index -= members.size();
-        if (isKey(raw, members[index].name))
-            return index;
-    }
-    return members.size();
+    return raw[name.size()] == '"' && std::memcmp(raw, name.data(), name.size()) == 0;
 }
 
 bool hasEscape(const char *raw)
@@ -184,13 +171,20 @@ bool hasEscape(const char *raw)
     return *raw == '\\';
 }
 
-/// Finds the member a field is for; a name may be written with escapes.
-bool findMember(od::field &field, std::span<const MemberReader> members, std::size_t expected,
-                std::size_t &index)
+/// Finds the member a field is for, beginning after `index`; a name may be written with escapes.
+[[gnu::noinline]] bool searchMember(od::field &field, std::span<const MemberReader> members,
+                                    std::size_t &index)
 {
     const char *raw = field.key().raw();
-    index = memberIndex(raw, members, expected);
-    if (index < members.size() || !hasEscape(raw))
+    for (std::size_t tried = 1; tried < members.size(); ++tried) {
+        const std::size_t wrapped = index + tried < members.size() ? 0 : members.size();
+        if (isKey(raw, members[index + tried - wrapped].name)) {
+            index += tried - wrapped;
+            return true;
+        }
+    }
+    index = members.size();
+    if (!hasEscape(raw))
         return true;
     std::string_view name;
     if (field.unescaped_key().get(name) != simdjson::SUCCESS)
@@ -198,6 +192,15 @@ bool findMember(od::field &field, std::span<const MemberReader> members, std::si
     const auto found = std::ranges::find(members, name, &MemberReader::name);
     index = static_cast<std::size_t>(found - members.begin());
     return true;
+}
+
+/// Finds the member a field is for, trying the expected place first: members mostly come in the listed order.
+bool findMember(od::field &field, std::span<const MemberReader> members, std::size_t expected,
+                std::size_t &index)
+{
+    index = expected;
+    return (index < members.size() && isKey(field.key().raw(), members[index].name)) ||
+           searchMember(field, members, index);
 }
 
 bool readMember(Reader &reader, od::field &field, const MemberReader &member, void *out)
@@ -285,7 +288,8 @@ bool readPlain(Reader &reader, Node &node, std::string &out)
     std::string_view text;
     if (!readText(reader, node, text))
         return false;
-    out.assign(text);
+    // Mostly an empty text is filled, which making a new one does faster than assigning.
+    out = std::string(text);
     return true;
 }
 
