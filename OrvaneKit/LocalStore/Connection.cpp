@@ -106,22 +106,25 @@ int Connection::Row::size() const
     return sqlite3_column_count(m_statement);
 }
 
+// The value's own functions take no lock, unlike those of the column: the connection has one user, and a
+// queue has many rows.
 std::optional<std::int64_t> Connection::Row::integer(int column) const
 {
-    if (sqlite3_column_type(m_statement, column) != SQLITE_INTEGER)
+    sqlite3_value *value = sqlite3_column_value(m_statement, column);
+    if (sqlite3_value_type(value) != SQLITE_INTEGER)
         return std::nullopt;
-    return sqlite3_column_int64(m_statement, column);
+    return sqlite3_value_int64(value);
 }
 
 std::optional<std::string_view> Connection::Row::blob(int column) const
 {
-    if (sqlite3_column_type(m_statement, column) != SQLITE_BLOB)
+    sqlite3_value *value = sqlite3_column_value(m_statement, column);
+    if (sqlite3_value_type(value) != SQLITE_BLOB)
         return std::nullopt;
     // An empty blob has no address.
-    const auto *bytes = static_cast<const char *>(sqlite3_column_blob(m_statement, column));
-    return bytes == nullptr
-               ? std::string_view()
-               : std::string_view(bytes, static_cast<std::size_t>(sqlite3_column_bytes(m_statement, column)));
+    const auto *bytes = static_cast<const char *>(sqlite3_value_blob(value));
+    return bytes == nullptr ? std::string_view()
+                            : std::string_view(bytes, static_cast<std::size_t>(sqlite3_value_bytes(value)));
 }
 
 StoreValue Connection::Row::value(int column) const

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "LocalStore/LocalStore.h"
 
+#include "LocalStore/QueuedRows.h"
+
 #include <QLoggingCategory>
 #include <QUrl>
 #include <array>
@@ -181,26 +183,16 @@ StoreStatus LocalStore::dequeueNow(std::int64_t seq)
 
 std::vector<PendingChange> LocalStore::readPending()
 {
-    std::vector<PendingChange> changes;
-    std::size_t unreadable = 0;
-    const auto keep = [&](const Connection::Row &row) {
-        const std::optional<std::int64_t> seq = row.integer(0);
-        const std::optional<std::string_view> text = row.blob(1);
-        if (seq && text) {
-            if (Result<EntryChange, JsonError> change = decodeJson<EntryChange>(*text, reading)) {
-                changes.emplace_back(*seq, std::move(*change));
-                return;
-            }
-        }
-        ++unreadable;
-    };
-    const StoreStatus status = m_connection->run(selectOutbox, {}, keep);
-    if (unreadable > 0)
-        qCWarning(storeLog) << unreadable << "queued changes cannot be read and stay where they are";
+    QueuedRows rows;
+    const StoreStatus status =
+        m_connection->run(selectOutbox, {}, [&rows](const Connection::Row &row) { rows.add(row); });
     if (!status) {
         qCWarning(storeLog) << "the queue cannot be read:" << status.error().message.c_str();
         return {};
     }
+    std::vector<PendingChange> changes = rows.changes(reading);
+    if (rows.unreadable() > 0)
+        qCWarning(storeLog) << rows.unreadable() << "queued changes cannot be read and stay where they are";
     return changes;
 }
 

@@ -175,6 +175,23 @@ TEST_F(LocalStoreTest, leavesRowsThatAreNotChangesInPlace)
     EXPECT_TRUE(wait(store->pending()).empty());
 }
 
+TEST_F(LocalStoreTest, readsALongQueueInOrder)
+{
+    const auto store = openStore();
+    ASSERT_TRUE(wait(store->query("BEGIN", {})));
+    for (int i = 0; i < 2001; ++i)
+        ASSERT_TRUE(wait(store->enqueue(sampleChange(std::to_string(i)))));
+    ASSERT_TRUE(
+        wait(store->query("UPDATE outbox SET change = x'00' WHERE seq IN (1, 1000, 1001, 2001)", {})));
+    ASSERT_TRUE(wait(store->query("COMMIT", {})));
+    const std::vector<PendingChange> changes = wait(store->pending());
+    ASSERT_EQ(changes.size(), 1997U);
+    EXPECT_EQ(changes.front().seq, 2);
+    EXPECT_EQ(changes.back().seq, 2000);
+    for (const PendingChange &change : changes)
+        ASSERT_EQ(change.change, sampleChange(std::to_string(change.seq - 1)));
+}
+
 TEST_F(LocalStoreTest, bindsAndReadsEveryKindOfValue)
 {
     const auto store = wait(LocalStore::openInMemory()).value();
