@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "OrvaneAPI/Schemas.h"
+
+/// Entries read and written by code made for them alone: the measure that the general layer is held against.
+namespace handwritten {
+
+/// On simdjson's on-demand interface, member by member in the document's order. False for other JSON.
+bool read(std::string_view text, std::vector<orvane::TimeEntryResponse> &out);
+
+std::string write(const std::vector<orvane::TimeEntryResponse> &entries);
+
+} // namespace handwritten

@@ -1,0 +1,94 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""Builds the benchmarks, runs them and prints one table of ratios, each with its budget.
+
+A ratio compares our work with the same work done bare, in one run on one machine: the two sides take turns, so that
+what else the machine does falls on both. The exit status is 1 when a budget does not hold.
+"""
+
+import argparse
+import json
+import os
+import pathlib
+import statistics
+import subprocess
+import sys
+import tempfile
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+BUILD = ROOT / "build" / "bench"
+PROGRAMS = BUILD / "benchmarks"
+
+
+def build(targets):
+    subprocess.run(["cmake", "--preset", "bench"], cwd=ROOT, check=True, stdout=subprocess.DEVNULL)
+    subprocess.run(["cmake", "--build", "--preset", "bench", "--target", *targets], cwd=ROOT, check=True)
+
+
+def times(program, repetitions, folder):
+    """The time of every repetition of each benchmark in a program, in nanoseconds."""
+    with tempfile.NamedTemporaryFile(suffix=".json") as out:
+        subprocess.run(
+            [PROGRAMS / program, f"--benchmark_repetitions={repetitions}", "--benchmark_enable_random_interleaving",
+             "--benchmark_min_time=0.1", f"--benchmark_out={out.name}", "--benchmark_out_format=json"],
+            check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+            env={**os.environ, "ORVANE_BENCHMARK_FOLDER": folder})
+        measured = json.load(out)
+    unit = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
+    found = {}
+    for run in measured["benchmarks"]:
+        if run["run_type"] == "iteration":
+            name = run["run_name"].split("/")[0]
+            found.setdefault(name, []).append(run["real_time"] * unit[run["time_unit"]])
+    return found
+
+
+def row(name, measured, budget, at_least=False, form="{:.2f}"):
+    holds = measured >= budget if at_least else measured <= budget
+    return {"name": name, "measured": form.format(measured), "budget": ("≥ " if at_least else "≤ ") + str(budget),
+            "holds": holds}
+
+
+def store_rows(arguments):
+    found = times("StoreBenchmark", arguments.repetitions, arguments.folder)
+    # The disk's own moods are part of both sides, so the middle counts; work of the processor alone is known by the
+    # runs that nothing else disturbed.
+    submit = statistics.median(found["submitBare"]) / statistics.median(found["submitStore"])
+    read = min(found["readStore"]) / min(found["readBare"])
+    yield row("durable submits, rate beside bare SQLite inserts", submit, 0.8, at_least=True)
+    yield row("10,000 queued changes read, beside rows and parsing alone", read, 2)
+
+
+def json_rows(arguments):
+    found = times("JsonBenchmark", arguments.repetitions, arguments.folder)
+    for verb in ("decode", "encode"):
+        ratio = min(found[verb + "Layer"]) / min(found[verb + "ByHand"])
+        yield row(f"{verb} 10,000 entries, beside code by hand", ratio, 1.5)
+
+
+GROUPS = {"store": (store_rows, ["StoreBenchmark"]), "json": (json_rows, ["JsonBenchmark"])}
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("groups", nargs="*", choices=[*GROUPS, []], help="all of them unless named")
+    parser.add_argument("--no-build", action="store_true", help="take the programs as they are")
+    parser.add_argument("--repetitions", type=int, default=15, help="of each side (default: 15)")
+    parser.add_argument("--folder", default=str(PROGRAMS), help="where the stores lie; must be on a real disk")
+    arguments = parser.parse_args()
+    groups = arguments.groups or list(GROUPS)
+    if not arguments.no_build:
+        build([target for group in groups for target in GROUPS[group][1]])
+    rows = []
+    for group in groups:
+        print(f"measuring: {group}", file=sys.stderr)
+        rows.extend(GROUPS[group][0](arguments))
+    width = max(len(line["name"]) for line in rows)
+    print(f"{'':{width}}  measured  budget")
+    for line in rows:
+        print(f"{line['name']:{width}}  {line['measured']:>8}  {line['budget']:<8}  {'ok' if line['holds'] else 'MISSED'}")
+    return 0 if all(line["holds"] for line in rows) else 1
+
+
+if __name__ == "__main__":
+    sys.exit(main())
