@@ -61,7 +61,6 @@ install_debian_packages() {
     local package installed log=$root/build/packages.log
     while IFS= read -r package; do wanted+=("$package"); done < <(packages_for "$@")
     # dpkg-query fails when it does not know one of the names; what it says of the others counts all the same.
-    # shellcheck disable=SC2016 # the fields are dpkg-query's, not the shell's
     installed=$(dpkg-query -W -f '${db:Status-Abbrev}${Package}\n' "${wanted[@]}" 2>/dev/null || true)
     for package in "${wanted[@]}"; do
         grep -q "^.i[^a-z]*${package//+/\\+}\$" <<<"$installed" || missing+=("$package")
