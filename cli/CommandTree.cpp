@@ -207,7 +207,8 @@ Result<std::monostate, CommandFailure> CommandTree::parse(std::vector<std::strin
         std::string message = withoutMarks(error.what());
         const auto first =
             std::ranges::find_if(arguments, [](const std::string &text) { return !text.starts_with('-'); });
-        if (command == &m_root && error.get_name() == "ExtrasError" && first != arguments.end())
+        if (command == &m_root && error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError) &&
+            first != arguments.end())
             message = "There is no command \"" + printable(*first) + "\".";
         return failure(CommandFailure::usage(message + " See: " + commandLine(command) + " --help"));
     }

@@ -51,7 +51,11 @@ bool isEmailAddress(std::string_view text)
 
 bool isTimeZone(const std::string &name)
 {
-    return QTimeZone::isTimeZoneIdAvailable(QByteArray::fromStdString(name));
+    const QByteArray id = QByteArray::fromStdString(name);
+    // The list leaves out names such as Etc/UTC, which a system may well be set to; a zone made of an offset
+    // is no place.
+    const bool isOffset = id.startsWith("UTC") && id.size() > 3;
+    return QTimeZone::isTimeZoneIdAvailable(id) || (!isOffset && QTimeZone(id).isValid());
 }
 
 } // namespace orvane::server

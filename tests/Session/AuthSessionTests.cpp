@@ -174,7 +174,7 @@ TEST_F(AuthSessionTest, SendsTheBodyAgainAfterARefusedToken)
 {
     openSignedIn();
     server.setAnswer([](const SeenRequest &, LoopbackServer::Connection &connection) {
-        connection.answer(201, R"({"id":"t","name":"Deep work"})");
+        connection.answer(201, R"({"id":"t","workspaceId":"w","name":"Deep work"})");
     });
     ASSERT_TRUE(await(session->validAccessToken()));
     server.revokeAccessTokens();

@@ -21,7 +21,7 @@ TEST(Candidates, AreChosenByIdThenNameThenBeginning)
 {
     EXPECT_EQ(choose("project", projects[3].id, projects), 3U);
     EXPECT_EQ(choose("project", "api", projects), 4U);
-    EXPECT_EQ(choose("project", "STRASSE", projects), 2U);
+    EXPECT_EQ(choose("project", "STRAßE", projects), 2U);
     EXPECT_EQ(choose("project", "website r", projects), 1U);
     EXPECT_EQ(choose("project", "CAFE0", projects), 4U);
     EXPECT_EQ(choose("project", "ap", projects), 4U);

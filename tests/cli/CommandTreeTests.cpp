@@ -118,7 +118,7 @@ TEST(Completions, OfferWhatCanFollow)
 {
     CommandTree tree;
     const std::string script = completionScript(tree.root(), "bash").value();
-    EXPECT_EQ(offered(script, {"orvane", "sta"}), "start status ");
+    EXPECT_EQ(offered(script, {"orvane", "sta"}), "status start ");
     EXPECT_EQ(offered(script, {"orvane", "projects", "a"}), "add archive ");
     EXPECT_EQ(offered(script, {"orvane", "--json", "--zone", "list", "outbox", "keep"}),
               "keep-mine keep-theirs ")

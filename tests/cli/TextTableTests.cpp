@@ -75,12 +75,12 @@ TEST(TextTable, StylesOnlyWhatTheTerminalHas)
 TEST(TextTable, SetsTwoThingsOutOnOneLine)
 {
     EXPECT_EQ(alignedLine(TextCell("Today"), TextCell("3:25"), 14, wide(0)), "Today     3:25\n");
-    EXPECT_EQ(alignedLine(TextCell("A long heading"), TextCell("3:25"), 14, wide(14)), "A long…  3:25\n");
+    EXPECT_EQ(alignedLine(TextCell("A long heading"), TextCell("3:25"), 14, wide(14)), "A long…   3:25\n");
 }
 
 TEST(ProgressText, DrawsABarOnceTheExtentIsKnown)
 {
-    EXPECT_EQ(progressText("Sending", 5, 10, 3, 30), "Sending 5/10 [########       ]");
+    EXPECT_EQ(progressText("Sending", 5, 10, 3, 30), "Sending 5/10 [#######        ]");
     EXPECT_EQ(progressText("Sending", 10, 10, 3, 30), "Sending 10/10 [##############]");
     EXPECT_EQ(progressText("Starting", 0, 0, 1, 30), "/ Starting");
     for (int width = 1; width < 40; ++width) {

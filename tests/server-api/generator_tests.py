@@ -85,7 +85,7 @@ class Generator(unittest.TestCase):
         self.assertIn("std::string register_;", self.made("Schemas.h"))
         self.assertIn('jsonField<"register">(&Thing::register_)', self.made("SchemaFields.h"))
         self.assertIn('std::pair{Kind::union_, std::string_view("union")}', self.made("Schemas.h"))
-        self.assertIn("std::optional<std::string> ifMatch;", self.made("Operations.h"))
+        self.assertIn("std::optional<std::string> ifMatch{};", self.made("Operations.h"))
 
     def test_leaves_unchanged_files_untouched(self):
         generate(DOCUMENT, self.folder)

@@ -103,7 +103,7 @@ def parameter_value(parameter):
         # A header carries what its sender chose; the rest is encoded.
         return f'std::string("{TEXT}")' if parameter["in"] != "header" else 'std::string("v 1")'
     if schema.get("format") == "date-time":
-        return f'decoded<Instant>("\\"{INSTANT}\\"")'
+        return f'ParameterForm<Instant>::read("{INSTANT}").value()'
     if schema.get("format") == "date":
         return f'ParameterForm<std::chrono::year_month_day>::read("{DAY}").value()'
     return {"boolean": "true", "integer": "7"}[schema["type"]]
