@@ -116,10 +116,9 @@ Task<std::optional<std::string>> Keychain::read(std::string account)
         co_return state->knownValue(account);
     const Outcome outcome =
         co_await readItem(state->service, QString::fromStdString(account), state->patience);
+    // "Entry not found" counts as little as other failures: a locked keychain says so too.
     if (outcome.error == QKeychain::NoError)
         state->known[account] = outcome.text.toStdString();
-    else if (outcome.error == QKeychain::EntryNotFound)
-        state->known.erase(account);
     co_return state->knownValue(account);
 }
 

@@ -11,6 +11,12 @@ export XDG_RUNTIME_DIR="$folder/run" HOME="$folder"
 unset DISPLAY WAYLAND_DISPLAY
 dbus-run-session -- bash -c '
     printf pw | gnome-keyring-daemon --unlock --components=secrets >/dev/null 2>&1
-    export ORVANE_KEYRING_PID=$(dbus-send --session --print-reply=literal --dest=org.freedesktop.DBus / \
-        org.freedesktop.DBus.GetConnectionUnixProcessID string:org.freedesktop.secrets | sed "s/.*uint32 *//")
+    # It takes its name on the bus a little later than it returns.
+    for try in $(seq 500); do
+        ORVANE_KEYRING_PID=$(dbus-send --session --print-reply=literal --dest=org.freedesktop.DBus / \
+            org.freedesktop.DBus.GetConnectionUnixProcessID string:org.freedesktop.secrets 2>/dev/null |
+            sed "s/.*uint32 *//") && [ -n "$ORVANE_KEYRING_PID" ] && break
+        sleep 0.02
+    done
+    export ORVANE_KEYRING_PID
     "$@"' with-keyring "$@"
