@@ -268,15 +268,23 @@ Task<CallResult<ExternalSignInResponse>> AuthSession::exchange(Self self, Extern
 
 Task<AuthSession::TokenResult> AuthSession::reauthenticate(Self self)
 {
-    auto request = co_await self->m_options.reauthenticator();
-    if (!request)
-        co_return failure(std::move(request.error()));
-    auto signIn = co_await exchange(self, std::move(*request));
+    auto signIn = co_await exchangeNewCode(self);
+    // The transport may have doubled the request, and then its first copy used the code up.
+    if (!signIn && std::holds_alternative<APIError>(signIn.error()))
+        signIn = co_await exchangeNewCode(self);
     if (!signIn)
         co_return failure(std::move(signIn.error()));
     std::string token = signIn->tokens.accessToken;
     co_await store(self, std::move(signIn->tokens));
     co_return std::move(token);
+}
+
+Task<CallResult<ExternalSignInResponse>> AuthSession::exchangeNewCode(Self self)
+{
+    auto request = co_await self->m_options.reauthenticator();
+    if (!request)
+        co_return failure(std::move(request.error()));
+    co_return co_await exchange(self, std::move(*request));
 }
 
 Task<> AuthSession::store(Self self, AuthTokensResponse tokens)

@@ -98,6 +98,7 @@ private:
     static Task<TokenResult> renewed(Self self);
     static Task<TokenResult> renew(Self self);
     static Task<TokenResult> reauthenticate(Self self);
+    static Task<CallResult<ExternalSignInResponse>> exchangeNewCode(Self self);
     static Task<CallResult<AuthTokensResponse>> refreshStored(Self self, std::string refreshToken);
     static Task<CallResult<AuthTokensResponse>> refresh(Self self, std::string refreshToken);
     static Task<CallResult<ExternalSignInResponse>> exchange(Self self, ExternalExchangeRequest request);

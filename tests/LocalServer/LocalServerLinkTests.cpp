@@ -6,6 +6,7 @@
 #include "LocalServer/LocalAccount.h"
 #include "Session/MemoryTokenStore.h"
 #include "Session/Pkce.h"
+#include "Support/FileLock.h"
 #include "support/Await.h"
 #include "support/LoopbackServer.h"
 
@@ -91,6 +92,9 @@ protected:
     {
         if (const auto hello = await(link()->hello()); hello && hello->pid > 0 && hello->pid != ::getpid())
             ::kill(static_cast<pid_t>(hello->pid), SIGTERM);
+        // Its folder can go when it has.
+        FileLock held((folder() + QStringLiteral("/server.lock")).toStdString());
+        EXPECT_TRUE(testing::eventually([&] { return held.tryLock() || !held.error().empty(); }));
     }
     std::shared_ptr<LocalServerLink> link(const std::string &program = ORVANE_BIN_DIR "/orvane-server")
     {

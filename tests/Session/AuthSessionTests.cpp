@@ -382,7 +382,8 @@ Task<CallResult<ExternalExchangeRequest>> anotherCode(std::shared_ptr<std::atomi
 
 TEST_F(AuthSessionTest, SignsInByItselfWhereItCan)
 {
-    AuthSessionOptions mine = options(server.url());
+    testing::FaultProxy proxy(server.url());
+    AuthSessionOptions mine = options(proxy.url());
     const auto codes = std::make_shared<std::atomic<int>>(0);
     mine.reauthenticator = [codes] { return anotherCode(codes); };
     session = AuthSession::make(*thread, mine);
@@ -398,6 +399,15 @@ TEST_F(AuthSessionTest, SignsInByItselfWhereItCan)
     server.revokeRefreshTokens();
     EXPECT_TRUE(request());
     EXPECT_EQ(*codes, 2);
+    // A code that was used up on the way is no reason to give up; a second one is.
+    const auto signInAgain = [&] { return await(session->accessTokenAfterRefusal("a2")); };
+    using testing::Fault;
+    now = now.load() + 3600s;
+    proxy.setPlan(testing::plans::inOrder({Fault::answer(401), Fault::answer(400)}));
+    EXPECT_TRUE(signInAgain());
+    EXPECT_EQ(*codes, 4);
+    proxy.setPlan(testing::plans::inOrder({Fault::answer(401), Fault::answer(400), Fault::answer(403)}));
+    EXPECT_EQ(statusOf(signInAgain().error()), 403);
     QCoreApplication::processEvents();
     EXPECT_EQ(ends, 0);
 }

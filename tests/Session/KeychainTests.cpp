@@ -78,7 +78,9 @@ protected:
     {
         if (!qEnvironmentVariableIsSet("ORVANE_KEYRING_PID"))
             GTEST_SKIP() << "runs under with-keyring.sh";
+        ASSERT_GT(keyringProcess(), 1);
     }
+    static pid_t keyringProcess() { return qEnvironmentVariableIntValue("ORVANE_KEYRING_PID"); }
 };
 
 TEST_F(KeyringTest, KeepsTokensByServiceAndAccount)
@@ -123,9 +125,7 @@ TEST_F(KeyringTest, GoesOnWhenTheKeyringGoesAway)
 {
     const auto keychain = make();
     write(keychain, "token", "http://a.example");
-    const int keyring = qEnvironmentVariableIntValue("ORVANE_KEYRING_PID");
-    ASSERT_GT(keyring, 1);
-    ASSERT_EQ(::kill(keyring, SIGKILL), 0);
+    ASSERT_EQ(::kill(keyringProcess(), SIGKILL), 0);
     QElapsedTimer timer;
     timer.start();
     EXPECT_EQ(read(keychain, "http://a.example"), "token");
@@ -134,6 +134,22 @@ TEST_F(KeyringTest, GoesOnWhenTheKeyringGoesAway)
     remove(keychain, "http://a.example");
     EXPECT_EQ(read(keychain, "http://a.example"), std::nullopt);
     EXPECT_LT(timer.elapsed(), 12'000);
+}
+
+TEST_F(KeyringTest, IsLeftAloneWhileItDoesNotAnswer)
+{
+    const auto keychain = std::make_shared<Keychain>(QStringLiteral("com.orvanetrack.test"), 300ms);
+    write(keychain, "token", "http://a.example");
+    ASSERT_EQ(::kill(keyringProcess(), SIGSTOP), 0);
+    QElapsedTimer timer;
+    timer.start();
+    for (int i = 0; i < 20; ++i)
+        EXPECT_EQ(read(keychain, "http://a.example"), "token");
+    EXPECT_FALSE(on(thread, [] { return Keychain::works(300ms); }));
+    EXPECT_LT(timer.elapsed(), 3000);
+    // As with a prompt that its user answers late.
+    ASSERT_EQ(::kill(keyringProcess(), SIGCONT), 0);
+    EXPECT_TRUE(testing::eventually([this] { return read(make(), "http://a.example") == "token"; }));
 }
 
 TEST_F(KeychainTest, IsNotChosenWithoutABus)
