@@ -228,7 +228,8 @@ void NetworkTransport::close()
         m_waiting.front()->end("the connection is being closed");
     while (!m_running.empty())
         (*m_running.begin())->end("the connection is being closed");
-    // The replies go by deleteLater too, and one that was only just begun still asks for its manager until then.
+    // The replies go by deleteLater too, and one that was only just begun still asks for its manager until
+    // then.
     if (m_manager)
         m_manager.release()->deleteLater();
 }
