@@ -60,7 +60,11 @@ bool readText(simdjson::simdjson_result<od::value> found, std::optional<std::str
     od::value value;
     if (found.get(value) != simdjson::SUCCESS || value.is_null())
         return true;
-    return readText(value, out.emplace());
+    std::string_view text;
+    if (value.get_string().get(text) != simdjson::SUCCESS)
+        return false;
+    out.emplace(text);
+    return true;
 }
 
 bool readShares(od::array array, std::vector<TimeShareResponse> &out)
