@@ -25,7 +25,7 @@ RULES = {
     "array": {"minItems", "maxItems"},
 }
 METHODS = ("get", "post", "put", "delete")
-WITH_BODY = {200, 201, 400, 401, 403, 404, 409, 412, 429, 502, 503}
+WITH_BODY = {200, 201, 400, 401, 403, 404, 409, 412, 422, 429, 502, 503}
 WITHOUT_BODY = {202, 204}
 SCHEMA_PREFIX = "#/components/schemas/"
 RESPONSE_PREFIX = "#/components/responses/"

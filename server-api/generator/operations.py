@@ -17,6 +17,7 @@ CASES = {
     404: "NotFound",
     409: "Conflict",
     412: "PreconditionFailed",
+    422: "UnprocessableContent",
     429: "TooManyRequests",
     502: "BadGateway",
     503: "ServiceUnavailable",

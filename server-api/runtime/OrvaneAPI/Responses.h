@@ -79,6 +79,13 @@ struct PreconditionFailed {
     bool operator==(const PreconditionFailed &) const = default;
 };
 
+/// 422.
+template <class Body>
+struct UnprocessableContent {
+    Body body;
+    bool operator==(const UnprocessableContent &) const = default;
+};
+
 /// 429.
 template <class Body>
 struct TooManyRequests {
