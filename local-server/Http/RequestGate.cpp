@@ -81,9 +81,10 @@ bool RequestGate::isOurHost(const std::string &text) const
         return false;
     if (host == hostForm(m_point.address) || host == "localhost" || host == "127.0.0.1")
         return true;
-    // Listening everywhere, any number will do, but of names only this machine's: a page's own name must not.
-    return m_point.isAnyAddress() &&
-           (isAddressText(host) || host == lowered(QSysInfo::machineHostName().toStdString()));
+    // Of names beyond this computer's loopback only the machine's own will do: a page's name must not.
+    if (!m_point.isLoopback() && host == lowered(QSysInfo::machineHostName().toStdString()))
+        return true;
+    return m_point.isAnyAddress() && isAddressText(host);
 }
 
 std::optional<HttpResponse> RequestGate::refuse(const HttpRequest &request) const

@@ -17,7 +17,7 @@ namespace {
 constexpr qint64 longestLine = 4096;
 constexpr std::chrono::milliseconds longestQuiet{10'000};
 constexpr qsizetype mostConnections = 32;
-constexpr const char *socketName = "server.sock";
+constexpr char socketName[] = "server.sock";
 
 std::string systemError()
 {
@@ -53,7 +53,8 @@ sockaddr_un socketAddress()
 {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
-    std::strcpy(address.sun_path, socketName);
+    static_assert(sizeof socketName <= sizeof address.sun_path);
+    std::memcpy(address.sun_path, socketName, sizeof socketName);
     return address;
 }
 

@@ -38,11 +38,16 @@ protected:
         return server->handle(request, peer);
     }
 
-    /// The answer to a request of one who is signed in as `accessToken`.
+    /// The answer to a request of one who is signed in as `accessToken`. It must be one of those that the API
+    /// document lists for the operation.
     template <class Operation>
     HttpResponse call(const typename Operation::Input &input)
     {
-        return send(Operation::request(input), accessToken);
+        HttpResponse response = send(Operation::request(input), accessToken);
+        const auto output = Operation::output(response);
+        EXPECT_TRUE(output && !std::holds_alternative<Undocumented>(*output))
+            << Operation::name << " answered " << response.status << " " << response.body;
+        return response;
     }
 
     /// The same, read as `Case`; anything else fails the test.
