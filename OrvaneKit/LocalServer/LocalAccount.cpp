@@ -11,18 +11,25 @@ Task<Result<HttpResponse, ConnectionError>> sendProved(std::shared_ptr<LocalServ
                                                        std::shared_ptr<HttpTransport> transport, bool start,
                                                        HttpRequest request)
 {
-    auto address = co_await link->provenAddress(start);
-    if (!address)
-        co_return failure(connectionError(address.error()));
-    co_return co_await transport->send(std::move(request), std::move(*address));
+    const auto server = co_await link->provenServer(start);
+    if (!server)
+        co_return failure(connectionError(server.error()));
+    auto answer = co_await transport->send(request, server->address);
+    if (answer)
+        co_return std::move(answer);
+    // A server that ends closes its port before its socket. If another one has taken over, it is asked.
+    const auto next = co_await link->provenAnew(start);
+    if (!next || next->pid == server->pid)
+        co_return std::move(answer);
+    co_return co_await transport->send(std::move(request), next->address);
 }
 
 Task<CallResult<ExternalExchangeRequest>> codeFor(std::shared_ptr<LocalServerLink> link, std::string timeZone,
                                                   bool start)
 {
-    const auto address = co_await link->provenAddress(start);
-    if (!address)
-        co_return failure(CallError(connectionError(address.error())));
+    const auto server = co_await link->provenServer(start);
+    if (!server)
+        co_return failure(CallError(connectionError(server.error())));
     const Pkce pkce = Pkce::make();
     auto code = co_await link->requestCode(pkce.challenge, timeZone);
     if (!code)

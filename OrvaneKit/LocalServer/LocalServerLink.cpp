@@ -97,9 +97,14 @@ LocalServerLink::Answer<std::string> LocalServerLink::requestCode(std::string co
                          timeZone = std::move(timeZone)] { return codeHere(self, codeChallenge, timeZone); });
 }
 
-LocalServerLink::Answer<std::string> LocalServerLink::provenAddress(bool start)
+LocalServerLink::Answer<LocalServerHello> LocalServerLink::provenServer(bool start)
 {
-    return m_thread.run([self = shared_from_this(), start] { return provenHere(self, start); });
+    return m_thread.run([self = shared_from_this(), start] { return provenHere(self, start, false); });
+}
+
+LocalServerLink::Answer<LocalServerHello> LocalServerLink::provenAnew(bool start)
+{
+    return m_thread.run([self = shared_from_this(), start] { return provenHere(self, start, true); });
 }
 
 LocalServerLink::Answer<LocalServerHello> LocalServerLink::helloHere(Self self)
@@ -203,14 +208,11 @@ LocalServerLink::Answer<std::string> LocalServerLink::codeHere(Self self, std::s
     co_return std::move(*answer->code);
 }
 
-LocalServerLink::Answer<std::string> LocalServerLink::provenHere(Self self, bool start)
+LocalServerLink::Answer<LocalServerHello> LocalServerLink::provenHere(Self self, bool start, bool anew)
 {
-    if (self->m_proof && self->m_proof->isOpen())
-        co_return std::string(self->m_proved.address);
-    auto hello = co_await (start ? ensureHere(self, std::chrono::seconds{5}) : helloHere(self));
-    if (!hello)
-        co_return failure(std::move(hello.error()));
-    co_return std::move(hello->address);
+    if (!anew && self->m_proof && self->m_proof->isOpen())
+        co_return LocalServerHello(self->m_proved);
+    co_return co_await (start ? ensureHere(self, std::chrono::seconds{5}) : helloHere(self));
 }
 
 } // namespace orvane

@@ -82,10 +82,12 @@ public:
     /// A one-time code for the account on this computer, bound to a PKCE challenge. `timeZone` is for an
     /// account that does not exist yet.
     Answer<std::string> requestCode(std::string codeChallenge, std::string timeZone);
-    /// The address, proved: by a connection to the socket that is still open, else by asking again. While
-    /// that connection is open the server lives, and while it lives nobody else has its port. `start` says
-    /// whether a server that is away is started.
-    Answer<std::string> provenAddress(bool start);
+    /// The server, proved: by a connection to the socket that is still open, else by asking again. While that
+    /// connection is open the server lives, and while it lives nobody else has its port. `start` says whether
+    /// a server that is away is started.
+    Answer<LocalServerHello> provenServer(bool start);
+    /// Asks again in any case: for who could not reach the one that was proved.
+    Answer<LocalServerHello> provenAnew(bool start);
 
 private:
     using Self = std::shared_ptr<LocalServerLink>;
@@ -97,7 +99,7 @@ private:
     static Answer<LocalServerHello> ensureHere(Self self, std::chrono::milliseconds patience);
     static Answer<LocalServerHello> startAndWait(Self self, std::chrono::milliseconds patience);
     static Answer<std::string> codeHere(Self self, std::string codeChallenge, std::string timeZone);
-    static Answer<std::string> provenHere(Self self, bool start);
+    static Answer<LocalServerHello> provenHere(Self self, bool start, bool anew);
     Result<std::int64_t, LinkError> start() const;
 
     NetworkThread &m_thread;
