@@ -6,6 +6,7 @@
 #include <QString>
 #include <algorithm>
 #include <map>
+#include <unicode/unistr.h>
 
 namespace orvane {
 
@@ -15,12 +16,15 @@ constexpr std::size_t leastIdPrefix = 4;
 constexpr std::size_t leastShortId = 6;
 constexpr std::size_t listedAtMost = 8;
 
-QString folded(std::string_view text)
+/// Names compare without letter case, in full: "Straße" is "STRASSE" too.
+icu::UnicodeString folded(std::string_view text)
 {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()))
-        .normalized(QString::NormalizationForm_C)
-        .toCaseFolded()
-        .trimmed();
+    const QString composed = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()))
+                                 .normalized(QString::NormalizationForm_C)
+                                 .trimmed();
+    icu::UnicodeString folded(reinterpret_cast<const char16_t *>(composed.utf16()),
+                              static_cast<std::int32_t>(composed.size()));
+    return folded.foldCase();
 }
 
 /// Identifiers are UUIDs, which people copy in either case.
@@ -60,13 +64,13 @@ std::vector<std::size_t> all(const std::vector<Candidate> &candidates)
 Result<std::size_t, std::string> choose(std::string_view kind, std::string_view typed,
                                         const std::vector<Candidate> &candidates)
 {
-    const QString name = folded(typed);
+    const icu::UnicodeString name = folded(typed);
     std::vector<std::size_t> exact;
     std::vector<std::size_t> beginning;
     for (std::size_t i = 0; i < candidates.size(); ++i) {
         if (candidates[i].id == typed)
             return i;
-        const QString candidate = folded(candidates[i].name);
+        const icu::UnicodeString candidate = folded(candidates[i].name);
         if (candidate == name)
             exact.push_back(i);
         else if ((!name.isEmpty() && candidate.startsWith(name)) ||
