@@ -33,6 +33,16 @@ CommandTask status(Context context)
                                               .outbox = shapes::queue(account.outbox())})};
 }
 
+/// Now; the running timer's start when that is just ahead, since a clock that was set back a little is no reason
+/// to refuse what happens now.
+Instant nowFor(const Tracker &tracker)
+{
+    constexpr std::chrono::minutes tolerance{1};
+    const Instant now = AppClock::now();
+    const auto &running = tracker.running();
+    return running && running->start > now && running->start < now + tolerance ? running->start : now;
+}
+
 /// The timer that a start stopped, in front of the answer to the start.
 CommandAnswer withStopped(CommandAnswer answer, const CommandContext &context,
                           const std::optional<TimeEntryResponse> &before)
@@ -68,11 +78,11 @@ CommandTask start(Context context, EntryOptions options)
         EntryRequest request{.details = std::move(*details), .start = span->start, .stop = span->stop};
         co_return answerTo(*context, co_await tracker.create(std::move(request)), "Added");
     }
-    const Instant at = times->start ? startOf(*times->start, time) : AppClock::now();
+    const Instant at = times->start ? startOf(*times->start, time) : nowFor(tracker);
     const std::optional<TimeEntryResponse> before = tracker.running();
     const SaveResult result = co_await tracker.start(std::move(*details), at);
     CommandAnswer answer = withStopped(answerTo(*context, result, "Started"), *context, before);
-    if (answer.exitStatus == ExitStatus::done && at > AppClock::now())
+    if (answer.exitStatus == ExitStatus::done && times->start && at > AppClock::now())
         answer.messages.push_back("Note: " + time.clockLabel(at) + " is still to come.");
     co_return answer;
 }
@@ -84,7 +94,7 @@ CommandTask stop(Context context, std::optional<std::string> at)
         co_return failure(opened.error());
     co_await context->bringUpToDate();
     Tracker &tracker = (*opened)->tracker();
-    Instant end = AppClock::now();
+    Instant end = nowFor(tracker);
     if (at) {
         const auto moment = readMoment(*at, tracker.time());
         if (!moment)
@@ -103,7 +113,7 @@ CommandTask continueLast(Context context)
     co_await context->bringUpToDate();
     Tracker &tracker = (*opened)->tracker();
     const std::optional<TimeEntryResponse> before = tracker.running();
-    const SaveResult result = co_await tracker.continueLast(AppClock::now());
+    const SaveResult result = co_await tracker.continueLast(nowFor(tracker));
     co_return withStopped(answerTo(*context, result, "Started"), *context, before);
 }
 
