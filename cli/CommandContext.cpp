@@ -46,7 +46,7 @@ Task<Result<Account *, CommandFailure>> CommandContext::openAccount()
                                                        : "Waiting for the server …");
     auto opened = co_await Account::open(accountOptions());
     m_progress.finish();
-    co_return co_await adopt(std::move(opened));
+    co_return co_await adopt(std::move(opened), false);
 }
 
 Task<Result<Account *, CommandFailure>> CommandContext::signIn(Account::Credentials credentials)
@@ -54,15 +54,19 @@ Task<Result<Account *, CommandFailure>> CommandContext::signIn(Account::Credenti
     m_progress.begin("Signing in …");
     auto opened = co_await Account::signIn(accountOptions(), std::move(credentials));
     m_progress.finish();
-    co_return co_await adopt(std::move(opened));
+    co_return co_await adopt(std::move(opened), true);
 }
 
 Task<Result<Account *, CommandFailure>>
-CommandContext::adopt(Result<std::unique_ptr<Account>, AccountError> opened)
+CommandContext::adopt(Result<std::unique_ptr<Account>, AccountError> opened, bool isSigningIn)
 {
     if (!opened) {
         m_openError = opened.error().kind;
-        co_return failure(CommandFailure::of(opened.error()));
+        auto problem = CommandFailure::of(opened.error());
+        if (m_openError == AccountError::Kind::SignedOut && !isSigningIn)
+            problem.message +=
+                " To sign in: orvane login. To go back to the account on this computer: orvane logout.";
+        co_return failure(std::move(problem));
     }
     m_account = std::move(*opened);
     co_await m_account->tracker().loadSnapshot();

@@ -58,7 +58,8 @@ public:
     Task<> finish();
 
 private:
-    Task<Result<Account *, CommandFailure>> adopt(Result<std::unique_ptr<Account>, AccountError> opened);
+    Task<Result<Account *, CommandFailure>> adopt(Result<std::unique_ptr<Account>, AccountError> opened,
+                                                  bool isSigningIn);
     Task<> showRefusals();
     void showQueue();
 

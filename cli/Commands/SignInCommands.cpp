@@ -69,15 +69,26 @@ CommandTask login(Context context, LoginOptions options)
                                       account.server() + " as " + printable(account.me().email) + ".\n"};
 }
 
+/// The session is over already, by the server's doing or with the process that kept it; what is left is to go
+/// back to the account on this computer.
+CommandResult leaveEndedSession(CommandContext &context)
+{
+    Installation &installation = context.installation();
+    const std::string server = context.options().server.value_or(installation.currentServer().value_or(""));
+    if (server == installation.currentServer())
+        installation.setCurrentServer(std::nullopt);
+    if (context.json())
+        return CommandAnswer{.output = shapes::text(shapes::SignIn{{}, {server, false, false}})};
+    return CommandAnswer{.output = "The session at " + server + " was over already.\n"};
+}
+
 CommandTask logout(Context context)
 {
     const auto opened = co_await context->openAccount();
-    if (!opened) {
-        // The token may be gone already, by the server's doing or with the process that kept it.
-        if (context->openError() != AccountError::Kind::SignedOut)
-            co_return failure(opened.error());
-        co_return failure(CommandFailure::of("Nobody is signed in."));
-    }
+    if (!opened && context->openError() == AccountError::Kind::SignedOut)
+        co_return leaveEndedSession(*context);
+    if (!opened)
+        co_return failure(opened.error());
     Account &account = **opened;
     if (account.isAutomatic())
         co_return failure(CommandFailure::of(

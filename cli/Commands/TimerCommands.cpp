@@ -33,8 +33,8 @@ CommandTask status(Context context)
                                               .outbox = shapes::queue(account.outbox())})};
 }
 
-/// Now; the running timer's start when that is just ahead, since a clock that was set back a little is no reason
-/// to refuse what happens now.
+/// Now; the running timer's start when that is just ahead, since a clock that was set back a little is no
+/// reason to refuse what happens now.
 Instant nowFor(const Tracker &tracker)
 {
     constexpr std::chrono::minutes tolerance{1};

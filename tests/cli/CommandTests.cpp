@@ -402,6 +402,11 @@ TEST_F(Command, SignsInElsewhereAndComesBack)
     EXPECT_EQ(again.exitStatus, 0) << again.all();
     EXPECT_THAT(again.output, HasSubstr("Signed in at " + url + " as ada@example.com."));
     EXPECT_THAT(again.errors + again.output, Not(HasSubstr("correct horse")));
+
+    // Without a keychain the session ends with the command; nobody is locked out by that.
+    EXPECT_THAT(text(failed(1, {"status"})[u"message"]), HasSubstr("orvane logout"));
+    EXPECT_TRUE(done({"logout"})[u"account"].isNull());
+    EXPECT_TRUE(done({"status"})[u"account"].toObject()[u"automatic"].toBool());
 }
 
 TEST_F(Command, StaysSignedInWhereThereIsAKeychain)
