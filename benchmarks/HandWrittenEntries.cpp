@@ -45,46 +45,31 @@ bool readInstant(std::string_view text, Instant &out)
     return date.ok();
 }
 
-bool readText(simdjson::simdjson_result<od::value> value, std::string &out)
+bool readText(od::value value, std::string &out)
 {
     std::string_view text;
     if (value.get_string().get(text) != simdjson::SUCCESS)
         return false;
-    out.assign(text);
+    out = std::string(text);
     return true;
 }
 
-/// The member may be absent or null.
-bool readText(simdjson::simdjson_result<od::value> found, std::optional<std::string> &out)
+bool readText(od::value value, std::optional<std::string> &out)
 {
-    od::value value;
-    if (found.get(value) != simdjson::SUCCESS || value.is_null())
-        return true;
+    return value.is_null() || readText(value, out.emplace());
+}
+
+bool readInstant(od::value value, Instant &out)
+{
     std::string_view text;
-    if (value.get_string().get(text) != simdjson::SUCCESS)
+    return value.get_string().get(text) == simdjson::SUCCESS && readInstant(text, out);
+}
+
+bool readTags(od::value value, std::vector<std::string> &out)
+{
+    od::array array;
+    if (value.get_array().get(array) != simdjson::SUCCESS)
         return false;
-    out.emplace(text);
-    return true;
-}
-
-bool readShares(od::array array, std::vector<TimeShareResponse> &out)
-{
-    for (auto element : array) {
-        od::object object;
-        TimeShareResponse &share = out.emplace_back();
-        if (element.get_object().get(object) != simdjson::SUCCESS ||
-            !readText(object.find_field("projectId"), share.projectId) ||
-            !readText(object.find_field("taskId"), share.taskId) ||
-            object.find_field("isBillable").get_bool().get(share.isBillable) != simdjson::SUCCESS ||
-            object.find_field("percent").get_int64().get(share.percent) != simdjson::SUCCESS ||
-            !readText(object.find_field("description"), share.description))
-            return false;
-    }
-    return true;
-}
-
-bool readTags(od::array array, std::vector<std::string> &out)
-{
     for (auto element : array) {
         std::string_view text;
         if (element.get_string().get(text) != simdjson::SUCCESS)
@@ -94,28 +79,77 @@ bool readTags(od::array array, std::vector<std::string> &out)
     return true;
 }
 
-bool readEntry(od::object object, TimeEntryResponse &entry)
+bool readShare(od::object object, TimeShareResponse &share)
 {
-    od::array array;
-    od::value value;
-    std::string_view text;
-    if (!readText(object.find_field("id"), entry.id) ||
-        !readText(object.find_field("workspaceId"), entry.workspaceId) ||
-        !readText(object.find_field("description"), entry.description) ||
-        !readText(object.find_field("projectId"), entry.projectId) ||
-        !readText(object.find_field("taskId"), entry.taskId) ||
-        object.find_field("tagIds").get_array().get(array) != simdjson::SUCCESS ||
-        !readTags(array, entry.tagIds) ||
-        object.find_field("isBillable").get_bool().get(entry.isBillable) != simdjson::SUCCESS ||
-        object.find_field("start").get_string().get(text) != simdjson::SUCCESS ||
-        !readInstant(text, entry.start))
-        return false;
-    if (object.find_field("stop").get(value) == simdjson::SUCCESS && !value.is_null()) {
-        if (value.get_string().get(text) != simdjson::SUCCESS || !readInstant(text, entry.stop.emplace()))
+    for (auto element : object) {
+        od::field field;
+        if (std::move(element).get(field) != simdjson::SUCCESS)
+            return false;
+        const od::raw_json_string key = field.key();
+        bool ok = true;
+        if (key == "projectId")
+            ok = readText(field.value(), share.projectId);
+        else if (key == "taskId")
+            ok = readText(field.value(), share.taskId);
+        else if (key == "isBillable")
+            ok = field.value().get_bool().get(share.isBillable) == simdjson::SUCCESS;
+        else if (key == "percent")
+            ok = field.value().get_int64().get(share.percent) == simdjson::SUCCESS;
+        else if (key == "description")
+            ok = readText(field.value(), share.description);
+        if (!ok)
             return false;
     }
-    return object.find_field("shares").get_array().get(array) == simdjson::SUCCESS &&
-           readShares(array, entry.shares) && readText(object.find_field("version"), entry.version);
+    return true;
+}
+
+bool readShares(od::value value, std::vector<TimeShareResponse> &out)
+{
+    od::array array;
+    if (value.get_array().get(array) != simdjson::SUCCESS)
+        return false;
+    for (auto element : array) {
+        od::object object;
+        if (element.get_object().get(object) != simdjson::SUCCESS || !readShare(object, out.emplace_back()))
+            return false;
+    }
+    return true;
+}
+
+bool readMember(od::field &field, TimeEntryResponse &entry)
+{
+    const od::raw_json_string key = field.key();
+    if (key == "id")
+        return readText(field.value(), entry.id);
+    if (key == "workspaceId")
+        return readText(field.value(), entry.workspaceId);
+    if (key == "description")
+        return readText(field.value(), entry.description);
+    if (key == "projectId")
+        return readText(field.value(), entry.projectId);
+    if (key == "taskId")
+        return readText(field.value(), entry.taskId);
+    if (key == "tagIds")
+        return readTags(field.value(), entry.tagIds);
+    if (key == "isBillable")
+        return field.value().get_bool().get(entry.isBillable) == simdjson::SUCCESS;
+    if (key == "start")
+        return readInstant(field.value(), entry.start);
+    if (key == "stop")
+        return field.value().is_null() || readInstant(field.value(), entry.stop.emplace());
+    if (key == "shares")
+        return readShares(field.value(), entry.shares);
+    return key != "version" || readText(field.value(), entry.version);
+}
+
+bool readEntry(od::object object, TimeEntryResponse &entry)
+{
+    for (auto element : object) {
+        od::field field;
+        if (std::move(element).get(field) != simdjson::SUCCESS || !readMember(field, entry))
+            return false;
+    }
+    return true;
 }
 
 void writeText(std::string &out, std::string_view text)

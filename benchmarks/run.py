@@ -15,6 +15,8 @@ import subprocess
 import sys
 import tempfile
 
+import command_runs
+
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 BUILD = ROOT / "build" / "bench"
 PROGRAMS = BUILD / "benchmarks"
@@ -66,7 +68,16 @@ def json_rows(arguments):
         yield row(f"{verb} 10,000 entries, beside code by hand", ratio, 1.5)
 
 
-GROUPS = {"store": (store_rows, ["StoreBenchmark"]), "json": (json_rows, ["JsonBenchmark"])}
+def command_rows(arguments):
+    with tempfile.TemporaryDirectory(dir=arguments.folder) as folder:
+        status, offline = command_runs.measure(BUILD / "bin", PROGRAMS, folder, 2 * arguments.repetitions)
+    yield row("status with 5,000 entries, beside the same requests alone", status[0] / status[1], 2)
+    yield row("status with 5,000 entries, peak memory in MB", status[2], 60, form="{:.0f}")
+    yield row("list without the server, beside a program that does nothing", offline[0] / offline[1], 3)
+
+
+GROUPS = {"store": (store_rows, ["StoreBenchmark"]), "json": (json_rows, ["JsonBenchmark"]),
+          "command": (command_rows, ["orvane", "orvane-server", "BareStatus", "BareIdle"])}
 
 
 def main():
