@@ -88,7 +88,12 @@ int runWithEventLoop(const CommandTree &tree, int argc, char **argv)
     const CommandTree::Action &action = tree.action();
     QMetaObject::invokeMethod(
         &application, [&] { drive(context, action.handler, action.failureForm); }, Qt::QueuedConnection);
-    return QCoreApplication::exec();
+    const int status = QCoreApplication::exec();
+    // The end of the account answers the calls that are still under way; those who made them come to their
+    // end here.
+    context.reset();
+    QCoreApplication::sendPostedEvents();
+    return status;
 }
 
 /// The clock starts where ORVANE_NOW says. The variable goes away, since a server that is started keeps the
