@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 #include <QEventLoop>
+#include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLocalSocket>
@@ -90,7 +91,8 @@ int main(int argc, char **argv)
     if (arguments.size() != 4)
         giveUp(QStringLiteral("SOCKET FROM TO are needed"));
     QLocalSocket socket;
-    socket.connectToServer(arguments[1]);
+    // A name that is no absolute path would be looked for in the folder for temporary files.
+    socket.connectToServer(QFileInfo(arguments[1]).absoluteFilePath());
     if (!socket.waitForConnected(5000))
         giveUp(socket.errorString());
     const orvane::Pkce pkce = orvane::Pkce::make();

@@ -16,6 +16,10 @@
 #include <langinfo.h>
 #include <simdjson.h>
 
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
 namespace orvane {
 
 namespace {
@@ -75,8 +79,22 @@ void useUtf8Locale()
         setenv("LC_ALL", "C.UTF-8", 1);
 }
 
+/// A command is over in a moment: what it frees need not go back to the system, and a heap for each thread
+/// costs more than two threads that wait for each other.
+void expectAShortLife()
+{
+#ifdef __GLIBC__
+    constexpr int much = 256 * 1024 * 1024;
+    mallopt(M_ARENA_MAX, 1);
+    mallopt(M_MMAP_THRESHOLD, much);
+    mallopt(M_TRIM_THRESHOLD, much);
+    mallopt(M_TOP_PAD, 1024 * 1024);
+#endif
+}
+
 int runWithEventLoop(const CommandTree &tree, int argc, char **argv)
 {
+    expectAShortLife();
     useUtf8Locale();
     // What libraries would like developers to know is no message for the user.
     if (!std::getenv("QT_LOGGING_RULES"))

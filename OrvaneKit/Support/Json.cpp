@@ -415,11 +415,14 @@ bool readMembers(Reader &reader, Node &node, std::span<const MemberReader> membe
     return nothingIsMissing(reader, members, seen);
 }
 
-bool readItems(Reader &reader, Node &node, ReadInto readNext, void *list)
+bool readItems(Reader &reader, Node &node, ReadInto readNext, Reserve reserve, void *list)
 {
     od::array array;
     if (node.value.get_array().get(array) != simdjson::SUCCESS)
         return reader.fail("is not a list");
+    std::size_t count = 0;
+    if (reserve != nullptr && array.count_elements().get(count) == simdjson::SUCCESS)
+        reserve(list, count);
     std::size_t index = 0;
     for (auto element : array) {
         Node item;

@@ -91,8 +91,9 @@ bool readPlain(Reader &reader, Node &node, Instant &out);
 bool readPlain(Reader &reader, Node &node, std::chrono::year_month_day &out);
 bool readPlain(Reader &reader, Node &node, RawJson &out);
 bool readMembers(Reader &reader, Node &node, std::span<const MemberReader> members, void *out);
-/// Calls `readNext` for each item of a list, to append it.
-bool readItems(Reader &reader, Node &node, ReadInto readNext, void *list);
+using Reserve = void (*)(void *list, std::size_t count);
+/// Calls `readNext` for each item of a list, to append it; before that `reserve`, where there is one.
+bool readItems(Reader &reader, Node &node, ReadInto readNext, Reserve reserve, void *list);
 bool readEntries(Reader &reader, Node &node, ReadEntry readEntry, void *map);
 /// Reads an object of exactly one member, which is one of `cases`.
 bool readCase(Reader &reader, Node &node, std::span<const MemberReader> cases, void *out);
@@ -184,6 +185,16 @@ bool readNext(Reader &reader, Node &node, void *list)
     }
 }
 
+/// Counting the items first is worth it where moving them is dear.
+template <class Vector>
+constexpr Reserve reserveFor()
+{
+    if constexpr (sizeof(typename Vector::value_type) < 128)
+        return nullptr;
+    else
+        return [](void *list, std::size_t count) { static_cast<Vector *>(list)->reserve(count); };
+}
+
 template <class Map>
 bool readEntry(Reader &reader, Node &node, std::string name, void *map)
 {
@@ -219,7 +230,7 @@ bool readValue(Reader &reader, Node &node, T &out)
         return readEnum(reader, node, out);
     } else if constexpr (isVector<T>) {
         out.clear();
-        return readItems(reader, node, &readNext<T>, &out);
+        return readItems(reader, node, &readNext<T>, reserveFor<T>(), &out);
     } else if constexpr (isMap<T>) {
         out.clear();
         return readEntries(reader, node, &readEntry<T>, &out);

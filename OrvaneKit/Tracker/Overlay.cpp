@@ -44,6 +44,7 @@ public:
     std::vector<TimeEntryResponse> take()
     {
         std::vector<TimeEntryResponse> entries;
+        entries.reserve(m_entries.size());
         for (auto &entry : m_entries) {
             if (entry)
                 entries.push_back(std::move(*entry));
@@ -65,7 +66,49 @@ void applyCreate(Pile &pile, const EntryChange::Create &create)
     pile.add(entryResponse(create.request, create.id, create.workspaceId));
 }
 
+std::vector<TimeEntryResponse> withChanges(std::vector<TimeEntryResponse> entries,
+                                           std::span<const EntryChange> changes,
+                                           const std::string &workspaceId)
+{
+    if (changes.empty())
+        return entries;
+    Pile pile(std::move(entries));
+    for (const EntryChange &change : changes) {
+        if (const auto *create = std::get_if<EntryChange::Create>(&change.action)) {
+            if (create->workspaceId == workspaceId || !create->request.stop)
+                applyCreate(pile, *create);
+        } else if (auto *entry = pile.find(change.entryId())) {
+            *entry = applied(change, std::move(**entry));
+        }
+    }
+    return pile.take();
+}
+
 } // namespace
+
+void sortNewestFirst(std::vector<TimeEntryResponse> &entries)
+{
+    const auto isNewer = [](const TimeEntryResponse &one, const TimeEntryResponse &other) {
+        return std::tie(one.start, one.id) > std::tie(other.start, other.id);
+    };
+    if (std::ranges::is_sorted(entries, isNewer))
+        return;
+    // The store and the server list them the other way round.
+    std::ranges::reverse(entries);
+    if (std::ranges::is_sorted(entries, isNewer))
+        return;
+    // Entries are large to move, so their places are sorted.
+    std::vector<TimeEntryResponse *> order;
+    order.reserve(entries.size());
+    for (TimeEntryResponse &entry : entries)
+        order.push_back(&entry);
+    std::ranges::sort(order, [&](const auto *one, const auto *other) { return isNewer(*one, *other); });
+    std::vector<TimeEntryResponse> sorted;
+    sorted.reserve(entries.size());
+    for (TimeEntryResponse *entry : order)
+        sorted.push_back(std::move(*entry));
+    entries = std::move(sorted);
+}
 
 std::optional<TimeEntryResponse> applied(const EntryChange &change, TimeEntryResponse entry)
 {
@@ -85,20 +128,11 @@ ShownEntries overlay(std::vector<TimeEntryResponse> serverEntries,
                      std::optional<TimeEntryResponse> serverRunning, std::span<const EntryChange> changes,
                      const std::string &workspaceId)
 {
-    Pile pile(std::move(serverEntries));
-    if (serverRunning)
-        pile.add(std::move(*serverRunning));
-    for (const EntryChange &change : changes) {
-        if (const auto *create = std::get_if<EntryChange::Create>(&change.action)) {
-            if (create->workspaceId == workspaceId || !create->request.stop)
-                applyCreate(pile, *create);
-        } else if (auto *entry = pile.find(change.entryId())) {
-            *entry = applied(change, std::move(**entry));
-        }
-    }
-    ShownEntries shown{pile.take(), std::nullopt};
-    std::ranges::sort(shown.entries, std::ranges::greater{},
-                      [](const TimeEntryResponse &entry) { return std::tie(entry.start, entry.id); });
+    if (serverRunning &&
+        std::ranges::find(serverEntries, serverRunning->id, &TimeEntryResponse::id) == serverEntries.end())
+        serverEntries.push_back(std::move(*serverRunning));
+    ShownEntries shown{withChanges(std::move(serverEntries), changes, workspaceId), std::nullopt};
+    sortNewestFirst(shown.entries);
     const auto running = std::ranges::find_if(
         shown.entries, [](const TimeEntryResponse &entry) { return !entry.stop.has_value(); });
     if (running != shown.entries.end())

@@ -30,6 +30,9 @@ ShownEntries overlay(std::vector<TimeEntryResponse> serverEntries,
                      std::optional<TimeEntryResponse> serverRunning, std::span<const EntryChange> changes,
                      const std::string &workspaceId);
 
+/// By start, then identifier, both falling; quick when they are in order already, be it the rising one.
+void sortNewestFirst(std::vector<TimeEntryResponse> &entries);
+
 /// One change applied to one entry; nothing after a delete. `entry` must be the one that the change concerns.
 std::optional<TimeEntryResponse> applied(const EntryChange &change, TimeEntryResponse entry);
 

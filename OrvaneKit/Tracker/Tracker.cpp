@@ -7,6 +7,8 @@
 
 #include <QPointer>
 #include <algorithm>
+#include <ranges>
+#include <unordered_set>
 
 namespace orvane {
 
@@ -24,6 +26,25 @@ bool take(T &into, CallResult<T> result, std::optional<CallError> &error)
     }
     into = std::move(*result);
     return true;
+}
+
+/// Tells one set of entries from another, whatever their order. The server gives an entry another version
+/// with each change; what is shown before the server answered differs in the rest.
+template <std::ranges::input_range Entries>
+std::uint64_t digest(Entries &&entries)
+{
+    const auto text = [](const std::string &value) { return std::uint64_t{std::hash<std::string>{}(value)}; };
+    std::uint64_t sum = 0;
+    for (const TimeEntryResponse &entry : entries) {
+        std::uint64_t one = text(entry.id);
+        for (const std::uint64_t part :
+             {text(entry.version), text(entry.description),
+              static_cast<std::uint64_t>(millisecondsSinceEpoch(entry.start)),
+              entry.stop ? static_cast<std::uint64_t>(millisecondsSinceEpoch(*entry.stop)) : 0})
+            one = (one ^ part) * 0x9E37'79B9'7F4A'7C15U;
+        sum += one ^ (one >> 29U);
+    }
+    return sum;
 }
 
 } // namespace
@@ -66,8 +87,9 @@ Task<bool> Tracker::loadSnapshot()
     m_isSnapshotRead = true;
     if (!snapshot || m_hasServerState)
         co_return snapshot.has_value();
+    m_savedEntries = digest(snapshot->entries);
+    m_serverEntries = std::exchange(snapshot->entries, {});
     m_saved = std::move(*snapshot);
-    m_serverEntries = m_saved->entries;
     m_serverRunning = m_saved->running;
     m_settings = m_saved->settings;
     m_catalog.replace(m_saved->projects, m_saved->clients, m_saved->tags);
@@ -217,9 +239,11 @@ void Tracker::replaceServerEntries(InstantInterval range, std::vector<TimeEntryR
 {
     std::erase_if(m_serverEntries,
                   [&](const TimeEntryResponse &entry) { return range.contains(entry.start); });
-    std::set<std::string> kept;
+    std::unordered_set<std::string> kept;
+    kept.reserve(m_serverEntries.size() + entries.size());
     for (const TimeEntryResponse &entry : m_serverEntries)
         kept.insert(entry.id);
+    m_serverEntries.reserve(m_serverEntries.size() + entries.size());
     for (TimeEntryResponse &entry : entries) {
         if (kept.insert(entry.id).second)
             m_serverEntries.push_back(std::move(entry));
@@ -233,13 +257,14 @@ Task<> Tracker::saveSnapshot()
     Snapshot snapshot{
         window.from,     {}, m_serverRunning, m_settings, m_catalog.projects(), m_catalog.clients(),
         m_catalog.tags()};
-    std::ranges::copy_if(m_serverEntries, std::back_inserter(snapshot.entries),
-                         [&](const TimeEntryResponse &entry) { return window.contains(entry.start); });
-    std::ranges::sort(snapshot.entries, {},
-                      [](const TimeEntryResponse &entry) { return std::tie(entry.start, entry.id); });
-    if (m_saved == snapshot)
+    const auto isInWindow = [&](const TimeEntryResponse &entry) { return window.contains(entry.start); };
+    const std::uint64_t entries = digest(m_serverEntries | std::views::filter(isInWindow));
+    if (m_saved == snapshot && m_savedEntries == entries)
         co_return;
     m_saved = snapshot;
+    m_savedEntries = entries;
+    std::ranges::copy_if(m_serverEntries, std::back_inserter(snapshot.entries), isInWindow);
+    sortNewestFirst(snapshot.entries);
     const QPointer<Tracker> self(this);
     const auto saved = co_await m_parts.store->save(Snapshot::key(m_parts.workspace.id), std::move(snapshot));
     // A snapshot is a convenience: without it the next start waits for the server. What must not be lost is
@@ -284,18 +309,34 @@ void Tracker::setState(LoadState state)
 void Tracker::show()
 {
     const std::vector<EntryChange> changes = m_parts.outbox->changes();
-    ShownEntries shown = overlay(m_serverEntries, m_serverRunning, changes, m_parts.workspace.id);
-    m_shown = std::move(shown.entries);
-    m_shownRunning = std::move(shown.running);
+    m_showsServerEntries = changes.empty() && !isRunningElsewhere();
+    if (m_showsServerEntries) {
+        m_shown = {};
+        sortNewestFirst(m_serverEntries);
+        const auto running = std::ranges::find_if(
+            m_serverEntries, [](const TimeEntryResponse &entry) { return !entry.stop.has_value(); });
+        m_shownRunning = running == m_serverEntries.end() ? std::nullopt : std::optional{*running};
+    } else {
+        ShownEntries shown = overlay(m_serverEntries, m_serverRunning, changes, m_parts.workspace.id);
+        m_shown = std::move(shown.entries);
+        m_shownRunning = std::move(shown.running);
+    }
     Q_EMIT entriesChanged();
+}
+
+/// Whether the running entry is none of those that are known, but of another workspace or long ago.
+bool Tracker::isRunningElsewhere() const
+{
+    return m_serverRunning && std::ranges::find(m_serverEntries, m_serverRunning->id,
+                                                &TimeEntryResponse::id) == m_serverEntries.end();
 }
 
 std::optional<TimeEntryResponse> Tracker::entry(const std::string &id) const
 {
     if (m_shownRunning && m_shownRunning->id == id)
         return m_shownRunning;
-    const auto found = std::ranges::find(m_shown, id, &TimeEntryResponse::id);
-    return found == m_shown.end() ? std::nullopt : std::optional{*found};
+    const auto found = std::ranges::find(entries(), id, &TimeEntryResponse::id);
+    return found == entries().end() ? std::nullopt : std::optional{*found};
 }
 
 std::vector<DayGroup> Tracker::days(DayKey first, int count) const
@@ -307,7 +348,7 @@ std::vector<DayGroup> Tracker::days(DayKey first, int count) const
     for (int i = 0; i < count; ++i)
         groups.push_back({first.adding(i), {}});
     // Shown newest first; a day reads from its morning on.
-    for (auto entry = m_shown.rbegin(); entry != m_shown.rend(); ++entry) {
+    for (auto entry = entries().rbegin(); entry != entries().rend(); ++entry) {
         const auto next = std::ranges::upper_bound(starts, entry->start);
         if (next != starts.begin() && next != starts.end())
             groups[static_cast<std::size_t>(next - starts.begin() - 1)].entries.push_back(*entry);

@@ -89,7 +89,10 @@ public:
     Task<bool> reloadCatalog();
 
     /// What is shown, newest start first; the running entry included.
-    const std::vector<TimeEntryResponse> &entries() const { return m_shown; }
+    const std::vector<TimeEntryResponse> &entries() const
+    {
+        return m_showsServerEntries ? m_serverEntries : m_shown;
+    }
     const std::optional<TimeEntryResponse> &running() const { return m_shownRunning; }
     std::optional<TimeEntryResponse> entry(const std::string &id) const;
     /// The entries that start on the days from `first`, each day with its entries in order of start; every
@@ -129,6 +132,7 @@ private:
     Task<> saveSnapshot();
     Task<> refresh(std::string workspaceId, std::string id);
     void show();
+    bool isRunningElsewhere() const;
     void takeServerEntry(const TimeEntryResponse &entry);
     void dropServerEntry(const std::string &id);
     void handleSent(const Outbox::Pending &row, const std::optional<TimeEntryResponse> &entry);
@@ -149,11 +153,16 @@ private:
     std::optional<TimeEntryResponse> m_serverRunning;
     /// Days outside the window that were asked for and whose entries are known.
     std::set<DayKey> m_calendarDays;
+    /// The server's entries with the pending changes over them; empty while there is no change, when the
+    /// server's are shown as they are.
     std::vector<TimeEntryResponse> m_shown;
+    bool m_showsServerEntries = true;
     std::optional<TimeEntryResponse> m_shownRunning;
     std::optional<CallError> m_loadError;
-    /// What the store holds, as far as this process knows.
+    /// What the store holds, as far as this process knows; the entries only as their digest, since a week can
+    /// have thousands.
     std::optional<Snapshot> m_saved;
+    std::uint64_t m_savedEntries = 0;
     /// Counts the changes that were accepted, so that an answer from before one of them is not taken for the
     /// last word.
     std::uint64_t m_generation = 0;

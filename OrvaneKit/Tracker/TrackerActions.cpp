@@ -159,8 +159,8 @@ Task<SaveResult> Tracker::continueLast(Instant at)
     const QPointer<Tracker> self(this);
     const auto lastStopped = [this]() {
         const auto found = std::ranges::find_if(
-            m_shown, [](const TimeEntryResponse &entry) { return entry.stop.has_value(); });
-        return found == m_shown.end() ? std::nullopt : std::optional{*found};
+            entries(), [](const TimeEntryResponse &entry) { return entry.stop.has_value(); });
+        return found == entries().end() ? std::nullopt : std::optional{*found};
     };
     auto last = lastStopped();
     while (!last && m_weeksLoaded < weeksSearched) {
