@@ -89,6 +89,12 @@ ClockTime UserTime::timeOfDay(Instant instant) const
     return {static_cast<std::uint8_t>(minute / 60), static_cast<std::uint8_t>(minute % 60)};
 }
 
+double UserTime::minuteOfDay(Instant instant) const
+{
+    const LocalTime local = m_rules->localTime(instant);
+    return std::chrono::duration<double, minutes::period>(local - floor<days>(local)).count();
+}
+
 DayKey UserTime::today() const
 {
     return dayKey(AppClock::now());

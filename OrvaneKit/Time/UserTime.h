@@ -55,6 +55,8 @@ public:
     // Instants and days
     DayKey dayKey(Instant instant) const;
     ClockTime timeOfDay(Instant instant) const;
+    /// What the clock shows as minutes after 0:00 with their fraction, below 1440.
+    double minuteOfDay(Instant instant) const;
     DayKey today() const;
     /// The instant at that time of that day. A time that comes twice is taken as the first, one that is
     /// skipped is moved on by the length of the gap.
