@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Account/Account.h"
 
+#include "Account/PreferredTime.h"
 #include "Account/ProfileDocument.h"
 #include "Client/NetworkThread.h"
 #include "Client/OrvaneClient.h"
@@ -48,20 +49,6 @@ RegisterRequest registration(const Account::Credentials &credentials)
     request.password = credentials.password;
     request.timeZone = QTimeZone::systemTimeZoneId().toStdString();
     return request;
-}
-
-UserTime timeOf(const MeResponse &me, const std::optional<std::string> &zone)
-{
-    const auto format =
-        Durations::formatFromText(me.preferences.durationFormat).value_or(Durations::Format::hm);
-    const bool hour12 = me.preferences.timeFormat == "12h";
-    const auto weekStart = static_cast<int>(me.preferences.weekStart);
-    const std::string system = QTimeZone::systemTimeZoneId().toStdString();
-    for (const std::string &name : {zone.value_or(""), me.timeZone, system}) {
-        if (auto time = UserTime::make(name, weekStart, hour12, format))
-            return *time;
-    }
-    return UserTime::utc();
 }
 
 } // namespace
@@ -374,7 +361,7 @@ void Account::makeTracker()
     m_tracker.reset();
     if (const WorkspaceSummary *workspace = chosenWorkspace())
         m_tracker = std::make_unique<Tracker>(
-            Tracker::Parts{*workspace, timeOf(m_me, m_options.zone), m_client, m_store, m_outbox.get()});
+            Tracker::Parts{*workspace, preferredTime(m_me, m_options.zone), m_client, m_store, m_outbox.get()});
 }
 
 bool Account::useWorkspace(const std::string &id)
