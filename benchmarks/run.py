@@ -68,6 +68,14 @@ def json_rows(arguments):
         yield row(f"{verb} 10,000 entries, beside code by hand", ratio, 1.5)
 
 
+def timeline_rows(arguments):
+    measured = times("TimelineBenchmark", arguments.repetitions, arguments.folder)
+    found = {name: min(runs) / 1e6 for name, runs in measured.items()}
+    yield row("a day from 50,000 events, in ms", found["dayOf50000"], 10)
+    yield row("a day from 50,000 prompts, in ms", found["promptsOf50000"], 20)
+    yield row("a day from twice the events, beside the half", found["dayOf100000"] / found["dayOf50000"], 2.6)
+
+
 def command_rows(arguments):
     with tempfile.TemporaryDirectory(dir=arguments.folder) as folder:
         status, offline = command_runs.measure(BUILD / "bin", PROGRAMS, folder, 2 * arguments.repetitions)
@@ -77,6 +85,7 @@ def command_rows(arguments):
 
 
 GROUPS = {"store": (store_rows, ["StoreBenchmark"]), "json": (json_rows, ["JsonBenchmark"]),
+          "timeline": (timeline_rows, ["TimelineBenchmark"]),
           "command": (command_rows, ["orvane", "orvane-server", "BareStatus", "BareIdle"])}
 
 
