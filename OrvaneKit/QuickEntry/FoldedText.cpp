@@ -1,0 +1,308 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "QuickEntry/FoldedText.h"
+
+#include "Support/Require.h"
+
+#include <algorithm>
+#include <unicode/normalizer2.h>
+#include <unicode/uchar.h>
+#include <unicode/utf16.h>
+#include <unicode/utf8.h>
+
+namespace orvane {
+
+namespace {
+
+constexpr std::string_view ellipsis = "\xE2\x80\xA6";
+
+enum class Sort : std::uint8_t { other, letter, small, capital };
+
+Sort sortOf(UChar32 c)
+{
+    if (c < 0x80) {
+        if (c >= 'a' && c <= 'z')
+            return Sort::small;
+        if (c >= 'A' && c <= 'Z')
+            return Sort::capital;
+        return c >= '0' && c <= '9' ? Sort::letter : Sort::other;
+    }
+    if (u_isalnum(c) == 0)
+        return Sort::other;
+    if (u_isupper(c) != 0)
+        return Sort::capital;
+    return u_islower(c) != 0 ? Sort::small : Sort::letter;
+}
+
+bool isMark(UChar32 c)
+{
+    return c >= 0x300 && (U_GET_GC_MASK(c) & U_GC_M_MASK) != 0;
+}
+
+/// Accents and points. The vowel signs of Indic scripts are marks too, but without them words would be
+/// others; those stand in a class of their own.
+bool isDiacritic(UChar32 c)
+{
+    return c >= 0x300 && u_getCombiningClass(c) != 0;
+}
+
+bool isHangulSyllable(UChar32 c)
+{
+    return c >= 0xAC00 && c <= 0xD7A3;
+}
+
+UChar32 plainLetter(UChar32 c)
+{
+    switch (c) {
+    case 0x111:
+        return 'd';
+    case 0x142:
+        return 'l';
+    case 0xF8:
+        return 'o';
+    case 0x127:
+        return 'h';
+    default:
+        return c;
+    }
+}
+
+std::uint64_t letterBit(UChar32 c)
+{
+    // Letters and digits have bits of their own, the rest share what is left.
+    if (c >= 'a' && c <= 'z')
+        return std::uint64_t{1} << (c - 'a');
+    if (c >= '0' && c <= '9')
+        return std::uint64_t{1} << (26 + c - '0');
+    return std::uint64_t{1} << (36 + c % 28);
+}
+
+const icu::Normalizer2 &decomposition()
+{
+    static const icu::Normalizer2 &normalizer = [] -> const icu::Normalizer2 & {
+        UErrorCode status = U_ZERO_ERROR;
+        const auto *found = icu::Normalizer2::getNFDInstance(status);
+        ORVANE_REQUIRE(U_SUCCESS(status) != 0 && found != nullptr, "the normalization data is missing");
+        return *found;
+    }();
+    return normalizer;
+}
+
+} // namespace
+
+class FoldedText::Builder {
+public:
+    explicit Builder(std::size_t size) { m_made.m_text.reserve(size); }
+
+    /// The next character of the original; `size` is how many UTF-16 units it has there.
+    void add(UChar32 c, std::uint32_t size)
+    {
+        const std::uint32_t start = m_end;
+        m_end += size;
+        if (c < 0x80) {
+            begin(sortOf(c));
+            append(c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c, start);
+            return;
+        }
+        m_isPlain = false;
+        if (isDiacritic(c)) {
+            coverMark();
+            return;
+        }
+        if (!isMark(c))
+            begin(sortOf(c));
+        decompose(c, start);
+    }
+
+    FoldedText made() &&
+    {
+        if (m_isPlain)
+            m_made.m_places = {};
+        return std::move(m_made);
+    }
+
+    void addAscii(std::string_view text)
+    {
+        for (const char c : text) {
+            begin(sortOf(c));
+            const char lower = c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+            m_made.m_letters |= letterBit(lower);
+            m_made.m_text.push_back(lower);
+        }
+    }
+
+private:
+    void begin(Sort sort)
+    {
+        if (sort != Sort::other &&
+            (m_before == Sort::other || (m_before == Sort::small && sort == Sort::capital)))
+            m_made.m_wordStarts.push_back(static_cast<std::uint32_t>(m_made.m_text.size()));
+        m_before = sort;
+    }
+
+    void decompose(UChar32 c, std::uint32_t start)
+    {
+        if (isHangulSyllable(c) || U_IS_SURROGATE(c)) {
+            append(c, start);
+            return;
+        }
+        icu::UnicodeString parts;
+        if (decomposition().getDecomposition(c, parts) == 0)
+            parts = c;
+        for (std::int32_t i = 0; i < parts.length(); i = parts.moveIndex32(i, 1)) {
+            const UChar32 part = parts.char32At(i);
+            if (!isDiacritic(part))
+                append(plainLetter(u_foldCase(part, U_FOLD_CASE_DEFAULT)), start);
+        }
+    }
+
+    void append(UChar32 c, std::uint32_t start)
+    {
+        m_made.m_places.push_back({static_cast<std::uint32_t>(m_made.m_text.size()), {start, m_end}});
+        m_made.m_letters |= letterBit(c);
+        if (U_IS_SURROGATE(c)) {
+            m_made.m_text += {static_cast<char>(0xED), static_cast<char>(0x80 | ((c >> 6) & 0x3F)),
+                              static_cast<char>(0x80 | (c & 0x3F))};
+            return;
+        }
+        char bytes[U8_MAX_LENGTH];
+        std::int32_t length = 0;
+        U8_APPEND_UNSAFE(bytes, length, c);
+        m_made.m_text.append(bytes, static_cast<std::size_t>(length));
+    }
+
+    void coverMark()
+    {
+        auto &places = m_made.m_places;
+        if (places.empty())
+            return;
+        const std::size_t reached = places.back().original.end;
+        // One character may have become several, which all lie in the same place.
+        for (auto place = places.rbegin(); place != places.rend() && place->original.end == reached; ++place)
+            place->original.end = m_end;
+    }
+
+    FoldedText m_made;
+    Sort m_before = Sort::other;
+    std::uint32_t m_end = 0;
+    bool m_isPlain = true;
+};
+
+FoldedText FoldedText::of(std::string_view text)
+{
+    Builder builder(text.size());
+    if (std::ranges::none_of(text, [](char c) { return static_cast<signed char>(c) < 0; })) {
+        builder.addAscii(text);
+        return std::move(builder).made();
+    }
+    for (std::size_t i = 0; i < text.size();) {
+        UChar32 c = 0;
+        U8_NEXT_OR_FFFD(text.data(), i, text.size(), c);
+        builder.add(c, U16_LENGTH(c));
+    }
+    return std::move(builder).made();
+}
+
+FoldedText FoldedText::of(std::u16string_view text)
+{
+    Builder builder(text.size());
+    for (std::size_t i = 0; i < text.size();) {
+        UChar32 c = 0;
+        U16_NEXT(text.data(), i, text.size(), c);
+        builder.add(c, U16_LENGTH(c));
+    }
+    return std::move(builder).made();
+}
+
+FoldedText FoldedText::ofName(std::string_view name)
+{
+    if (name.ends_with(ellipsis))
+        name.remove_suffix(ellipsis.size());
+    return of(name);
+}
+
+FoldedText FoldedText::ofName(std::u16string_view name)
+{
+    if (name.ends_with(u'…'))
+        name.remove_suffix(1);
+    return of(name);
+}
+
+TextRange FoldedText::originalRange(std::size_t from, std::size_t to) const
+{
+    ORVANE_REQUIRE(from < to && to <= m_text.size(), "a range outside the text");
+    if (m_places.empty())
+        return {from, to};
+    const auto last = std::ranges::lower_bound(m_places, to, {}, &Place::folded) - 1;
+    return {std::ranges::lower_bound(m_places, from, {}, &Place::folded)->original.start, last->original.end};
+}
+
+std::string FoldedText::joined() const
+{
+    std::string kept;
+    kept.reserve(m_text.size());
+    for (std::size_t i = 0; i < m_text.size();) {
+        const std::size_t start = i;
+        UChar32 c = 0;
+        U8_NEXT(m_text.data(), i, m_text.size(), c);
+        if (c < 0 || sortOf(c) != Sort::other || isMark(c))
+            kept.append(m_text, start, i - start);
+    }
+    return kept;
+}
+
+std::size_t FoldedText::characterSize(char first)
+{
+    const auto byte = static_cast<std::uint8_t>(first);
+    return byte < 0x80 ? 1 : byte < 0xE0 ? 2 : byte < 0xF0 ? 3 : 4;
+}
+
+std::size_t utf16Length(std::string_view text)
+{
+    std::size_t length = 0;
+    for (std::size_t i = 0; i < text.size();) {
+        UChar32 c = 0;
+        U8_NEXT_OR_FFFD(text.data(), i, text.size(), c);
+        length += U16_LENGTH(c);
+    }
+    return length;
+}
+
+bool isSpace(char16_t unit)
+{
+    return u_isUWhiteSpace(unit) != 0;
+}
+
+std::vector<std::u16string_view> wordsOf(std::u16string_view text)
+{
+    std::vector<std::u16string_view> words;
+    for (auto rest = text; !rest.empty();) {
+        const auto end = static_cast<std::size_t>(std::ranges::find_if(rest, isSpace) - rest.begin());
+        if (end > 0)
+            words.push_back(rest.substr(0, end));
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+    return words;
+}
+
+std::vector<std::string_view> wordsOf(std::string_view text)
+{
+    std::vector<std::string_view> words;
+    std::size_t wordStart = 0;
+    const auto endWord = [&](std::size_t end) {
+        if (end > wordStart)
+            words.push_back(text.substr(wordStart, end - wordStart));
+    };
+    for (std::size_t i = 0; i < text.size();) {
+        const std::size_t start = i;
+        UChar32 c = 0;
+        U8_NEXT_OR_FFFD(text.data(), i, text.size(), c);
+        if (u_isUWhiteSpace(c) != 0) {
+            endWord(start);
+            wordStart = i;
+        }
+    }
+    endWord(text.size());
+    return words;
+}
+
+} // namespace orvane
