@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "QuickEntry/SentenceCatalog.h"
+
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orvane {
+
+/// What the "@" and "#" words of a sentence name, by the rules of EntrySentence. A value; any thread.
+struct SentenceMentions {
+    std::optional<std::string> projectID;
+    std::optional<std::string> taskID;
+    std::optional<std::string> clientID;
+    std::vector<std::string> tagIDs;
+    std::vector<bool> isTaken; ///< for each word whether it belongs to a mention that was understood
+
+    static SentenceMentions of(std::span<const std::string_view> words, const SentenceCatalog &catalog);
+};
+
+} // namespace orvane

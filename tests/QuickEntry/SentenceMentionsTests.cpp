@@ -1,0 +1,157 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "QuickEntry/EntrySentence.h"
+#include "Support/DateText.h"
+
+#include <gtest/gtest.h>
+
+namespace orvane {
+namespace {
+
+class SentenceMentionsTest : public testing::Test {
+protected:
+    struct Task {
+        std::string id;
+        std::string name;
+        bool isActive = true;
+    };
+
+    void addProject(std::string id, std::string name, std::optional<std::string> client = {},
+                    const std::vector<Task> &tasks = {}, bool isArchived = false)
+    {
+        ProjectResponse project;
+        project.id = id;
+        project.name = std::move(name);
+        project.clientId = std::move(client);
+        project.isArchived = isArchived;
+        for (const Task &task : tasks)
+            project.tasks.push_back({task.id, id, task.name, task.isActive});
+        projects.push_back(std::move(project));
+    }
+
+    EntrySentence::Reading read(std::string_view line) const
+    {
+        return EntrySentence::read(line, SentenceCatalog(projects, clients, tags), {},
+                                   instantFromIso8601("2025-03-07T12:00:00Z").value(), UserTime::utc());
+    }
+
+    /// "project/task client [tags] description", with a dash for what is not there.
+    std::string summary(std::string_view line) const
+    {
+        const auto reading = read(line);
+        std::string text = reading.projectID.value_or("-") + "/" + reading.taskID.value_or("-") + " " +
+                           reading.clientID.value_or("-") + " [";
+        for (const std::string &tag : reading.tagIDs)
+            text += (text.back() == '[' ? "" : ",") + tag;
+        return text + "] " + reading.description;
+    }
+
+    std::vector<ProjectResponse> projects;
+    std::vector<ClientResponse> clients;
+    std::vector<TagResponse> tags;
+};
+
+TEST_F(SentenceMentionsTest, FindsTheBestMatchOfEachKind)
+{
+    addProject("site", "Website", "acme", {{"design", "Design"}});
+    addProject("big", "Big Project");
+    addProject("api", "API");
+    addProject("docs", "API docs");
+    clients = {{"acme", "w", "Acme Corp", false}};
+    tags = {{
+                "deep",
+                "w",
+                "deep-work",
+            },
+            {"call", "w", "Call"}};
+
+    EXPECT_EQ(summary("Fix @web #deep now #call"), "site/- - [deep,call] Fix now");
+    EXPECT_EQ(summary("@api Fix"), "api/- - [] Fix");     // the whole name rather than a beginning
+    EXPECT_EQ(summary("Fix @bp"), "big/- - [] Fix");      // initials
+    EXPECT_EQ(summary("Fix @project"), "big/- - [] Fix"); // a later word
+    EXPECT_EQ(summary("Fix @roject"), "-/- - [] Fix @roject");
+    EXPECT_EQ(summary("Fix @acme"), "-/- acme [] Fix");
+    EXPECT_EQ(summary("@acme @web Fix"), "site/- acme [] Fix");
+    EXPECT_EQ(summary("Fix @design"), "site/design - [] Fix");
+    EXPECT_EQ(summary("#call #Call #CALL x"), "-/- - [call] x");
+    // Unknown ones, signs alone and signs inside words are text.
+    EXPECT_EQ(summary("Ask @nobody about C# @ # me@web #nothing"),
+              "-/- - [] Ask @nobody about C# @ # me@web #nothing");
+    // The second project is text.
+    EXPECT_EQ(summary("@web @big fix"), "site/- - [] @big fix");
+    EXPECT_EQ(summary("@web, fix #call."), "site/- - [call] fix");
+}
+
+TEST_F(SentenceMentionsTest, ReadsNamesWithSpacesQuotedOrJoined)
+{
+    addProject("big", "Big Project", {}, {{"write", "Write up"}});
+    addProject("bigger", "Big Projection");
+    addProject("slash", "CI/CD");
+    addProject("cafe", "Café Noir");
+    tags = {{"deep", "w", "Deep work"}, {"cpp", "w", "C++"}, {"cs", "w", "C#"}};
+
+    for (const char *name :
+         {"@\"Big Project\"", "@\"big   project\"", "@bigproject", "@big-project", "@Big_Project",
+          "@\xE2\x80\x9C"
+          "Big Project\xE2\x80\x9D",
+          "@\xE2\x80\x9E"
+          "Big Project\xE2\x80\x9C",
+          "@\"Big Project\"."})
+        EXPECT_EQ(summary(std::string("Fix ") + name + " bug"), "big/- - [] Fix bug") << name;
+    for (const char *name : {"@bigproject/writeup", "@\"Big Project\"/write", "@bigproject/\"Write up\"",
+                             "@\"Big Project\"/\"Write up\""})
+        EXPECT_EQ(summary(std::string("Fix ") + name + " bug"), "big/write - [] Fix bug") << name;
+    EXPECT_EQ(summary("@ci/cd fix"), "slash/- - [] fix");
+    EXPECT_EQ(summary("@cafe-noir #deep-work #\"Deep work\" x"), "cafe/- - [deep] x");
+    EXPECT_EQ(summary("x #C++ #c#"), "-/- - [cpp,cs] x");
+    EXPECT_EQ(summary("x #c"), "-/- - [] x #c");
+    // A quote that is not closed, or closed too far away, is text; so is what hangs on to one.
+    EXPECT_EQ(summary("Say @\"Big Project and go"), "-/- - [] Say @\"Big Project and go");
+    EXPECT_EQ(summary("Say @\"Big Project\"s x"), "-/- - [] Say @\"Big Project\"s x");
+    EXPECT_EQ(summary("@bigproject/nothing x"), "-/- - [] @bigproject/nothing x");
+    // "$" is billable wherever it stands.
+    const auto reading = read("@\"Big $ Project\" x");
+    EXPECT_TRUE(reading.isBillable);
+    EXPECT_EQ(reading.projectID, "big");
+}
+
+TEST_F(SentenceMentionsTest, TakesOnlyWhatIsUnambiguous)
+{
+    addProject("site", "Web site", "acme", {{"d1", "Design"}, {"old", "Old task", false}});
+    addProject("shop", "Web shop", "bolt", {{"d2", "Design"}, {"d3", "Designer"}});
+    addProject("gone", "Gone", {}, {{"lost", "Lost"}}, true);
+    addProject("upper", "NOTES");
+    addProject("lower", "notes");
+    addProject("acmeproject", "Bolt");
+    clients = {{"acme", "w", "Acme", false}, {"bolt", "w", "Bolt", false}, {"shut", "w", "Shut", true}};
+
+    EXPECT_EQ(summary("@web x"), "-/- - [] @web x");
+    EXPECT_EQ(summary("@design x"), "-/- - [] @design x");
+    EXPECT_EQ(summary("@NOTES x"), "upper/- - [] x");
+    EXPECT_EQ(summary("@Notes x"), "-/- - [] @Notes x");
+    // What else is named decides, wherever it stands.
+    EXPECT_EQ(summary("@acme @web x"), "site/- acme [] x");
+    EXPECT_EQ(summary("@acme/web x"), "site/- - [] x");
+    EXPECT_EQ(summary("@design @websh x"), "shop/d2 - [] x");
+    EXPECT_EQ(summary("@websh @design x"), "shop/d2 - [] x");
+    EXPECT_EQ(summary("@websh/design x"), "shop/d2 - [] x");
+    EXPECT_EQ(summary("@web-site @designer x"), "site/- - [] @designer x");
+    // The project comes before the client of the same name.
+    EXPECT_EQ(summary("@bolt x"), "acmeproject/- - [] x");
+    // What is not active any more is not meant.
+    EXPECT_EQ(summary("@gone @lost @shut @old x"), "-/- - [] @gone @lost @shut @old x");
+}
+
+TEST_F(SentenceMentionsTest, ListsItsChips)
+{
+    addProject("api", "API", {}, {{"t", "Tests"}});
+    clients = {{"acme", "w", "Acme", false}};
+    tags = {{"a", "w", "one"}, {"b", "w", "two"}};
+    using enum EntrySentence::Chip;
+    EXPECT_EQ(read("$ #two @acme #one @api/tests").chips(),
+              (std::vector<EntrySentence::ShownChip>{
+                  {project, "api"}, {client, "acme"}, {tag, "b"}, {tag, "a"}, {billable, ""}}));
+    EXPECT_TRUE(read("nothing").chips().empty());
+}
+
+} // namespace
+} // namespace orvane
