@@ -76,6 +76,13 @@ def timeline_rows(arguments):
     yield row("a day from twice the events, beside the half", found["dayOf100000"] / found["dayOf50000"], 2.6)
 
 
+def calendar_rows(arguments):
+    found = times("CalendarBenchmark", arguments.repetitions, arguments.folder)
+    # Time that grows by n log n little more than doubles when n does.
+    for what, name in (("a day of 500 entries", "layoutDay"), ("a year of 10,000 entries", "layoutYear")):
+        yield row(f"layout of twice {what}, beside that of one", min(found[name + "Doubled"]) / min(found[name]), 2.6)
+
+
 def command_rows(arguments):
     with tempfile.TemporaryDirectory(dir=arguments.folder) as folder:
         status, offline = command_runs.measure(BUILD / "bin", PROGRAMS, folder, 2 * arguments.repetitions)
@@ -86,6 +93,7 @@ def command_rows(arguments):
 
 GROUPS = {"store": (store_rows, ["StoreBenchmark"]), "json": (json_rows, ["JsonBenchmark"]),
           "timeline": (timeline_rows, ["TimelineBenchmark"]),
+          "calendar": (calendar_rows, ["CalendarBenchmark"]),
           "command": (command_rows, ["orvane", "orvane-server", "BareStatus", "BareIdle"])}
 
 

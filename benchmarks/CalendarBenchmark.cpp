@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Laying out a crowded day and a whole year, each beside twice as many entries.
+#include "Calendar/CalendarLayout.h"
+#include "Support/Require.h"
+
+#include <benchmark/benchmark.h>
+#include <random>
+
+namespace {
+
+using namespace orvane;
+
+/// Entries of one to six hours that start anywhere in so many days.
+std::vector<TimeEntryResponse> sampleEntries(int count, DayKey first, int days, const UserTime &time)
+{
+    std::mt19937_64 random(20'260'301);
+    const Instant begin = time.startOfDay(first);
+    const auto seconds = static_cast<std::uint64_t>(days) * 86'400;
+    std::vector<TimeEntryResponse> entries;
+    for (int number = 0; number < count; ++number) {
+        TimeEntryResponse &entry = entries.emplace_back();
+        entry.id = "entry " + std::to_string(number);
+        entry.description = "Review the change to the totals, number " + std::to_string(number);
+        entry.start = begin + std::chrono::seconds{random() % seconds};
+        entry.stop = entry.start + std::chrono::minutes{60 + random() % 300};
+    }
+    return entries;
+}
+
+void layOut(benchmark::State &state, int count, int days)
+{
+    const UserTime time = UserTime::make("Europe/Paris").value();
+    const DayKey first{2026, 1, 1};
+    const auto entries = sampleEntries(count, first, days, time);
+    const DayKey last = first.adding(days - 1);
+    for (auto step : state) {
+        static_cast<void>(step);
+        const auto columns = CalendarLayout::days(entries, first, last, time, entries.front().start);
+        ORVANE_REQUIRE(columns.front().segments.front().lanes > 0, "nothing was laid out");
+        benchmark::DoNotOptimize(columns.data());
+    }
+}
+
+void layoutDay(benchmark::State &state)
+{
+    layOut(state, 500, 1);
+}
+BENCHMARK(layoutDay)->Unit(benchmark::kMicrosecond);
+
+void layoutDayDoubled(benchmark::State &state)
+{
+    layOut(state, 1'000, 1);
+}
+BENCHMARK(layoutDayDoubled)->Unit(benchmark::kMicrosecond);
+
+void layoutYear(benchmark::State &state)
+{
+    layOut(state, 10'000, 365);
+}
+BENCHMARK(layoutYear)->Unit(benchmark::kMicrosecond);
+
+void layoutYearDoubled(benchmark::State &state)
+{
+    layOut(state, 20'000, 365);
+}
+BENCHMARK(layoutYearDoubled)->Unit(benchmark::kMicrosecond);
+
+} // namespace
+
+BENCHMARK_MAIN();
