@@ -5,7 +5,10 @@
 #include "Input/MomentText.h"
 #include "Output/EntryText.h"
 #include "Output/JsonShapes.h"
+#include "Output/WeekCalendar.h"
 #include "Time/AppClock.h"
+
+#include <algorithm>
 
 namespace orvane {
 
@@ -37,6 +40,21 @@ bool isInWindow(const Tracker &tracker, const DayRange &range)
            range.first.adding(range.count) <= week.adding(7);
 }
 
+/// The week as a picture; nothing of an empty week, for which the list has better words.
+std::optional<std::string> picture(Tracker &tracker, const std::vector<DayGroup> &days,
+                                   const TerminalStyle &style)
+{
+    const auto columns = CalendarLayout::days(tracker.entries(), days.front().day, days.back().day,
+                                              tracker.time(), AppClock::now());
+    if (std::ranges::all_of(columns, [](const CalendarDay &column) { return column.segments.empty(); }))
+        return std::nullopt;
+    std::vector<std::int64_t> seconds;
+    for (const DayGroup &day : days)
+        seconds.push_back(shapes::secondsOf(day.entries, AppClock::now()));
+    return WeekCalendar(tracker.time(), style, WeekCalendar::labelsFrom(tracker.catalog()))
+        .text(columns, seconds);
+}
+
 CommandTask list(Context context, ListOptions options)
 {
     const auto opened = co_await context->openAccount();
@@ -51,7 +69,13 @@ CommandTask list(Context context, ListOptions options)
     if (!isInWindow(tracker, *range) && !co_await tracker.loadDays(range->first, range->count))
         co_return failure(CommandFailure::of(
             "These days are not kept on this computer, and the server cannot be reached."));
+    const bool isPicture = options.week && !context->json() && WeekCalendar::fits(context->style());
+    // What began on the evening before reaches into the picture. It can do without when it cannot be had.
+    if (isPicture && account.isReachable())
+        co_await tracker.loadDays(range->first.adding(-1), 1);
     const auto days = tracker.days(range->first, range->count);
+    if (auto drawn = isPicture ? picture(tracker, days, context->style()) : std::nullopt)
+        co_return CommandAnswer{.output = *std::move(drawn)};
     if (!context->json())
         co_return CommandAnswer{.output = EntryWriter(tracker, context->style()).days(days)};
     shapes::Days answer;
