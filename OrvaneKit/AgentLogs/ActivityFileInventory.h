@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "AgentLogs/ActivityFileStamp.h"
+#include "AgentLogs/AgentLogFormat.h"
+
+#include <set>
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+namespace orvane {
+
+/// What logs there are. A folder is listed again only when its stamp changed; each file is looked at every
+/// time, without opening it. One thread at a time.
+///
+/// Links are followed, but no folder is gone into twice on one way down, and none below a hundred levels. A
+/// folder that cannot be read has nothing in it.
+class ActivityFileInventory {
+public:
+    struct File {
+        std::string url; ///< its path
+        ActivityFileStamp stamp;
+
+        bool operator==(const File &) const = default;
+    };
+
+    /// The logs below `folder` (the one that holds an agent's logs), by path. Gone ones are forgotten.
+    std::vector<File> files(const AgentLogFormat &format, const std::string &folder);
+    void clear() { m_directories.clear(); }
+
+    /// How many folders were listed so far, a cost measure.
+    std::int64_t listings() const { return m_listings; }
+
+private:
+    struct Child {
+        std::string name;
+        bool mayBeDirectory = false; ///< the listing says so, or does not say
+        bool isLog = false;
+    };
+    struct Directory {
+        ActivityFileStamp stamp;
+        std::vector<Child> children; ///< by name
+        /// Listed so soon after a change that another could have got the same stamp.
+        bool isFresh = true;
+    };
+    struct Walk;
+
+    void walk(Walk &walk, int parent, const std::string &path, int level);
+    Directory &list(const AgentLogFormat &format, int handle, const std::string &path,
+                    const ActivityFileStamp &stamp);
+
+    std::unordered_map<std::string, Directory> m_directories;
+    std::int64_t m_listings = 0;
+};
+
+} // namespace orvane

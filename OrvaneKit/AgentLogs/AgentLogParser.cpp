@@ -1,0 +1,186 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "AgentLogs/AgentLogParser.h"
+
+#include "AgentLogs/SessionTitle.h"
+
+#include <algorithm>
+
+namespace orvane {
+
+namespace {
+
+/// More prompts than anybody queues.
+constexpr std::size_t queuedAtMost = 64;
+
+/// FNV-1a: the text itself is not kept.
+std::int64_t digest(std::string_view text)
+{
+    std::uint64_t hash = 0xCBF2'9CE4'8422'2325U;
+    for (const char c : text)
+        hash = (hash ^ static_cast<unsigned char>(c)) * 0x100'0000'01B3U;
+    // A JSON number of ours is a signed one.
+    return static_cast<std::int64_t>(hash >> 1U);
+}
+
+} // namespace
+
+AgentLogParser::AgentLogParser(AgentSource source, bool readsQuickly) : m_readsQuickly(readsQuickly)
+{
+    m_state.source = source;
+}
+
+AgentLogParser::AgentLogParser(State state) : m_state(std::move(state)), m_readsQuickly(true) {}
+
+void AgentLogParser::read(std::string_view line)
+{
+    switch (m_state.source) {
+    case AgentSource::claude:
+        return readClaude(line);
+    case AgentSource::codex:
+        return readCodex(line);
+    case AgentSource::copilot:
+        return readCopilot(line);
+    }
+}
+
+std::vector<AgentSession> AgentLogParser::sessions() const
+{
+    std::vector<AgentSession> sessions;
+    for (const auto &[key, known] : m_state.sessions) {
+        AgentSession &session = sessions.emplace_back(known);
+        const auto turn = m_state.turns.find(key);
+        if (turn != m_state.turns.end() && !turn->second.callsOnlyOwn.value_or(false)) {
+            for (const Instant touch : turn->second.touches)
+                session.events.push_back({touch, true});
+        }
+        std::ranges::sort(session.events);
+        const auto twins = std::ranges::unique(session.events);
+        session.events.erase(twins.begin(), twins.end());
+        const auto custom = m_state.customTitles.find(key);
+        if (custom != m_state.customTitles.end())
+            session.title = custom->second;
+    }
+    return sessions;
+}
+
+AgentSession &AgentLogParser::session(std::string_view prefix, std::string_view id)
+{
+    const std::string_view last = m_last == nullptr ? std::string_view{} : m_last->id;
+    if (last.size() == prefix.size() + id.size() && last.starts_with(prefix) && last.ends_with(id))
+        return *m_last;
+    m_state.currentID = std::string(prefix) + std::string(id);
+    return *current();
+}
+
+AgentSession *AgentLogParser::current()
+{
+    const std::string &key = m_state.currentID;
+    if (key.empty())
+        return nullptr;
+    if (m_last == nullptr || m_last->id != key) {
+        m_last = &m_state.sessions[key];
+        m_last->id = key;
+        m_last->source = m_state.source;
+        m_lastTurn = nullptr;
+    }
+    return m_last;
+}
+
+AgentLogParser::Turn &AgentLogParser::turn(const AgentSession &session)
+{
+    if (&session != m_last)
+        return m_state.turns[session.id];
+    if (m_lastTurn == nullptr)
+        m_lastTurn = &m_state.turns[session.id];
+    return *m_lastTurn;
+}
+
+void AgentLogParser::prompt(AgentSession &session, Instant date, std::string_view text)
+{
+    Turn &present = turn(session);
+    const bool isTelling = sessiontitle::isTelling(text);
+    std::string title = sessiontitle::ofPrompt(text);
+    if (!m_state.titleFinished && !title.empty() && (isTelling || session.title.empty()))
+        session.title = title;
+    if (!present.awaitsPrompt || present.callsOnlyOwn.has_value()) {
+        endTurn(session, present);
+        present = {};
+    }
+    present.awaitsPrompt = false;
+    present.touch = std::max(present.touch, date);
+    present.title = isTelling ? std::move(title) : std::string{};
+    session.events.push_back({date, false});
+}
+
+void AgentLogParser::queuedPrompt(AgentSession &session, Instant date, std::string_view text)
+{
+    prompt(session, date, text);
+    if (m_state.queued.size() == queuedAtMost)
+        m_state.queued.erase(m_state.queued.begin());
+    m_state.queued.push_back(digest(text));
+}
+
+bool AgentLogParser::wasQueued(std::string_view text)
+{
+    const auto found = std::ranges::find(m_state.queued, digest(text));
+    if (found == m_state.queued.end())
+        return false;
+    m_state.queued.erase(found);
+    return true;
+}
+
+void AgentLogParser::beginTask(AgentSession &session, Instant date)
+{
+    Turn &present = turn(session);
+    endTurn(session, present);
+    present = {};
+    present.awaitsPrompt = true;
+    work(session, date);
+}
+
+void AgentLogParser::work(AgentSession &session, Instant date, const ToolCalls &calls)
+{
+    Turn &present = turn(session);
+    present.touch = std::max(present.touch, date);
+    if (calls.hasOther() && present.callsOnlyOwn != false) {
+        present.callsOnlyOwn = false;
+        endTurn(session, present);
+    } else if (calls.hasOwn() && !present.callsOnlyOwn) {
+        present.callsOnlyOwn = true;
+    }
+    if (present.callsOnlyOwn == false)
+        session.events.push_back({date, true});
+    else
+        present.touches.push_back(date);
+}
+
+/// What was held back counts now, or never.
+void AgentLogParser::endTurn(AgentSession &session, Turn &turn)
+{
+    if (!turn.callsOnlyOwn.value_or(false)) {
+        for (const Instant touch : turn.touches)
+            session.events.push_back({touch, true});
+        settleTitle(session, turn);
+    }
+    turn.touches.clear();
+}
+
+void AgentLogParser::settleTitle(AgentSession &session, const Turn &turn)
+{
+    if (m_state.titleFinished || turn.title.empty())
+        return;
+    session.title = turn.title;
+    m_state.titleFinished = true;
+}
+
+void placeSession(AgentSession &session, std::string_view folder, std::string_view branch)
+{
+    if (!folder.empty() && session.cwd != folder)
+        session.cwd = folder;
+    if (branch.empty() || (!session.branches.empty() && session.branches.back() == branch))
+        return;
+    if (std::ranges::find(session.branches, branch) == session.branches.end())
+        session.branches.emplace_back(branch);
+}
+
+} // namespace orvane

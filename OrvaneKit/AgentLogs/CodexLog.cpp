@@ -1,0 +1,183 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The lines of Codex: a date, a type and a payload. A file is one session's, which its first line names.
+#include "AgentLogs/AgentLogParser.h"
+#include "AgentLogs/JsonBytes.h"
+#include "AgentLogs/LogRecords.h"
+#include "Support/DateText.h"
+
+namespace orvane {
+
+namespace {
+
+using jsonbytes::ObjectWalk;
+
+constexpr std::string_view keyPrefix = "codex:";
+
+/// All lines that repeat the parent's are stamped with the moment of the fork.
+constexpr std::chrono::seconds forkLength{1};
+
+struct Glance {
+    std::string_view timestamp, type, payloadType, role, tool, space;
+    bool hasPayload = false;
+};
+
+void glanceAtPayload(ObjectWalk &line, Glance &glance)
+{
+    ObjectWalk payload(line.value(), line.limit());
+    while (payload.next()) {
+        const std::string_view name = payload.name();
+        if (name == "type")
+            glance.payloadType = payload.text().value_or(std::string_view{});
+        else if (name == "role")
+            glance.role = payload.text().value_or(std::string_view{});
+        else if (name == "name")
+            glance.tool = payload.text().value_or(std::string_view{});
+        else if (name == "namespace")
+            glance.space = payload.text().value_or(std::string_view{});
+        // Of a message only the role matters, and what comes back from a tool is nothing at all.
+        if (glance.payloadType.ends_with("_output") || glance.payloadType == "reasoning" ||
+            (glance.payloadType == "message" && !glance.role.empty()))
+            break;
+    }
+    glance.hasPayload = true;
+    line.taken(payload.finish());
+}
+
+bool isInteresting(std::string_view type)
+{
+    return type == "session_meta" || type == "event_msg" || type == "response_item";
+}
+
+bool isSubagent(const logrecords::Field &source)
+{
+    using namespace logrecords;
+    if (const auto plain = text(source))
+        return *plain == "subagent" || *plain == "review";
+    return inside<Source>(source).subagent.has_value();
+}
+
+std::string parentOf(const logrecords::Payload &payload)
+{
+    using namespace logrecords;
+    const auto source = inside<Source>(payload.source);
+    const auto spawn = inside<Spawn>(inside<Subagent>(source.subagent).thread_spawn);
+    std::string parent = textOr(spawn.parent_thread_id);
+    if (parent.empty() && isSubagent(payload.source))
+        parent = textOr(payload.parent_thread_id);
+    return parent.empty() ? parent : std::string(keyPrefix) + parent;
+}
+
+} // namespace
+
+void AgentLogParser::readCodex(std::string_view line)
+{
+    if (!m_readsQuickly || !readCodexQuickly(line))
+        readCodexFully(line);
+}
+
+/// Whether the line still belongs to the history of the session that this one was forked from. A task whose
+/// id is no older than the session's own ends it: such ids begin with the time at which they were made.
+bool AgentLogParser::isPassingOver(Instant date, std::string_view taskStarted)
+{
+    if (!m_state.forkedAt)
+        return false;
+    const std::string_view own = std::string_view(m_state.currentID).substr(keyPrefix.size());
+    if (date > *m_state.forkedAt + forkLength || (!taskStarted.empty() && taskStarted >= own))
+        m_state.forkedAt.reset();
+    return m_state.forkedAt.has_value();
+}
+
+bool AgentLogParser::readCodexQuickly(std::string_view line)
+{
+    ObjectWalk walk(line);
+    Glance glance;
+    while (walk.next()) {
+        const std::string_view name = walk.name();
+        if (name == "timestamp") {
+            glance.timestamp = walk.text().value_or(std::string_view{});
+        } else if (name == "type") {
+            glance.type = walk.text().value_or(std::string_view{});
+            if (!isInteresting(glance.type))
+                return true;
+            if (glance.type == "session_meta")
+                return false;
+        } else if (name == "payload" && walk.first() == '{') {
+            glanceAtPayload(walk, glance);
+        }
+        if (glance.hasPayload && !glance.type.empty() && !glance.timestamp.empty())
+            break;
+    }
+    if (walk.isBroken())
+        return false;
+    if (glance.type != "response_item")
+        return glance.payloadType != "user_message" && glance.payloadType != "task_started";
+    const bool isCall = glance.payloadType.ends_with("_call");
+    if (isCall && glance.tool == "exec")
+        return false;
+    if (!isCall && glance.role != "assistant")
+        return true;
+    const auto date = instantFromIso8601(glance.timestamp);
+    AgentSession *session = current();
+    if (!date || session == nullptr || isPassingOver(*date))
+        return true;
+    ToolCalls calls;
+    if (isCall)
+        calls.add(toolCall(glance.tool.empty() ? glance.payloadType : glance.tool, glance.space));
+    work(*session, *date, calls);
+    return true;
+}
+
+void AgentLogParser::readCodexFully(std::string_view line)
+{
+    using namespace logrecords;
+    const auto record = logrecords::read<Record>(line);
+    if (!record)
+        return;
+    const std::string type = textOr(record->type);
+    if (!isInteresting(type))
+        return;
+    const auto payload = inside<Payload>(record->payload);
+    const auto date = instantFromIso8601(textOr(record->timestamp));
+    if (type == "session_meta") {
+        const std::string id = textOr(payload.id);
+        const std::string key = std::string(keyPrefix) + id;
+        const bool isFirst = m_state.currentID.empty();
+        if (id.empty() || (!isFirst && key != m_state.currentID)) {
+            if (!id.empty() && date && current()->events.empty() && !m_state.forkedAt)
+                m_state.forkedAt = date;
+            return;
+        }
+        AgentSession &session = this->session(keyPrefix, id);
+        placeSession(session, textOr(payload.cwd), textOr(inside<Git>(payload.git).branch));
+        if (isFirst) {
+            session.parentID = parentOf(payload);
+            m_state.isSubagent = isSubagent(payload.source);
+        }
+        return;
+    }
+    AgentSession *session = current();
+    const std::string kind = textOr(payload.type);
+    const bool isTask = type == "event_msg" && kind == "task_started";
+    if (!date || session == nullptr || isPassingOver(*date, isTask ? textOr(payload.turn_id) : std::string{}))
+        return;
+    if (isTask) {
+        beginTask(*session, *date);
+    } else if (type == "event_msg") {
+        if (kind == "user_message" && m_state.isSubagent)
+            work(*session, *date);
+        else if (kind == "user_message")
+            prompt(*session, *date, textOr(payload.message));
+    } else if (kind.ends_with("_call")) {
+        const std::string tool = textOr(payload.name, kind);
+        ToolCalls calls;
+        if (tool == "exec")
+            calls.addCode(textOr(payload.input));
+        else
+            calls.add(toolCall(tool, textOr(payload.namespace_)));
+        work(*session, *date, calls);
+    } else if (text(payload.role) == "assistant") {
+        work(*session, *date);
+    }
+}
+
+} // namespace orvane
