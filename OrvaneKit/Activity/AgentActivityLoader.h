@@ -20,6 +20,10 @@ namespace orvane {
 /// files are parsed on all cores). Its calls can come from any thread with an event loop and resume there.
 /// Whoever holds the account owns it. It reads the logs and never changes them; a log that cannot be read is
 /// passed over and tried again at the next request.
+///
+/// A log that was last written before the days asked for is left unread, unless it belongs to a session that
+/// went on. What was read is kept in memory: of 65,536 logs at most, and 64 MiB; a log that was forgotten is
+/// read again when it is needed.
 class AgentActivityLoader {
 public:
     /// What to build.
@@ -62,9 +66,8 @@ public:
     Task<> clear();
 
 private:
-    class Pass;
-    struct State;
-    std::unique_ptr<State> m_state;
+    class State;
+    std::shared_ptr<State> m_state;
 };
 
 } // namespace orvane
