@@ -3,27 +3,33 @@
 #include "Calendar/CalendarLayout.h"
 #include "Support/Require.h"
 
+#include <algorithm>
 #include <benchmark/benchmark.h>
+#include <functional>
 #include <random>
 
 namespace {
 
 using namespace orvane;
 
-/// Entries of one to six hours that start anywhere in so many days.
+/// Entries that start anywhere in so many days, the newest first. On a single one they are so long that most
+/// of them overlap, which a search of all lanes would show.
 std::vector<TimeEntryResponse> sampleEntries(int count, DayKey first, int days, const UserTime &time)
 {
     std::mt19937_64 random(20'260'301);
     const Instant begin = time.startOfDay(first);
     const auto seconds = static_cast<std::uint64_t>(days) * 86'400;
+    const std::uint64_t longest = days == 1 ? 1'200 : 300;
     std::vector<TimeEntryResponse> entries;
     for (int number = 0; number < count; ++number) {
         TimeEntryResponse &entry = entries.emplace_back();
         entry.id = "entry " + std::to_string(number);
         entry.description = "Review the change to the totals, number " + std::to_string(number);
         entry.start = begin + std::chrono::seconds{random() % seconds};
-        entry.stop = entry.start + std::chrono::minutes{60 + random() % 300};
+        entry.stop = entry.start + std::chrono::minutes{60 + random() % longest};
     }
+    // As the tracker holds them.
+    std::ranges::sort(entries, std::greater(), &TimeEntryResponse::start);
     return entries;
 }
 
