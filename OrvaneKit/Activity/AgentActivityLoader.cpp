@@ -82,7 +82,7 @@ struct Completed {
     std::array<std::vector<File>, agentCount> files;
     std::array<std::optional<ActivityFileStamp>, agentCount> indexes;
     std::vector<RepositoryCache::Repository> repositories;
-    std::vector<ActivityDay> days;
+    std::shared_ptr<const std::vector<ActivityDay>> days;
 };
 
 /// What one pass over the files found.
@@ -172,7 +172,7 @@ AgentActivityLoader::Answer AgentActivityLoader::State::days(const Request &requ
     const auto began = std::chrono::steady_clock::now();
     if (m_repositories.home() != request.home)
         m_repositories = RepositoryCache(request.home);
-    Answer answer;
+    Answer answer{.days = std::make_shared<std::vector<ActivityDay>>(), .cost = {}};
     for (std::uint64_t seen = ~generation; seen != generation && !isClosing;) {
         // An answer that was built while everything was forgotten is built anew.
         seen = generation;
@@ -198,9 +198,11 @@ AgentActivityLoader::Answer AgentActivityLoader::State::pass(const Request &requ
     const bool isWhole = this->read(request, files, read, answer.cost, progress);
     Gathered gathered;
     gather(read, reach(request), gathered);
+    auto days = std::make_shared<std::vector<ActivityDay>>();
     for (const DayKey day : request.days)
-        answer.days.push_back(
+        days->push_back(
             ActivityTimeline::day(day, request.zone.dayInterval(day), gathered.placed, request.ignoring));
+    answer.days = std::move(days);
     // A log that could not be read is tried again.
     if (!isWhole)
         return answer;

@@ -45,7 +45,9 @@ public:
         double seconds = 0;
     };
     struct Answer {
-        std::vector<ActivityDay> days; ///< one for each day asked for, in that order
+        /// One for each day asked for, in that order. Never null; shared, since the same request is answered
+        /// with the same days as long as nothing changed.
+        std::shared_ptr<const std::vector<ActivityDay>> days;
         Cost cost;
     };
     struct Progress {

@@ -18,6 +18,12 @@ constexpr int deepest = 100;
 /// A file system's clock may stand still for some milliseconds, or whole seconds on older ones.
 constexpr std::int64_t clockGrain = 2;
 
+#ifdef O_PATH
+constexpr int lookOnly = O_PATH;
+#else
+constexpr int lookOnly = O_RDONLY;
+#endif
+
 class Handle {
 public:
     explicit Handle(int descriptor) : m_descriptor(descriptor) {}
@@ -48,54 +54,57 @@ struct ActivityFileInventory::Walk {
     std::vector<File> files;
     /// The folders on the way down to where we are.
     std::vector<std::pair<std::int64_t, std::int64_t>> way;
-    std::set<std::string> met;
 };
 
 std::vector<ActivityFileInventory::File> ActivityFileInventory::files(const AgentLogFormat &format,
                                                                       const std::string &folder)
 {
-    Walk walk{.format = format, .files = {}, .way = {}, .met = {}};
-    this->walk(walk, AT_FDCWD, folder, 0);
+    ++m_walks;
+    Walk walk{.format = format, .files = {}, .way = {}};
+    this->walk(walk, folder, 0);
     std::erase_if(m_directories, [&](const auto &entry) {
         const std::string &path = entry.first;
-        const bool isBelow = path == folder || (path.starts_with(folder) && path[folder.size()] == '/');
-        return isBelow && !walk.met.contains(path);
+        return entry.second.walk != m_walks && path.starts_with(folder) &&
+               (path.size() == folder.size() || path[folder.size()] == '/');
     });
-    std::ranges::sort(walk.files, {}, &File::url);
+    if (!std::ranges::is_sorted(walk.files, {}, &File::url))
+        std::ranges::sort(walk.files, {}, &File::url);
     return std::move(walk.files);
 }
 
-void ActivityFileInventory::walk(Walk &walk, int parent, const std::string &path, int level)
+void ActivityFileInventory::walk(Walk &walk, const std::string &path, int level)
 {
-    const auto slash = path.rfind('/');
-    const char *name =
-        parent == AT_FDCWD || slash == std::string::npos ? path.c_str() : path.c_str() + slash + 1;
-    const Handle handle(::openat(parent, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK));
-    struct stat status{};
-    if (handle.get() < 0 || ::fstat(handle.get(), &status) != 0)
+    const auto stamp = ActivityFileStamp::of(path);
+    if (!stamp || !stamp->isDirectory)
         return;
-    const ActivityFileStamp stamp = ActivityFileStamp::of(status);
-    const std::pair place{stamp.device, stamp.inode};
+    const std::pair place{stamp->device, stamp->inode};
     if (std::ranges::find(walk.way, place) != walk.way.end())
         return;
     walk.way.push_back(place);
-    walk.met.insert(path);
-    const Directory &directory = list(walk.format, handle.get(), path, stamp);
+    Directory &directory = list(walk.format, path, *stamp);
+    directory.walk = m_walks;
+    // From inside the folder the way to each file is short.
+    const bool isWorthOpening = directory.children.size() > 8;
+    const Handle handle(isWorthOpening ? ::open(path.c_str(), lookOnly | O_DIRECTORY | O_CLOEXEC) : -1);
     std::string child = path + "/";
     const std::size_t root = child.size();
     for (const Child &entry : directory.children) {
         child.resize(root);
         child += entry.name;
-        if (entry.isLog && level >= walk.format.levels.lowest &&
-            ::fstatat(handle.get(), entry.name.c_str(), &status, 0) == 0 && S_ISREG(status.st_mode))
+        struct stat status{};
+        const auto look = [&] {
+            return handle.get() >= 0 ? ::fstatat(handle.get(), entry.name.c_str(), &status, 0)
+                                     : ::stat(child.c_str(), &status);
+        };
+        if (entry.isLog && level >= walk.format.levels.lowest && look() == 0 && S_ISREG(status.st_mode))
             walk.files.push_back({child, ActivityFileStamp::of(status)});
         else if (entry.mayBeDirectory && level < walk.format.levels.highest && level < deepest)
-            this->walk(walk, handle.get(), child, level + 1);
+            this->walk(walk, child, level + 1);
     }
     walk.way.pop_back();
 }
 
-ActivityFileInventory::Directory &ActivityFileInventory::list(const AgentLogFormat &format, int handle,
+ActivityFileInventory::Directory &ActivityFileInventory::list(const AgentLogFormat &format,
                                                               const std::string &path,
                                                               const ActivityFileStamp &stamp)
 {
@@ -104,11 +113,9 @@ ActivityFileInventory::Directory &ActivityFileInventory::list(const AgentLogForm
         return directory;
     directory = {.stamp = stamp, .children = {}, .isFresh = now() - stamp.changeSeconds <= clockGrain};
     ++m_listings;
-    const std::unique_ptr<DIR, int (*)(DIR *)> entries(::fdopendir(::dup(handle)), &::closedir);
+    const std::unique_ptr<DIR, int (*)(DIR *)> entries(::opendir(path.c_str()), &::closedir);
     if (!entries)
         return directory;
-    // The walk goes on at the handle's own place otherwise.
-    ::rewinddir(entries.get());
     while (const dirent *entry = ::readdir(entries.get())) {
         const std::string_view name = entry->d_name;
         if (name == "." || name == "..")
@@ -120,7 +127,10 @@ ActivityFileInventory::Directory &ActivityFileInventory::list(const AgentLogForm
         if (child.mayBeDirectory || child.isLog)
             directory.children.push_back(std::move(child));
     }
-    std::ranges::sort(directory.children, {}, &Child::name);
+    // As their paths will sort, in which a folder's name ends with a slash.
+    std::ranges::sort(directory.children, {}, [](const Child &child) {
+        return child.mayBeDirectory ? child.name + "/" : child.name;
+    });
     return directory;
 }
 

@@ -4,10 +4,8 @@
 #include "AgentLogs/ActivityFileStamp.h"
 #include "AgentLogs/AgentLogFormat.h"
 
-#include <set>
 #include <string>
 #include <unordered_map>
-#include <utility>
 #include <vector>
 
 namespace orvane {
@@ -44,14 +42,15 @@ private:
         std::vector<Child> children; ///< by name
         /// Listed so soon after a change that another could have got the same stamp.
         bool isFresh = true;
+        std::uint64_t walk = 0; ///< the last that met it
     };
     struct Walk;
 
-    void walk(Walk &walk, int parent, const std::string &path, int level);
-    Directory &list(const AgentLogFormat &format, int handle, const std::string &path,
-                    const ActivityFileStamp &stamp);
+    void walk(Walk &walk, const std::string &path, int level);
+    Directory &list(const AgentLogFormat &format, const std::string &path, const ActivityFileStamp &stamp);
 
     std::unordered_map<std::string, Directory> m_directories;
+    std::uint64_t m_walks = 0;
     std::int64_t m_listings = 0;
 };
 
