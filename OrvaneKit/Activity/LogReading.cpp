@@ -131,7 +131,7 @@ private:
             m_cost.peakBufferedBytes = std::max(m_cost.peakBufferedBytes, read->peakBufferedBytes);
             cached->state = read->state;
             cached->sessions = start.parser.sessions();
-            cached->parser = start.parser.state();
+            cached->parser = std::move(start.parser).state();
             tell(read->bytes);
         }
         const auto fingerprint = Fingerprint::of(file.get(), cached->state.offset, m_cost.bytesRead);

@@ -22,6 +22,17 @@ std::int64_t digest(std::string_view text)
     return static_cast<std::int64_t>(hash >> 1U);
 }
 
+/// Lines are a little out of order now and then. Keeping the events in order here saves sorting them all
+/// whenever one is added; one that belongs far back is left for that.
+void addEvent(AgentSession &session, AgentEvent event)
+{
+    constexpr std::ptrdiff_t looksBack = 256;
+    auto &events = session.events;
+    const auto from = events.end() - std::min(std::ssize(events), looksBack);
+    const auto place = std::ranges::upper_bound(from, events.end(), event);
+    events.insert(place == from && from != events.begin() ? events.end() : place, event);
+}
+
 } // namespace
 
 AgentLogParser::AgentLogParser(AgentSource source, bool readsQuickly) : m_readsQuickly(readsQuickly)
@@ -51,9 +62,10 @@ std::vector<AgentSession> AgentLogParser::sessions() const
         const auto turn = m_state.turns.find(key);
         if (turn != m_state.turns.end() && !turn->second.callsOnlyOwn.value_or(false)) {
             for (const Instant touch : turn->second.touches)
-                session.events.push_back({touch, true});
+                addEvent(session, {touch, true});
         }
-        std::ranges::sort(session.events);
+        if (!std::ranges::is_sorted(session.events))
+            std::ranges::sort(session.events);
         const auto twins = std::ranges::unique(session.events);
         session.events.erase(twins.begin(), twins.end());
         const auto custom = m_state.customTitles.find(key);
@@ -109,7 +121,7 @@ void AgentLogParser::prompt(AgentSession &session, Instant date, std::string_vie
     present.awaitsPrompt = false;
     present.touch = std::max(present.touch, date);
     present.title = isTelling ? std::move(title) : std::string{};
-    session.events.push_back({date, false});
+    addEvent(session, {date, false});
 }
 
 void AgentLogParser::queuedPrompt(AgentSession &session, Instant date, std::string_view text)
@@ -149,7 +161,7 @@ void AgentLogParser::work(AgentSession &session, Instant date, const ToolCalls &
         present.callsOnlyOwn = true;
     }
     if (present.callsOnlyOwn == false)
-        session.events.push_back({date, true});
+        addEvent(session, {date, true});
     else
         present.touches.push_back(date);
 }
@@ -159,7 +171,7 @@ void AgentLogParser::endTurn(AgentSession &session, Turn &turn)
 {
     if (!turn.callsOnlyOwn.value_or(false)) {
         for (const Instant touch : turn.touches)
-            session.events.push_back({touch, true});
+            addEvent(session, {touch, true});
         settleTitle(session, turn);
     }
     turn.touches.clear();

@@ -62,7 +62,8 @@ public:
 
     /// A line without its line feed.
     void read(std::string_view line);
-    const State &state() const { return m_state; }
+    const State &state() const & { return m_state; }
+    State state() && { return std::move(m_state); }
     /// What is known so far. Sessions by key; a session without any event is among them when the log names
     /// it.
     std::vector<AgentSession> sessions() const;
