@@ -95,6 +95,7 @@ CommandTree::CommandTree() : m_root("Track time from the terminal.", "orvane")
     addTimerCommands(*this);
     addEntryCommands(*this);
     addListCommand(*this);
+    addActivityCommand(*this);
     addProjectCommands(*this);
     addCatalogCommands(*this);
     addSignInCommands(*this);

@@ -9,6 +9,7 @@ class CommandTree;
 void addTimerCommands(CommandTree &tree);
 void addEntryCommands(CommandTree &tree);
 void addListCommand(CommandTree &tree);
+void addActivityCommand(CommandTree &tree);
 void addProjectCommands(CommandTree &tree);
 void addCatalogCommands(CommandTree &tree);
 void addSignInCommands(CommandTree &tree);
