@@ -3,6 +3,7 @@
 
 #include "Account/PreferredTime.h"
 #include "Activity/AgentActivityLoader.h"
+#include "AgentLogs/AgentLogFormat.h"
 #include "CommandTree.h"
 #include "Input/MomentText.h"
 #include "Output/ActivityPicture.h"
@@ -66,8 +67,9 @@ std::string nothingFound(const AgentActivityLoader::Request &request, std::int64
     const QDir root(QString::fromStdString(isSample ? request.fixtures : request.home));
     std::string folders;
     for (const AgentSource source : request.sources) {
-        const std::string name = (isSample ? "" : ".") + std::string(jsonText(source));
-        const QString path = root.filePath(QString::fromStdString(name));
+        const AgentLogFormat &format = AgentLogFormat::of(source);
+        const std::string folder(isSample ? format.fixtureFolder : format.folder);
+        const QString path = root.filePath(QString::fromStdString(folder));
         folders += "  " + printable(path.toStdString()) + (QDir(path).exists() ? "" : " (not there)") + "\n";
     }
     std::string day = request.days.size() > 1 ? "in this week" : "on this day";
@@ -83,10 +85,10 @@ std::string nothingFound(const AgentActivityLoader::Request &request, std::int64
 std::string picture(const AgentActivityLoader::Request &request, const AgentActivityLoader::Answer &answer,
                     const TerminalStyle &style)
 {
-    if (std::ranges::none_of(answer.days, hasActivity))
+    if (std::ranges::none_of(*answer.days, hasActivity))
         return nothingFound(request, answer.cost.files);
     const ActivityPicture drawing(request.zone, style);
-    return request.days.size() > 1 ? drawing.week(answer.days) : drawing.day(answer.days.front());
+    return request.days.size() > 1 ? drawing.week(*answer.days) : drawing.day(answer.days->front());
 }
 
 /// Needs the logs alone: neither the account is opened nor its server started, and the zone is the one that
@@ -107,8 +109,8 @@ CommandTask activity(Context context, ActivityOptions options)
     context->progress().finish();
     if (!context->json())
         co_return CommandAnswer{.output = picture(request, answer, context->style())};
-    co_return CommandAnswer{.output = options.week ? shapes::activityWeek(answer)
-                                                   : shapes::activityDay(answer.days.front(), answer.cost)};
+    co_return CommandAnswer{.output = options.week ? shapes::activityWeek(*answer.days, answer.cost)
+                                                   : shapes::activityDay(answer.days->front(), answer.cost)};
 }
 
 } // namespace

@@ -241,10 +241,10 @@ std::string activityDay(const ActivityDay &day, const AgentActivityLoader::Cost 
     return json + ",\"cost\":" + encodeJson(cost) + "}\n";
 }
 
-std::string activityWeek(const AgentActivityLoader::Answer &answer)
+std::string activityWeek(std::span<const ActivityDay> days, const AgentActivityLoader::Cost &cost)
 {
-    activity::Week week{{}, answer.cost};
-    for (const ActivityDay &day : answer.days)
+    activity::Week week{{}, cost};
+    for (const ActivityDay &day : days)
         week.days.push_back(activity::dayOf(day));
     return text(week);
 }

@@ -22,10 +22,10 @@ protected:
     {
         const std::string claude = R"("sessionId":"s1","cwd":"/nowhere/website","gitBranch":"main",)";
         write("claude/projects/-nowhere-website/s1.jsonl",
-              {R"({"type":"user",)" + claude + message("09:00:00", "user", "Write the README"),
+              {R"({"type":"user",)" + claude + message("09:00:00", "user", R"(Write \u001b[31mthe README)"),
                R"({"type":"assistant",)" + claude + message("09:01:00", "assistant", "I will"),
                R"({"type":"assistant",)" + claude + message("09:03:00", "assistant", "Done"),
-               R"({"type":"user",)" + claude + message("09:10:00", "user", "Shorter \u001b[31mplease")});
+               R"({"type":"user",)" + claude + message("09:10:00", "user", "Shorter, please")});
         write("codex/sessions/2026/03/03/rollout-2026-03-03T22-00-00-c1.jsonl",
               {R"({"type":"session_meta",)" + stamp("22:00:00") +
                    R"("payload":{"id":"c1","cwd":"/nowhere/api","git":{"branch":"fix"}}})",

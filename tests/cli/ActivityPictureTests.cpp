@@ -206,7 +206,7 @@ TEST_F(ActivityPictureTest, IsOneJsonValueForPrograms)
                                 R"("totals":{"attention":{"/w/website":900},"agent":{"/w/api":60}},)"));
     const std::string cost = R"("cost":{"files":4,"bytesRead":500,"peakBufferedBytes":60,"seconds":0.25}})";
     EXPECT_THAT(text, EndsWith(R"("parallel":[],"ignored":[],)" + cost + "\n"));
-    const std::string week = shapes::activityWeek({{day, day}, {4, 500, 60, 0.25}});
+    const std::string week = shapes::activityWeek(std::array{day, day}, {4, 500, 60, 0.25});
     EXPECT_THAT(week, StartsWith(R"({"days":[)" + json));
     EXPECT_THAT(week, EndsWith(R"("parallel":[],"ignored":[]}],)" + cost + "\n"));
 }
