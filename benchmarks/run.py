@@ -46,7 +46,9 @@ def times(program, repetitions, folder, clock="real_time"):
     return found
 
 
-def row(name, measured, budget, at_least=False, form="{:.2f}"):
+def row(name, measured, budget=None, at_least=False, form="{:.2f}"):
+    if budget is None:
+        return {"name": name, "measured": form.format(measured), "budget": "none", "holds": True}
     holds = measured >= budget if at_least else measured <= budget
     return {"name": name, "measured": form.format(measured), "budget": ("≥ " if at_least else "≤ ") + str(budget),
             "holds": holds}
@@ -84,6 +86,14 @@ def calendar_rows(arguments):
         yield row(f"layout of {what}, beside half of them", min(found[name]) / min(found[name + "Half"]), 2.6)
 
 
+def quick_entry_rows(arguments):
+    measured = times("QuickEntryBenchmark", arguments.repetitions, arguments.folder)
+    found = {name: min(runs) / 1e3 for name, runs in measured.items()}
+    yield row("a sentence with 2,000 items, in µs", found["sentenceRead"], 20)
+    yield row("the same, beside a split of the line", found["sentenceRead"] / found["sentenceSplit"])
+    yield row("5,000 names ranked, beside a search in folded names", found["rankNames"] / found["scanNames"], 3)
+
+
 def command_rows(arguments):
     with tempfile.TemporaryDirectory(dir=arguments.folder) as folder:
         status, offline = command_runs.measure(BUILD / "bin", PROGRAMS, folder, 2 * arguments.repetitions)
@@ -95,6 +105,7 @@ def command_rows(arguments):
 GROUPS = {"store": (store_rows, ["StoreBenchmark"]), "json": (json_rows, ["JsonBenchmark"]),
           "timeline": (timeline_rows, ["TimelineBenchmark"]),
           "calendar": (calendar_rows, ["CalendarBenchmark"]),
+          "quickentry": (quick_entry_rows, ["QuickEntryBenchmark"]),
           "command": (command_rows, ["orvane", "orvane-server", "BareStatus", "BareIdle"])}
 
 

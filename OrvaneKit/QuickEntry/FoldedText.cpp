@@ -125,7 +125,7 @@ public:
         for (const char c : text) {
             begin(sortOf(c));
             const char lower = c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-            m_made.m_letters |= letterBit(lower);
+            addLetter(lower);
             m_made.m_text.push_back(lower);
         }
     }
@@ -158,7 +158,7 @@ private:
     void append(UChar32 c, std::uint32_t start)
     {
         m_made.m_places.push_back({static_cast<std::uint32_t>(m_made.m_text.size()), {start, m_end}});
-        m_made.m_letters |= letterBit(c);
+        addLetter(c);
         if (U_IS_SURROGATE(c)) {
             m_made.m_text += {static_cast<char>(0xED), static_cast<char>(0x80 | ((c >> 6) & 0x3F)),
                               static_cast<char>(0x80 | (c & 0x3F))};
@@ -168,6 +168,16 @@ private:
         std::int32_t length = 0;
         U8_APPEND_UNSAFE(bytes, length, c);
         m_made.m_text.append(bytes, static_cast<std::size_t>(length));
+    }
+
+    /// Before the character is part of the text.
+    void addLetter(UChar32 c)
+    {
+        const std::uint64_t bit = letterBit(c);
+        m_made.m_letters |= bit;
+        const auto &starts = m_made.m_wordStarts;
+        if (!starts.empty() && starts.back() == m_made.m_text.size())
+            m_made.m_initials |= bit;
     }
 
     void coverMark()

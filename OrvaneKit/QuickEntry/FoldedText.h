@@ -35,6 +35,8 @@ public:
     /// A bit for each character that occurs; different characters may share one. A text can only occur in
     /// another one whose letters hold all of its own.
     std::uint64_t letters() const { return m_letters; }
+    /// The same of the characters at which words begin.
+    std::uint64_t initials() const { return m_initials; }
 
     /// Which part of the original a part of the folded text stands for; marks belong to the letter below
     /// them.
@@ -59,6 +61,7 @@ private:
     std::vector<Place>
         m_places; ///< empty when each byte stands for the unit of the same number (plain ASCII)
     std::uint64_t m_letters = 0;
+    std::uint64_t m_initials = 0;
 };
 
 /// Code units that the text has as UTF-16.

@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <numeric>
 #include <set>
-#include <tuple>
+#include <span>
 #include <unordered_map>
 
 namespace orvane {
@@ -157,7 +157,9 @@ std::vector<PaletteItem> PaletteItem::ofRecent(const std::vector<TimeEntryRespon
 
 bool comesBefore(const PaletteStanding &a, const PaletteStanding &b)
 {
-    return std::tuple(-a.score, -a.weight, a.nameRank) < std::tuple(-b.score, -b.weight, b.nameRank);
+    if (a.score != b.score)
+        return a.score > b.score;
+    return a.weight != b.weight ? a.weight > b.weight : a.nameRank < b.nameRank;
 }
 
 struct Palette::Prepared {
@@ -168,6 +170,18 @@ struct Palette::Prepared {
     /// items are passed over for these alone.
     std::vector<std::uint64_t> letters;
     std::vector<std::size_t> nameRanks;
+    std::unordered_multimap<std::string_view, std::size_t> byKey;
+
+    /// The weight of each item in use; asked for by key, since of many items few are.
+    std::vector<double> weights(const PaletteUsage &usage, Instant now) const
+    {
+        std::vector<double> weights(items.size());
+        for (const auto &[key, use] : usage.uses) {
+            for (auto [item, end] = byKey.equal_range(key); item != end; ++item)
+                weights[item->second] = use.weight(now);
+        }
+        return weights;
+    }
 };
 
 Palette::Palette(std::vector<PaletteItem> items)
@@ -184,6 +198,7 @@ Palette::Palette(std::vector<PaletteItem> items)
             letters |= alternatives.back().letters();
         }
         prepared->letters.push_back(letters);
+        prepared->byKey.emplace(item.key, prepared->byKey.size());
     }
     m_prepared = std::move(prepared);
 }
@@ -196,25 +211,32 @@ const std::vector<PaletteItem> &Palette::items() const
 std::vector<Palette::Found> Palette::find(std::string_view text, const PaletteUsage &usage, Instant now,
                                           std::size_t limit) const
 {
+    struct Row {
+        PaletteStanding standing;
+        std::size_t item;
+    };
     const Prepared &prepared = *m_prepared;
     const PaletteQuery query(text);
-    std::vector<Found> found;
+    const std::vector<double> weights = prepared.weights(usage, now);
+    std::vector<Row> rows;
     for (std::size_t i = 0; i < prepared.items.size(); ++i) {
         if ((query.letters() & ~prepared.letters[i]) != 0)
             continue;
-        auto match = PaletteMatch::match(prepared.names[i], prepared.alternatives[i], query);
-        if (!match)
-            continue;
-        const double score = match->score;
-        found.push_back(
-            {i, *std::move(match), {score, usage.weight(prepared.items[i].key, now), prepared.nameRanks[i]}});
+        if (const auto score = PaletteMatch::score(prepared.names[i], prepared.alternatives[i], query))
+            rows.push_back({{*score, weights[i], prepared.nameRanks[i]}, i});
     }
-    std::ranges::sort(found, [](const Found &a, const Found &b) {
-        return comesBefore(a.standing, b.standing) ||
-               (!comesBefore(b.standing, a.standing) && a.item < b.item);
-    });
-    if (found.size() > limit)
-        found.resize(limit);
+    const std::size_t shown = std::min(limit, rows.size());
+    std::ranges::partial_sort(
+        rows, rows.begin() + static_cast<std::ptrdiff_t>(shown), [](const Row &a, const Row &b) {
+            return comesBefore(a.standing, b.standing) || (a.standing == b.standing && a.item < b.item);
+        });
+    std::vector<Found> found;
+    found.reserve(shown);
+    // Only what is shown is highlighted.
+    for (const Row &row : std::span(rows).first(shown)) {
+        auto match = PaletteMatch::match(prepared.names[row.item], prepared.alternatives[row.item], query);
+        found.push_back({row.item, *std::move(match), row.standing});
+    }
     return found;
 }
 

@@ -111,27 +111,30 @@ Place placeOf(const FoldedText &name, const Term &term)
     return place;
 }
 
-/// Where the initials lie that spell the term; empty when there are none.
-std::vector<std::uint32_t> initialsOf(const FoldedText &name, const Term &term)
+/// Whether initials of the name spell the term.
+bool isSpelledByInitials(const FoldedText &name, const Term &term, Ranges ranges)
 {
     const auto &starts = name.wordStarts();
-    if (term.characters < 2 || starts.size() < term.characters)
-        return {};
+    if (term.characters < 2 || starts.size() < term.characters || (term.letters & ~name.initials()) != 0)
+        return false;
+    const std::size_t before = ranges == nullptr ? 0 : ranges->size();
     const std::string_view text = name.text();
-    std::vector<std::uint32_t> found;
     auto start = starts.begin();
     for (std::size_t i = 0; i < term.text.size();) {
         const std::size_t size = FoldedText::characterSize(term.text[i]);
         const std::string_view character = std::string_view(term.text).substr(i, size);
-        start = std::find_if(start, starts.end(), [&](std::uint32_t at) {
-            return text[at] == character.front() && text.substr(at).starts_with(character);
-        });
-        if (start == starts.end())
-            return {};
-        found.push_back(*start++);
+        start = std::find_if(start, starts.end(),
+                             [&](std::uint32_t at) { return text.substr(at, size) == character; });
+        if (start == starts.end()) {
+            if (ranges != nullptr)
+                ranges->resize(before);
+            return false;
+        }
+        highlight(ranges, name, *start, *start + size);
+        ++start;
         i += size;
     }
-    return found;
+    return true;
 }
 
 std::optional<double> termScore(const FoldedText &name, const Term &term, Ranges ranges)
@@ -148,11 +151,8 @@ std::optional<double> termScore(const FoldedText &name, const Term &term, Ranges
         highlight(ranges, name, place.word, place.word + size);
         return place.word == name.wordStarts().front() ? firstWord : laterWord;
     }
-    if (const auto spelled = initialsOf(name, term); !spelled.empty()) {
-        for (const std::size_t at : spelled)
-            highlight(ranges, name, at, at + FoldedText::characterSize(name.text()[at]));
+    if (isSpelledByInitials(name, term, ranges))
         return initials;
-    }
     if (place.first == nowhere)
         return std::nullopt;
     highlight(ranges, name, place.first, place.first + size);
@@ -213,24 +213,40 @@ std::optional<double> textScore(const FoldedText &name, const PaletteQuery &quer
 }
 
 /// Each word in whichever text has it best.
-std::optional<Match> scattered(const FoldedText &name, std::span<const FoldedText> alternatives,
-                               const PaletteQuery &query)
+std::optional<double> scatteredScore(const FoldedText &name, std::span<const FoldedText> alternatives,
+                                     const PaletteQuery &query, Ranges ranges)
 {
     if (query.isTooLong())
         return std::nullopt;
-    Match match;
     Average average;
     for (const Term &term : query.terms()) {
-        auto best = termScore(name, term, &match.ranges);
+        auto best = termScore(name, term, ranges);
         for (const FoldedText &alternative : alternatives)
             best = std::max(best, termScore(alternative, term, nullptr));
         if (!best)
             return std::nullopt;
         average.add(*best, term.count);
     }
-    match.score = average.value() * alternativeShare;
-    sortAndMerge(match.ranges);
-    return match;
+    return average.value() * alternativeShare;
+}
+
+/// The score against a name and its alternatives; the ranges are not sorted yet.
+std::optional<double> bestScore(const FoldedText &name, std::span<const FoldedText> alternatives,
+                                const PaletteQuery &query, Ranges ranges)
+{
+    auto best = textScore(name, query, ranges);
+    // Of a name that does not match as a whole, some words may have left theirs.
+    if (!best && ranges != nullptr)
+        ranges->clear();
+    for (const FoldedText &alternative : alternatives) {
+        const auto score = textScore(alternative, query, nullptr);
+        if (score && (!best || *score * alternativeShare > *best)) {
+            best = *score * alternativeShare;
+            if (ranges != nullptr)
+                ranges->clear();
+        }
+    }
+    return best || !query.joined() ? best : scatteredScore(name, alternatives, query, ranges);
 }
 
 } // namespace
@@ -289,13 +305,7 @@ void PaletteQuery::take(const std::vector<FoldedText> &words)
 
 std::optional<Match> PaletteMatch::match(const FoldedText &name, const PaletteQuery &query)
 {
-    Match match;
-    const auto score = textScore(name, query, &match.ranges);
-    if (!score)
-        return std::nullopt;
-    match.score = *score;
-    sortAndMerge(match.ranges);
-    return match;
+    return match(name, {}, query);
 }
 
 std::optional<Match> PaletteMatch::match(std::string_view name, std::string_view query)
@@ -306,13 +316,13 @@ std::optional<Match> PaletteMatch::match(std::string_view name, std::string_view
 std::optional<Match> PaletteMatch::match(const FoldedText &name, std::span<const FoldedText> alternatives,
                                          const PaletteQuery &query)
 {
-    auto best = match(name, query);
-    for (const FoldedText &alternative : alternatives) {
-        const auto score = textScore(alternative, query, nullptr);
-        if (score && (!best || *score * alternativeShare > best->score))
-            best = Match{*score * alternativeShare, {}};
-    }
-    return best || !query.joined() ? best : scattered(name, alternatives, query);
+    Match match;
+    const auto score = bestScore(name, alternatives, query, &match.ranges);
+    if (!score)
+        return std::nullopt;
+    match.score = *score;
+    sortAndMerge(match.ranges);
+    return match;
 }
 
 std::optional<Match> PaletteMatch::match(std::string_view name, const std::vector<std::string> &alternatives,
@@ -327,6 +337,12 @@ std::optional<Match> PaletteMatch::match(std::string_view name, const std::vecto
 std::optional<double> PaletteMatch::score(const FoldedText &name, const PaletteQuery &query)
 {
     return textScore(name, query, nullptr);
+}
+
+std::optional<double> PaletteMatch::score(const FoldedText &name, std::span<const FoldedText> alternatives,
+                                          const PaletteQuery &query)
+{
+    return bestScore(name, alternatives, query, nullptr);
 }
 
 std::vector<PaletteMatch::Ranked> PaletteMatch::rank(std::vector<std::optional<Match>> matches)

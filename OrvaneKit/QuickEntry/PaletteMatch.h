@@ -86,8 +86,10 @@ public:
     static std::optional<Match> match(const FoldedText &name, std::span<const FoldedText> alternatives,
                                       const PaletteQuery &query);
 
-    /// The score alone, which is quicker.
+    /// The scores alone, which are quicker to find.
     static std::optional<double> score(const FoldedText &name, const PaletteQuery &query);
+    static std::optional<double> score(const FoldedText &name, std::span<const FoldedText> alternatives,
+                                       const PaletteQuery &query);
 
     /// The rows that match, best first; equal ones in the order of the list. `matches` has one member a row.
     static std::vector<Ranked> rank(std::vector<std::optional<Match>> matches);

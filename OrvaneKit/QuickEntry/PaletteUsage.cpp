@@ -17,13 +17,6 @@ namespace {
 constexpr double halfLifeDays = 14;
 constexpr double frequentWeight = 0.15;
 
-double weightOf(const PaletteUsage::Use &use, Instant now)
-{
-    const double days = std::max(0.0, secondsBetween(use.last, now) / 86'400);
-    const double picks = static_cast<double>(use.count) * std::exp2(-days / halfLifeDays);
-    return picks / (picks + 2);
-}
-
 /// Leaves the keys that were picked last.
 void bound(std::map<std::string, PaletteUsage::Use> &uses)
 {
@@ -45,10 +38,17 @@ QString settingsKey(const std::string &scope)
 
 } // namespace
 
+double PaletteUsage::Use::weight(Instant now) const
+{
+    const double days = std::max(0.0, secondsBetween(last, now) / 86'400);
+    const double picks = static_cast<double>(count) * std::exp2(-days / halfLifeDays);
+    return picks / (picks + 2);
+}
+
 double PaletteUsage::weight(const std::string &key, Instant now) const
 {
     const auto found = uses.find(key);
-    return found == uses.end() ? 0 : weightOf(found->second, now);
+    return found == uses.end() ? 0 : found->second.weight(now);
 }
 
 void PaletteUsage::record(const std::string &key, Instant now)
@@ -64,7 +64,7 @@ std::vector<std::string> PaletteUsage::frequent(Instant now) const
 {
     std::vector<std::pair<double, std::string>> found;
     for (const auto &[key, use] : uses) {
-        const double weight = weightOf(use, now);
+        const double weight = use.weight(now);
         if (weight > frequentWeight)
             found.emplace_back(-weight, key);
     }

@@ -23,6 +23,8 @@ struct PaletteUsage {
         Instant last;           ///< the last time, to the millisecond
 
         bool operator==(const Use &) const = default;
+        /// As that of the key.
+        double weight(Instant now) const;
     };
 
     /// So many keys are remembered, those picked last.
