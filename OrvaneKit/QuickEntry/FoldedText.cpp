@@ -15,6 +15,35 @@ namespace {
 
 constexpr std::string_view ellipsis = "\xE2\x80\xA6";
 
+// ICU's macros step an index inside of conditions.
+// NOLINTBEGIN(bugprone-inc-dec-in-conditions)
+
+/// The next character; what is no UTF-8 is U+FFFD.
+UChar32 nextCharacter(std::string_view text, std::size_t &i)
+{
+    UChar32 c = 0;
+    U8_NEXT_OR_FFFD(text.data(), i, text.size(), c);
+    return c;
+}
+
+/// The next character or lone surrogate.
+UChar32 nextCharacter(std::u16string_view text, std::size_t &i)
+{
+    UChar32 c = 0;
+    U16_NEXT(text.data(), i, text.size(), c);
+    return c;
+}
+
+/// The next character of folded text; below 0 for each byte of a lone surrogate.
+UChar32 nextFolded(std::string_view text, std::size_t &i)
+{
+    UChar32 c = 0;
+    U8_NEXT(text.data(), i, text.size(), c);
+    return c;
+}
+
+// NOLINTEND(bugprone-inc-dec-in-conditions)
+
 enum class Sort : std::uint8_t { other, letter, small, capital };
 
 Sort sortOf(UChar32 c)
@@ -205,8 +234,7 @@ FoldedText FoldedText::of(std::string_view text)
         return std::move(builder).made();
     }
     for (std::size_t i = 0; i < text.size();) {
-        UChar32 c = 0;
-        U8_NEXT_OR_FFFD(text.data(), i, text.size(), c);
+        const UChar32 c = nextCharacter(text, i);
         builder.add(c, U16_LENGTH(c));
     }
     return std::move(builder).made();
@@ -216,8 +244,7 @@ FoldedText FoldedText::of(std::u16string_view text)
 {
     Builder builder(text.size());
     for (std::size_t i = 0; i < text.size();) {
-        UChar32 c = 0;
-        U16_NEXT(text.data(), i, text.size(), c);
+        const UChar32 c = nextCharacter(text, i);
         builder.add(c, U16_LENGTH(c));
     }
     return std::move(builder).made();
@@ -252,8 +279,7 @@ std::string FoldedText::joined() const
     kept.reserve(m_text.size());
     for (std::size_t i = 0; i < m_text.size();) {
         const std::size_t start = i;
-        UChar32 c = 0;
-        U8_NEXT(m_text.data(), i, m_text.size(), c);
+        const UChar32 c = nextFolded(m_text, i);
         if (c < 0 || sortOf(c) != Sort::other || isMark(c))
             kept.append(m_text, start, i - start);
     }
@@ -270,8 +296,7 @@ std::size_t utf16Length(std::string_view text)
 {
     std::size_t length = 0;
     for (std::size_t i = 0; i < text.size();) {
-        UChar32 c = 0;
-        U8_NEXT_OR_FFFD(text.data(), i, text.size(), c);
+        const UChar32 c = nextCharacter(text, i);
         length += U16_LENGTH(c);
     }
     return length;
@@ -304,8 +329,7 @@ std::vector<std::string_view> wordsOf(std::string_view text)
     };
     for (std::size_t i = 0; i < text.size();) {
         const std::size_t start = i;
-        UChar32 c = 0;
-        U8_NEXT_OR_FFFD(text.data(), i, text.size(), c);
+        const UChar32 c = nextCharacter(text, i);
         if (u_isUWhiteSpace(c) != 0) {
             endWord(start);
             wordStart = i;

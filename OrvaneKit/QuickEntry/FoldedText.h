@@ -51,7 +51,7 @@ public:
 private:
     /// Where a character of the folded text lies in the original.
     struct Place {
-        std::uint32_t folded;
+        std::uint32_t folded = 0;
         TextRange original;
     };
     class Builder;

@@ -329,6 +329,7 @@ std::optional<Match> PaletteMatch::match(std::string_view name, const std::vecto
                                          std::string_view query)
 {
     std::vector<FoldedText> folded;
+    folded.reserve(alternatives.size());
     for (const std::string &alternative : alternatives)
         folded.push_back(FoldedText::ofName(alternative));
     return match(FoldedText::ofName(name), folded, PaletteQuery(query));

@@ -23,6 +23,7 @@ void bound(std::map<std::string, PaletteUsage::Use> &uses)
     if (uses.size() <= PaletteUsage::mostKeys)
         return;
     std::vector<std::pair<Instant, std::string>> oldest;
+    oldest.reserve(uses.size());
     for (const auto &[key, use] : uses)
         oldest.emplace_back(use.last, key);
     const auto kept = oldest.end() - static_cast<std::ptrdiff_t>(PaletteUsage::mostKeys);
@@ -70,6 +71,7 @@ std::vector<std::string> PaletteUsage::frequent(Instant now) const
     }
     std::ranges::sort(found);
     std::vector<std::string> keys;
+    keys.reserve(found.size());
     for (auto &[weight, key] : found)
         keys.push_back(std::move(key));
     return keys;

@@ -88,7 +88,8 @@ public:
             if (!number)
                 return false;
             if (scanner.atEnd()) {
-                if (++i == words.size() || !add(*number, unitOf(words[i])))
+                ++i;
+                if (i == words.size() || !add(*number, unitOf(words[i])))
                     return false;
             } else if (!add(*number, unitOf(scanner.rest())) && !addHoursAndMinutes(*number, scanner)) {
                 return false;
