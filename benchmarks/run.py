@@ -81,9 +81,11 @@ def timeline_rows(arguments):
 
 def calendar_rows(arguments):
     found = times("CalendarBenchmark", arguments.repetitions, arguments.folder, "cpu_time")
-    # Time that grows by n log n little more than doubles when n does.
-    for what, name in (("a day of 500 entries", "layoutDay"), ("a year of 10,000 entries", "layoutYear")):
-        yield row(f"layout of {what}, beside half of them", min(found[name]) / min(found[name + "Half"]), 2.6)
+    # Time that grows by n log n little more than doubles when n does; searching all lanes of the day would take 2.36
+    # times as long. What a year holds outgrows the processor's caches on the way.
+    for what, name, budget in (("a day of 500 entries", "layoutDay", 2.25),
+                               ("a year of 10,000 entries", "layoutYear", 2.6)):
+        yield row(f"layout of {what}, beside half of them", min(found[name]) / min(found[name + "Half"]), budget)
 
 
 def quick_entry_rows(arguments):

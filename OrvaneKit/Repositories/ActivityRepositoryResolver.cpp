@@ -50,7 +50,7 @@ std::string pathIn(std::string_view folder, std::string_view path)
 /// elsewhere than the text says; then the links are resolved.
 std::string standardPathOfLinked(const std::string &path)
 {
-    const std::string standard = standardPath(path);
+    std::string standard = standardPath(path);
     if (leadToSamePlace(standard, path))
         return standard;
     return resolvedPath(path).value_or(standard);
@@ -150,7 +150,7 @@ private:
 
 } // namespace
 
-ActivityRepositoryResolver::ActivityRepositoryResolver(std::string home) : m_home(standardPath(home)) {}
+ActivityRepositoryResolver::ActivityRepositoryResolver(std::string_view home) : m_home(standardPath(home)) {}
 
 std::string ActivityRepositoryResolver::standardFolder(std::string_view folder) const
 {

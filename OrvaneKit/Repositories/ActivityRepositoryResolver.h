@@ -18,7 +18,7 @@ namespace orvane {
 class ActivityRepositoryResolver {
 public:
     /// `home` is the user's home folder.
-    explicit ActivityRepositoryResolver(std::string home);
+    explicit ActivityRepositoryResolver(std::string_view home);
 
     struct Resolution {
         SharedRepository repository;

@@ -36,7 +36,7 @@ Result<DayRange, CommandFailure> rangeOf(const ListOptions &options, const UserT
 bool isInWindow(const Tracker &tracker, const DayRange &range)
 {
     const DayKey week = tracker.time().weekStartContaining(tracker.time().today());
-    return range.first >= week.adding(-7 * tracker.weeksLoaded()) &&
+    return range.first >= week.adding(std::int64_t{-7} * tracker.weeksLoaded()) &&
            range.first.adding(range.count) <= week.adding(7);
 }
 
@@ -49,6 +49,7 @@ std::optional<std::string> picture(Tracker &tracker, const std::vector<DayGroup>
     if (std::ranges::all_of(columns, [](const CalendarDay &column) { return column.segments.empty(); }))
         return std::nullopt;
     std::vector<std::int64_t> seconds;
+    seconds.reserve(days.size());
     for (const DayGroup &day : days)
         seconds.push_back(shapes::secondsOf(day.entries, AppClock::now()));
     return WeekCalendar(tracker.time(), style, WeekCalendar::labelsFrom(tracker.catalog()))

@@ -178,8 +178,10 @@ private:
         const int width = m_width * (segment.lane + 1) / lanes - from;
         const WeekCalendar::Label label = labels(segment.entry);
         const Box box(segment, label, rows, width);
-        for (int row = 0; row < rows; ++row)
-            m_rows[static_cast<std::size_t>(first + row)].push_back({from, width, box.row(row)});
+        for (int row = 0; row < rows; ++row) {
+            const auto place = static_cast<std::size_t>(first) + static_cast<std::size_t>(row);
+            m_rows[place].push_back({from, width, box.row(row)});
+        }
     }
 
     void finish(std::size_t row)
@@ -264,7 +266,7 @@ WeekCalendar::Labels WeekCalendar::labelsFrom(const Catalog &catalog)
 }
 
 WeekCalendar::WeekCalendar(UserTime time, TerminalStyle style, Labels labels)
-    : m_time(std::move(time)), m_style(std::move(style)), m_labels(std::move(labels))
+    : m_time(std::move(time)), m_style(style), m_labels(std::move(labels))
 {
 }
 
@@ -291,6 +293,7 @@ std::string WeekCalendar::text(const std::vector<CalendarDay> &days,
     const Scale scale = Scale::of(days);
     const int column = std::min((m_style.width - axis) / static_cast<int>(days.size()), widestColumn);
     std::vector<Column> columns;
+    columns.reserve(days.size());
     for (const CalendarDay &day : days)
         columns.emplace_back(day.segments, scale, column - 1, m_labels);
     std::string text = header(days, seconds, column);
