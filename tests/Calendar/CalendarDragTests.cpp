@@ -189,7 +189,7 @@ void checkDay(const UserTime &time, DayKey date)
         ASSERT_TRUE(segment.startMinute >= 0 && segment.endMinute <= 1440);
         ASSERT_GT(segment.endMinute, segment.startMinute);
         CalendarDrag drag = unlocked(time);
-        for (double minute = 0; minute <= 1440; minute += 45) {
+        for (int minute = 0; minute <= 1440; minute += 45) {
             for (const Edge edge : {Edge::start, Edge::end}) {
                 drag.press(CalendarDrag::OnEntry{segment, edge, 0});
                 drag.drag(date, minute, 9);
