@@ -9,9 +9,6 @@ namespace orvane {
 
 namespace {
 
-/// More prompts than anybody queues.
-constexpr std::size_t queuedAtMost = 64;
-
 /// FNV-1a: the text itself is not kept.
 std::int64_t digest(std::string_view text)
 {
@@ -40,7 +37,10 @@ AgentLogParser::AgentLogParser(AgentSource source, bool readsQuickly) : m_readsQ
     m_state.source = source;
 }
 
-AgentLogParser::AgentLogParser(State state) : m_state(std::move(state)), m_readsQuickly(true) {}
+AgentLogParser::AgentLogParser(State state, bool readsQuickly)
+    : m_state(std::move(state)), m_readsQuickly(readsQuickly)
+{
+}
 
 void AgentLogParser::read(std::string_view line)
 {
@@ -127,7 +127,7 @@ void AgentLogParser::prompt(AgentSession &session, Instant date, std::string_vie
 void AgentLogParser::queuedPrompt(AgentSession &session, Instant date, std::string_view text)
 {
     prompt(session, date, text);
-    if (m_state.queued.size() == queuedAtMost)
+    if (m_state.queued.size() >= State::queuedAtMost)
         m_state.queued.erase(m_state.queued.begin());
     m_state.queued.push_back(digest(text));
 }

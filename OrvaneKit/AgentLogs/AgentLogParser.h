@@ -39,6 +39,9 @@ public:
     };
     /// Everything that a later line can depend on.
     struct State {
+        /// More prompts than anybody queues.
+        static constexpr std::size_t queuedAtMost = 64;
+
         AgentSource source = AgentSource::claude;
         std::map<std::string, AgentSession> sessions; ///< by key; events in the order of the lines
         std::string currentID;                        ///< whose lines they are that name no session
@@ -56,7 +59,7 @@ public:
 
     /// With `readsQuickly` unset every line is decoded in full, which tells the same more slowly.
     explicit AgentLogParser(AgentSource source, bool readsQuickly = true);
-    explicit AgentLogParser(State state);
+    explicit AgentLogParser(State state, bool readsQuickly = true);
     AgentLogParser(AgentLogParser &&) = default;
     AgentLogParser &operator=(AgentLogParser &&) = default;
 
