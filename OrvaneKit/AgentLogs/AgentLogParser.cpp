@@ -40,6 +40,7 @@ AgentLogParser::AgentLogParser(AgentSource source, bool readsQuickly) : m_readsQ
 AgentLogParser::AgentLogParser(State state, bool readsQuickly)
     : m_state(std::move(state)), m_readsQuickly(readsQuickly)
 {
+    current();
 }
 
 void AgentLogParser::read(std::string_view line)

@@ -107,6 +107,7 @@ AgentSession restored(StoredSession &&stored)
         session.events.push_back({date, false});
     for (const Instant date : stored.touches)
         session.events.push_back({date, true});
+    std::ranges::sort(session.events);
     return session;
 }
 

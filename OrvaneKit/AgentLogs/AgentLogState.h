@@ -8,8 +8,7 @@
 #include <string_view>
 
 /// A parser's state as JSON, to be kept beside the place up to which its file was read. A session's events
-/// are two lists there, `dates` and `touches`, so that they come back prompts first; no reading depends on
-/// that order. Any thread.
+/// are two lists there, `dates` and `touches`; they come back in time order. Any thread.
 namespace orvane {
 
 std::string encodedParserState(const AgentLogParser::State &state);

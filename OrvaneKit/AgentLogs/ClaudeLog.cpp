@@ -8,6 +8,8 @@
 #include "AgentLogs/SessionTitle.h"
 #include "Support/DateText.h"
 
+#include <algorithm>
+
 namespace orvane {
 
 namespace {
@@ -41,8 +43,10 @@ struct Glance {
         Session = 8,
         Sidechain = 16,
         Folder = 32,
-        Branch = 64
+        Branch = 64,
+        Attachment = 128
     };
+    /// Of what tells of work.
     static constexpr unsigned everything = 127;
 
     LineKind kind = LineKind::unknown;
@@ -51,13 +55,15 @@ struct Glance {
     bool isQueuedCommand = false;
     bool hasText = false;
     bool hasToolResults = false;
+    /// Where a text that matters has escapes, nothing here counts.
+    bool hasEscapes = false;
     ToolCalls calls;
     unsigned seen = 0;
 };
 
 void glanceAtText(ObjectWalk &walk, std::string_view &into, Glance &glance, Glance::Seen seen)
 {
-    into = walk.text().value_or(std::string_view{});
+    into = walk.plainText(glance.hasEscapes);
     glance.seen |= seen;
 }
 
@@ -67,13 +73,14 @@ const char *glanceAtBlock(const char *at, const char *end, Glance &glance)
     ObjectWalk block(at, end);
     std::string_view type;
     std::string_view name;
+    bool hasText = false;
     while (block.next()) {
         if (block.name() == "type")
-            type = block.text().value_or(std::string_view{});
+            type = block.plainText(glance.hasEscapes);
         else if (block.name() == "name")
-            name = block.text().value_or(std::string_view{});
-        else if (block.name() == "text" && type == "text")
-            glance.hasText |= !block.text().value_or(std::string_view{}).empty();
+            name = block.plainText(glance.hasEscapes);
+        else if (block.name() == "text")
+            hasText = !block.text().value_or(std::string_view{}).empty();
         const bool isCall = type == "tool_use" || type == "server_tool_use";
         if (isCall && name.data() != nullptr) {
             glance.calls.add(toolCall(name));
@@ -82,6 +89,7 @@ const char *glanceAtBlock(const char *at, const char *end, Glance &glance)
         if (type == "tool_result" || type == "thinking")
             break;
     }
+    glance.hasText |= hasText && type == "text";
     glance.hasToolResults |= type == "tool_result";
     if (type == "tool_use" || type == "server_tool_use")
         glance.calls.add(toolCall(name));
@@ -113,11 +121,11 @@ void glanceAtAttachment(ObjectWalk &line, Glance &glance)
     ObjectWalk attachment(line.value(), line.limit());
     while (attachment.next()) {
         if (attachment.name() == "type") {
-            glance.isQueuedCommand = attachment.text() == "queued_command";
+            glance.isQueuedCommand = attachment.plainText(glance.hasEscapes) == "queued_command";
             break;
         }
     }
-    glance.seen |= Glance::Message;
+    glance.seen |= Glance::Attachment;
     line.taken(attachment.finish());
 }
 
@@ -126,12 +134,15 @@ void glanceAtMember(ObjectWalk &line, Glance &glance)
     const std::string_view name = line.name();
     switch (name.size()) {
     case 3:
-        if (name == "cwd")
-            glanceAtText(line, glance.folder, glance, Glance::Folder);
+        if (name == "cwd") {
+            // Some systems' paths have escapes throughout.
+            glance.folder = line.text().value_or(std::string_view{});
+            glance.seen |= Glance::Folder;
+        }
         break;
     case 4:
         if (name == "type") {
-            glance.kind = lineKind(line.text().value_or(std::string_view{}));
+            glance.kind = lineKind(line.plainText(glance.hasEscapes));
             glance.seen |= Glance::Type;
         }
         break;
@@ -165,17 +176,38 @@ void glanceAtMember(ObjectWalk &line, Glance &glance)
 /// Whether nothing that may still come can change what the line means.
 bool isEnough(const Glance &glance)
 {
-    if (glance.seen == Glance::everything || glance.kind == LineKind::uninteresting)
+    const auto hasSeen = [&](unsigned what) { return (glance.seen & what) == what; };
+    if (glance.hasEscapes)
         return true;
-    if ((glance.seen & Glance::Message) != 0 && glance.kind == LineKind::user && glance.hasText)
+    switch (glance.kind) {
+    case LineKind::assistant:
+        return hasSeen(Glance::everything);
+    case LineKind::user:
+        return hasSeen(Glance::everything) || (hasSeen(Glance::Message) && glance.hasText);
+    case LineKind::attachment:
+        return hasSeen(Glance::Attachment);
+    case LineKind::unknown:
+        return false;
+    case LineKind::title:
+    case LineKind::uninteresting:
         return true;
-    return glance.kind == LineKind::title ||
-           (glance.kind == LineKind::attachment && (glance.seen & Glance::Message) != 0);
+    }
+    return true;
 }
 
-bool hasEscape(std::string_view raw)
+/// Whether a text can be kept as it stands there. What it is made of otherwise the full look sees, and
+/// refuses what is no UTF-8.
+bool isPlain(std::string_view raw)
 {
-    return raw.find('\\') != std::string_view::npos;
+    return std::ranges::all_of(raw, [](char c) { return c >= ' ' && c <= '~' && c != '\\'; });
+}
+
+/// Whether a line tells nothing new of the session's place.
+bool isPlaced(const AgentSession &session, const Glance &glance)
+{
+    return session.id.size() == keyPrefix.size() + glance.sessionId.size() &&
+           session.id.ends_with(glance.sessionId) && session.cwd == glance.folder &&
+           !session.branches.empty() && session.branches.back() == glance.branch;
 }
 
 } // namespace
@@ -203,12 +235,22 @@ bool AgentLogParser::readClaudeQuickly(std::string_view line)
         }
         glanceAtMember(walk, glance);
     }
+    if (glance.hasEscapes || walk.isBroken())
+        return false;
     const bool isResult = glance.kind == LineKind::user && glance.hasToolResults && !glance.hasText;
     if (glance.kind != LineKind::assistant && !isResult)
         return glance.kind == LineKind::uninteresting || glance.kind == LineKind::unknown ||
                (glance.kind == LineKind::attachment && !glance.isQueuedCommand);
-    const bool isKnown = m_last != nullptr && m_last->cwd == glance.folder;
-    if (hasEscape(glance.sessionId) || hasEscape(glance.branch) || (!isKnown && hasEscape(glance.folder)))
+    std::string folder;
+    if (glance.folder.contains('\\')) {
+        auto unescaped = jsonbytes::unescaped(glance.folder);
+        if (!unescaped)
+            return false;
+        folder = std::move(*unescaped);
+        glance.folder = folder;
+    }
+    const bool isKnown = m_last != nullptr && isPlaced(*m_last, glance);
+    if (!isKnown && !(isPlain(glance.sessionId) && isPlain(glance.folder) && isPlain(glance.branch)))
         return false;
     const auto date = instantFromIso8601(glance.timestamp);
     if (!date)

@@ -19,7 +19,15 @@ constexpr std::chrono::seconds forkLength{1};
 struct Glance {
     std::string_view timestamp, type, payloadType, role, tool, space;
     bool hasPayload = false;
+    /// Where a text that matters has escapes, nothing here counts.
+    bool hasEscapes = false;
 };
+
+/// What comes back from a tool is nothing that the agent does; nor is what it only thinks.
+bool isSilent(std::string_view payloadType)
+{
+    return payloadType.ends_with("_output") || payloadType == "reasoning";
+}
 
 void glanceAtPayload(ObjectWalk &line, Glance &glance)
 {
@@ -27,16 +35,15 @@ void glanceAtPayload(ObjectWalk &line, Glance &glance)
     while (payload.next()) {
         const std::string_view name = payload.name();
         if (name == "type")
-            glance.payloadType = payload.text().value_or(std::string_view{});
+            glance.payloadType = payload.plainText(glance.hasEscapes);
         else if (name == "role")
-            glance.role = payload.text().value_or(std::string_view{});
+            glance.role = payload.plainText(glance.hasEscapes);
         else if (name == "name")
-            glance.tool = payload.text().value_or(std::string_view{});
+            glance.tool = payload.plainText(glance.hasEscapes);
         else if (name == "namespace")
-            glance.space = payload.text().value_or(std::string_view{});
-        // Of a message only the role matters, and what comes back from a tool is nothing at all.
-        if (glance.payloadType.ends_with("_output") || glance.payloadType == "reasoning" ||
-            (glance.payloadType == "message" && !glance.role.empty()))
+            glance.space = payload.plainText(glance.hasEscapes);
+        // Of a message only the role matters.
+        if (isSilent(glance.payloadType) || (glance.payloadType == "message" && !glance.role.empty()))
             break;
     }
     glance.hasPayload = true;
@@ -67,6 +74,18 @@ std::string parentOf(const logrecords::Payload &payload)
     return parent.empty() ? parent : std::string(keyPrefix) + parent;
 }
 
+ToolCalls callsOf(const logrecords::Payload &payload, const std::string &kind)
+{
+    using namespace logrecords;
+    const std::string name = textOr(payload.name);
+    ToolCalls calls;
+    if (name == "exec")
+        calls.addCode(textOr(payload.input));
+    else
+        calls.add(toolCall(name.empty() ? kind : name, textOr(payload.namespace_)));
+    return calls;
+}
+
 } // namespace
 
 void AgentLogParser::readCodex(std::string_view line)
@@ -94,11 +113,11 @@ bool AgentLogParser::readCodexQuickly(std::string_view line)
     while (walk.next()) {
         const std::string_view name = walk.name();
         if (name == "timestamp") {
-            glance.timestamp = walk.text().value_or(std::string_view{});
+            glance.timestamp = walk.plainText(glance.hasEscapes);
         } else if (name == "type") {
-            glance.type = walk.text().value_or(std::string_view{});
+            glance.type = walk.plainText(glance.hasEscapes);
             if (!isInteresting(glance.type))
-                return true;
+                return !glance.hasEscapes;
             if (glance.type == "session_meta")
                 return false;
         } else if (name == "payload" && walk.first() == '{') {
@@ -107,14 +126,14 @@ bool AgentLogParser::readCodexQuickly(std::string_view line)
         if (glance.hasPayload && !glance.type.empty() && !glance.timestamp.empty())
             break;
     }
-    if (walk.isBroken())
+    if (walk.isBroken() || glance.hasEscapes)
         return false;
     if (glance.type != "response_item")
         return glance.payloadType != "user_message" && glance.payloadType != "task_started";
     const bool isCall = glance.payloadType.ends_with("_call");
     if (isCall && glance.tool == "exec")
         return false;
-    if (!isCall && glance.role != "assistant")
+    if (!isCall && (glance.role != "assistant" || isSilent(glance.payloadType)))
         return true;
     const auto date = instantFromIso8601(glance.timestamp);
     AgentSession *session = current();
@@ -143,7 +162,8 @@ void AgentLogParser::readCodexFully(std::string_view line)
         const std::string key = std::string(keyPrefix) + id;
         const bool isFirst = m_state.currentID.empty();
         if (id.empty() || (!isFirst && key != m_state.currentID)) {
-            if (!id.empty() && date && current()->events.empty() && !m_state.forkedAt)
+            const bool hasBegun = m_state.turns.contains(m_state.currentID);
+            if (!id.empty() && date && !hasBegun && !m_state.forkedAt)
                 m_state.forkedAt = date;
             return;
         }
@@ -157,27 +177,20 @@ void AgentLogParser::readCodexFully(std::string_view line)
     }
     AgentSession *session = current();
     const std::string kind = textOr(payload.type);
-    const bool isTask = type == "event_msg" && kind == "task_started";
-    if (!date || session == nullptr || isPassingOver(*date, isTask ? textOr(payload.turn_id) : std::string{}))
+    const bool isEvent = type == "event_msg";
+    const bool isTask = isEvent && kind == "task_started";
+    const bool isPrompt = isEvent && kind == "user_message";
+    const bool isCall = !isEvent && kind.ends_with("_call");
+    const bool isAnswer = !isEvent && text(payload.role) == "assistant" && !isSilent(kind);
+    if (!date || session == nullptr || !(isTask || isPrompt || isCall || isAnswer) ||
+        isPassingOver(*date, isTask ? textOr(payload.turn_id) : std::string{}))
         return;
-    if (isTask) {
+    if (isTask)
         beginTask(*session, *date);
-    } else if (type == "event_msg") {
-        if (kind == "user_message" && m_state.isSubagent)
-            work(*session, *date);
-        else if (kind == "user_message")
-            prompt(*session, *date, textOr(payload.message));
-    } else if (kind.ends_with("_call")) {
-        const std::string tool = textOr(payload.name, kind);
-        ToolCalls calls;
-        if (tool == "exec")
-            calls.addCode(textOr(payload.input));
-        else
-            calls.add(toolCall(tool, textOr(payload.namespace_)));
-        work(*session, *date, calls);
-    } else if (text(payload.role) == "assistant") {
-        work(*session, *date);
-    }
+    else if (isPrompt && !m_state.isSubagent)
+        prompt(*session, *date, textOr(payload.message));
+    else
+        work(*session, *date, isCall ? callsOf(payload, kind) : ToolCalls{});
 }
 
 } // namespace orvane

@@ -38,20 +38,21 @@ bool AgentLogParser::readCopilotQuickly(std::string_view line)
     ObjectWalk walk(line);
     std::string_view type;
     std::string_view timestamp;
+    bool hasEscapes = false;
     while (walk.next()) {
         if (walk.name() == "type") {
-            type = walk.text().value_or(std::string_view{});
-            if (isPlace(type) || type == "user.message" || type == callType)
+            type = walk.plainText(hasEscapes);
+            if (hasEscapes || isPlace(type) || type == "user.message" || type == callType)
                 return false;
             if (!isWork(type))
                 return true;
         } else if (walk.name() == "timestamp") {
-            timestamp = walk.text().value_or(std::string_view{});
+            timestamp = walk.plainText(hasEscapes);
         }
         if (!type.empty() && !timestamp.empty())
             break;
     }
-    if (walk.isBroken())
+    if (walk.isBroken() || hasEscapes)
         return false;
     const auto date = instantFromIso8601(timestamp);
     AgentSession *session = current();

@@ -227,6 +227,13 @@ std::optional<std::string_view> ObjectWalk::text()
     return std::string_view(from, quote);
 }
 
+std::string_view ObjectWalk::plainText(bool &hasEscapes)
+{
+    const std::string_view raw = text().value_or(std::string_view{});
+    hasEscapes |= raw.find('\\') != std::string_view::npos;
+    return raw;
+}
+
 void ObjectWalk::taken(const char *end)
 {
     m_at = end;

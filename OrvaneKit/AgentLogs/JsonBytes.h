@@ -42,10 +42,13 @@ public:
     /// The value's text between the quotes, as it stands there; nothing when the value is no text. Not taken
     /// yet.
     std::optional<std::string_view> text();
-    bool isTrue() const { return m_at < m_end && *m_at == 't'; }
+    /// As `text`, empty when the value is none. What it says is what stands there, unless it has escapes:
+    /// then `hasEscapes` is set.
+    std::string_view plainText(bool &hasEscapes);
+    bool isTrue() const { return first() == 't'; }
     /// Where the value begins.
     const char *value() const { return m_at; }
-    char first() const { return m_at < m_end ? *m_at : '\0'; }
+    char first() const { return m_at != nullptr && m_at < m_end ? *m_at : '\0'; }
     const char *limit() const { return m_end; }
 
     /// Says where the value ended, for who walked through it; null when it is broken.

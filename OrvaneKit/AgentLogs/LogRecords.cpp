@@ -108,7 +108,8 @@ struct JsonFields<CopilotEvent> {
 ORVANE_JSON(orvane::logrecords::Record)
 ORVANE_JSON(orvane::logrecords::Message)
 ORVANE_JSON(orvane::logrecords::Attachment)
-ORVANE_JSON(std::vector<orvane::logrecords::Block>)
+ORVANE_JSON(orvane::logrecords::Block)
+ORVANE_JSON(std::vector<orvane::logrecords::Loose>)
 ORVANE_JSON(orvane::logrecords::Payload)
 ORVANE_JSON(orvane::logrecords::Git)
 ORVANE_JSON(orvane::logrecords::Source)
@@ -181,9 +182,9 @@ Content content(const Field &field)
         content.text = std::move(*whole);
         return content;
     }
-    const auto blocks = field ? decodeJson<std::vector<Block>>(field->value.text) : std::vector<Block>{};
-    for (const Block &block : blocks.value_or(std::vector<Block>{}))
-        addBlock(content, block);
+    const auto blocks = field ? decodeJson<std::vector<Loose>>(field->value.text) : std::vector<Loose>{};
+    for (const Loose &block : blocks.value_or(std::vector<Loose>{}))
+        addBlock(content, inside<Block>(block));
     return content;
 }
 
