@@ -69,12 +69,9 @@ TEST(EntrySentence, ReadsTheWholeLine)
 
 TEST(EntrySentence, ReadsRanges)
 {
-    for (const char *line :
-         {"x 9-10:30",
-          "x 9\xE2\x80\x93"
-          "10:30",
-          "x 9 - 10:30", "x 9 \xE2\x80\x93 10:30", "x 9:00 to 10:30", "x from 9h to 10h30",
-          "x From 9:00 - 10.30", "x from 9-10:30", "x 9AM TO 10:30", "x 9 am - 10:30 a.m.", "x 0900-10:30"})
+    for (const char *line : {"x 9-10:30", "x 9\u201310:30", "x 9 - 10:30", "x 9 \u2013 10:30",
+                             "x 9:00 to 10:30", "x from 9h to 10h30", "x From 9:00 - 10.30", "x from 9-10:30",
+                             "x 9AM TO 10:30", "x 9 am - 10:30 a.m.", "x 0900-10:30"})
         EXPECT_EQ(summary(line), "x | 03-07 09:00 - 03-07 10:30") << line;
     // Two numbers alone could be anything.
     for (const char *line :
@@ -308,8 +305,8 @@ TEST(EntrySentence, TakesLinearTimeWhateverItIsGiven)
     project.name = "Project";
     const std::string sinceNine = " since 9:00";
     const SentenceCatalog catalog({project}, {}, {{"t", "w", "tag"}});
-    for (const char *part : {"@x ", "@\xE2\x80\x9Cx ", "@\"a\"/", "#\"a ", "9:00 - ", "$ ", "1h ",
-                             "@a/b/c/d ", "\xF0\x9F\x9A", "since ", "a", "9", "\xE2\x80\xA8", "@p/", "\""}) {
+    for (const char *part : {"@x ", "@\u201Cx ", "@\"a\"/", "#\"a ", "9:00 - ", "$ ", "1h ", "@a/b/c/d ",
+                             "\xF0\x9F\x9A", "since ", "a", "9", "\xE2\x80\xA8", "@p/", "\""}) {
         std::string line;
         while (line.size() < 300'000)
             line += part;

@@ -91,11 +91,7 @@ TEST_F(SentenceMentionsTest, ReadsNamesWithSpacesQuotedOrJoined)
 
     for (const char *name :
          {"@\"Big Project\"", "@\"big   project\"", "@bigproject", "@big-project", "@Big_Project",
-          "@\xE2\x80\x9C"
-          "Big Project\xE2\x80\x9D",
-          "@\xE2\x80\x9E"
-          "Big Project\xE2\x80\x9C",
-          "@\"Big Project\"."})
+          "@\u201CBig Project\u201D", "@\u201EBig Project\u201C", "@\"Big Project\"."})
         EXPECT_EQ(summary(std::string("Fix ") + name + " bug"), "big/- - [] Fix bug") << name;
     for (const char *name : {"@bigproject/writeup", "@\"Big Project\"/write", "@bigproject/\"Write up\"",
                              "@\"Big Project\"/\"Write up\""})

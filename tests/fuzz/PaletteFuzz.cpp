@@ -49,6 +49,7 @@ void check(const std::vector<Text> &lines)
 {
     const PaletteQuery query(lines.front());
     std::vector<FoldedText> names;
+    names.reserve(lines.size());
     for (const Text &line : lines)
         names.push_back(FoldedText::ofName(line));
     for (std::size_t i = 0; i < lines.size(); ++i) {
@@ -69,6 +70,7 @@ void check(const std::vector<Text> &lines)
 void checkPalette(const std::vector<std::string_view> &lines)
 {
     std::vector<PaletteItem> items;
+    items.reserve(lines.size());
     for (const std::string_view line : lines)
         items.push_back({PaletteItem::Kind::tag, "id", std::string(line), {}, std::string(line)});
     const Palette palette(items);
