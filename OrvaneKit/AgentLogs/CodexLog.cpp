@@ -101,7 +101,9 @@ bool AgentLogParser::isPassingOver(Instant date, std::string_view taskStarted)
     if (!m_state.forkedAt)
         return false;
     const std::string_view own = std::string_view(m_state.currentID).substr(keyPrefix.size());
-    if (date > *m_state.forkedAt + forkLength || (!taskStarted.empty() && taskStarted >= own))
+    // An id of another form says nothing of its time.
+    const bool isOwnTask = taskStarted.size() == own.size() && taskStarted >= own;
+    if (date > *m_state.forkedAt + forkLength || isOwnTask)
         m_state.forkedAt.reset();
     return m_state.forkedAt.has_value();
 }

@@ -314,24 +314,35 @@ void appendUtf8(std::string &out, unsigned point)
     }
 }
 
-/// Reads what follows "\u" at `at`, a pair of surrogates together, and moves `at` behind it.
-bool appendEscapedUnit(std::string &out, std::string_view raw, std::size_t &at)
+bool isSurrogate(unsigned point)
 {
-    constexpr unsigned replacement = 0xFFFD;
+    return point >= 0xD800 && point < 0xE000;
+}
+
+/// Reads what follows "\u" at `at`, a pair of surrogates together, and moves `at` behind it. A lone surrogate
+/// comes back as it is; nothing when these are no digits.
+std::optional<unsigned> takeEscapedPoint(std::string_view raw, std::size_t &at)
+{
     const auto unit = fourDigits(raw, at);
     if (!unit)
-        return false;
+        return {};
     at += 4;
-    unsigned point = *unit;
-    if (point >= 0xD800 && point < 0xDC00 && raw.substr(at, 2) == "\\u") {
-        const auto low = fourDigits(raw, at + 2);
-        if (low && *low >= 0xDC00 && *low < 0xE000) {
-            point = 0x10000 + ((point - 0xD800) << 10U) + (*low - 0xDC00);
-            at += 6;
-        }
-    }
-    appendUtf8(out, point >= 0xD800 && point < 0xE000 ? replacement : point);
-    return true;
+    if (*unit < 0xD800 || *unit >= 0xDC00 || raw.substr(at, 2) != "\\u")
+        return unit;
+    const auto low = fourDigits(raw, at + 2);
+    if (!low || *low < 0xDC00 || *low >= 0xE000)
+        return unit;
+    at += 6;
+    return 0x10000 + ((*unit - 0xD800) << 10U) + (*low - 0xDC00);
+}
+
+bool appendEscapedPoint(std::string &out, std::string_view raw, std::size_t &at)
+{
+    constexpr unsigned replacement = 0xFFFD;
+    const auto point = takeEscapedPoint(raw, at);
+    if (point)
+        appendUtf8(out, isSurrogate(*point) ? replacement : *point);
+    return point.has_value();
 }
 
 } // namespace
@@ -353,8 +364,23 @@ std::optional<std::string> unescaped(std::string_view raw)
         at = escape + 2;
         if (const auto known = names.find(name); known != std::string_view::npos)
             out += meanings[known];
-        else if (name != 'u' || !appendEscapedUnit(out, raw, at))
+        else if (name != 'u' || !appendEscapedPoint(out, raw, at))
             return {};
+    }
+    return out;
+}
+
+std::string withWholeCharacters(std::string_view json)
+{
+    std::string out(json);
+    for (std::size_t escape = out.find('\\'); escape != std::string::npos;) {
+        std::size_t at = escape + 2;
+        if (json.substr(escape + 1).starts_with('u')) {
+            const auto point = takeEscapedPoint(json, at);
+            if (point && isSurrogate(*point))
+                out.replace(escape, 6, "\\ufffd");
+        }
+        escape = out.find('\\', at);
     }
     return out;
 }

@@ -92,4 +92,8 @@ private:
 /// other half reads as U+FFFD.
 std::optional<std::string> unescaped(std::string_view raw);
 
+/// The text with U+FFFD for each escaped surrogate without its other half. Agents leave such halves where
+/// they cut a text, and not every reader takes that for JSON.
+std::string withWholeCharacters(std::string_view json);
+
 } // namespace orvane::jsonbytes

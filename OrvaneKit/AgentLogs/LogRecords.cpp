@@ -134,6 +134,8 @@ template <class T>
 std::optional<T> read(std::string_view line)
 {
     auto read = decodeJson<T>(line, {.strict = true});
+    if (!read && (line.contains("\\ud") || line.contains("\\uD")))
+        read = decodeJson<T>(jsonbytes::withWholeCharacters(line), {.strict = true});
     return read ? std::optional(std::move(*read)) : std::nullopt;
 }
 

@@ -95,6 +95,17 @@ std::string told(AgentSource source, const std::vector<std::string> &lines)
     return told(quick.sessions());
 }
 
+std::string events(AgentSource source, const std::vector<std::string> &lines)
+{
+    std::string out;
+    const std::string all = told(source, lines);
+    for (std::size_t at = 0; at < all.size(); at = all.find('\n', at) + 1) {
+        const auto from = all.rfind('|', all.find('\n', at)) + 1;
+        out += all.substr(from, all.find('\n', at) - from);
+    }
+    return out;
+}
+
 std::string LineMaker::line(AgentSource source)
 {
     m_second += below(40) - 4;
@@ -261,7 +272,7 @@ std::string LineMaker::codexLine()
     if (isOneIn(3))
         payload = object({{"type", anyText({"user_message", "task_started", "token_count"})},
                           {"message", anyText({"Mend the roof", "", "go on"})},
-                          {"turn_id", anyText({"0b1", "0c1"})}});
+                          {"turn_id", anyText({"0a", "0c"})}});
     if (isOneIn(6) || m_second < 40)
         payload = object({{"id", anyText({"0b", "0b", "0b", "0a"})},
                           {"cwd", anyText({"/w", "/x"})},

@@ -26,6 +26,8 @@ std::string with(std::string line, std::string_view from, std::string_view to);
 std::string told(const std::vector<AgentSession> &sessions);
 /// Of all lines, read quickly and in full, which must agree.
 std::string told(AgentSource source, const std::vector<std::string> &lines);
+/// Only the events of that, all sessions' on one line.
+std::string events(AgentSource source, const std::vector<std::string> &lines);
 
 /// Makes lines without end: real shapes with members in any order, missing or of a wrong kind, and texts and
 /// spaces written in any of the ways that JSON has.
