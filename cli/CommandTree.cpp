@@ -94,6 +94,7 @@ CommandTree::CommandTree() : m_root("Track time from the terminal.", "orvane")
     addGlobalOptions();
     addTimerCommands(*this);
     addEntryCommands(*this);
+    addQuickEntryCommands(*this);
     addListCommand(*this);
     addActivityCommand(*this);
     addProjectCommands(*this);

@@ -360,8 +360,8 @@ void Account::makeTracker()
 {
     m_tracker.reset();
     if (const WorkspaceSummary *workspace = chosenWorkspace())
-        m_tracker = std::make_unique<Tracker>(
-            Tracker::Parts{*workspace, preferredTime(m_me, m_options.zone), m_client, m_store, m_outbox.get()});
+        m_tracker = std::make_unique<Tracker>(Tracker::Parts{*workspace, preferredTime(m_me, m_options.zone),
+                                                             m_client, m_store, m_outbox.get()});
 }
 
 bool Account::useWorkspace(const std::string &id)

@@ -105,6 +105,7 @@ public:
     LocalStore &store() { return *m_store; }
     Outbox &outbox() { return *m_outbox; }
     Tracker &tracker() { return *m_tracker; }
+    const Tracker &tracker() const { return *m_tracker; }
 
     /// Switches to another workspace of the account and remembers it. False when the account has none of that
     /// id.

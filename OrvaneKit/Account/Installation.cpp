@@ -50,6 +50,16 @@ bool Installation::makeFolder(std::string &problem) const
     return !error;
 }
 
+PaletteUsage Installation::paletteUsage(const std::string &workspace) const
+{
+    return PaletteUsage::load(settings(), workspace);
+}
+
+void Installation::setPaletteUsage(const std::string &workspace, const PaletteUsage &usage)
+{
+    usage.save(settings(), workspace);
+}
+
 QSettings &Installation::settings() const
 {
     if (!m_settings)

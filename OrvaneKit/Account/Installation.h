@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "QuickEntry/PaletteUsage.h"
+
 #include <memory>
 #include <optional>
 #include <string>
@@ -36,6 +38,10 @@ public:
     void setAccount(const std::string &server, const std::optional<std::string> &account);
     std::optional<std::string> workspace(const std::string &server, const std::string &account) const;
     void setWorkspace(const std::string &server, const std::string &account, const std::string &workspace);
+
+    /// What was picked in a workspace's palette.
+    PaletteUsage paletteUsage(const std::string &workspace) const;
+    void setPaletteUsage(const std::string &workspace, const PaletteUsage &usage);
 
 private:
     QSettings &settings() const;

@@ -8,6 +8,7 @@ class CommandTree;
 
 void addTimerCommands(CommandTree &tree);
 void addEntryCommands(CommandTree &tree);
+void addQuickEntryCommands(CommandTree &tree);
 void addListCommand(CommandTree &tree);
 void addActivityCommand(CommandTree &tree);
 void addProjectCommands(CommandTree &tree);

@@ -5,6 +5,7 @@
 #include "Input/Candidates.h"
 #include "Output/EntryText.h"
 #include "Output/JsonShapes.h"
+#include "Time/AppClock.h"
 
 namespace orvane {
 
@@ -89,6 +90,67 @@ Task<Result<TimeEntryResponse, CommandFailure>> findEntry(Context context, std::
     if (!entry)
         co_return failure(CommandFailure::of("The entry " + *id + " is gone."));
     co_return TimeEntryResponse(*entry);
+}
+
+Instant nowFor(const Tracker &tracker)
+{
+    constexpr std::chrono::minutes tolerance{1};
+    const Instant now = AppClock::now();
+    const auto &running = tracker.running();
+    return running && running->start > now && running->start < now + tolerance ? running->start : now;
+}
+
+CommandAnswer withStopped(CommandAnswer answer, const CommandContext &context,
+                          const std::optional<TimeEntryResponse> &before)
+{
+    const Tracker &tracker = context.account()->tracker();
+    const auto stopped = before ? tracker.entry(before->id) : std::nullopt;
+    if (!context.json() && answer.exitStatus == ExitStatus::done && stopped && stopped->stop)
+        answer.output.insert(
+            0, EntryWriter(context.account()->tracker(), context.style()).done("Stopped", *stopped));
+    return answer;
+}
+
+CommandTask record(Context context, EntryOptions options, TypedSentence typed, NamedTimes times)
+{
+    Tracker &tracker = context->account()->tracker();
+    const UserTime &time = tracker.time();
+    auto details = withOptions(typed.appliedTo({}, tracker.catalog()), options, tracker.catalog());
+    if (!details)
+        co_return failure(details.error());
+    if (times.stop) {
+        const auto span = spanOf(*times.start, *times.stop, time);
+        if (!span)
+            co_return failure(CommandFailure::of(span.error()));
+        EntryRequest request{.details = std::move(*details), .start = span->start, .stop = span->stop};
+        CommandAnswer answer = answerTo(*context, co_await tracker.create(std::move(request)), "Added");
+        rememberPicks(*context, typed, answer);
+        co_return answer;
+    }
+    const Instant at = times.start ? startOf(*times.start, time) : nowFor(tracker);
+    const std::optional<TimeEntryResponse> before = tracker.running();
+    const SaveResult result = co_await tracker.start(std::move(*details), at);
+    CommandAnswer answer = withStopped(answerTo(*context, result, "Started"), *context, before);
+    if (answer.exitStatus == ExitStatus::done && times.start && at > AppClock::now())
+        answer.messages.push_back("Note: " + time.clockLabel(at) + " is still to come.");
+    rememberPicks(*context, typed, answer);
+    co_return answer;
+}
+
+void rememberPicks(CommandContext &context, const TypedSentence &typed, CommandAnswer &answer)
+{
+    if (answer.exitStatus != ExitStatus::done)
+        return;
+    const Tracker &tracker = context.account()->tracker();
+    for (std::string &note : typed.leftOut(tracker.catalog()))
+        answer.messages.push_back(std::move(note));
+    const std::vector<std::string> keys = typed.usageKeys();
+    if (keys.empty())
+        return;
+    PaletteUsage usage = context.installation().paletteUsage(tracker.workspace().id);
+    for (const std::string &key : keys)
+        usage.record(key, AppClock::now());
+    context.installation().setPaletteUsage(tracker.workspace().id, usage);
 }
 
 } // namespace orvane

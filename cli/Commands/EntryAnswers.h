@@ -2,6 +2,7 @@
 #pragma once
 
 #include "CommandContext.h"
+#include "Input/TypedSentence.h"
 #include "Tracker/Tracker.h"
 
 #include <string>
@@ -18,5 +19,25 @@ CommandAnswer answerTo(const CommandContext &context, const SaveResult &result, 
 /// The entry that a (cut) identifier means. Looks among the entries of the last weeks, and asks the server
 /// for one that is older when the whole identifier was typed.
 Task<Result<TimeEntryResponse, CommandFailure>> findEntry(Context context, std::string typed);
+
+/// What a SENTENCE argument is, for the help text.
+inline constexpr const char *sentenceText =
+    "What the work is, in one line: \"Fix the sync @api #review 9-10:30 $\"; see orvane help parse";
+
+/// Now; the running timer's start when that is just ahead, since a clock that was set back a little is no
+/// reason to refuse what happens now.
+Instant nowFor(const Tracker &tracker);
+
+/// Records what a sentence and its options say: a finished entry when they name an end, else the timer
+/// starts, now or when they say.
+CommandTask record(Context context, EntryOptions options, TypedSentence typed, NamedTimes times);
+
+/// The timer that a start stopped, in front of the answer to the start.
+CommandAnswer withStopped(CommandAnswer answer, const CommandContext &context,
+                          const std::optional<TimeEntryResponse> &before);
+
+/// After a change that was done: what the sentence picked counts as used, and what of it has no place is
+/// told.
+void rememberPicks(CommandContext &context, const TypedSentence &typed, CommandAnswer &answer);
 
 } // namespace orvane

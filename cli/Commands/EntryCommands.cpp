@@ -4,11 +4,15 @@
 #include "Catalog/EntryConversions.h"
 #include "CommandTree.h"
 #include "Commands/EntryAnswers.h"
-#include "Input/EntryOptions.h"
+#include "Input/TypedSentence.h"
+#include "Time/AppClock.h"
 
 namespace orvane {
 
 namespace {
+
+const std::string needsTimes =
+    "An entry needs its time, as in: orvane add \"Stand-up 9:30-9:45\" or: orvane add \"Stand-up 15m\"";
 
 struct EditOptions {
     std::string id;
@@ -17,25 +21,20 @@ struct EditOptions {
 
 CommandTask add(Context context, EntryOptions options)
 {
-    if (!options.start || !options.stop)
-        co_return failure(CommandFailure::usage(
-            "An entry needs its times, as in: orvane add \"Stand-up\" --start 9:30 --stop 9:45"));
+    if (options.isEmpty())
+        co_return failure(CommandFailure::usage(needsTimes));
     const auto opened = co_await context->openAccount();
     if (!opened)
         co_return failure(opened.error());
     co_await context->bringUpToDate();
-    Tracker &tracker = (*opened)->tracker();
-    const auto times = namedTimes(options, tracker.time());
+    const TypedSentence typed = TypedSentence::read(options.sentence, **opened);
+    const Tracker &tracker = (*opened)->tracker();
+    const auto times = typed.times(options, tracker.time());
     if (!times)
         co_return failure(times.error());
-    const auto span = spanOf(*times->start, *times->stop, tracker.time());
-    if (!span)
-        co_return failure(CommandFailure::of(span.error()));
-    auto details = withOptions({}, options, tracker.catalog());
-    if (!details)
-        co_return failure(details.error());
-    EntryRequest request{.details = std::move(*details), .start = span->start, .stop = span->stop};
-    co_return answerTo(*context, co_await tracker.create(std::move(request)), "Added");
+    if (!times->start)
+        co_return failure(CommandFailure::usage(needsTimes));
+    co_return co_await record(context, options, typed, *times);
 }
 
 CommandTask edit(Context context, EditOptions options)
@@ -50,21 +49,27 @@ CommandTask edit(Context context, EditOptions options)
     const auto entry = co_await findEntry(context, options.id);
     if (!entry)
         co_return failure(entry.error());
+    const TypedSentence typed = TypedSentence::read(options.entry.sentence, **opened);
     EntryRequest request = entryRequest(*entry);
     const auto named = namedTimes(options.entry, tracker.time());
     if (!named)
         co_return failure(named.error());
-    const auto times = editedTimes({request.start, request.stop}, named->start, named->stop, tracker.time());
+    const auto times = editedTimes(typed.edited({request.start, request.stop}, tracker.time()), named->start,
+                                   named->stop, tracker.time());
     if (!times)
         co_return failure(CommandFailure::of(times.error()));
-    auto details = withOptions(request.details, options.entry, tracker.catalog());
+    auto details =
+        withOptions(typed.appliedTo(request.details, tracker.catalog()), options.entry, tracker.catalog());
     if (!details)
         co_return failure(details.error());
     request.describeParts = request.describeParts && !details->shares.empty();
     request.details = std::move(*details);
     request.start = times->start;
     request.stop = times->stop;
-    co_return answerTo(*context, co_await tracker.update(entry->id, std::move(request)), "Changed");
+    CommandAnswer answer =
+        answerTo(*context, co_await tracker.update(entry->id, std::move(request)), "Changed");
+    rememberPicks(*context, typed, answer);
+    co_return answer;
 }
 
 CommandTask duplicate(Context context, std::string id)
@@ -110,7 +115,7 @@ void addEntryCommands(CommandTree &tree)
     const std::string group = "Entries";
     const auto added = std::make_shared<EntryOptions>();
     CLI::App *addCommand = tree.add("add", "Record a finished entry", group);
-    CommandTree::addSentence(addCommand, "SENTENCE", added->sentence, "What the work is");
+    CommandTree::addSentence(addCommand, "SENTENCE", added->sentence, sentenceText);
     addEntryOptions(addCommand, *added);
     addCommand->footer(
         addCommand->get_footer() +
@@ -122,7 +127,7 @@ void addEntryCommands(CommandTree &tree)
     const auto edited = std::make_shared<EditOptions>();
     CLI::App *editCommand = tree.add("edit", "Change an entry; what is not named stays as it is", group);
     CommandTree::addRequired(editCommand, "ID", edited->id, idText);
-    CommandTree::addSentence(editCommand, "SENTENCE", edited->entry.sentence, "What the work is");
+    CommandTree::addSentence(editCommand, "SENTENCE", edited->entry.sentence, sentenceText);
     addEntryOptions(editCommand, edited->entry);
     editCommand->footer(
         editCommand->get_footer() +

@@ -3,7 +3,7 @@
 
 #include "CommandTree.h"
 #include "Commands/EntryAnswers.h"
-#include "Input/EntryOptions.h"
+#include "Input/TypedSentence.h"
 #include "Output/EntryText.h"
 #include "Output/JsonShapes.h"
 #include "Time/AppClock.h"
@@ -33,58 +33,19 @@ CommandTask status(Context context)
                                               .outbox = shapes::queue(account.outbox())})};
 }
 
-/// Now; the running timer's start when that is just ahead, since a clock that was set back a little is no
-/// reason to refuse what happens now.
-Instant nowFor(const Tracker &tracker)
-{
-    constexpr std::chrono::minutes tolerance{1};
-    const Instant now = AppClock::now();
-    const auto &running = tracker.running();
-    return running && running->start > now && running->start < now + tolerance ? running->start : now;
-}
-
-/// The timer that a start stopped, in front of the answer to the start.
-CommandAnswer withStopped(CommandAnswer answer, const CommandContext &context,
-                          const std::optional<TimeEntryResponse> &before)
-{
-    const Tracker &tracker = context.account()->tracker();
-    const auto stopped = before ? tracker.entry(before->id) : std::nullopt;
-    if (!context.json() && answer.exitStatus == ExitStatus::done && stopped && stopped->stop)
-        answer.output.insert(
-            0, EntryWriter(context.account()->tracker(), context.style()).done("Stopped", *stopped));
-    return answer;
-}
-
 CommandTask start(Context context, EntryOptions options)
 {
-    if (options.stop && !options.start)
-        co_return failure(CommandFailure::usage("An end needs a start; name both with --start and --stop."));
     const auto opened = co_await context->openAccount();
     if (!opened)
         co_return failure(opened.error());
     co_await context->bringUpToDate();
-    Tracker &tracker = (*opened)->tracker();
-    const UserTime &time = tracker.time();
-    const auto times = namedTimes(options, time);
+    const TypedSentence typed = TypedSentence::read(options.sentence, **opened);
+    const auto times = typed.times(options, (*opened)->tracker().time());
     if (!times)
         co_return failure(times.error());
-    auto details = withOptions({}, options, tracker.catalog());
-    if (!details)
-        co_return failure(details.error());
-    if (times->stop) {
-        const auto span = spanOf(*times->start, *times->stop, time);
-        if (!span)
-            co_return failure(CommandFailure::of(span.error()));
-        EntryRequest request{.details = std::move(*details), .start = span->start, .stop = span->stop};
-        co_return answerTo(*context, co_await tracker.create(std::move(request)), "Added");
-    }
-    const Instant at = times->start ? startOf(*times->start, time) : nowFor(tracker);
-    const std::optional<TimeEntryResponse> before = tracker.running();
-    const SaveResult result = co_await tracker.start(std::move(*details), at);
-    CommandAnswer answer = withStopped(answerTo(*context, result, "Started"), *context, before);
-    if (answer.exitStatus == ExitStatus::done && times->start && at > AppClock::now())
-        answer.messages.push_back("Note: " + time.clockLabel(at) + " is still to come.");
-    co_return answer;
+    if (times->stop && !times->start)
+        co_return failure(CommandFailure::usage("An end needs a start; name both with --start and --stop."));
+    co_return co_await record(context, options, typed, *times);
 }
 
 CommandTask stop(Context context, std::optional<std::string> at)
@@ -129,7 +90,7 @@ void addTimerCommands(CommandTree &tree)
     const auto options = std::make_shared<EntryOptions>();
     CLI::App *startCommand =
         tree.add("start", "Start the timer, or record a finished entry when an end is named", group);
-    CommandTree::addSentence(startCommand, "SENTENCE", options->sentence, "What the work is");
+    CommandTree::addSentence(startCommand, "SENTENCE", options->sentence, sentenceText);
     addEntryOptions(startCommand, *options);
     tree.onRun(
         startCommand, [options](Context context) { return start(std::move(context), *options); },

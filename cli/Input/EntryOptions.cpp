@@ -55,6 +55,8 @@ Result<std::vector<std::string>, CommandFailure> chooseTags(const std::vector<st
     return ids;
 }
 
+} // namespace
+
 void takeProject(EntryDetails &details, std::optional<std::string> projectId, const Catalog &catalog,
                  bool takesBillable)
 {
@@ -66,8 +68,6 @@ void takeProject(EntryDetails &details, std::optional<std::string> projectId, co
     if (takesBillable && project)
         details.isBillable = project->isBillable;
 }
-
-} // namespace
 
 bool EntryOptions::isEmpty() const
 {
@@ -102,8 +102,8 @@ void addEntryOptions(CLI::App *command, EntryOptions &options)
 Result<EntryDetails, CommandFailure> withOptions(EntryDetails details, const EntryOptions &options,
                                                  const Catalog &catalog)
 {
-    if (options.description || options.sentence)
-        details.description = options.description ? *options.description : *options.sentence;
+    if (options.description)
+        details.description = *options.description;
     if (options.project) {
         std::optional<std::string> projectId;
         if (!options.project->empty()) {

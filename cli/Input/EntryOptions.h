@@ -36,10 +36,15 @@ struct EntryOptions {
 /// Adds the options to a command; `options` outlives the tree's use.
 void addEntryOptions(CLI::App *command, EntryOptions &options);
 
-/// `details` with what was named put in. A task brings its project along; another project takes away a task
-/// of the one before and the shares of a split, and brings its own choice of billable unless that is named.
+/// `details` with what the options say put in, all but the sentence. A task brings its project along; another
+/// project takes away a task of the one before and the shares of a split, and brings its own choice of
+/// billable unless that is named.
 Result<EntryDetails, CommandFailure> withOptions(EntryDetails details, const EntryOptions &options,
                                                  const Catalog &catalog);
+
+/// As `withOptions`, what belongs to a project included; for who has the identifiers already.
+void takeProject(EntryDetails &details, std::optional<std::string> projectId, const Catalog &catalog,
+                 bool takesBillable);
 
 /// The named moments; a text that is no time is wrong usage.
 struct NamedTimes {

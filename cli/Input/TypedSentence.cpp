@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Input/TypedSentence.h"
+
+#include "Time/AppClock.h"
+
+#include <cmath>
+
+namespace orvane {
+
+namespace {
+
+std::chrono::milliseconds length(double seconds)
+{
+    return std::chrono::milliseconds{std::llround(seconds * 1000)};
+}
+
+} // namespace
+
+TypedSentence TypedSentence::read(const std::optional<std::string> &sentence, const Account &account)
+{
+    TypedSentence typed;
+    if (!sentence)
+        return typed;
+    const Tracker &tracker = account.tracker();
+    const Catalog &catalog = tracker.catalog();
+    const SentenceCatalog names(catalog.projects(), catalog.clients(), catalog.tags());
+    const Instant now = AppClock::now();
+    typed.reading = EntrySentence::read(
+        *sentence, names, EntrySentence::Options::of(account.me().preferences), now, tracker.time());
+    if (typed.reading.time)
+        typed.span = EntrySentence::resolve(*typed.reading.time, typed.reading.day, now, tracker.time());
+    return typed;
+}
+
+EntryDetails TypedSentence::appliedTo(EntryDetails details, const Catalog &catalog) const
+{
+    if (!reading.description.empty())
+        details.description = reading.description;
+    if (reading.projectID) {
+        takeProject(details, reading.projectID, catalog, true);
+        details.taskId = reading.taskID;
+    }
+    if (!reading.tagIDs.empty())
+        details.tagIds = reading.tagIDs;
+    if (reading.isBillable)
+        details.isBillable = true;
+    return details;
+}
+
+Result<NamedTimes, CommandFailure> TypedSentence::times(const EntryOptions &options,
+                                                        const UserTime &time) const
+{
+    auto times = namedTimes(options, time);
+    if (!times || !span)
+        return times;
+    if (!times->start)
+        times->start = TypedMoment{.clock = {}, .instant = span->start};
+    if (!times->stop && span->stop)
+        times->stop = TypedMoment{.clock = {}, .instant = *span->stop};
+    return times;
+}
+
+EditedTimes TypedSentence::edited(EditedTimes before, const UserTime &time) const
+{
+    if (!reading.time)
+        return before;
+    const Instant now = AppClock::now();
+    if (const auto *duration = std::get_if<EntrySentence::Duration>(&*reading.time)) {
+        if (before.stop)
+            return {before.start, before.start + length(duration->seconds)};
+        return {now - length(duration->seconds), std::nullopt};
+    }
+    const auto day =
+        reading.day ? reading.day
+                    : std::optional<EntrySentence::DayRef>(EntrySentence::Date{time.dayKey(before.start)});
+    const bool takesDay = !std::holds_alternative<EntrySentence::Ago>(*reading.time);
+    const auto span = EntrySentence::resolve(*reading.time, takesDay ? day : std::nullopt, now, time);
+    if (!span)
+        return before;
+    return {span->start, span->stop ? span->stop : before.stop};
+}
+
+std::vector<std::string> TypedSentence::leftOut(const Catalog &catalog) const
+{
+    const ClientResponse *client =
+        reading.clientID && !reading.projectID ? catalog.client(*reading.clientID) : nullptr;
+    if (client == nullptr)
+        return {};
+    return {"Note: an entry belongs to a project, and \"" + client->name +
+            "\" is a client. Name one of its projects to put it there."};
+}
+
+std::vector<std::string> TypedSentence::usageKeys() const
+{
+    std::vector<std::string> keys;
+    const auto add = [&keys](const char *kind, const std::optional<std::string> &id) {
+        if (id)
+            keys.push_back(std::string(kind) + ":" + *id);
+    };
+    add("project", reading.projectID);
+    add("task", reading.taskID);
+    add("client", reading.clientID);
+    for (const std::string &tag : reading.tagIDs)
+        add("tag", tag);
+    return keys;
+}
+
+} // namespace orvane
