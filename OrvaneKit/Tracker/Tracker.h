@@ -68,6 +68,7 @@ public:
     const WorkspaceSummary &workspace() const { return m_parts.workspace; }
     const UserTime &time() const { return m_parts.time; }
     Catalog &catalog() { return m_catalog; }
+    const Catalog &catalog() const { return m_catalog; }
     Outbox &outbox() { return *m_parts.outbox; }
     const std::optional<WorkspaceSettingsResponse> &settings() const { return m_settings; }
     int weeksLoaded() const { return m_weeksLoaded; }

@@ -74,10 +74,10 @@ EditedTimes TypedSentence::edited(EditedTimes before, const UserTime &time) cons
         reading.day ? reading.day
                     : std::optional<EntrySentence::DayRef>(EntrySentence::Date{time.dayKey(before.start)});
     const bool takesDay = !std::holds_alternative<EntrySentence::Ago>(*reading.time);
-    const auto span = EntrySentence::resolve(*reading.time, takesDay ? day : std::nullopt, now, time);
-    if (!span)
+    const auto onDay = EntrySentence::resolve(*reading.time, takesDay ? day : std::nullopt, now, time);
+    if (!onDay)
         return before;
-    return {span->start, span->stop ? span->stop : before.stop};
+    return {onDay->start, onDay->stop ? onDay->stop : before.stop};
 }
 
 std::vector<std::string> TypedSentence::leftOut(const Catalog &catalog) const
