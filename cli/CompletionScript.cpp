@@ -24,6 +24,8 @@ struct Node {
     std::string description;
     std::vector<Node> children;
     std::vector<OptionWords> options;
+    /// Words with @ and # in it become names of the catalog.
+    bool takesSentence = false;
 
     std::string name() const { return path.substr(path.rfind(' ') + 1); }
 };
@@ -32,15 +34,19 @@ Node nodeOf(const CLI::App &command, const std::string &path)
 {
     Node node{path, command.get_description(), {}, {}};
     for (const CLI::Option *option : command.get_options()) {
-        if (option->get_positional())
+        if (option->get_positional()) {
+            node.takesSentence |= option->get_name(true) == "SENTENCE";
             continue;
+        }
         for (const std::string &name : option->get_lnames())
             node.options.push_back({"--" + name, option->get_description(), option->get_expected_max() > 0,
                                     option->get_type_name() == "DIR"});
         for (const std::string &name : option->get_snames())
             node.options.push_back({"-" + name, option->get_description(), false, false});
     }
-    for (const CLI::App *child : command.get_subcommands([](const CLI::App *) { return true; }))
+    // One without a group is for the scripts themselves.
+    for (const CLI::App *child :
+         command.get_subcommands([](const CLI::App *child) { return !child->get_group().empty(); }))
         node.children.push_back(
             nodeOf(*child, path.empty() ? child->get_name() : path + " " + child->get_name()));
     return node;
@@ -103,6 +109,34 @@ std::string joined(const std::vector<OptionWords> &options, bool wantsFolder, st
     return out;
 }
 
+std::string sentencePaths(const Node &root, std::string_view separator)
+{
+    std::string out;
+    for (const Node *node : allNodes(root)) {
+        if (node->takesSentence)
+            out += (out.empty() ? "" : std::string(separator)) + quoted(node->path);
+    }
+    return out;
+}
+
+/// Bash divides words at "@", so that the sign is the word before, or the word itself.
+std::string bashNames(const Node &root)
+{
+    return "    case $path in\n"
+           "        " +
+           sentencePaths(root, "|") +
+           ")\n"
+           "            word=$current\n"
+           "            [[ $previous == @ ]] && word=@$current\n"
+           "            if [[ $word == [@\\#]* ]]; then\n"
+           "                local IFS=$'\\n'\n"
+           "                COMPREPLY=($(orvane complete-word \"$word\" 2>/dev/null))\n"
+           "                [[ $COMP_WORDBREAKS == *@* ]] && COMPREPLY=(\"${COMPREPLY[@]#@}\")\n"
+           "                return\n"
+           "            fi ;;\n"
+           "    esac\n";
+}
+
 std::string bashScript(const Node &root)
 {
     const auto options = valued(root);
@@ -138,9 +172,8 @@ std::string bashScript(const Node &root)
            steps +
            ") path=\"${path:+$path }$word\" ;;\n"
            "        esac\n"
-           "    done\n"
-           "    case $path in\n" +
-           cases +
+           "    done\n" +
+           bashNames(root) + "    case $path in\n" + cases +
            "    esac\n"
            "    COMPREPLY=($(compgen -W \"$words\" -- \"$current\"))\n"
            "}\n"
@@ -179,7 +212,8 @@ std::string zshFunction(const Node &node)
     std::string out = name + "() {\n    local -a options=($_orvane_global" +
                       zshOptions(node.path.empty() ? std::vector<OptionWords>() : node.options) + ")\n";
     if (node.children.empty())
-        return out + "    _arguments -s -S $options '*::word:'\n}\n";
+        return out + "    _arguments -s -S $options '*:" +
+               (node.takesSentence ? "word:_orvane_names'\n}\n" : ":word:'\n}\n");
     std::string described;
     std::string cases;
     for (const Node &child : node.children) {
@@ -204,7 +238,12 @@ std::string zshScript(const Node &root)
 {
     std::string out = "#compdef orvane\n# Completions of orvane for zsh; made by orvane completion zsh.\n"
                       "typeset -ga _orvane_global\n_orvane_global=(" +
-                      zshOptions(root.options) + ")\n";
+                      zshOptions(root.options) +
+                      ")\n"
+                      "_orvane_names() {\n"
+                      "    local -a names=(${(f)\"$(orvane complete-word \"$PREFIX\" 2>/dev/null)\"})\n"
+                      "    compadd -U -- $names\n"
+                      "}\n";
     for (const Node *node : allNodes(root))
         out += zshFunction(*node);
     return out + "if [[ $funcstack[1] == _orvane ]]; then\n    _orvane \"$@\"\nelse\n    compdef _orvane "
@@ -257,6 +296,9 @@ std::string fishScript(const Node &root)
         for (const Node &child : node->children)
             out += "complete -c orvane -n " + quoted(condition) + " -a " + child.name() + " -d " +
                    quoted(child.description) + "\n";
+        if (node->takesSentence)
+            out += "complete -c orvane -n " + quoted(condition) +
+                   " -a '(orvane complete-word (commandline -ct) 2>/dev/null)'\n";
         if (node == &root)
             continue;
         for (const OptionWords &option : node->options)

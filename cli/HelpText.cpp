@@ -19,7 +19,7 @@ struct Item {
 
 std::vector<const CLI::App *> commandsOf(const CLI::App *command)
 {
-    return command->get_subcommands([](const CLI::App *) { return true; });
+    return command->get_subcommands([](const CLI::App *sub) { return !sub->get_group().empty(); });
 }
 
 std::vector<const CLI::Option *> optionsOf(const CLI::App *command, bool arePositional)

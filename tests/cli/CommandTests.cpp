@@ -132,6 +132,87 @@ TEST_F(Command, TracksADay)
         << "the start of the second ended the first";
 }
 
+TEST_F(Command, TakesSentences)
+{
+    setNow("2026-03-04T12:00:00Z");
+    const auto utc = [](Arguments arguments) {
+        arguments.insert(arguments.begin(), {"--zone", "UTC"});
+        return arguments;
+    };
+    const std::string client = id(done({"clients", "add", "Acme"}));
+    const std::string project = id(done({"projects", "add", "Big Project", "--client", "Acme"}));
+    const std::string api = id(done({"projects", "add", "API", "--billable"}));
+    const std::string tag = id(done({"tags", "add", "deep-work"}));
+
+    const QJsonObject added = entry(utc({"add", "Fix the sync bug @api #deep-work 9-10:30 $"}));
+    EXPECT_EQ(text(added[u"description"]), "Fix the sync bug");
+    EXPECT_EQ(text(added[u"projectId"]), api);
+    EXPECT_EQ(text(added[u"tagIds"].toArray()[0]), tag);
+    EXPECT_TRUE(added[u"isBillable"].toBool());
+    EXPECT_EQ(text(added[u"start"]), "2026-03-04T09:00:00.000Z");
+    EXPECT_EQ(text(added[u"stop"]), "2026-03-04T10:30:00.000Z");
+
+    // Options say the last word; a sentence changes only what it names, on the entry's own day.
+    setNow("2026-03-06T12:00:00Z");
+    const std::string entryId = id(added);
+    const QJsonObject moved = entry(utc({"edit", entryId, "@big-project 9:15-10:00", "--no-billable"}));
+    EXPECT_EQ(text(moved[u"description"]), "Fix the sync bug");
+    EXPECT_EQ(text(moved[u"projectId"]), project);
+    EXPECT_FALSE(moved[u"isBillable"].toBool(true));
+    EXPECT_EQ(text(moved[u"start"]), "2026-03-04T09:15:00.000Z");
+    EXPECT_EQ(text(entry(utc({"edit", entryId, "2h"}))[u"stop"]), "2026-03-04T11:15:00.000Z");
+
+    const QJsonObject running = entry(utc({"start", "write docs since 11:40"}));
+    EXPECT_EQ(text(running[u"start"]), "2026-03-06T11:40:00.000Z");
+    EXPECT_TRUE(running[u"stop"].isNull());
+    EXPECT_FALSE(entry(utc({"start", "stand-up 9:30-9:45"}))[u"stop"].isNull());
+    EXPECT_THAT(text(failed(2, utc({"add", "no time in it"}))[u"message"]), HasSubstr("needs its time"));
+    EXPECT_THAT(installation.run(utc({"start", "call @acme"})).errors, HasSubstr("\"Acme\" is a client"));
+
+    const QJsonObject parsed = done(utc({"parse", "call @acme #deep-work yesterday 9-10:30pm $"}));
+    EXPECT_EQ(keys(parsed), (Names{"billable", "clientID", "day", "description", "projectID", "span",
+                                   "tagIDs", "taskID", "time", "timeText"}));
+    EXPECT_EQ(text(parsed[u"clientID"]), client);
+    EXPECT_TRUE(parsed[u"projectID"].isNull());
+    EXPECT_EQ(compact(parsed[u"day"]), R"({"date":null,"kind":"yesterday","weekday":null})");
+    EXPECT_EQ(compact(parsed[u"time"]), R"({"end":{"hours":10,"meridiem":"pm","minutes":30},"kind":"range",)"
+                                        R"("start":{"hours":9,"meridiem":"pm","minutes":0}})");
+    EXPECT_EQ(compact(parsed[u"span"]),
+              R"({"start":"2026-03-05T21:00:00.000Z","stop":"2026-03-05T22:30:00.000Z"})");
+    EXPECT_TRUE(done(utc({"parse", "just words"}))[u"time"].isNull());
+    EXPECT_THAT(installation.run(utc({"parse", "call @acme 45m ago"})).output, HasSubstr("11:15 – now"));
+}
+
+TEST_F(Command, FindsByAFewLetters)
+{
+    const std::string client = id(done({"clients", "add", "Zebra"}));
+    const std::string project = id(done({"projects", "add", "Big Project", "--client", "Zebra"}));
+    done({"projects", "add", "Bipartite"});
+    done({"add", "Paint the fence 9:00-9:10"});
+    const QJsonArray initials = listed({"find", "bp"});
+    ASSERT_EQ(initials.size(), 1);
+    EXPECT_EQ(keys(initials[0].toObject()), (Names{"id", "kind", "name", "ranges", "score"}));
+    EXPECT_EQ(text(initials[0].toObject()[u"id"]), project);
+    EXPECT_EQ(initials[0].toObject()[u"score"].toDouble(), 55);
+    EXPECT_EQ(QJsonDocument(initials[0].toObject()[u"ranges"].toArray())
+                  .toJson(QJsonDocument::Compact)
+                  .toStdString(),
+              "[[0,1],[4,5]]");
+    const QJsonArray byClient = listed({"find", "zebra"});
+    ASSERT_EQ(byClient.size(), 2);
+    EXPECT_EQ(text(byClient[0].toObject()[u"id"]), client);
+    EXPECT_EQ(byClient[1].toObject()[u"score"].toDouble(), 80);
+    EXPECT_EQ(text(listed({"find", "fence"})[0].toObject()[u"kind"]), "entry");
+    EXPECT_THAT(installation.run({"find", "nowhere"}).output, HasSubstr("Nothing here is called"));
+
+    // What was picked comes first from then on.
+    EXPECT_EQ(text(listed({"find", "bi"})[0].toObject()[u"name"]), "Big Project");
+    done({"start", "go on @bipartite"});
+    EXPECT_EQ(text(listed({"find", "bi"})[0].toObject()[u"name"]), "Bipartite");
+    EXPECT_EQ(installation.run({"complete-word", "@bi"}).output, "@Bipartite\n@Big-Project\n");
+    EXPECT_EQ(installation.run({"complete-word", "bi"}).output, "");
+}
+
 TEST_F(Command, RecordsAndChangesEntries)
 {
     setNow("2026-03-04T12:00:00Z");
