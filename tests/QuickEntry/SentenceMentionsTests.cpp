@@ -15,7 +15,7 @@ protected:
         bool isActive = true;
     };
 
-    void addProject(std::string id, std::string name, std::optional<std::string> client = {},
+    void addProject(const std::string &id, std::string name, std::optional<std::string> client = {},
                     const std::vector<Task> &tasks = {}, bool isArchived = false)
     {
         ProjectResponse project;
