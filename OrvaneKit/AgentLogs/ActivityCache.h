@@ -39,6 +39,8 @@ public:
     void insert(const std::string &key, Value value, std::int64_t cost)
     {
         erase(key);
+        if (cost > m_byteLimit)
+            return;
         const auto entry = m_entries.try_emplace(key, Entry{std::move(value), cost, 0}).first;
         m_bytes += cost;
         touch(entry);
