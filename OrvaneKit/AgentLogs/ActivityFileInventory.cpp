@@ -5,8 +5,8 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>
+#include <set>
 #include <sys/stat.h>
-#include <time.h>
 #include <unistd.h>
 
 namespace orvane {
@@ -40,13 +40,6 @@ private:
     int m_descriptor;
 };
 
-std::int64_t now()
-{
-    timespec time{};
-    ::clock_gettime(CLOCK_REALTIME, &time);
-    return time.tv_sec;
-}
-
 } // namespace
 
 struct ActivityFileInventory::Walk {
@@ -54,14 +47,16 @@ struct ActivityFileInventory::Walk {
     std::vector<File> files;
     /// The folders on the way down to where we are.
     std::vector<std::pair<std::int64_t, std::int64_t>> way;
+    /// Those gone into through links: a few links to each other would make ways without end otherwise.
+    std::set<std::pair<std::int64_t, std::int64_t>> linked;
 };
 
 std::vector<ActivityFileInventory::File> ActivityFileInventory::files(const AgentLogFormat &format,
                                                                       const std::string &folder)
 {
     ++m_walks;
-    Walk walk{.format = format, .files = {}, .way = {}};
-    this->walk(walk, folder, 0);
+    Walk walk{.format = format, .files = {}, .way = {}, .linked = {}};
+    this->walk(walk, folder, 0, false);
     std::erase_if(m_directories, [&](const auto &entry) {
         const std::string &path = entry.first;
         return entry.second.walk != m_walks && path.starts_with(folder) &&
@@ -72,13 +67,14 @@ std::vector<ActivityFileInventory::File> ActivityFileInventory::files(const Agen
     return std::move(walk.files);
 }
 
-void ActivityFileInventory::walk(Walk &walk, const std::string &path, int level)
+void ActivityFileInventory::walk(Walk &walk, const std::string &path, int level, bool isLinked)
 {
     const auto stamp = ActivityFileStamp::of(path);
     if (!stamp || !stamp->isDirectory)
         return;
     const std::pair place{stamp->device, stamp->inode};
-    if (std::ranges::find(walk.way, place) != walk.way.end())
+    if (std::ranges::find(walk.way, place) != walk.way.end() ||
+        (isLinked && !walk.linked.insert(place).second))
         return;
     walk.way.push_back(place);
     Directory &directory = list(walk.format, path, *stamp);
@@ -99,7 +95,7 @@ void ActivityFileInventory::walk(Walk &walk, const std::string &path, int level)
         if (entry.isLog && level >= walk.format.levels.lowest && look() == 0 && S_ISREG(status.st_mode))
             walk.files.push_back({child, ActivityFileStamp::of(status)});
         else if (entry.mayBeDirectory && level < walk.format.levels.highest && level < deepest)
-            this->walk(walk, child, level + 1);
+            this->walk(walk, child, level + 1, isLinked || entry.mayBeLink);
     }
     walk.way.pop_back();
 }
@@ -111,11 +107,14 @@ ActivityFileInventory::Directory &ActivityFileInventory::list(const AgentLogForm
     Directory &directory = m_directories[path];
     if (!directory.isFresh && directory.stamp == stamp)
         return directory;
-    directory = {.stamp = stamp, .children = {}, .isFresh = now() - stamp.changeSeconds <= clockGrain};
+    directory = {.stamp = stamp, .children = {}, .isFresh = m_clock() - stamp.changeSeconds <= clockGrain};
     ++m_listings;
     const std::unique_ptr<DIR, int (*)(DIR *)> entries(::opendir(path.c_str()), &::closedir);
-    if (!entries)
+    if (!entries) {
+        // It may be for want of something that others use at the moment.
+        directory.isFresh = true;
         return directory;
+    }
     while (const dirent *entry = ::readdir(entries.get())) {
         const std::string_view name = entry->d_name;
         if (name == "." || name == "..")
@@ -123,6 +122,7 @@ ActivityFileInventory::Directory &ActivityFileInventory::list(const AgentLogForm
         const bool isUnsure = entry->d_type == DT_UNKNOWN || entry->d_type == DT_LNK;
         Child child{.name = std::string(name),
                     .mayBeDirectory = entry->d_type == DT_DIR || isUnsure,
+                    .mayBeLink = isUnsure,
                     .isLog = (entry->d_type == DT_REG || isUnsure) && format.isLog(name)};
         if (child.mayBeDirectory || child.isLog)
             directory.children.push_back(std::move(child));

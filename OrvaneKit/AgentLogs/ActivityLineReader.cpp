@@ -33,6 +33,8 @@ const char *lineFeed(const char *at, const char *end)
 Result<ActivityLineReader::Progress, ActivityLineReader::Failure>
 ActivityLineReader::read(int descriptor, State state, std::int64_t size, const OnLine &onLine)
 {
+    if (state.offset < 0)
+        return failure(Failure::unreadable);
     Progress progress{.state = state, .tail = {}};
     State &at = progress.state;
     const bool isWholeFile = state.offset == 0;
