@@ -15,6 +15,7 @@ import subprocess
 import sys
 import tempfile
 
+import activity_runs
 import command_runs
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
@@ -104,10 +105,28 @@ def command_rows(arguments):
     yield row("list without the server, beside a program that does nothing", offline[0] / offline[1], 3)
 
 
+def activity_rows(arguments):
+    folder = pathlib.Path(arguments.folder)
+    one, two, memory = activity_runs.cold(BUILD / "bin", folder, max(3, arguments.repetitions // 3))
+    for times, cores, budget in ((one, "one core", 3), (two, "two cores", 2)):
+        if "peer" in times:
+            yield row(f"500 MB of logs into days, throughput beside {activity_runs.PEER}, {cores}",
+                      times["peer"] / times["orvane"], 4, at_least=True)
+        yield row(f"500 MB of logs into days, time beside wc -l, {cores}", times["orvane"] / times["wc"], budget)
+    yield row("500 MB of logs into days, peak memory in MB", memory, 40, form="{:.1f}")
+    unchanged, grown = activity_runs.again(PROGRAMS, folder)
+    yield row("the same week again, 10,000 logs, beside their stamps alone", unchanged["again"] / unchanged["stamps"], 2)
+    yield row("the same week again, bytes of logs read", unchanged["againBytes"], 0, form="{:.0f}")
+    yield row("a line more in a log of 100 MB, ms beside its stamp", 1e3 * (grown["grown"] - grown["stamps"]), 2)
+    yield row("a line more in a log of 100 MB, bytes read beside it", grown["grownBytes"] - grown["added"],
+              2 * (4096 + 64), form="{:.0f}")
+
+
 GROUPS = {"store": (store_rows, ["StoreBenchmark"]), "json": (json_rows, ["JsonBenchmark"]),
           "timeline": (timeline_rows, ["TimelineBenchmark"]),
           "calendar": (calendar_rows, ["CalendarBenchmark"]),
           "quickentry": (quick_entry_rows, ["QuickEntryBenchmark"]),
+          "activity": (activity_rows, ["orvane", "ActivityRequests"]),
           "command": (command_rows, ["orvane", "orvane-server", "BareStatus", "BareIdle"])}
 
 
