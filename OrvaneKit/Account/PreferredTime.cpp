@@ -65,7 +65,7 @@ UserTime preferredTime(const MeResponse &me, const std::optional<std::string> &z
                   me.preferences.timeFormat == "12h", format);
 }
 
-Task<UserTime> storedTime(const Installation &installation, std::optional<std::string> server,
+Task<UserTime> storedTime(const Installation &installation, const std::optional<std::string> &server,
                           std::optional<std::string> zone)
 {
     return timeFromStore(storePath(installation, server), std::move(zone));

@@ -19,7 +19,7 @@ UserTime preferredTime(const MeResponse &me, const std::optional<std::string> &z
 /// The same as far as it is known on this computer: from the profile kept for the account in use, else the
 /// system's zone with usual choices. Asks nobody, starts nothing and makes no file. `server`: another one
 /// than the one signed in to. Call and resumption on a thread with an event loop.
-Task<UserTime> storedTime(const Installation &installation, std::optional<std::string> server,
+Task<UserTime> storedTime(const Installation &installation, const std::optional<std::string> &server,
                           std::optional<std::string> zone);
 
 } // namespace orvane

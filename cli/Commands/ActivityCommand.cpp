@@ -46,17 +46,11 @@ AgentActivityLoader::Request requestFor(const CommandContext &context, std::vect
     return request;
 }
 
-/// Shows on the main thread what the loader says on one of its own.
 AgentActivityLoader::ProgressHandler progressOn(ProgressLine &line)
 {
     return [&line](AgentActivityLoader::Progress progress) {
         constexpr int megabyte = 20;
-        QMetaObject::invokeMethod(
-            &line,
-            [&line, done = progress.done >> megabyte, all = progress.total >> megabyte] {
-                line.setProgress(done, all);
-            },
-            Qt::QueuedConnection);
+        line.setProgress(progress.done >> megabyte, progress.total >> megabyte);
     };
 }
 

@@ -396,8 +396,7 @@ bool hasActivity(const ActivityDay &day)
     return !day.attention.empty() || !day.runs.empty();
 }
 
-ActivityPicture::ActivityPicture(UserTime time, TerminalStyle style)
-    : m_time(std::move(time)), m_style(std::move(style))
+ActivityPicture::ActivityPicture(UserTime time, TerminalStyle style) : m_time(std::move(time)), m_style(style)
 {
 }
 

@@ -63,6 +63,7 @@ std::vector<RepositoryRow> repositoryRows(std::span<const ActivityDay> days)
         }
     }
     std::vector<RepositoryRow> rows;
+    rows.reserve(byKey.size());
     for (auto &[key, row] : byKey)
         rows.push_back(std::move(row));
     std::ranges::sort(rows, {}, [](const RepositoryRow &row) {

@@ -65,7 +65,7 @@ struct Stretch {
 };
 
 struct Day {
-    std::chrono::year_month_day day;
+    std::chrono::year_month_day day{};
     std::vector<Attention> attention;
     std::vector<Run> runs;
     std::vector<Block> blocks;

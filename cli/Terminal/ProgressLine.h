@@ -5,6 +5,7 @@
 
 #include <QObject>
 #include <QTimer>
+#include <atomic>
 #include <string>
 
 namespace orvane {
@@ -20,6 +21,7 @@ public:
     ~ProgressLine() override;
 
     void begin(std::string text);
+    /// From any thread: shown when the line is drawn next.
     void setProgress(std::int64_t done, std::int64_t all);
     void finish();
 
@@ -28,8 +30,8 @@ private:
 
     TerminalStyle m_style;
     std::string m_text;
-    std::int64_t m_done = 0;
-    std::int64_t m_all = 0;
+    std::atomic<std::int64_t> m_done = 0;
+    std::atomic<std::int64_t> m_all = 0;
     int m_step = 0;
     QTimer m_timer;
 };

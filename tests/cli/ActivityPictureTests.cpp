@@ -26,7 +26,7 @@ const UserTime utc = UserTime::utc();
 class ActivityPictureTest : public testing::Test {
 protected:
     void add(const std::string &id, const SharedRepository &repository, const std::string &title,
-             std::vector<int> prompts, std::vector<int> touches, const std::string &parent = {})
+             const std::vector<int> &prompts, const std::vector<int> &touches, const std::string &parent = {})
     {
         AgentSession &session = m_sessions.emplace_back();
         session.id = id;
