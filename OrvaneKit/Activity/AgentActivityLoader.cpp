@@ -5,6 +5,7 @@
 #include "Activity/LogReading.h"
 #include "Activity/RepositoryCache.h"
 #include "Activity/SessionGathering.h"
+#include "Activity/TimedPhase.h"
 #include "Activity/TitleIndex.h"
 #include "AgentLogs/ActivityCache.h"
 #include "AgentLogs/ActivityFileInventory.h"
@@ -142,9 +143,15 @@ AgentActivityLoader::~AgentActivityLoader()
 Task<AgentActivityLoader::Answer> AgentActivityLoader::days(Request request, ProgressHandler progress)
 {
     const auto state = m_state;
-    co_return co_await runOn(state->executor(),
-                             [state = state.get(), request = std::move(request),
-                              progress = std::move(progress)] { return state->days(request, progress); });
+    const auto asked = std::chrono::steady_clock::now();
+    co_return co_await runOn(state->executor(), [state = state.get(), asked, request = std::move(request),
+                                                 progress = std::move(progress)] {
+        {
+            const TimedPhase wait("Activity wait", asked);
+        }
+        const TimedPhase load("Activity load");
+        return state->days(request, progress);
+    });
 }
 
 Task<> AgentActivityLoader::clear()
@@ -285,6 +292,7 @@ bool AgentActivityLoader::State::read(const Request &request, const FilesByAgent
     const auto isWanted = [this, began = generation.load()] { return generation == began && !isClosing; };
     const logreading::OnBytes onBytes =
         progress ? [&](std::int64_t done) { progress({done, total}); } : logreading::OnBytes{};
+    const TimedPhase parse("Activity parse");
     const auto found = logreading::readAll(jobs, spent, onBytes, isWanted);
     bool isWhole = true;
     for (std::size_t i = 0; i < jobs.size(); ++i) {
