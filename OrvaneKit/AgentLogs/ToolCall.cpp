@@ -71,8 +71,10 @@ ToolCall toolCall(std::string_view name, std::string_view server)
     if (name == "ToolSearch" || name == "tool_search_call" || name == "report_intent")
         return ToolCall::neutral;
     const std::string_view named = serverOf(server);
+    // Some agents write "server__tool".
+    const std::string_view before = name.substr(0, name.find("__"));
     if (isOwnServer(server) || isOwnServer(named) || isOwnServer(serverOf(name)) ||
-        name.starts_with("clock__"))
+        (before.size() < name.size() && isOwnServer(before)))
         return ToolCall::own;
     return ToolCall::other;
 }

@@ -8,8 +8,8 @@ namespace {
 
 TEST(ToolCallTest, KnowsOurConnectorByNameServerOrNamespace)
 {
-    for (const std::string_view name :
-         {"mcp__orvane__list_entries", "mcp__clock__x", "clock__add", "a mcp__orvane__b", "mcp__orvane__"})
+    for (const std::string_view name : {"mcp__orvane__list_entries", "mcp__clock__x", "clock__add",
+                                        "orvane__add", "a mcp__orvane__b", "mcp__orvane__"})
         EXPECT_EQ(toolCall(name), ToolCall::own) << name;
     for (const std::string_view server : {"orvane", "clock", "mcp__orvane", "mcp__orvane__"})
         EXPECT_EQ(toolCall("list", server), ToolCall::own) << server;
