@@ -16,8 +16,8 @@ TEST(ToolCallTest, KnowsOurConnectorByNameServerOrNamespace)
     for (const std::string_view name : {"ToolSearch", "tool_search_call", "report_intent"})
         EXPECT_EQ(toolCall(name), ToolCall::neutral) << name;
     for (const std::string_view name :
-         {"", "Bash", "orvane", "orvane__x", "clock", "mcp__", "mcp____orvane__x", "mcp__orvane_x__y",
-          "mcp__orvane2__x", "mcp__x__orvane__y", "MCP__orvane__x", "mcp__or vane__x"})
+         {"", "Bash", "orvane", "clock", "mcp__", "mcp____orvane__x", "mcp__orvane_x__y", "mcp__orvane2__x",
+          "mcp__x__orvane__y", "MCP__orvane__x", "mcp__or vane__x"})
         EXPECT_EQ(toolCall(name), ToolCall::other) << name;
     EXPECT_EQ(toolCall("x", "orvane2"), ToolCall::other);
 }
