@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Activity/LogReading.h"
 
+#include "Support/FileDescriptor.h"
+#include "Support/TextDigest.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -18,44 +21,28 @@ namespace {
 /// How often progress is told.
 constexpr std::int64_t progressStep = 4 * 1024 * 1024;
 
-class OpenFile {
-public:
-    explicit OpenFile(const std::string &path)
-        // A pipe in a log's place must not hold us up.
-        : m_descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK))
-    {
-    }
-    OpenFile(const OpenFile &) = delete;
-    OpenFile &operator=(const OpenFile &) = delete;
-    ~OpenFile()
-    {
-        if (m_descriptor >= 0)
-            ::close(m_descriptor);
-    }
-    int get() const { return m_descriptor; }
-    /// Nothing unless it is an open regular file.
-    std::optional<ActivityFileStamp> stamp() const
-    {
-        struct stat status{};
-        if (m_descriptor < 0 || ::fstat(m_descriptor, &status) != 0 || !S_ISREG(status.st_mode))
-            return {};
-        return ActivityFileStamp::of(status);
-    }
+/// A pipe in a log's place must not hold us up.
+FileDescriptor openLog(const std::string &path)
+{
+    return FileDescriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+}
 
-private:
-    int m_descriptor;
-};
+/// Nothing unless it is an open regular file.
+std::optional<ActivityFileStamp> stampOf(const FileDescriptor &file)
+{
+    struct stat status{};
+    if (!file || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode))
+        return {};
+    return ActivityFileStamp::of(status);
+}
 
-/// FNV-1a of a part of a file; nothing when not all of it is there.
+/// Of a part of a file; nothing when not all of it is there.
 std::optional<std::int64_t> digest(int descriptor, std::int64_t from, std::int64_t length)
 {
     std::array<char, Fingerprint::prefixLength> bytes{};
     if (::pread(descriptor, bytes.data(), static_cast<std::size_t>(length), from) != length)
         return {};
-    std::uint64_t hash = 0xCBF2'9CE4'8422'2325U;
-    for (const char byte : std::span(bytes).first(static_cast<std::size_t>(length)))
-        hash = (hash ^ static_cast<unsigned char>(byte)) * 0x100'0000'01B3U;
-    return static_cast<std::int64_t>(hash >> 1U);
+    return textDigest({bytes.data(), static_cast<std::size_t>(length)});
 }
 
 std::int64_t textCost(const std::string &text)
@@ -113,8 +100,8 @@ private:
     SharedCached read(const Job &job)
     {
         auto cached = std::make_shared<Cached>();
-        const OpenFile file(job.file->url);
-        const auto stamp = file.stamp();
+        const FileDescriptor file = openLog(job.file->url);
+        const auto stamp = stampOf(file);
         if (!stamp)
             return cached;
         Start start = startOf(job, file.get(), *stamp, m_cost.bytesRead);

@@ -4,9 +4,9 @@
 #include "AgentLogs/ActivityLineReader.h"
 #include "AgentLogs/LogRecords.h"
 #include "AgentLogs/SessionTitle.h"
+#include "Support/FileDescriptor.h"
 
 #include <fcntl.h>
-#include <unistd.h>
 
 namespace orvane {
 
@@ -19,13 +19,13 @@ void TitleIndex::refresh(const AgentLogFormat &format, const std::string &path)
     m_titles.clear();
     if (!stamp || !stamp->isRegularFile)
         return;
-    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (descriptor < 0)
+    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (!file)
         return;
     const std::string prefix = std::string(jsonText(format.source)) + ":";
     ActivityLineReader reader;
     // What could be read counts; the newest row of a session wins.
-    static_cast<void>(reader.read(descriptor, {}, stamp->size, [&](std::string_view line) {
+    static_cast<void>(reader.read(file.get(), {}, stamp->size, [&](std::string_view line) {
         const auto row = logrecords::read<logrecords::CodexIndexRow>(line);
         const auto id = row ? logrecords::text(row->id) : std::nullopt;
         const std::string title =
@@ -33,7 +33,6 @@ void TitleIndex::refresh(const AgentLogFormat &format, const std::string &path)
         if (id && !title.empty())
             m_titles[prefix + *id] = title;
     }));
-    ::close(descriptor);
 }
 
 const std::string *TitleIndex::title(const std::string &key) const

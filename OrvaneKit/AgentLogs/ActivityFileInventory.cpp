@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "AgentLogs/ActivityFileInventory.h"
 
+#include "Support/FileDescriptor.h"
+
 #include <algorithm>
 #include <dirent.h>
 #include <fcntl.h>
@@ -23,22 +25,6 @@ constexpr int lookOnly = O_PATH;
 #else
 constexpr int lookOnly = O_RDONLY;
 #endif
-
-class Handle {
-public:
-    explicit Handle(int descriptor) : m_descriptor(descriptor) {}
-    Handle(const Handle &) = delete;
-    Handle &operator=(const Handle &) = delete;
-    ~Handle()
-    {
-        if (m_descriptor >= 0)
-            ::close(m_descriptor);
-    }
-    int get() const { return m_descriptor; }
-
-private:
-    int m_descriptor;
-};
 
 } // namespace
 
@@ -81,7 +67,8 @@ void ActivityFileInventory::walk(Walk &walk, const std::string &path, int level,
     directory.walk = m_walks;
     // From inside the folder the way to each file is short.
     const bool isWorthOpening = directory.children.size() > 8;
-    const Handle handle(isWorthOpening ? ::open(path.c_str(), lookOnly | O_DIRECTORY | O_CLOEXEC) : -1);
+    const FileDescriptor handle(isWorthOpening ? ::open(path.c_str(), lookOnly | O_DIRECTORY | O_CLOEXEC)
+                                               : -1);
     std::string child = path + "/";
     const std::size_t root = child.size();
     for (const Child &entry : directory.children) {

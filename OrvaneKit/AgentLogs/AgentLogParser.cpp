@@ -2,22 +2,13 @@
 #include "AgentLogs/AgentLogParser.h"
 
 #include "AgentLogs/SessionTitle.h"
+#include "Support/TextDigest.h"
 
 #include <algorithm>
 
 namespace orvane {
 
 namespace {
-
-/// FNV-1a: the text itself is not kept.
-std::int64_t digest(std::string_view text)
-{
-    std::uint64_t hash = 0xCBF2'9CE4'8422'2325U;
-    for (const char c : text)
-        hash = (hash ^ static_cast<unsigned char>(c)) * 0x100'0000'01B3U;
-    // A JSON number of ours is a signed one.
-    return static_cast<std::int64_t>(hash >> 1U);
-}
 
 /// Lines are a little out of order now and then. Keeping the events in order here saves sorting them all
 /// whenever one is added; one that belongs far back is left for that.
@@ -130,12 +121,12 @@ void AgentLogParser::queuedPrompt(AgentSession &session, Instant date, std::stri
     prompt(session, date, text);
     if (m_state.queued.size() >= State::queuedAtMost)
         m_state.queued.erase(m_state.queued.begin());
-    m_state.queued.push_back(digest(text));
+    m_state.queued.push_back(textDigest(text));
 }
 
 bool AgentLogParser::wasQueued(std::string_view text)
 {
-    const auto found = std::ranges::find(m_state.queued, digest(text));
+    const auto found = std::ranges::find(m_state.queued, textDigest(text));
     if (found == m_state.queued.end())
         return false;
     m_state.queued.erase(found);

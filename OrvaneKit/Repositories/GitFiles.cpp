@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Repositories/GitFiles.h"
 
+#include "Support/FileDescriptor.h"
+
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
@@ -32,22 +34,6 @@ std::optional<struct stat> statusOf(const std::string &path)
         return std::nullopt;
     return status;
 }
-
-class Descriptor {
-public:
-    explicit Descriptor(int descriptor) : m_descriptor(descriptor) {}
-    Descriptor(const Descriptor &) = delete;
-    Descriptor &operator=(const Descriptor &) = delete;
-    ~Descriptor()
-    {
-        if (m_descriptor >= 0)
-            ::close(m_descriptor);
-    }
-    int get() const { return m_descriptor; }
-
-private:
-    int m_descriptor;
-};
 
 std::optional<std::string> textOf(int descriptor)
 {
@@ -111,7 +97,7 @@ std::optional<std::string> readGitFile(const std::string &path)
     // Opening a device can already do something, so its kind is asked before, and after once more.
     if (!resolved || lastPart(*resolved) != lastPart(path) || kindOfPath(*resolved) != PathKind::file)
         return std::nullopt;
-    const Descriptor file(
+    const FileDescriptor file(
         ::open(resolved->c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY));
     struct stat status{};
     if (file.get() < 0 || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode))

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Process/ServerSocket.h"
 
+#include "Support/FileDescriptor.h"
+
 #include <QTimer>
 #include <cerrno>
 #include <cstring>
@@ -183,14 +185,10 @@ void ServerSocket::reply(QLocalSocket *socket, const QByteArray &line)
 bool serverAnswersIn(const std::string &folder)
 {
     const FolderVisit visit(folder);
-    const int descriptor = visit.isThere() ? newSocket() : -1;
+    const FileDescriptor client(visit.isThere() ? newSocket() : -1);
     const sockaddr_un address = socketAddress();
-    const bool answers =
-        descriptor >= 0 &&
-        ::connect(descriptor, reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0;
-    if (descriptor >= 0)
-        ::close(descriptor);
-    return answers;
+    return client &&
+           ::connect(client.get(), reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0;
 }
 
 } // namespace orvane::server
