@@ -62,6 +62,22 @@ std::string withoutMarks(std::string text)
     return text;
 }
 
+/// Of several words too many, an option is named: the others may have been meant as its value.
+std::string extraMessage(const std::vector<std::string> &extras, const CLI::App *command)
+{
+    const auto option =
+        std::ranges::find_if(extras, [](const std::string &text) { return text.starts_with('-'); });
+    const bool isOption = option != extras.end();
+    const std::string what = extras.empty() ? "" : printable(unmarked(isOption ? *option : extras.front()));
+    const std::string call = commandLine(command);
+    if (isOption)
+        return call + " has no option \"" + what + "\".";
+    if (command->get_parent() == nullptr)
+        return "There is no command \"" + what + "\".";
+    return CommandTree::commandsOf(command).empty() ? call + " does not take \"" + what + "\"."
+                                                    : call + " has no command \"" + what + "\".";
+}
+
 Result<std::string, CommandFailure> checkedAddress(const std::string &text)
 {
     const QUrl url(QString::fromStdString(text), QUrl::StrictMode);
@@ -206,13 +222,12 @@ Result<std::monostate, CommandFailure> CommandTree::parse(std::vector<std::strin
         if (m_wantsHelp || m_wantsVersion)
             return std::monostate();
         const CLI::App *command = chosen();
-        std::string message = withoutMarks(error.what());
-        const auto first =
-            std::ranges::find_if(arguments, [](const std::string &text) { return !text.starts_with('-'); });
-        if (command == &m_root && error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError) &&
-            first != arguments.end())
-            message = "There is no command \"" + printable(*first) + "\".";
-        return failure(CommandFailure::usage(message + " See: " + commandLine(command) + " --help"));
+        const bool isExtra = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError);
+        std::string message = isExtra ? extraMessage(m_root.remaining(true), command) : error.what();
+        if (!message.ends_with('.'))
+            message += '.';
+        return failure(
+            CommandFailure::usage(withoutMarks(message) + " See: " + commandLine(command) + " --help"));
     }
     if (m_wantsHelp || m_wantsVersion)
         return std::monostate();

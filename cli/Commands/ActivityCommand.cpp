@@ -73,7 +73,7 @@ std::string nothingFound(const AgentActivityLoader::Request &request, std::int64
         return "No agent has kept a log yet. Looked in:\n" + folders +
                "When logs are kept under another home folder: orvane activity --home DIR\n";
     return "No agent was at work " + day + ". Looked in:\n" + folders +
-           "Another day: orvane activity --day yesterday. A whole week: orvane activity --week today\n";
+           "Another day: orvane activity --day yesterday. A whole week: orvane activity --week\n";
 }
 
 std::string picture(const AgentActivityLoader::Request &request, const AgentActivityLoader::Answer &answer,
@@ -116,9 +116,9 @@ void addActivityCommand(CommandTree &tree)
         tree.add("activity", "Show what you and your coding agents worked on, from their logs", "Agents");
     CLI::Option *day =
         CommandTree::addText(command, "--day", options->day, "DAY", "The day; today unless it is named");
-    CLI::Option *week = CommandTree::addText(command, "--week", options->week, "DAY",
-                                             "The seven days of the week that holds it");
-    week->excludes(day);
+    CLI::Option *week = CommandTree::addText(command, "--week", options->week, "[DAY]",
+                                             "The seven days of the week that holds it, or of this week");
+    week->expected(0, 1)->default_str("today")->excludes(day);
     command->add_flag("--no-cache", options->readsAnew, "Read all logs anew");
     command->footer(
         "Attention is solid: it goes to where you prompted last, for 15 minutes at most. Agents at "

@@ -112,15 +112,14 @@ TextCell highlighted(const std::string &name, const std::vector<TextRange> &rang
 std::string foundTable(const Palette &palette, const std::vector<Palette::Found> &found,
                        const TerminalStyle &style)
 {
-    TextTable table({{}, {.shrinksTo = 12}, {.shrinksTo = 8}, {.alignsRight = true}});
+    TextTable table({{}, {.shrinksTo = 12}, {.shrinksTo = 8}});
     for (const Palette::Found &row : std::span(found).first(std::min(found.size(), shownRows))) {
         const PaletteItem &item = palette.items()[row.item];
         std::string about;
         for (const std::string &alternative : item.alternatives)
             about += (about.empty() ? "" : " · ") + printable(alternative);
         table.add({TextCell(std::string(shapes::kindText(item.kind)), quiet),
-                   highlighted(item.name, row.match.ranges), TextCell(about, quiet),
-                   TextCell(QString::number(row.match.score, 'f', 0).toStdString(), quiet)});
+                   highlighted(item.name, row.match.ranges), TextCell(about, quiet)});
     }
     std::string out = table.render(style);
     if (found.size() > shownRows)

@@ -68,7 +68,7 @@ struct Setting {
 };
 
 constexpr std::array settings{
-    Setting{"weekStart", SettingKind::Number, "first day of the week, 0 for Sunday to 6 for Saturday"},
+    Setting{"weekStart", SettingKind::Number, "its first day: 0 (Sunday) to 6 (Saturday)"},
     Setting{"dateFormat", SettingKind::Text, "dd/MM/yyyy, MM/dd/yyyy, yyyy-MM-dd or dd.MM.yyyy"},
     Setting{"timeFormat", SettingKind::Text, "24h or 12h"},
     Setting{"durationFormat", SettingKind::Text, "hms, hm or decimal"},
@@ -149,9 +149,9 @@ std::optional<std::string> jsonValue(const std::string &value, SettingKind kind)
 
 Result<PreferencesRequest, CommandFailure> requestFor(const std::string &key, const std::string &value)
 {
-    std::string names;
+    TextTable known({{}, {}});
     for (const Setting &setting : settings) {
-        names += "\n  " + std::string(setting.name) + "  " + setting.meaning;
+        known.add({TextCell(setting.name), TextCell(setting.meaning)});
         if (lower(key) != lower(setting.name))
             continue;
         const auto json = jsonValue(value, setting.kind);
@@ -163,8 +163,10 @@ Result<PreferencesRequest, CommandFailure> requestFor(const std::string &key, co
                                                  ", not \"" + printable(value) + "\"."));
         return *request;
     }
+    std::string names = known.render({});
+    names.pop_back();
     return failure(
-        CommandFailure::usage("There is no setting \"" + printable(key) + "\". There are:" + names));
+        CommandFailure::usage("There is no setting \"" + printable(key) + "\". There are:\n" + names));
 }
 
 CommandTask setSetting(Context context, std::string key, std::string value)

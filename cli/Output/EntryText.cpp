@@ -200,9 +200,8 @@ std::string EntryWriter::emptyDay(DayKey day) const
 {
     if (day == m_time.today())
         return "Nothing tracked today. Start with: orvane start \"Write the README\"\n";
-    return "Nothing tracked on " + m_time.dayLabel(day) +
-           ". Add an entry with: orvane add \"Stand-up\" --start \"" + day.description() +
-           " 9:30\" --stop 9:45\n";
+    return "Nothing tracked on " + m_time.dayLabel(day) + ". Add an entry with: orvane add \"Stand-up " +
+           day.description() + " 9:30-9:45\"\n";
 }
 
 std::string EntryWriter::heading(const std::string &title, std::int64_t seconds, int width) const

@@ -105,15 +105,17 @@ public:
     {
         const bool isTop = index == 0 && !m_segment.continuesBefore;
         const bool isBottom = index == m_rows - 1 && !m_segment.continuesAfter;
-        const std::string_view line = isBottom && !m_segment.entry.stop ? "╌" : isTop || isBottom ? "─" : " ";
+        const bool isRunning = !m_segment.entry.stop;
+        const std::string_view line = isBottom && isRunning ? "╌" : isTop || isBottom ? "─" : " ";
         if (isTop && isBottom)
             return between("[", filled(m_label.title, m_inner, " "), strong, "]");
         const std::string_view left = isTop ? "┌" : isBottom ? "└" : "│";
         const std::string_view right = isTop ? "┐" : isBottom ? "┘" : "│";
         if (index == 0)
-            return titled(left, line, right);
-        return index == 1 && !isBottom ? between(left, filled(m_label.detail, m_inner), {}, right)
-                                       : between(left, repeated(line, m_inner), edge(), right);
+            return lettered(left, m_label.title, strong, line, right);
+        const bool hasDetail = index == 1 && !(isBottom && isRunning);
+        return hasDetail ? lettered(left, m_label.detail, {}, line, right)
+                         : between(left, repeated(line, m_inner), edge(), right);
     }
 
 private:
@@ -128,13 +130,14 @@ private:
         return cell;
     }
 
-    /// The title and behind it the line.
-    TextCell titled(std::string_view left, std::string_view line, std::string_view right) const
+    /// The text and behind it the line.
+    TextCell lettered(std::string_view left, const std::string &text, const TextStyle &style,
+                      std::string_view line, std::string_view right) const
     {
-        const std::string title = truncatedToWidth(m_label.title, m_inner);
+        const std::string cut = truncatedToWidth(text, m_inner);
         TextCell cell(std::string(left), edge());
-        cell.runs.push_back({title, strong});
-        cell.runs.push_back({repeated(line, m_inner - displayWidth(title)).append(right), edge()});
+        cell.runs.push_back({cut, style});
+        cell.runs.push_back({repeated(line, m_inner - displayWidth(cut)).append(right), edge()});
         return cell;
     }
 
@@ -280,6 +283,7 @@ std::string WeekCalendar::header(const std::vector<CalendarDay> &days,
         const bool isToday = days[i].day == m_time.today();
         names.put(from, dayName(days[i].day),
                   {.bold = isToday || seconds[i] > 0,
+                   .dim = !isToday && seconds[i] == 0,
                    .colour = isToday ? TextStyle::Colour::green : TextStyle::Colour::none});
         const std::string total = seconds[i] > 0 ? m_time.duration(static_cast<double>(seconds[i])) : "–";
         totals.put(from, truncatedToWidth(total, column - 1), quiet);

@@ -254,6 +254,7 @@ TEST_F(Command, RecordsAndChangesEntries)
     EXPECT_EQ(text(night[u"start"]), "2026-03-03T23:00:00.000Z") << "a start with an end is a finished entry";
     const QJsonArray week = done(with({"list", "--week", "2026-03-04"}))[u"days"].toArray();
     ASSERT_EQ(week.size(), 7);
+    EXPECT_EQ(done(with({"list", "--week"}))[u"days"].toArray(), week) << "this week unless one is named";
     EXPECT_EQ(text(week[0].toObject()[u"day"]), "2026-03-02");
     EXPECT_EQ(week[1].toObject()[u"seconds"].toInteger(), 5400);
 

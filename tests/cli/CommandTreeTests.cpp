@@ -41,10 +41,15 @@ TEST(CommandTree, TakesGlobalOptionsBeforeAndAfterTheCommand)
 
 TEST(CommandTree, RefusesWhatItDoesNotUnderstand)
 {
-    EXPECT_THAT(usageError({"fly"}), HasSubstr("There is no command \"fly\""));
-    EXPECT_THAT(usageError({"stop", "now"}), HasSubstr("orvane stop --help"));
-    EXPECT_THAT(usageError({"projects", "rename", "x"}), HasSubstr("orvane projects --help"));
-    EXPECT_THAT(usageError({"edit"}), HasSubstr("ID"));
+    EXPECT_EQ(usageError({"--zone", "UTC", "fly", "high"}),
+              "There is no command \"fly\". See: orvane --help");
+    EXPECT_EQ(usageError({"stop", "now"}), "orvane stop does not take \"now\". See: orvane stop --help");
+    EXPECT_EQ(usageError({"list", "--wek", "today"}),
+              "orvane list has no option \"--wek\". See: orvane list --help");
+    EXPECT_EQ(usageError({"projects", "rename", "x"}),
+              "orvane projects has no command \"rename\". See: orvane projects --help");
+    EXPECT_EQ(usageError({"stop", "[now]"}), "orvane stop does not take \"[now]\". See: orvane stop --help");
+    EXPECT_EQ(usageError({"edit"}), "ID is required. See: orvane edit --help");
     EXPECT_THAT(usageError({"outbox", "keep-mine", "three"}), HasSubstr("SEQ"));
     EXPECT_NE(usageError({"start", "--billable", "--no-billable", "x"}), "");
     EXPECT_NE(usageError({"list", "--day", "today", "--week", "today"}), "");

@@ -63,13 +63,14 @@ const std::vector<TimeEntryResponse> week{
 TEST(WeekCalendarTest, DrawsEntriesAsBoxesByTheHour)
 {
     AppClock::setNow(at("04T11:00"));
-    const std::vector<TimeEntryResponse> daytime{week[0], week[1], week[2], week[4],
-                                                 week[5], week[6], week[7]};
+    const std::vector<TimeEntryResponse> daytime{
+        week[0], week[1], week[2], week[4],
+        week[5], week[6], week[7], entry("Call", "06T09:00", "06T10:00", "Acme")};
     EXPECT_EQ(drawn(daytime, terminal(80)), R"(
       Mon 2     Tue 3     Wed 4     Thu 5     Fri 6     Sat 7     Sun 8
       1:30:00   –         –         –         –         –         –
-09:00 ┌Website┐ ·         ·         [a][b]┌c┐ ·         ·         ·
-      │Write… │                           └─┘
+09:00 ┌Website┐ ·         ·         [a][b]┌c┐ ┌Call───┐ ·         ·
+      │Write… │                           └─┘ └Acme───┘
 10:00 │       │ ·         ┌Now────┐ ·         ·         ·         ·
       └───────┘           └╌╌╌╌╌╌╌┘
 11:00 [L…][A  ] ·         ·         ·         ·         ·         ·
