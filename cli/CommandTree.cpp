@@ -62,6 +62,20 @@ std::string withoutMarks(std::string text)
     return text;
 }
 
+/// What the library found, in our words where its own are not for people.
+std::string messageOf(const CLI::ParseError &error)
+{
+    const std::string text = error.what();
+    const auto code = static_cast<CLI::ExitCodes>(error.get_exit_code());
+    const std::string_view excludes = " excludes ";
+    const std::size_t verb = text.find(excludes);
+    if (code == CLI::ExitCodes::ExcludesError && verb != std::string::npos)
+        return text.substr(0, verb) + " and " + text.substr(verb + excludes.size()) + " do not go together.";
+    if (code == CLI::ExitCodes::ArgumentMismatch && text.ends_with(" missing"))
+        return text.substr(0, text.find(':')) + " needs a value.";
+    return text + (text.ends_with('.') ? "" : ".");
+}
+
 /// Of several words too many, an option is named: the others may have been meant as its value.
 std::string extraMessage(const std::vector<std::string> &extras, const CLI::App *command)
 {
@@ -223,11 +237,9 @@ Result<std::monostate, CommandFailure> CommandTree::parse(std::vector<std::strin
             return std::monostate();
         const CLI::App *command = chosen();
         const bool isExtra = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError);
-        std::string message = isExtra ? extraMessage(m_root.remaining(true), command) : error.what();
-        if (!message.ends_with('.'))
-            message += '.';
-        return failure(
-            CommandFailure::usage(withoutMarks(message) + " See: " + commandLine(command) + " --help"));
+        const std::string message =
+            isExtra ? extraMessage(m_root.remaining(true), command) : withoutMarks(messageOf(error));
+        return failure(CommandFailure::usage(message + " See: " + commandLine(command) + " --help"));
     }
     if (m_wantsHelp || m_wantsVersion)
         return std::monostate();

@@ -68,7 +68,7 @@ struct Setting {
 };
 
 constexpr std::array settings{
-    Setting{"weekStart", SettingKind::Number, "its first day: 0 (Sunday) to 6 (Saturday)"},
+    Setting{"weekStart", SettingKind::Number, "0 (Sunday) to 6 (Saturday)"},
     Setting{"dateFormat", SettingKind::Text, "dd/MM/yyyy, MM/dd/yyyy, yyyy-MM-dd or dd.MM.yyyy"},
     Setting{"timeFormat", SettingKind::Text, "24h or 12h"},
     Setting{"durationFormat", SettingKind::Text, "hms, hm or decimal"},

@@ -52,7 +52,9 @@ TEST(CommandTree, RefusesWhatItDoesNotUnderstand)
     EXPECT_EQ(usageError({"edit"}), "ID is required. See: orvane edit --help");
     EXPECT_THAT(usageError({"outbox", "keep-mine", "three"}), HasSubstr("SEQ"));
     EXPECT_NE(usageError({"start", "--billable", "--no-billable", "x"}), "");
-    EXPECT_NE(usageError({"list", "--day", "today", "--week", "today"}), "");
+    EXPECT_EQ(usageError({"list", "--day"}), "--day needs a value. See: orvane list --help");
+    EXPECT_EQ(usageError({"list", "--day", "today", "--week"}),
+              "--day and --week do not go together. See: orvane list --help");
     EXPECT_NE(usageError({"status", "list"}), "");
     EXPECT_THAT(usageError({"--server", "example.com"}), HasSubstr("--server"));
     EXPECT_THAT(usageError({"--server", "ftp://example.com"}), HasSubstr("--server"));
