@@ -45,16 +45,12 @@ public:
         m_bytes += cost;
         touch(entry);
         while (!m_entries.empty() && (m_bytes > m_byteLimit || m_entries.size() > m_countLimit))
-            erase(*m_byUse.begin()->second);
+            remove(m_entries.find(*m_byUse.begin()->second));
     }
-    void erase(std::string key)
+    void erase(const std::string &key)
     {
-        const auto found = m_entries.find(key);
-        if (found == m_entries.end())
-            return;
-        m_byUse.erase(found->second.used);
-        m_bytes -= found->second.cost;
-        m_entries.erase(found);
+        if (const auto found = m_entries.find(key); found != m_entries.end())
+            remove(found);
     }
     void clear()
     {
@@ -67,7 +63,15 @@ public:
     std::size_t count() const { return m_entries.size(); }
 
 private:
-    void touch(typename std::unordered_map<std::string, Entry>::iterator entry)
+    using Place = typename std::unordered_map<std::string, Entry>::iterator;
+
+    void remove(Place entry)
+    {
+        m_byUse.erase(entry->second.used);
+        m_bytes -= entry->second.cost;
+        m_entries.erase(entry);
+    }
+    void touch(Place entry)
     {
         m_byUse.erase(entry->second.used);
         entry->second.used = ++m_clock;

@@ -69,25 +69,27 @@ std::vector<AgentSession> AgentLogParser::sessions() const
 
 AgentSession &AgentLogParser::session(std::string_view prefix, std::string_view id)
 {
-    const std::string_view last = m_last == nullptr ? std::string_view{} : m_last->id;
-    if (last.size() == prefix.size() + id.size() && last.starts_with(prefix) && last.ends_with(id))
+    if (m_last != nullptr && m_last->id.size() == prefix.size() + id.size() &&
+        m_last->id.starts_with(prefix) && m_last->id.ends_with(id))
         return *m_last;
     m_state.currentID = std::string(prefix) + std::string(id);
-    return *current();
+    return session(m_state.currentID);
 }
 
 AgentSession *AgentLogParser::current()
 {
-    const std::string &key = m_state.currentID;
-    if (key.empty())
-        return nullptr;
+    return m_state.currentID.empty() ? nullptr : &session(m_state.currentID);
+}
+
+AgentSession &AgentLogParser::session(const std::string &key)
+{
     if (m_last == nullptr || m_last->id != key) {
         m_last = &m_state.sessions[key];
         m_last->id = key;
         m_last->source = m_state.source;
         m_lastTurn = nullptr;
     }
-    return m_last;
+    return *m_last;
 }
 
 AgentLogParser::Turn &AgentLogParser::turn(const AgentSession &session)

@@ -84,6 +84,7 @@ private:
 
     /// The session with this key, which becomes the one that lines without a name belong to.
     AgentSession &session(std::string_view prefix, std::string_view id);
+    AgentSession &session(const std::string &key);
     /// The session of lines that name none; null when none was named yet.
     AgentSession *current();
     void prompt(AgentSession &session, Instant date, std::string_view text);

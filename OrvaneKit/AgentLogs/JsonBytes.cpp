@@ -19,7 +19,7 @@ namespace {
 /// Eight bytes in a register; a byte's high bit is its bit in a mask.
 struct Block {
     static constexpr int size = 8;
-    std::uint64_t bytes;
+    std::uint64_t bytes = 0;
 
     explicit Block(const char *at) { std::memcpy(&bytes, at, sizeof bytes); }
     static int place(std::uint64_t mask) { return std::countr_zero(mask) / 8; }
