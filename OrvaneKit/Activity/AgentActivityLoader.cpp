@@ -2,7 +2,6 @@
 #include "Activity/AgentActivityLoader.h"
 
 #include "Activity/ActivityTimeline.h"
-#include "Activity/LogReading.h"
 #include "Activity/RepositoryCache.h"
 #include "Activity/SessionGathering.h"
 #include "Activity/TimedPhase.h"
@@ -10,6 +9,7 @@
 #include "AgentLogs/ActivityCache.h"
 #include "AgentLogs/ActivityFileInventory.h"
 #include "AgentLogs/AgentLogFormat.h"
+#include "AgentLogs/LogReading.h"
 #include "Support/AsyncHop.h"
 
 #include <QThreadPool>

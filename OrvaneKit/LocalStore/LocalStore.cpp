@@ -19,7 +19,7 @@ const std::string selectDocument = "SELECT value FROM document WHERE key = ?";
 const std::string upsertDocument = "INSERT INTO document (key, value) VALUES (?, ?) "
                                    "ON CONFLICT(key) DO UPDATE SET value = excluded.value";
 const std::string deleteDocument = "DELETE FROM document WHERE key = ?";
-const std::string selectOutbox = "SELECT seq, change FROM outbox ORDER BY seq";
+const std::string selectOutbox = "SELECT seq, change, (SELECT COUNT(*) FROM outbox) FROM outbox ORDER BY seq";
 const std::string insertChange = "INSERT INTO outbox (change, created_at) VALUES (?, ?)";
 const std::string updateChange = "UPDATE outbox SET change = ? WHERE seq = ?";
 const std::string deleteChange = "DELETE FROM outbox WHERE seq = ?";
@@ -183,14 +183,14 @@ StoreStatus LocalStore::dequeueNow(std::int64_t seq)
 
 std::vector<PendingChange> LocalStore::readPending()
 {
-    QueuedRows rows;
+    QueuedRows rows(reading);
     const StoreStatus status =
         m_connection->run(selectOutbox, {}, [&rows](const Connection::Row &row) { rows.add(row); });
     if (!status) {
         qCWarning(storeLog) << "the queue cannot be read:" << status.error().message.c_str();
         return {};
     }
-    std::vector<PendingChange> changes = rows.changes(reading);
+    std::vector<PendingChange> changes = rows.changes();
     if (rows.unreadable() > 0)
         qCWarning(storeLog) << rows.unreadable() << "queued changes cannot be read and stay where they are";
     return changes;

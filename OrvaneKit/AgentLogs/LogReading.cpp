@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Activity/LogReading.h"
+#include "AgentLogs/LogReading.h"
 
 #include "Support/FileDescriptor.h"
 #include "Support/TextDigest.h"
