@@ -25,7 +25,7 @@ public:
         bool isCurrent() const;
     };
 
-    explicit RepositoryCache(std::string home) : m_home(home), m_resolver(std::move(home)) {}
+    explicit RepositoryCache(const std::string &home) : m_home(home), m_resolver(home) {}
 
     const std::string &home() const { return m_home; }
     /// Valid until `clear`.

@@ -19,7 +19,7 @@ namespace orvane::logreading {
 namespace {
 
 /// How often progress is told.
-constexpr std::int64_t progressStep = 4 * 1024 * 1024;
+constexpr std::int64_t progressStep = std::int64_t{4} * 1024 * 1024;
 
 /// A pipe in a log's place must not hold us up.
 FileDescriptor openLog(const std::string &path)
@@ -47,7 +47,7 @@ std::optional<std::int64_t> digest(int descriptor, std::int64_t from, std::int64
 
 std::int64_t textCost(const std::string &text)
 {
-    return static_cast<std::int64_t>(sizeof text + text.capacity());
+    return static_cast<std::int64_t>(sizeof(std::string) + text.capacity());
 }
 
 std::int64_t sessionCost(const AgentSession &session)

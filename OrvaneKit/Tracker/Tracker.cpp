@@ -289,13 +289,13 @@ InstantInterval Tracker::window() const
 
 DayKey Tracker::windowStart() const
 {
-    return m_parts.time.weekStartContaining(m_parts.time.today()).adding(-7 * m_weeksLoaded);
+    return m_parts.time.weekStartContaining(m_parts.time.today()).adding(std::int64_t{-7} * m_weeksLoaded);
 }
 
 bool Tracker::isInWindow(DayKey day) const
 {
     const DayKey start = windowStart();
-    return day >= start && day < start.adding(7 * (m_weeksLoaded + 1));
+    return day >= start && day < start.adding(std::int64_t{7} * (m_weeksLoaded + 1));
 }
 
 void Tracker::setState(LoadState state)
@@ -343,6 +343,8 @@ std::vector<DayGroup> Tracker::days(DayKey first, int count) const
 {
     std::vector<DayGroup> groups;
     std::vector<Instant> starts;
+    groups.reserve(static_cast<std::size_t>(count));
+    starts.reserve(static_cast<std::size_t>(count) + 1);
     for (int i = 0; i <= count; ++i)
         starts.push_back(m_parts.time.startOfDay(first.adding(i)));
     for (int i = 0; i < count; ++i)

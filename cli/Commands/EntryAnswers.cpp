@@ -77,8 +77,9 @@ Task<Result<TimeEntryResponse, CommandFailure>> findEntry(Context context, std::
             if (entry)
                 co_await tracker.loadDays(tracker.time().dayKey(entry->start), 1);
         } else {
-            const DayKey first =
-                tracker.time().weekStartContaining(tracker.time().today()).adding(-7 * weeksSearched);
+            const DayKey first = tracker.time()
+                                     .weekStartContaining(tracker.time().today())
+                                     .adding(std::int64_t{-7} * weeksSearched);
             co_await tracker.loadDays(first, 7 * weeksSearched);
         }
         context->progress().finish();

@@ -139,6 +139,7 @@ CommandTask find(Context context, std::string query)
     const std::vector<Palette::Found> found = palette.find(query, usage, AppClock::now());
     if (context->json()) {
         std::vector<shapes::PaletteRow> rows;
+        rows.reserve(found.size());
         for (const Palette::Found &row : found)
             rows.push_back(shapes::paletteRow(palette.items()[row.item], row.match));
         co_return CommandAnswer{.output = shapes::text(rows)};
