@@ -144,6 +144,9 @@ CommandTask find(Context context, std::string query)
             rows.push_back(shapes::paletteRow(palette.items()[row.item], row.match));
         co_return CommandAnswer{.output = shapes::text(rows)};
     }
+    if (palette.items().empty())
+        co_return CommandAnswer{
+            .output = "There is nothing to find yet. Make a project with: orvane projects add \"Website\"\n"};
     if (found.empty())
         co_return CommandAnswer{.output = "Nothing here is called \"" + printable(query) + "\".\n"};
     co_return CommandAnswer{.output = foundTable(palette, found, context->style())};

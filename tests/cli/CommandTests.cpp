@@ -185,6 +185,7 @@ TEST_F(Command, TakesSentences)
 
 TEST_F(Command, FindsByAFewLetters)
 {
+    EXPECT_THAT(installation.run({"find", "anything"}).output, HasSubstr("nothing to find yet"));
     const std::string client = id(done({"clients", "add", "Zebra"}));
     const std::string project = id(done({"projects", "add", "Big Project", "--client", "Zebra"}));
     done({"projects", "add", "Bipartite"});
