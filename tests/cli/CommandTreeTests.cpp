@@ -134,6 +134,12 @@ TEST(Completions, OfferWhatCanFollow)
     EXPECT_EQ(offered(script, {"orvane", "start", "--js"}), "--json ");
     EXPECT_EQ(offered(script, {"orvane", "start", "--project", "sta"}), " ")
         << "a project's name, which it does not know";
+
+    // Names come from the command; bash divides words at "@".
+    const std::string named = "orvane() { printf '%s\\n' \"$2-one\" \"$2-two\"; }\n" + script;
+    EXPECT_EQ(offered(named, {"orvane", "start", "fix", "@", "bi"}), "bi-one bi-two ");
+    EXPECT_EQ(offered(named, {"orvane", "parse", "#de"}), "#de-one #de-two ");
+    EXPECT_EQ(offered(named, {"orvane", "list", "#de"}), " ");
 }
 
 } // namespace
