@@ -9,6 +9,7 @@
 #include "Time/AppClock.h"
 
 #include <QString>
+#include <sstream>
 
 namespace orvane {
 
@@ -36,6 +37,18 @@ std::string spanText(const EntrySentence::Span &span, const UserTime &time)
            time.timeLabel(*span.stop) + "  " + time.duration(secondsBetween(span.start, *span.stop));
 }
 
+/// The mentions in a description: names that nothing here has, or that several things have.
+std::string unmatchedMentions(const std::string &description)
+{
+    std::string out;
+    std::istringstream words(description);
+    for (std::string one; words >> one;) {
+        if (one.size() > 1 && (one.front() == '@' || one.front() == '#'))
+            out += (out.empty() ? "" : " ") + one;
+    }
+    return out;
+}
+
 /// What was understood, a line for each part.
 std::string explained(const TypedSentence &typed, const Tracker &tracker, const TerminalStyle &style)
 {
@@ -57,6 +70,11 @@ std::string explained(const TypedSentence &typed, const Tracker &tracker, const 
         add("Tag", nameOf(tag, catalog.tag(tag)));
     if (reading.isBillable)
         add("Billable", TextCell("yes"));
+    if (const std::string left = unmatchedMentions(reading.description); !left.empty()) {
+        TextCell cell(printable(left));
+        cell.runs.push_back({"  kept as text: no name here matches for sure", quiet});
+        add("Unknown", std::move(cell));
+    }
     if (typed.span) {
         TextCell cell(spanText(*typed.span, tracker.time()));
         cell.runs.push_back({"  from \"" + printable(reading.timeText) + "\"", quiet});

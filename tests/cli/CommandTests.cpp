@@ -181,6 +181,8 @@ TEST_F(Command, TakesSentences)
               R"({"start":"2026-03-05T21:00:00.000Z","stop":"2026-03-05T22:30:00.000Z"})");
     EXPECT_TRUE(done(utc({"parse", "just words"}))[u"time"].isNull());
     EXPECT_THAT(installation.run(utc({"parse", "call @acme 45m ago"})).output, HasSubstr("11:15 – now"));
+    EXPECT_THAT(installation.run(utc({"parse", "call @nobody C#"})).output,
+                HasSubstr("Unknown      @nobody  kept as text"));
 }
 
 TEST_F(Command, FindsByAFewLetters)
