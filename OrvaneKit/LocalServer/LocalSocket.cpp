@@ -58,7 +58,7 @@ bool isOurs(qintptr descriptor)
 /// A name of the socket that is short enough, where there is one.
 std::optional<std::string> socketPath(const std::string &folder, [[maybe_unused]] int folderDescriptor)
 {
-    const std::string path = folder + "/server.sock";
+    std::string path = folder + "/server.sock";
     if (path.size() <= shortPath)
         return path;
 #ifdef __linux__

@@ -183,7 +183,7 @@ Result<std::unique_ptr<Connection>, StoreError> Connection::open(std::optional<s
 StoreStatus Connection::migrate(std::chrono::milliseconds busyTimeout)
 {
     std::int64_t version = 0;
-    const StoreStatus read =
+    StoreStatus read =
         run("PRAGMA user_version", {}, [&](const Row &row) { version = row.integer(0).value_or(0); });
     if (version >= 1)
         return {};

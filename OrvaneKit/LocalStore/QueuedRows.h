@@ -29,9 +29,9 @@ public:
 
 private:
     struct Place {
-        std::int64_t seq;
-        std::size_t from;
-        std::size_t size;
+        std::int64_t seq = 0;
+        std::size_t from = 0;
+        std::size_t size = 0;
         bool isRead = false;
     };
     /// Rows that are read in one go, into changes that stand one behind the other.

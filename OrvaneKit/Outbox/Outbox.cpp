@@ -57,6 +57,7 @@ Task<std::unique_ptr<Outbox>> Outbox::make(Parts parts)
 std::vector<EntryChange> Outbox::changes() const
 {
     std::vector<EntryChange> changes;
+    changes.reserve(m_pending.size());
     for (const Pending &row : m_pending)
         changes.push_back(row.change);
     return changes;
@@ -102,6 +103,7 @@ Task<Result<std::vector<Outbox::Outcome>, StoreError>> Outbox::submit(std::vecto
         resumeAllQueued();
     pass();
     std::vector<Outcome> outcomes;
+    outcomes.reserve(answers.size());
     for (const Eventual<Outcome> &answer : answers)
         outcomes.push_back(co_await answer.wait());
     co_return outcomes;
@@ -188,7 +190,9 @@ Task<> Outbox::sendAll()
             resume(row.seq, Queued{});
             continue;
         }
-        if (!isChecked && !(isChecked = co_await isAllowed()))
+        if (!isChecked)
+            isChecked = co_await isAllowed();
+        if (!isChecked)
             co_return;
         if (!self)
             co_return;
@@ -438,6 +442,7 @@ Task<std::vector<Refusal>> Outbox::unshownRefusals()
 Task<StoreStatus> Outbox::markShown(std::vector<Refusal> refusals)
 {
     std::vector<std::int64_t> seqs;
+    seqs.reserve(refusals.size());
     for (const Refusal &refusal : refusals)
         seqs.push_back(refusal.seq);
     auto taken = co_await takeRefusals(m_parts.store, std::move(seqs));

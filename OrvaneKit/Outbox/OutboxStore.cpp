@@ -64,7 +64,7 @@ std::optional<PendingChange> pendingOf(const Connection::Row &row)
 StoreStatus passVersionOn(Connection &connection, const PendingChange &accepted, const std::string &version)
 {
     std::vector<PendingChange> followers;
-    const StoreStatus read =
+    StoreStatus read =
         connection.run("SELECT seq, change FROM outbox WHERE seq > ? ORDER BY seq", Values{accepted.seq},
                        [&](const Connection::Row &row) {
                            auto pending = pendingOf(row);

@@ -17,7 +17,7 @@ namespace {
 /// A folder that is yet to be made has no canonical path; its nearest ancestor that exists has.
 QString canonicalPath(const QString &folder)
 {
-    const QString absolute = QDir::cleanPath(QFileInfo(folder).absoluteFilePath());
+    QString absolute = QDir::cleanPath(QFileInfo(folder).absoluteFilePath());
     QString missing;
     for (QString existing = absolute;;) {
         const QString canonical = QFileInfo(existing).canonicalFilePath();
@@ -44,7 +44,7 @@ Task<bool> keychainWorks()
 
 QString keychainService(const std::optional<std::string> &dataFolder)
 {
-    const QString service = QStringLiteral("com.orvanetrack.refresh-token");
+    QString service = QStringLiteral("com.orvanetrack.refresh-token");
     if (!dataFolder)
         return service;
     const QByteArray path = canonicalPath(QString::fromStdString(*dataFolder)).toUtf8();
