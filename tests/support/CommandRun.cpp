@@ -2,13 +2,13 @@
 #include "support/CommandRun.h"
 
 #include "Support/FileLock.h"
+#include "support/Await.h"
 
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QJsonDocument>
 #include <QLocalSocket>
 #include <QProcess>
-#include <QThread>
 #include <csignal>
 
 namespace orvane {
@@ -156,13 +156,8 @@ bool killServerOf(const std::string &serverFolder)
         return false;
     // The lock tells more than the process table, where the dead server may stay as a zombie of somebody
     // else.
-    FileLock lock(serverFolder + "/server.lock");
-    for (const QDeadlineTimer deadline(10'000); !lock.tryLock();) {
-        if (deadline.hasExpired())
-            return false;
-        QThread::msleep(5);
-    }
-    return true;
+    return testing::await(
+        lockWithin(std::make_shared<FileLock>(serverFolder + "/server.lock"), std::chrono::seconds{10}));
 }
 
 } // namespace orvane
