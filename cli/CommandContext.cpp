@@ -39,7 +39,7 @@ Account::Options CommandContext::accountOptions()
 Task<Result<Account *, CommandFailure>> CommandContext::openAccount()
 {
     if (m_account)
-        co_return m_account.get();
+        co_return account();
     const bool isFirst =
         !m_options.server && !m_installation.currentServer() && !m_installation.localServer();
     m_progress.begin(isFirst && m_options.startsServer ? "Starting the server on this computer …"
@@ -72,7 +72,7 @@ CommandContext::adopt(Result<std::unique_ptr<Account>, AccountError> opened, boo
     co_await m_account->tracker().loadSnapshot();
     if (!m_account->tokenNotice().empty())
         writeMessage(m_account->tokenNotice());
-    co_return m_account.get();
+    co_return account();
 }
 
 Task<> CommandContext::flush()

@@ -13,8 +13,6 @@ namespace orvane {
 
 namespace {
 
-constexpr TextStyle quiet{.dim = true};
-
 template <class T>
 std::string nameTable(std::vector<T> items, const TerminalStyle &style, const std::string &whenEmpty)
 {

@@ -67,7 +67,11 @@ CommandAnswer answerTo(const CommandContext &context, const SaveResult &result, 
 
 Task<Result<TimeEntryResponse, CommandFailure>> findEntry(Context context, std::string typed)
 {
-    Account *account = context->account();
+    const auto opened = co_await context->openAccount();
+    if (!opened)
+        co_return failure(opened.error());
+    co_await context->bringUpToDate();
+    Account *account = *opened;
     Tracker &tracker = account->tracker();
     auto id = chooseById("entry", typed, knownIds(tracker));
     if (!id && !id.error().isAmbiguous && account->isReachable() && !typed.empty()) {

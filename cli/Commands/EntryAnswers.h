@@ -16,8 +16,9 @@ namespace orvane {
 CommandAnswer answerTo(const CommandContext &context, const SaveResult &result, std::string_view verb,
                        const std::optional<TimeEntryResponse> &before = {});
 
-/// The entry that a (cut) identifier means. Looks among the entries of the last weeks, and asks the server
-/// for one that is older when the whole identifier was typed.
+/// The entry that a (cut) identifier means, in the account that this opens and brings up to date. Looks among
+/// the entries of the last weeks, and asks the server for one that is older when the whole identifier was
+/// typed.
 Task<Result<TimeEntryResponse, CommandFailure>> findEntry(Context context, std::string typed);
 
 /// What a SENTENCE argument is, for the help text.

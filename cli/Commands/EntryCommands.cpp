@@ -41,15 +41,11 @@ CommandTask edit(Context context, EditOptions options)
 {
     if (options.entry.isEmpty())
         co_return failure(CommandFailure::usage("Name what to change; see: orvane edit --help"));
-    const auto opened = co_await context->openAccount();
-    if (!opened)
-        co_return failure(opened.error());
-    co_await context->bringUpToDate();
-    Tracker &tracker = (*opened)->tracker();
     const auto entry = co_await findEntry(context, options.id);
     if (!entry)
         co_return failure(entry.error());
-    const TypedSentence typed = TypedSentence::read(options.entry.sentence, **opened);
+    Tracker &tracker = context->account()->tracker();
+    const TypedSentence typed = TypedSentence::read(options.entry.sentence, *context->account());
     EntryRequest request = entryRequest(*entry);
     const auto named = namedTimes(options.entry, tracker.time());
     if (!named)
@@ -74,26 +70,18 @@ CommandTask edit(Context context, EditOptions options)
 
 CommandTask duplicate(Context context, std::string id)
 {
-    const auto opened = co_await context->openAccount();
-    if (!opened)
-        co_return failure(opened.error());
-    co_await context->bringUpToDate();
     const auto entry = co_await findEntry(context, id);
     if (!entry)
         co_return failure(entry.error());
-    co_return answerTo(*context, co_await (*opened)->tracker().duplicate(entry->id), "Copied");
+    co_return answerTo(*context, co_await context->account()->tracker().duplicate(entry->id), "Copied");
 }
 
 CommandTask remove(Context context, std::string id)
 {
-    const auto opened = co_await context->openAccount();
-    if (!opened)
-        co_return failure(opened.error());
-    co_await context->bringUpToDate();
     const auto entry = co_await findEntry(context, id);
     if (!entry)
         co_return failure(entry.error());
-    co_return answerTo(*context, co_await (*opened)->tracker().remove(entry->id), "Deleted", *entry);
+    co_return answerTo(*context, co_await context->account()->tracker().remove(entry->id), "Deleted", *entry);
 }
 
 const std::string idText = "The entry's identifier, or a beginning of it that no other has";

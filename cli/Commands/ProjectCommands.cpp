@@ -26,8 +26,6 @@ struct NewProject {
     bool isPrivate = false;
 };
 
-constexpr TextStyle quiet{.dim = true};
-
 TextCell named(const ProjectResponse &project)
 {
     return TextCell(printable(project.name), {.ownColour = colourFromText(project.color)});

@@ -15,9 +15,6 @@ namespace orvane {
 
 namespace {
 
-constexpr TextStyle quiet{.dim = true};
-constexpr TextStyle strong{.bold = true};
-
 /// Rows that people are shown; programs get all.
 constexpr std::size_t shownRows = 20;
 

@@ -14,8 +14,6 @@ namespace orvane {
 
 namespace {
 
-constexpr TextStyle quiet{.dim = true};
-
 CommandTask listWorkspaces(Context context)
 {
     const auto opened = co_await context->openAccount();

@@ -17,9 +17,6 @@ namespace {
 
 using std::chrono::hours;
 
-constexpr TextStyle strong{.bold = true};
-constexpr TextStyle quiet{.dim = true};
-
 /// Where the terminal does not say how wide it is, and the widest that a picture gets.
 constexpr int usualWidth = 100;
 constexpr int widestPicture = 120;

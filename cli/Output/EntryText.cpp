@@ -13,8 +13,6 @@ namespace orvane {
 
 namespace {
 
-constexpr TextStyle strong{.bold = true};
-constexpr TextStyle quiet{.dim = true};
 constexpr TextStyle good{.bold = true, .colour = TextStyle::Colour::green};
 constexpr TextStyle warning{.colour = TextStyle::Colour::yellow};
 

@@ -14,9 +14,6 @@ namespace orvane {
 
 namespace {
 
-constexpr TextStyle strong{.bold = true};
-constexpr TextStyle quiet{.dim = true};
-
 /// A box narrower than this cannot show a letter.
 constexpr int leastBox = 3;
 /// "09:00" or "12 pm", and a space.

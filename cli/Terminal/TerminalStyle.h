@@ -19,6 +19,10 @@ struct TextStyle {
     bool operator==(const TextStyle &) const = default;
 };
 
+/// What a line is about, and what only goes with it.
+inline constexpr TextStyle strong{.bold = true};
+inline constexpr TextStyle quiet{.dim = true};
+
 /// What the place that text goes to can show.
 struct TerminalStyle {
     /// Columns; 0 when lines may be as long as they like (a file, a pipe).
