@@ -16,8 +16,19 @@ NetworkThread::NetworkThread(NetworkLimits limits, std::chrono::milliseconds pat
     m_thread.start();
 }
 
+NetworkThread::NetworkThread(OnThisThread)
+    : m_patience(0)
+    , m_transport(std::make_shared<NetworkTransport>())
+    , m_executor(std::make_unique<QObject>())
+{
+}
+
 NetworkThread::~NetworkThread()
 {
+    if (m_executor->thread() != &m_thread) {
+        m_transport->close();
+        return;
+    }
     ORVANE_REQUIRE(!isCurrent(), "the network thread cannot end itself");
     QMetaObject::invokeMethod(
         executor(),

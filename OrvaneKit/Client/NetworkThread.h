@@ -21,6 +21,9 @@ class NetworkThread {
 public:
     explicit NetworkThread(NetworkLimits limits = {},
                            std::chrono::milliseconds patience = std::chrono::seconds{5});
+    /// Without a thread of its own: all of it lives on the calling one, as under a simulator.
+    struct OnThisThread {};
+    explicit NetworkThread(OnThisThread);
     NetworkThread(const NetworkThread &) = delete;
     NetworkThread &operator=(const NetworkThread &) = delete;
     ~NetworkThread();
@@ -29,7 +32,7 @@ public:
 
     /// An object that lives on the thread.
     QObject *executor() { return m_executor.get(); }
-    bool isCurrent() const { return QThread::currentThread() == &m_thread; }
+    bool isCurrent() const { return QThread::currentThread() == m_executor->thread(); }
 
     /// Runs the task that `make` makes on the network thread and resumes on the calling one, which needs an
     /// event loop. From the network thread itself it runs at once.

@@ -161,9 +161,9 @@ Result<std::unique_ptr<Connection>, StoreError> Connection::open(std::optional<s
             return failure(made.error());
     }
     sqlite3 *database = nullptr;
-    const int code =
-        sqlite3_open_v2(file ? file->c_str() : ":memory:", &database,
-                        SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_FULLMUTEX, nullptr);
+    const int code = sqlite3_open_v2(file ? file->c_str() : ":memory:", &database,
+                                     SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_FULLMUTEX,
+                                     options.fileLayer.empty() ? nullptr : options.fileLayer.c_str());
     // Owned from here on, so that a failure closes it.
     std::unique_ptr<Connection> connection(new Connection(database, file.value_or("")));
     if (code != SQLITE_OK)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "LocalStore/StoreError.h"
+#include "Support/Executor.h"
 
 #include <chrono>
 #include <cstdint>
@@ -33,6 +34,10 @@ using StoreValue = std::variant<std::int64_t, double, std::string, StoreBlob, st
 struct StoreOptions {
     /// How long a statement waits for a lock that another connection holds.
     std::chrono::milliseconds busyTimeout{5000};
+    /// Where the statements run; null: a thread of the store's own.
+    std::shared_ptr<Executor> executor = {};
+    /// The name of the file layer that SQLite is to use; empty: the system's.
+    std::string fileLayer = {};
 };
 
 /// An open database with its prepared statements. Owned by a LocalStore and used on that store's executor

@@ -59,23 +59,18 @@ bool exists(const std::string &path)
 
 } // namespace
 
-LocalStore::LocalStore()
-{
-    m_pool.setMaxThreadCount(1);
-    m_pool.setExpiryTimeout(-1);
-    m_pool.start(&refuseSignalsOfLimits);
-}
+LocalStore::LocalStore(std::shared_ptr<Executor> executor) : m_executor(std::move(executor)) {}
 
 LocalStore::~LocalStore()
 {
     // Closed where it was used: closing may write too.
-    m_pool.start([this] { m_connection.reset(); });
-    m_pool.waitForDone();
+    m_executor->post([this] { m_connection.reset(); });
+    m_executor->finish();
 }
 
 Task<LocalStore::Opened> LocalStore::open(std::string path, StoreOptions options)
 {
-    return openAt(std::move(path), options);
+    return openAt(std::move(path), std::move(options));
 }
 
 Task<LocalStore::Opened> LocalStore::openInMemory()
@@ -93,9 +88,13 @@ Task<LocalStore::Opened> LocalStore::openAt(std::optional<std::string> path, Sto
             co_return Opened(failure(StoreError{StoreError::Kind::CannotOpen, error.message(), *path}));
         path = absolute.string();
     }
-    const std::shared_ptr<LocalStore> store(new LocalStore);
+    if (!options.executor) {
+        options.executor = std::make_shared<ThreadExecutor>();
+        options.executor->post(&refuseSignalsOfLimits);
+    }
+    const std::shared_ptr<LocalStore> store(new LocalStore(options.executor));
     LocalStore *const self = store.get();
-    const StoreStatus opened = co_await runOn(store->m_pool, [self, path = std::move(path), options] {
+    const StoreStatus opened = co_await runOn(*store->m_executor, [self, path = std::move(path), options] {
         return Connection::open(path, options).map([self](std::unique_ptr<Connection> connection) {
             self->m_connection = std::move(connection);
         });
@@ -107,19 +106,20 @@ Task<LocalStore::Opened> LocalStore::openAt(std::optional<std::string> path, Sto
 
 Task<StoreStatus> LocalStore::remove(std::string key)
 {
-    return runOn(m_pool, [this, key = std::move(key)] {
+    return runOn(*m_executor, [this, key = std::move(key)] {
         return m_connection->run(deleteDocument, std::array<Value, 1>{key});
     });
 }
 
 Task<std::vector<PendingChange>> LocalStore::pending()
 {
-    return runOn(m_pool, [this] { return readPending(); });
+    return runOn(*m_executor, [this] { return readPending(); });
 }
 
 Task<Result<std::int64_t, StoreError>> LocalStore::enqueue(EntryChange change)
 {
-    return runOn(m_pool, [this, change = std::move(change)] { return enqueueOn(*m_connection, change); });
+    return runOn(*m_executor,
+                 [this, change = std::move(change)] { return enqueueOn(*m_connection, change); });
 }
 
 Result<std::int64_t, StoreError> LocalStore::enqueueOn(Connection &connection, const EntryChange &change)
@@ -130,17 +130,17 @@ Result<std::int64_t, StoreError> LocalStore::enqueueOn(Connection &connection, c
 
 Task<StoreStatus> LocalStore::replace(std::int64_t seq, EntryChange change)
 {
-    return runOn(m_pool, [this, seq, change = std::move(change)] { return replaceNow(seq, change); });
+    return runOn(*m_executor, [this, seq, change = std::move(change)] { return replaceNow(seq, change); });
 }
 
 Task<StoreStatus> LocalStore::dequeue(std::int64_t seq)
 {
-    return runOn(m_pool, [this, seq] { return dequeueNow(seq); });
+    return runOn(*m_executor, [this, seq] { return dequeueNow(seq); });
 }
 
 Task<StoreStatus> LocalStore::dequeueAndReplace(std::int64_t seq, std::vector<PendingChange> replaced)
 {
-    return runOn(m_pool, [this, seq, replaced = std::move(replaced)] {
+    return runOn(*m_executor, [this, seq, replaced = std::move(replaced)] {
         if (replaced.empty())
             return dequeueNow(seq);
         return m_connection->transaction([&] {
@@ -154,7 +154,7 @@ Task<StoreStatus> LocalStore::dequeueAndReplace(std::int64_t seq, std::vector<Pe
 
 Task<Result<LocalStore::Rows, StoreError>> LocalStore::query(std::string sql, std::vector<Value> values)
 {
-    return runOn(m_pool, [this, sql = std::move(sql), values = std::move(values)] {
+    return runOn(*m_executor, [this, sql = std::move(sql), values = std::move(values)] {
         Rows rows;
         const auto keep = [&rows](const Connection::Row &row) {
             std::vector<Value> &columns = rows.emplace_back();

@@ -82,7 +82,7 @@ public:
     static StoreStatus moveStore(const std::string &from, const std::string &to);
 
 private:
-    LocalStore();
+    explicit LocalStore(std::shared_ptr<Executor> executor);
     static Task<Opened> openAt(std::optional<std::string> path, StoreOptions options);
 
     StoreStatus saveText(std::string key, std::string text);
@@ -95,8 +95,8 @@ private:
     static constexpr JsonReading reading{.dates = DateCoding::SecondsSince2001};
     static constexpr JsonStyle style{.dates = DateCoding::SecondsSince2001};
 
-    std::unique_ptr<Connection> m_connection; ///< touched on m_pool only
-    QThreadPool m_pool;                       ///< one thread; the last member, so that it ends first
+    std::unique_ptr<Connection> m_connection; ///< touched on the executor only
+    std::shared_ptr<Executor> m_executor;
 };
 
 // The jobs below hold plain pointers to the store: its destructor waits for them, and one that held the last
@@ -105,7 +105,7 @@ private:
 template <class T>
 Task<std::optional<T>> LocalStore::load(std::string key)
 {
-    return runOn(m_pool, [this, key = std::move(key)] {
+    return runOn(*m_executor, [this, key = std::move(key)] {
         std::optional<T> document;
         readDocument(key, [&](std::string_view text) {
             Result<T, JsonError> decoded = decodeJson<T>(text, reading);
@@ -120,7 +120,7 @@ Task<std::optional<T>> LocalStore::load(std::string key)
 template <class T>
 Task<StoreStatus> LocalStore::save(std::string key, T document)
 {
-    return runOn(m_pool, [this, key = std::move(key), document = std::move(document)]() mutable {
+    return runOn(*m_executor, [this, key = std::move(key), document = std::move(document)]() mutable {
         return saveText(std::move(key), encodeJson(document, style));
     });
 }
@@ -129,7 +129,7 @@ template <class Work>
 auto LocalStore::transact(Work work) -> Task<std::invoke_result_t<Work, Connection &>>
 {
     using Answer = std::invoke_result_t<Work, Connection &>;
-    return runOn(m_pool, [this, work = std::move(work)]() mutable -> Answer {
+    return runOn(*m_executor, [this, work = std::move(work)]() mutable -> Answer {
         std::optional<Answer> answer;
         const StoreStatus committed = m_connection->transaction([&]() -> StoreStatus {
             answer.emplace(work(*m_connection));
@@ -144,7 +144,7 @@ auto LocalStore::transact(Work work) -> Task<std::invoke_result_t<Work, Connecti
 template <class Work>
 auto LocalStore::inspect(Work work) -> Task<std::invoke_result_t<Work, Connection &>>
 {
-    return runOn(m_pool, [this, work = std::move(work)]() mutable { return work(*m_connection); });
+    return runOn(*m_executor, [this, work = std::move(work)]() mutable { return work(*m_connection); });
 }
 
 } // namespace orvane

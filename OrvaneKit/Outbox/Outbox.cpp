@@ -35,12 +35,26 @@ Result<std::optional<TimeEntryResponse>, CallError> answered(Result<T, CallError
         return std::optional<TimeEntryResponse>{std::move(*result)};
 }
 
+Task<Result<Outbox::Turn, std::string>> lockFile(std::string path, std::chrono::milliseconds patience)
+{
+    const auto lock = std::make_shared<FileLock>(std::move(path));
+    if (co_await lockWithin(lock, patience))
+        co_return Outbox::Turn(lock);
+    if (!lock->error().empty())
+        co_return failure(std::string(lock->error()));
+    co_return Outbox::Turn();
+}
+
 } // namespace
 
 Outbox::Outbox(Parts parts) : m_parts(std::move(parts))
 {
     if (!m_parts.retry)
         m_parts.retry = std::make_unique<SystemRetryTimer>();
+    if (!m_parts.takeTurn && !m_parts.lockPath.empty())
+        m_parts.takeTurn = [path = m_parts.lockPath](std::chrono::milliseconds patience) {
+            return lockFile(path, patience);
+        };
 }
 
 Outbox::~Outbox() = default;
@@ -89,8 +103,12 @@ Task<Result<std::vector<Outbox::Outcome>, StoreError>> Outbox::submit(std::vecto
     auto seqs = co_await enqueueAll(m_parts.store, changes);
     if (!seqs)
         co_return failure(std::move(seqs.error()));
-    if (!self)
-        co_return std::vector<Outcome>(changes.size(), Outcome{Queued{}});
+    if (!self) {
+        std::vector<Outcome> queued;
+        std::ranges::transform(*seqs, std::back_inserter(queued),
+                               [](std::int64_t seq) { return Queued{seq}; });
+        co_return queued;
+    }
     std::vector<Eventual<Outcome>> answers(seqs->size());
     for (std::size_t i = 0; i < seqs->size(); ++i) {
         const std::int64_t seq = (*seqs)[i];
@@ -135,11 +153,15 @@ Task<> Outbox::pass()
     m_isFlushing = true;
     m_parts.retry->cancel();
     const QPointer<Outbox> self(this);
-    const auto lock = m_parts.lockPath.empty() ? nullptr : std::make_shared<FileLock>(m_parts.lockPath);
-    if (!lock || co_await waitForTurn(lock)) {
-        if (self)
-            co_await sendAll();
-    } else if (self) {
+    Turn turn;
+    if (m_parts.takeTurn)
+        turn = co_await waitForTurn();
+    if (!self)
+        co_return;
+    if (turn || !m_parts.takeTurn) {
+        co_await sendAll();
+        turn.reset();
+    } else {
         resumeAllQueued();
         scheduleRetry();
     }
@@ -149,22 +171,24 @@ Task<> Outbox::pass()
     Q_EMIT passEnded();
 }
 
-Task<bool> Outbox::waitForTurn(std::shared_ptr<FileLock> lock)
+Task<Outbox::Turn> Outbox::waitForTurn()
 {
     const QPointer<Outbox> self(this);
+    const TakeTurn take = m_parts.takeTurn;
     for (std::chrono::milliseconds waited{0}; waited < m_parts.lockPatience; waited += lockSlice) {
-        if (co_await lockWithin(lock, lockSlice))
-            co_return true;
+        auto turn = co_await take(lockSlice);
+        if (turn && *turn)
+            co_return Turn(*turn);
         if (!self || m_isClosing)
-            co_return false;
-        if (!lock->error().empty()) {
+            co_return Turn();
+        if (!turn) {
             // Without a lock file (a read-only folder, a full disk) the store would refuse its own writes as
             // well.
-            qCWarning(outboxLog) << "the lock file cannot be made:" << lock->error().c_str();
-            co_return false;
+            qCWarning(outboxLog) << "the lock file cannot be made:" << turn.error().c_str();
+            co_return Turn();
         }
     }
-    co_return false;
+    co_return Turn();
 }
 
 Task<> Outbox::sendAll()
@@ -187,7 +211,7 @@ Task<> Outbox::sendAll()
         cursor = (*next)->seq;
         const Pending row = adopt({cursor, std::move((*next)->change), std::nullopt});
         if (isBlocked(row)) {
-            resume(row.seq, Queued{});
+            resume(row.seq, Queued{row.seq});
             continue;
         }
         if (!isChecked)
@@ -266,7 +290,7 @@ Task<Outbox::Step> Outbox::handleAccepted(Pending row, std::optional<TimeEntryRe
     setOffline(false);
     if (!settled) {
         // The server has it, and sending the row again does no harm; what is behind it waits for the disk.
-        resume(row.seq, Sent{entry});
+        resume(row.seq, Sent{row.seq, entry});
         stopForStore(settled.error());
         co_return Step::Stop;
     }
@@ -280,7 +304,7 @@ Task<Outbox::Step> Outbox::handleAccepted(Pending row, std::optional<TimeEntryRe
     if (onSent)
         onSent(row, entry);
     Q_EMIT pendingChanged();
-    resume(row.seq, Sent{std::move(entry)});
+    resume(row.seq, Sent{row.seq, std::move(entry)});
     co_return Step::GoOn;
 }
 
@@ -309,7 +333,7 @@ Outbox::Step Outbox::handleConflict(Pending row, const TimeEntryResponse &curren
     if (onConflict)
         onConflict(row, current);
     Q_EMIT pendingChanged();
-    resume(row.seq, Queued{});
+    resume(row.seq, Queued{row.seq});
     return Step::GoOn;
 }
 
@@ -341,7 +365,7 @@ Task<Outbox::Step> Outbox::handleRefusal(Pending row, CallError error)
     if (onRejected)
         onRejected(row, error, callerWaits);
     Q_EMIT pendingChanged();
-    resume(row.seq, Rejected{std::move(error)});
+    resume(row.seq, Rejected{row.seq, std::move(error)});
     co_return Step::GoOn;
 }
 
@@ -384,13 +408,13 @@ void Outbox::reportSettledElsewhere(const Pending &row, const std::vector<Refusa
     if (refusal == refusals.end()) {
         if (onSent)
             onSent(row, std::nullopt);
-        resume(row.seq, Sent{});
+        resume(row.seq, Sent{row.seq, {}});
         return;
     }
     const CallError error = APIError{.status = refusal->status, .title = refusal->message};
     if (onRejected)
         onRejected(row, error, callerWaits);
-    resume(row.seq, Rejected{error});
+    resume(row.seq, Rejected{row.seq, error});
 }
 
 // Settling by the user
@@ -491,7 +515,7 @@ void Outbox::resume(std::int64_t seq, const Outcome &outcome)
 void Outbox::resumeAllQueued()
 {
     for (const auto &[seq, answer] : std::exchange(m_waiters, {}))
-        answer(Queued{});
+        answer(Queued{seq});
 }
 
 void Outbox::scheduleRetry()

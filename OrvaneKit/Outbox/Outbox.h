@@ -41,16 +41,20 @@ public:
         std::optional<TimeEntryResponse> conflict;
     };
 
-    /// What became of one submitted change.
+    /// What became of one submitted change; `seq` is its number in the queue.
     struct Sent {
+        std::int64_t seq = 0;
         /// The entry as the server answered; none for a delete, or when another process sent the change.
         std::optional<TimeEntryResponse> entry;
     };
     struct Rejected {
+        std::int64_t seq = 0;
         CallError error;
     };
     /// Still in the outbox: the server is away, or the user has a conflict to settle.
-    struct Queued {};
+    struct Queued {
+        std::int64_t seq = 0;
+    };
     using Outcome = std::variant<Sent, Rejected, Queued>;
 
     /// Whether the queue may be sent: yes; not now, since the server cannot be asked; no, since the account
@@ -58,11 +62,19 @@ public:
     enum class SendVerdict { Allowed, Away, NotOurs };
     using SendCheck = std::function<Task<SendVerdict>()>;
 
+    /// The right to send, among the processes of one store; given back when the last copy goes. Null: another
+    /// process has it.
+    using Turn = std::shared_ptr<void>;
+    /// Waits that long for the turn. The error says why it can never be had.
+    using TakeTurn = std::function<Task<Result<Turn, std::string>>(std::chrono::milliseconds patience)>;
+
     struct Parts {
         std::shared_ptr<OrvaneClient> api;
         std::shared_ptr<LocalStore> store;
         /// Empty path: no other process can have this store.
         std::string lockPath;
+        /// Instead of the lock file.
+        TakeTurn takeTurn;
         /// Null: a system timer.
         std::unique_ptr<RetryTimer> retry;
         /// Asked at the start of each pass; empty: always.
@@ -123,7 +135,7 @@ private:
 
     explicit Outbox(Parts parts);
     Task<> pass();
-    Task<bool> waitForTurn(std::shared_ptr<FileLock> lock);
+    Task<Turn> waitForTurn();
     Task<> sendAll();
     Task<bool> isAllowed();
     Task<Step> sendOne(Pending row);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Support/Executor.h"
 #include "Support/Require.h"
 #include "Support/Task.h"
 
@@ -74,6 +75,17 @@ auto runOn(QObject *executor, Make make) -> Task<typename std::invoke_result_t<M
             executor,
             [make = std::move(make), shared]() mutable { hop::drive(std::move(make), std::move(shared)); },
             Qt::QueuedConnection);
+    };
+    co_return co_await hop::Awaiter<T, decltype(post)>{.post = post};
+}
+
+/// Runs a plain function on an executor, one at a time in the order in which they were posted.
+template <class Function>
+auto runOn(Executor &executor, Function function) -> Task<std::invoke_result_t<Function>>
+{
+    using T = std::invoke_result_t<Function>;
+    const auto post = [&executor, &function](const std::shared_ptr<hop::Shared<T>> &shared) {
+        executor.post([function = std::move(function), shared]() mutable { shared->finish(function()); });
     };
     co_return co_await hop::Awaiter<T, decltype(post)>{.post = post};
 }

@@ -37,6 +37,10 @@ public:
 
     /// Sets the offset so that `now` is this instant at this moment and runs on from there.
     static void setNow(Instant instant);
+
+    /// Takes the computer's time from elsewhere, as a simulator does in which time passes by itself; null
+    /// gives the system's back.
+    static void setSource(Instant (*source)());
 };
 
 } // namespace orvane

@@ -13,6 +13,7 @@
 #include "Tracker/Snapshot.h"
 
 #include <QObject>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
@@ -41,6 +42,8 @@ struct SaveResult {
     std::string message;
     /// The server's refusal, when there is one.
     std::optional<CallError> error;
+    /// The numbers of the changes in the outbox, in order; empty when nothing was recorded.
+    std::vector<std::int64_t> seqs;
 };
 
 /// One workspace's entries of the signed-in user: the weeks loaded so far, the running entry, the workspace's
@@ -60,6 +63,8 @@ public:
         std::shared_ptr<LocalStore> store;
         /// Outlives the tracker.
         Outbox *outbox = nullptr;
+        /// Names new entries; empty: with random identifiers.
+        std::function<std::string()> newIdentifier = {};
     };
 
     explicit Tracker(Parts parts);

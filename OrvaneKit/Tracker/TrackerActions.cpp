@@ -41,7 +41,12 @@ constexpr const char *stopNeedsDetails = "Add the details this workspace require
 
 SaveResult Tracker::refusedHere(SaveOutcome outcome, std::string message) const
 {
-    return {.outcome = outcome, .isQueued = false, .entry = {}, .message = std::move(message), .error = {}};
+    return {.outcome = outcome,
+            .isQueued = false,
+            .entry = {},
+            .message = std::move(message),
+            .error = {},
+            .seqs = {}};
 }
 
 /// The refusal that the server would give as well, where that can be known here.
@@ -78,8 +83,10 @@ Task<SaveResult> Tracker::submit(std::vector<EntryChange> changes, std::string i
         co_return refusedHere(SaveOutcome::failed, describe(outcomes.error()));
     if (!self)
         co_return refusedHere(SaveOutcome::waiting, {});
-    SaveResult result{.outcome = whenDone, .isQueued = false, .entry = entry(id), .message = {}, .error = {}};
+    SaveResult result{
+        .outcome = whenDone, .isQueued = false, .entry = entry(id), .message = {}, .error = {}, .seqs = {}};
     for (const Outbox::Outcome &outcome : *outcomes) {
+        result.seqs.push_back(std::visit([](const auto &one) { return one.seq; }, outcome));
         if (const auto *rejected = std::get_if<Outbox::Rejected>(&outcome)) {
             result.error = rejected->error;
             result.message = describe(rejected->error);
@@ -123,7 +130,7 @@ Task<SaveResult> Tracker::create(EntryRequest request)
             co_return refusedHere(SaveOutcome::needsDetails, stopNeedsDetails);
         changes.push_back(stopChange(running, request.start));
     }
-    const std::string id = newIdentifier();
+    const std::string id = m_parts.newIdentifier ? m_parts.newIdentifier() : newIdentifier();
     changes.push_back(EntryChange{EntryChange::Create{std::move(request), id, m_parts.workspace.id}});
     co_return co_await submit(std::move(changes), id, SaveOutcome::saved);
 }

@@ -13,7 +13,7 @@ namespace {
 using std::chrono::milliseconds;
 using Kind = StoreError::Kind;
 
-constexpr StoreOptions impatient{.busyTimeout = milliseconds{50}};
+const StoreOptions impatient{.busyTimeout = milliseconds{50}};
 
 class StoreFaultTest : public StoreTest {
 protected:

@@ -1,0 +1,219 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "simulator/Oracle.h"
+
+#include "Support/Instant.h"
+
+#include <algorithm>
+
+namespace orvane::simulator {
+
+namespace {
+
+const char *nameOf(Field field)
+{
+    static constexpr const char *names[] = {"description", "start", "stop"};
+    return names[static_cast<int>(field)];
+}
+
+std::string textOf(const Oracle::Deed &deed)
+{
+    static constexpr const char *kinds[] = {"create", "edit", "stop", "remove"};
+    return "#" + std::to_string(deed.id) + " (" + kinds[static_cast<int>(deed.kind)] + " on " + deed.device +
+           ")";
+}
+
+bool isIn(Oracle::Fate fate)
+{
+    return fate == Oracle::Fate::Taken;
+}
+
+} // namespace
+
+Contents contentsOf(const TimeEntryResponse &entry)
+{
+    Contents contents{{Field::Description, entry.description},
+                      {Field::Start, std::to_string(millisecondsSinceEpoch(entry.start))}};
+    if (entry.stop)
+        contents[Field::Stop] = std::to_string(millisecondsSinceEpoch(*entry.stop));
+    return contents;
+}
+
+int Oracle::begin(const std::string &device, Kind kind, const std::string &entry, Contents writes,
+                  const std::optional<TimeEntryResponse> &shown)
+{
+    Deed deed{.id = static_cast<int>(m_deeds.size()),
+              .device = device,
+              .entry = entry,
+              .kind = kind,
+              .writes = std::move(writes),
+              .seen = shown ? behind(entry, contentsOf(*shown)) : std::set<int>{}};
+    for (const auto &[field, value] : deed.writes)
+        m_writer[{entry, field, value}] = deed.id;
+    m_deeds.push_back(std::move(deed));
+    return m_deeds.back().id;
+}
+
+std::optional<int> Oracle::deedAt(const std::string &device, std::int64_t seq) const
+{
+    const auto found = m_bySeq.find({device, seq});
+    return found == m_bySeq.end() ? std::nullopt : std::optional{found->second};
+}
+
+/// The deeds that made what is shown, and those that they knew of.
+std::set<int> Oracle::behind(const std::string &entry, const Contents &shown) const
+{
+    std::set<int> deeds;
+    for (const auto &[field, value] : shown) {
+        const auto writer = m_writer.find({entry, field, value});
+        if (writer == m_writer.end())
+            continue;
+        deeds.insert(writer->second);
+        const std::set<int> &more = deed(writer->second).seen;
+        deeds.insert(more.begin(), more.end());
+    }
+    return deeds;
+}
+
+bool Oracle::knows(const Deed &deed, const Deed &other) const
+{
+    return deed.id == other.id || deed.seen.contains(other.id);
+}
+
+std::vector<const Oracle::Deed *> Oracle::on(const std::string &entry) const
+{
+    std::vector<const Deed *> deeds;
+    for (const Deed &deed : m_deeds) {
+        if (deed.entry == entry)
+            deeds.push_back(&deed);
+    }
+    return deeds;
+}
+
+std::optional<std::string> Oracle::judgeConflict(int id, const TimeEntryResponse &current) const
+{
+    const Deed &mine = deed(id);
+    const auto isNews = [&](const auto &item) {
+        const auto writer = m_writer.find({mine.entry, item.first, item.second});
+        if (writer == m_writer.end())
+            return true; // the server's own doing, as when another timer's start ends this one
+        const Deed &other = deed(writer->second);
+        if (knows(mine, other))
+            return false;
+        // Of two programs on one device only the same field twice is a conflict, and never two stops.
+        if (other.device == mine.device)
+            return mine.kind == Kind::Remove || (mine.writes.contains(item.first) &&
+                                                 !(mine.kind == Kind::Stop && other.kind == Kind::Stop));
+        return true;
+    };
+    if (std::ranges::any_of(contentsOf(current), isNews))
+        return std::nullopt;
+    return "a conflict was made up for " + textOf(mine) + ": the user had seen all of what stands against it";
+}
+
+void Oracle::keptMine(int id, Contents mine, const TimeEntryResponse &current)
+{
+    const std::set<int> known = behind(current.id, contentsOf(current));
+    Deed &deed = m_deeds.at(static_cast<std::size_t>(id));
+    deed.seen.insert(known.begin(), known.end());
+    deed.seen.erase(id);
+    deed.writes = std::move(mine);
+    if (deed.fate == Fate::Dropped)
+        deed.fate = Fate::Taken;
+}
+
+std::vector<std::string> Oracle::judge(const std::vector<TimeEntryResponse> &held) const
+{
+    std::vector<std::string> faults;
+    std::map<std::string, const TimeEntryResponse *> byId;
+    for (const TimeEntryResponse &entry : held) {
+        if (!byId.emplace(entry.id, &entry).second)
+            faults.push_back("the server lists " + entry.id + " twice");
+        if (on(entry.id).empty())
+            faults.push_back("nobody made " + entry.id);
+    }
+    std::set<std::string> entries;
+    for (const Deed &deed : m_deeds)
+        entries.insert(deed.entry);
+    for (const std::string &entry : entries) {
+        if (const auto found = byId.find(entry); found != byId.end())
+            judgePresent(*found->second, faults);
+        else
+            judgeAbsent(entry, faults);
+    }
+    return faults;
+}
+
+void Oracle::judgeAbsent(const std::string &entry, std::vector<std::string> &faults) const
+{
+    const std::vector<const Deed *> deeds = on(entry);
+    const auto mayHaveRemoved = [](const Deed *deed) {
+        return deed->kind == Kind::Remove && (deed->fate == Fate::Taken || deed->fate == Fate::Unknown);
+    };
+    if (std::ranges::none_of(deeds, mayHaveRemoved)) {
+        const auto made = std::ranges::find_if(
+            deeds, [](const Deed *deed) { return deed->kind == Kind::Create && isIn(deed->fate); });
+        if (made != deeds.end())
+            faults.push_back(entry + " is lost: " + textOf(**made) + " was taken and nobody removed it");
+        return;
+    }
+    for (const Deed *lost : deeds) {
+        if (lost->kind == Kind::Remove || !isIn(lost->fate))
+            continue;
+        const bool isKnown = std::ranges::any_of(
+            deeds, [&](const Deed *other) { return mayHaveRemoved(other) && knows(*other, *lost); });
+        if (!isKnown)
+            faults.push_back(entry + " was removed over " + textOf(*lost) + ", which no remover had seen");
+    }
+}
+
+void Oracle::judgePresent(const TimeEntryResponse &held, std::vector<std::string> &faults) const
+{
+    for (const Deed *deed : on(held.id)) {
+        if (deed->kind == Kind::Remove && isIn(deed->fate))
+            faults.push_back(held.id + " is there, though " + textOf(*deed) + " was taken");
+        if (deed->kind == Kind::Create && deed->fate == Fate::Refused)
+            faults.push_back(held.id + " is there, though " + textOf(*deed) + " was refused");
+    }
+    for (const Field field : {Field::Description, Field::Start, Field::Stop})
+        judgeField(held, field, faults);
+}
+
+/// Whether a deed's value may be missing because another's stands.
+bool Oracle::mayGiveWay(const Deed &lost, const Deed &standing, Field field) const
+{
+    if (knows(standing, lost))
+        return true;
+    // Two stops by one hand: the first one's time stands.
+    return field == Field::Stop && lost.kind == Kind::Stop && standing.device == lost.device &&
+           standing.kind != Kind::Create;
+}
+
+void Oracle::judgeField(const TimeEntryResponse &held, Field field, std::vector<std::string> &faults) const
+{
+    const Contents contents = contentsOf(held);
+    const auto value = contents.find(field);
+    std::vector<const Deed *> standing;
+    for (const Deed *deed : on(held.id)) {
+        const auto written = deed->writes.find(field);
+        if (value != contents.end() && written != deed->writes.end() && written->second == value->second &&
+            (deed->fate == Fate::Taken || deed->fate == Fate::Unknown))
+            standing.push_back(deed);
+    }
+    for (const Deed *lost : on(held.id)) {
+        const auto written = lost->writes.find(field);
+        if (!isIn(lost->fate) || written == lost->writes.end() ||
+            (value != contents.end() && written->second == value->second))
+            continue;
+        const bool gaveWay =
+            std::ranges::any_of(standing, [&](const Deed *deed) { return mayGiveWay(*lost, *deed, field); });
+        if (!gaveWay)
+            faults.push_back(held.id + ": the " + nameOf(field) + " of " + textOf(*lost) + " is gone, and " +
+                             (standing.empty() ? "nobody's deed stands in its place"
+                                               : textOf(*standing.front()) + " had not seen it"));
+    }
+    const bool isWritten = value != contents.end() && m_writer.contains({held.id, field, value->second});
+    if (isWritten && standing.empty())
+        faults.push_back(held.id + ": the " + nameOf(field) + " is one that was refused or given up");
+}
+
+} // namespace orvane::simulator
