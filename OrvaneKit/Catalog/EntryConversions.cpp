@@ -103,4 +103,18 @@ TimeEntryResponse entryResponse(const EntryRequest &request, std::string id, std
     return entry;
 }
 
+std::optional<TimeEntryResponse> applied(const EntryChange &change, TimeEntryResponse entry)
+{
+    if (const auto *update = std::get_if<EntryChange::Update>(&change.action)) {
+        TimeEntryResponse changed = entryResponse(update->request, entry.id, entry.workspaceId);
+        changed.version = std::move(entry.version);
+        return changed;
+    }
+    if (const auto *stop = std::get_if<EntryChange::Stop>(&change.action))
+        entry.stop = stop->at;
+    else if (std::holds_alternative<EntryChange::Delete>(change.action))
+        return std::nullopt;
+    return entry;
+}
+
 } // namespace orvane

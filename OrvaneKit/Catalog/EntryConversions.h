@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Catalog/EntryChange.h"
 #include "Catalog/EntryRequest.h"
 #include "OrvaneAPI/Schemas.h"
 
@@ -22,5 +23,9 @@ EntryRequest entryRequest(const TimeEntryResponse &entry);
 /// share has the entry's description.
 TimeEntryResponse entryResponse(const EntryRequest &request, std::string id, std::string workspaceId,
                                 std::string version = {});
+
+/// One change applied to one entry, which keeps its version; nothing after a delete. `entry` must be the one
+/// that the change concerns; a creation leaves it as it is.
+std::optional<TimeEntryResponse> applied(const EntryChange &change, TimeEntryResponse entry);
 
 } // namespace orvane

@@ -99,28 +99,35 @@ Task<Result<Outbox::Outcome, StoreError>> Outbox::submit(EntryChange change)
 
 Task<Result<std::vector<Outbox::Outcome>, StoreError>> Outbox::submit(std::vector<EntryChange> changes)
 {
+    std::vector<Submission> submissions;
+    submissions.reserve(changes.size());
+    for (EntryChange &change : changes)
+        submissions.push_back({std::move(change), std::nullopt});
+    return submit(std::move(submissions));
+}
+
+Task<Result<std::vector<Outbox::Outcome>, StoreError>> Outbox::submit(std::vector<Submission> submissions)
+{
     const QPointer<Outbox> self(this);
-    auto seqs = co_await enqueueAll(m_parts.store, changes);
-    if (!seqs)
-        co_return failure(std::move(seqs.error()));
+    auto rows = co_await enqueueAll(m_parts.store, std::move(submissions));
+    if (!rows)
+        co_return failure(std::move(rows.error()));
+    std::vector<Outcome> outcomes;
     if (!self) {
-        std::vector<Outcome> queued;
-        std::ranges::transform(*seqs, std::back_inserter(queued),
-                               [](std::int64_t seq) { return Queued{seq}; });
-        co_return queued;
+        std::ranges::transform(*rows, std::back_inserter(outcomes),
+                               [](const PendingChange &row) { return Queued{row.seq}; });
+        co_return outcomes;
     }
-    std::vector<Eventual<Outcome>> answers(seqs->size());
-    for (std::size_t i = 0; i < seqs->size(); ++i) {
-        const std::int64_t seq = (*seqs)[i];
-        if (find(seq) == nullptr)
-            adopt({seq, std::move(changes[i]), std::nullopt});
-        m_waiters[seq] = [answer = answers[i]](Outcome outcome) { answer.set(std::move(outcome)); };
-    }
+    std::vector<Eventual<Outcome>> answers(rows->size());
+    for (std::size_t i = 0; i < rows->size(); ++i)
+        m_waiters[(*rows)[i].seq] = [answer = answers[i]](Outcome outcome) {
+            answer.set(std::move(outcome));
+        };
+    adopt(*rows);
     Q_EMIT pendingChanged();
     if (m_isClosing)
         resumeAllQueued();
     pass();
-    std::vector<Outcome> outcomes;
     outcomes.reserve(answers.size());
     for (const Eventual<Outcome> &answer : answers)
         outcomes.push_back(co_await answer.wait());
@@ -129,10 +136,10 @@ Task<Result<std::vector<Outbox::Outcome>, StoreError>> Outbox::submit(std::vecto
 
 Task<> Outbox::flush()
 {
-    if (m_isFlushing)
+    const QPointer<Outbox> self(this);
+    pass();
+    if (self && m_isFlushing)
         co_await qCoro(this, &Outbox::passEnded);
-    else
-        co_await pass();
 }
 
 Task<> Outbox::close()
@@ -147,28 +154,38 @@ Task<> Outbox::close()
 
 Task<> Outbox::pass()
 {
-    // A running pass reads the queue to its end and so reaches what was added meanwhile.
+    m_isWanted = true;
     if (m_isFlushing || m_isClosing)
         co_return;
     m_isFlushing = true;
     m_parts.retry->cancel();
     const QPointer<Outbox> self(this);
-    Turn turn;
-    if (m_parts.takeTurn)
-        turn = co_await waitForTurn();
-    if (!self)
-        co_return;
-    if (turn || !m_parts.takeTurn) {
-        co_await sendAll();
-        turn.reset();
-    } else {
-        resumeAllQueued();
-        scheduleRetry();
+    Step step = Step::GoOn;
+    // What comes while a pass is under way may lie behind it, or come when its end is decided.
+    while (m_isWanted && step == Step::GoOn && !m_isClosing) {
+        m_isWanted = false;
+        step = co_await takeTurnAndSend();
+        if (!self)
+            co_return;
     }
-    if (!self)
-        co_return;
+    if (step == Step::Stop || m_isClosing)
+        resumeAllQueued();
     m_isFlushing = false;
     Q_EMIT passEnded();
+}
+
+Task<Outbox::Step> Outbox::takeTurnAndSend()
+{
+    const QPointer<Outbox> self(this);
+    if (!m_parts.takeTurn)
+        co_return co_await sendAll();
+    const Turn turn = co_await waitForTurn();
+    if (!self)
+        co_return Step::Stop;
+    if (turn)
+        co_return co_await sendAll();
+    scheduleRetry();
+    co_return Step::Stop;
 }
 
 Task<Outbox::Turn> Outbox::waitForTurn()
@@ -191,42 +208,56 @@ Task<Outbox::Turn> Outbox::waitForTurn()
     co_return Turn();
 }
 
-Task<> Outbox::sendAll()
+Task<Outbox::Step> Outbox::sendAll()
 {
     const QPointer<Outbox> self(this);
+    if (!co_await readNewRows() || !self)
+        co_return Step::Stop;
     std::int64_t cursor = 0;
     bool isChecked = false;
     for (;;) {
         auto next = co_await nextStored(m_parts.store, cursor);
         if (!self)
-            co_return;
-        if (!next) {
-            stopForStore(next.error());
-            co_return;
-        }
+            co_return Step::Stop;
+        if (!next)
+            co_return stopForStore(next.error());
         const bool isAtEnd = !next->has_value();
-        co_await catchUp(cursor, isAtEnd ? queueEnd : (*next)->seq);
-        if (!self || isAtEnd)
-            co_return;
-        cursor = (*next)->seq;
-        const Pending row = adopt({cursor, std::move((*next)->change), std::nullopt});
-        if (isBlocked(row)) {
-            resume(row.seq, Queued{row.seq});
+        co_await catchUp(cursor, isAtEnd ? queueEnd : (*next)->row.seq);
+        if (!self)
+            co_return Step::Stop;
+        if (isAtEnd)
+            co_return Step::GoOn;
+        StoredRow stored = std::move(**next);
+        cursor = stored.row.seq;
+        if (isBlocked(adopt(Pending{cursor, stored.row.change, std::nullopt}))) {
+            resume(cursor, Queued{cursor});
             continue;
         }
         if (!isChecked)
             isChecked = co_await isAllowed();
-        if (!isChecked)
-            co_return;
-        if (!self)
-            co_return;
-        if (m_isClosing) {
-            resumeAllQueued();
-            co_return;
-        }
-        if (co_await sendOne(row) == Step::Stop || !self)
-            co_return;
+        if (!isChecked || !self || m_isClosing)
+            co_return Step::Stop;
+        if (co_await sendNext(std::move(stored)) == Step::Stop || !self)
+            co_return Step::Stop;
     }
+}
+
+/// What other processes have queued, so that all of an entry's changes are known before the first is sent.
+Task<bool> Outbox::readNewRows()
+{
+    const QPointer<Outbox> self(this);
+    const auto rows = co_await storedAbove(m_parts.store, m_pending.empty() ? 0 : m_pending.back().seq);
+    if (!self)
+        co_return false;
+    if (!rows) {
+        stopForStore(rows.error());
+        co_return false;
+    }
+    if (!rows->empty()) {
+        adopt(*rows);
+        Q_EMIT pendingChanged();
+    }
+    co_return true;
 }
 
 /// Whether the queue may be sent to the account that is signed in.
@@ -239,27 +270,72 @@ Task<bool> Outbox::isAllowed()
     if (!self)
         co_return false;
     m_isHeldBack = verdict == SendVerdict::NotOurs;
-    if (m_isHeldBack)
-        resumeAllQueued();
-    else if (verdict == SendVerdict::Away)
+    if (verdict == SendVerdict::Away)
         handleTransient();
     co_return verdict == SendVerdict::Allowed;
 }
 
-Task<Outbox::Step> Outbox::sendOne(Pending row)
+Task<Outbox::Step> Outbox::sendNext(StoredRow stored)
 {
     const QPointer<Outbox> self(this);
-    m_sending = row.seq;
-    auto answer = co_await deliver(row.change);
+    if (stored.stopped) {
+        // The first stop's time stands.
+        const std::optional<TimeEntryResponse> stopped = std::move(stored.stopped);
+        Pending row{stored.row.seq, stored.row.change, std::nullopt};
+        row.change = row.change.withVersion(stopped->version);
+        co_return co_await handleAccepted({std::move(row), {}, {}}, stopped, true);
+    }
+    auto sending = co_await prepared(std::move(stored));
+    if (!self)
+        co_return Step::Stop;
+    if (!sending)
+        co_return stopForStore(sending.error());
+    co_return co_await sendOne(std::move(*sending));
+}
+
+/// A creation that was never tried takes the stop of its entry along, when nothing lies between: sent alone,
+/// it would end the timer that runs on another device by now. In which form it goes is noted first.
+Task<Result<Outbox::Sending, StoreError>> Outbox::prepared(StoredRow stored)
+{
+    const QPointer<Outbox> self(this);
+    Sending sending{{stored.row.seq, std::move(stored.row.change), {}}, std::move(stored.base), {}};
+    const auto *create = std::get_if<EntryChange::Create>(&sending.row.change.action);
+    if (create == nullptr || create->request.stop)
+        co_return sending;
+    if (!stored.tried) {
+        const Pending *stop = stopBehind(sending.row);
+        const auto tried = co_await noteTry(m_parts.store, {sending.row.seq, sending.row.change},
+                                            stop != nullptr ? std::optional{stop->seq} : std::nullopt);
+        if (!tried)
+            co_return failure(tried.error());
+        stored.tried = *tried;
+    }
+    if (!self || !stored.tried->stop)
+        co_return sending;
+    if (const Pending *stop = find(*stored.tried->stop))
+        sending.stop = *stop;
+    co_return sending;
+}
+
+Task<Outbox::Step> Outbox::sendOne(Sending sending)
+{
+    const QPointer<Outbox> self(this);
+    m_sending = sending.row.seq;
+    EntryChange change = sending.row.change;
+    auto *create = std::get_if<EntryChange::Create>(&change.action);
+    if (sending.stop)
+        create->request.stop = std::get<EntryChange::Stop>(sending.stop->change.action).at;
+    auto answer = co_await deliver(change);
     if (!self)
         co_return Step::Stop;
     m_sending.reset();
-    if (answer)
-        co_return co_await handleAccepted(std::move(row), std::move(*answer));
-    co_return co_await handleFailure(std::move(row), std::move(answer.error()));
+    if (!answer)
+        co_return co_await handleFailure(std::move(sending), std::move(answer.error()));
+    const bool isOursAlone = create == nullptr || !*answer || isAsCreated(*create, **answer);
+    co_return co_await handleAccepted(std::move(sending), std::move(*answer), isOursAlone);
 }
 
-Task<Result<std::optional<TimeEntryResponse>, CallError>> Outbox::deliver(EntryChange change)
+Task<Outbox::Delivered> Outbox::deliver(EntryChange change)
 {
     const auto api = m_parts.api;
     const std::string workspace = change.workspaceId();
@@ -279,57 +355,78 @@ Task<Result<std::optional<TimeEntryResponse>, CallError>> Outbox::deliver(EntryC
 
 // What became of it
 
-Task<Outbox::Step> Outbox::handleAccepted(Pending row, std::optional<TimeEntryResponse> entry)
+Task<Outbox::Step> Outbox::handleAccepted(Sending sending, std::optional<TimeEntryResponse> entry,
+                                          bool isOursAlone)
 {
     const QPointer<Outbox> self(this);
-    const auto version = entry ? std::optional{entry->version} : std::nullopt;
-    const StoreStatus settled = co_await settleAccepted(m_parts.store, {row.seq, row.change}, version);
+    std::vector<Pending> accepted{std::move(sending.row)};
+    if (sending.stop)
+        accepted.push_back(std::move(*sending.stop));
+    std::vector<PendingChange> rows;
+    for (const Pending &row : accepted)
+        rows.push_back({row.seq, row.change});
+    const auto settled = co_await settleAccepted(m_parts.store, std::move(rows), {entry, isOursAlone});
     if (!self)
         co_return Step::Stop;
     m_failures = 0;
     setOffline(false);
-    if (!settled) {
-        // The server has it, and sending the row again does no harm; what is behind it waits for the disk.
+    if (settled) {
+        for (const Pending &row : accepted)
+            remove(row.seq);
+        adopt(*settled);
+    }
+    // Without the disk the row stays, and sending it again does no harm; what is behind it waits.
+    for (const Pending &row : accepted) {
+        if (onSent && settled)
+            onSent(row, entry);
         resume(row.seq, Sent{row.seq, entry});
-        stopForStore(settled.error());
-        co_return Step::Stop;
     }
-    remove(row.seq);
-    if (version) {
-        for (Pending &other : m_pending) {
-            if (other.seq > row.seq && other.change.entryId() == row.change.entryId())
-                other.change = other.change.withVersion(*version);
-        }
-    }
-    if (onSent)
-        onSent(row, entry);
+    if (!settled)
+        co_return stopForStore(settled.error());
     Q_EMIT pendingChanged();
-    resume(row.seq, Sent{row.seq, std::move(entry)});
     co_return Step::GoOn;
 }
 
-Task<Outbox::Step> Outbox::handleFailure(Pending row, CallError error)
+Task<Outbox::Step> Outbox::handleFailure(Sending sending, CallError error)
 {
-    if (auto lost = lostFirstAnswer(row.change, error))
-        co_return co_await handleAccepted(std::move(row), std::move(lost->entry));
+    if (auto lost = lostFirstAnswer(sending.row.change, sending.base, error))
+        co_return co_await handleAccepted(std::move(sending), std::move(lost->entry), lost->isOursAlone);
     switch (classify(error)) {
     case FailureKind::Conflict:
-        co_return handleConflict(std::move(row), *std::get<APIError>(error).current);
+        co_return handleConflict(std::move(sending.row), *std::get<APIError>(error).current);
     case FailureKind::Transient:
         handleTransient();
         co_return Step::Stop;
     case FailureKind::Refusal:
         break;
     }
-    co_return co_await handleRefusal(std::move(row), std::move(error));
+    if (sending.stop)
+        co_return co_await sendAlone(std::move(sending));
+    co_return co_await handleRefusal(std::move(sending.row), std::move(error));
+}
+
+/// What refuses a creation together with its stop (an entry that may not end as it is) may still take the
+/// creation.
+Task<Outbox::Step> Outbox::sendAlone(Sending sending)
+{
+    const QPointer<Outbox> self(this);
+    const auto noted = co_await noteTry(m_parts.store, {sending.row.seq, sending.row.change}, {});
+    if (!self)
+        co_return Step::Stop;
+    if (!noted)
+        co_return stopForStore(noted.error());
+    sending.stop.reset();
+    co_return co_await sendOne(std::move(sending));
 }
 
 Outbox::Step Outbox::handleConflict(Pending row, const TimeEntryResponse &current)
 {
     m_failures = 0;
     setOffline(false);
-    if (Pending *queued = find(row.seq))
+    if (Pending *queued = find(row.seq)) {
         queued->conflict = current;
+        m_conflicts.insert(row.seq);
+    }
     if (onConflict)
         onConflict(row, current);
     Q_EMIT pendingChanged();
@@ -341,7 +438,6 @@ void Outbox::handleTransient()
 {
     ++m_failures;
     setOffline(true);
-    resumeAllQueued();
     scheduleRetry();
 }
 
@@ -352,16 +448,15 @@ Task<Outbox::Step> Outbox::handleRefusal(Pending row, CallError error)
     std::optional<Refusal> kept;
     if (!callerWaits)
         kept = Refusal{row.seq, row.change, describe(error), std::get<APIError>(error).status};
-    const StoreStatus settled = co_await settleRefused(m_parts.store, row.seq, std::move(kept));
+    const auto settled = co_await settleRefused(m_parts.store, {row.seq, row.change}, std::move(kept));
     if (!self)
         co_return Step::Stop;
     m_failures = 0;
     setOffline(false);
-    if (!settled) {
-        stopForStore(settled.error());
-        co_return Step::Stop;
-    }
+    if (!settled)
+        co_return stopForStore(settled.error());
     remove(row.seq);
+    adopt(*settled);
     if (onRejected)
         onRejected(row, error, callerWaits);
     Q_EMIT pendingChanged();
@@ -369,12 +464,12 @@ Task<Outbox::Step> Outbox::handleRefusal(Pending row, CallError error)
     co_return Step::GoOn;
 }
 
-void Outbox::stopForStore(const StoreError &error)
+Outbox::Step Outbox::stopForStore(const StoreError &error)
 {
     qCWarning(outboxLog) << "the pass stopped at the store:" << error.message.c_str();
-    resumeAllQueued();
     ++m_failures;
     scheduleRetry();
+    return Step::Stop;
 }
 
 /// Changes between two rows of the store that are no longer there were settled by another process. The store
@@ -382,33 +477,32 @@ void Outbox::stopForStore(const StoreError &error)
 Task<> Outbox::catchUp(std::int64_t after, std::int64_t before)
 {
     const QPointer<Outbox> self(this);
-    std::vector<Pending> gone;
-    std::vector<std::int64_t> seqs;
-    for (const Pending &row : m_pending) {
-        if (row.seq > after && row.seq < before) {
-            gone.push_back(row);
-            seqs.push_back(row.seq);
-        }
-    }
+    const std::vector<Pending> gone(firstAbove(after), firstAbove(before - 1));
     if (gone.empty())
         co_return;
-    const auto refused = co_await takeRefusals(m_parts.store, seqs);
+    std::vector<PendingChange> rows;
+    for (const Pending &row : gone)
+        rows.push_back({row.seq, row.change});
+    const auto settled = co_await settledElsewhere(m_parts.store, std::move(rows));
     if (!self)
         co_return;
     for (const Pending &row : gone)
-        reportSettledElsewhere(row, refused ? *refused : std::vector<Refusal>{});
+        reportSettledElsewhere(row, settled ? *settled : SettledElsewhere{});
     Q_EMIT pendingChanged();
 }
 
-void Outbox::reportSettledElsewhere(const Pending &row, const std::vector<Refusal> &refusals)
+void Outbox::reportSettledElsewhere(const Pending &row, const SettledElsewhere &settled)
 {
     const bool callerWaits = m_waiters.contains(row.seq);
     remove(row.seq);
-    const auto refusal = std::ranges::find(refusals, row.seq, &Refusal::seq);
-    if (refusal == refusals.end()) {
+    const auto refusal = std::ranges::find(settled.refusals, row.seq, &Refusal::seq);
+    if (refusal == settled.refusals.end()) {
+        const auto entry = std::ranges::find(settled.entries, row.change.entryId(), &TimeEntryResponse::id);
+        const bool isKnown = entry != settled.entries.end();
+        const auto answer = isKnown ? std::optional{*entry} : std::nullopt;
         if (onSent)
-            onSent(row, std::nullopt);
-        resume(row.seq, Sent{row.seq, {}});
+            onSent(row, answer);
+        resume(row.seq, Sent{row.seq, answer});
         return;
     }
     const CallError error = APIError{.status = refusal->status, .title = refusal->message};
@@ -421,37 +515,32 @@ void Outbox::reportSettledElsewhere(const Pending &row, const std::vector<Refusa
 
 Task<Result<bool, StoreError>> Outbox::keepMine(std::int64_t seq)
 {
-    const QPointer<Outbox> self(this);
-    Pending *row = find(seq);
-    if (row == nullptr || !row->conflict)
-        co_return false;
-    const EntryChange change = row->change.withVersion(row->conflict->version);
-    const StoreStatus stored = co_await m_parts.store->replace(seq, change);
-    if (!stored)
-        co_return failure(stored.error());
-    if (!self)
-        co_return true;
-    if (Pending *settled = find(seq)) {
-        settled->change = change;
-        settled->conflict.reset();
-    }
-    Q_EMIT pendingChanged();
-    co_await flush();
-    co_return true;
+    return settle(seq, true);
 }
 
 Task<Result<bool, StoreError>> Outbox::keepTheirs(std::int64_t seq)
+{
+    return settle(seq, false);
+}
+
+Task<Result<bool, StoreError>> Outbox::settle(std::int64_t seq, bool keepsMine)
 {
     const QPointer<Outbox> self(this);
     const Pending *row = find(seq);
     if (row == nullptr || !row->conflict)
         co_return false;
-    const StoreStatus stored = co_await m_parts.store->dequeue(seq);
-    if (!stored)
-        co_return failure(stored.error());
+    const auto changed =
+        co_await settleConflict(m_parts.store, {seq, row->change}, *row->conflict, keepsMine);
+    if (!changed)
+        co_return failure(changed.error());
     if (!self)
         co_return true;
-    remove(seq);
+    if (Pending *settled = find(seq))
+        settled->conflict.reset();
+    m_conflicts.erase(seq);
+    if (!keepsMine)
+        remove(seq);
+    adopt(*changed);
     Q_EMIT pendingChanged();
     co_await flush();
     co_return true;
@@ -469,19 +558,35 @@ Task<StoreStatus> Outbox::markShown(std::vector<Refusal> refusals)
     seqs.reserve(refusals.size());
     for (const Refusal &refusal : refusals)
         seqs.push_back(refusal.seq);
-    auto taken = co_await takeRefusals(m_parts.store, std::move(seqs));
-    if (!taken)
-        co_return failure(std::move(taken.error()));
-    co_return StoreStatus{};
+    return dropRefusals(m_parts.store, std::move(seqs));
 }
 
 // Small pieces
 
 bool Outbox::isBlocked(const Pending &row) const
 {
-    return std::ranges::any_of(m_pending, [&](const Pending &other) {
-        return other.conflict && other.seq <= row.seq && other.change.entryId() == row.change.entryId();
+    return std::ranges::any_of(m_conflicts, [&](std::int64_t seq) {
+        const auto found = std::ranges::lower_bound(m_pending, seq, {}, &Pending::seq);
+        return found != m_pending.end() && found->seq == seq && seq <= row.seq &&
+               found->change.entryId() == row.change.entryId();
     });
+}
+
+/// The stop of a creation's entry, when it is the next change of it.
+const Outbox::Pending *Outbox::stopBehind(const Pending &creation) const
+{
+    const auto behind = std::ranges::upper_bound(m_pending, creation.seq, {}, &Pending::seq);
+    const auto next = std::find_if(behind, m_pending.end(), [&](const Pending &row) {
+        return row.change.entryId() == creation.change.entryId();
+    });
+    const bool isStop =
+        next != m_pending.end() && std::holds_alternative<EntryChange::Stop>(next->change.action);
+    return isStop ? &*next : nullptr;
+}
+
+std::deque<Outbox::Pending>::iterator Outbox::firstAbove(std::int64_t seq)
+{
+    return std::ranges::upper_bound(m_pending, seq, {}, &Pending::seq);
 }
 
 Outbox::Pending *Outbox::find(std::int64_t seq)
@@ -490,20 +595,29 @@ Outbox::Pending *Outbox::find(std::int64_t seq)
     return found != m_pending.end() && found->seq == seq ? &*found : nullptr;
 }
 
-/// Puts a stored row into the list, or brings the one that is there up to date; its conflict stays.
+/// Puts a stored row into the list, or brings the one that is there up to date. Its conflict stays, unless it
+/// is another change by now.
 Outbox::Pending Outbox::adopt(Pending row)
 {
     if (Pending *known = find(row.seq)) {
         known->change = std::move(row.change);
         return *known;
     }
-    const auto place = std::ranges::lower_bound(m_pending, row.seq, {}, &Pending::seq);
-    return *m_pending.insert(place, std::move(row));
+    return *m_pending.insert(firstAbove(row.seq), std::move(row));
+}
+
+void Outbox::adopt(const std::vector<PendingChange> &rows)
+{
+    for (const PendingChange &row : rows)
+        adopt(Pending{row.seq, row.change, std::nullopt});
 }
 
 void Outbox::remove(std::int64_t seq)
 {
-    std::erase_if(m_pending, [seq](const Pending &row) { return row.seq == seq; });
+    m_conflicts.erase(seq);
+    const auto found = std::ranges::lower_bound(m_pending, seq, {}, &Pending::seq);
+    if (found != m_pending.end() && found->seq == seq)
+        m_pending.erase(found);
 }
 
 void Outbox::resume(std::int64_t seq, const Outcome &outcome)

@@ -5,15 +5,18 @@
 #include "Client/CallError.h"
 #include "LocalStore/LocalStore.h"
 #include "OrvaneAPI/Schemas.h"
+#include "Outbox/OutboxStore.h"
 #include "Outbox/Refusal.h"
 #include "Support/FileLock.h"
 #include "Support/RetryTimer.h"
 #include "Support/Task.h"
 
 #include <QObject>
+#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
 #include <variant>
 #include <vector>
 
@@ -93,13 +96,16 @@ public:
     /// The same for changes that belong together: all are stored in one transaction, or none. Answers their
     /// outcomes in order.
     Task<Result<std::vector<Outcome>, StoreError>> submit(std::vector<EntryChange> changes);
+    /// The same with what the user saw of each entry. What another process queued for it meanwhile is not
+    /// overwritten: the change is put on top of it, or becomes a conflict.
+    Task<Result<std::vector<Outcome>, StoreError>> submit(std::vector<Submission> submissions);
     /// A pass over the whole queue; when one runs already, waits for its end.
     Task<> flush();
     /// Ends a running pass after the request in flight and schedules nothing more; every waiting caller is
     /// answered.
     Task<> close();
 
-    const std::vector<Pending> &pending() const { return m_pending; }
+    const std::deque<Pending> &pending() const { return m_pending; }
     std::vector<EntryChange> changes() const;
     std::vector<Pending> conflicts() const;
     bool isOffline() const { return m_isOffline; }
@@ -108,10 +114,11 @@ public:
     /// store's.
     bool isHeldBack() const { return m_isHeldBack; }
 
-    /// Settles a conflict with the user's change: it is made anew against the server's current version. False
-    /// when no conflict has that number.
+    /// Settles a conflict with the user's change: what it changed is changed anew in the server's current
+    /// entry. False when no conflict has that number.
     Task<Result<bool, StoreError>> keepMine(std::int64_t seq);
-    /// Settles a conflict by dropping the user's change.
+    /// Settles a conflict by dropping the user's change. What was made on top of it is put on top of the
+    /// server's current entry, and asks again where both changed the same field.
     Task<Result<bool, StoreError>> keepTheirs(std::int64_t seq);
 
     /// Refusals that nobody was waiting for and that have not been shown yet, oldest first; they survive
@@ -131,26 +138,42 @@ Q_SIGNALS:
 
 private:
     using Answer = std::function<void(Outcome)>;
+    using Delivered = Result<std::optional<TimeEntryResponse>, CallError>;
     enum class Step { GoOn, Stop };
+    /// What goes out in one request: a change, with a creation perhaps the stop of its entry.
+    struct Sending {
+        Pending row;
+        std::optional<TimeEntryResponse> base;
+        std::optional<Pending> stop;
+    };
 
     explicit Outbox(Parts parts);
     Task<> pass();
     Task<Turn> waitForTurn();
-    Task<> sendAll();
+    Task<Step> takeTurnAndSend();
+    Task<Step> sendAll();
+    Task<bool> readNewRows();
     Task<bool> isAllowed();
-    Task<Step> sendOne(Pending row);
-    Task<Result<std::optional<TimeEntryResponse>, CallError>> deliver(EntryChange change);
-    Task<Step> handleAccepted(Pending row, std::optional<TimeEntryResponse> entry);
-    Task<Step> handleFailure(Pending row, CallError error);
+    Task<Step> sendNext(StoredRow stored);
+    Task<Result<Sending, StoreError>> prepared(StoredRow stored);
+    Task<Step> sendOne(Sending sending);
+    Task<Delivered> deliver(EntryChange change);
+    Task<Step> handleAccepted(Sending sending, std::optional<TimeEntryResponse> entry, bool isOursAlone);
+    Task<Step> handleFailure(Sending sending, CallError error);
     Task<Step> handleRefusal(Pending row, CallError error);
+    Task<Step> sendAlone(Sending sending);
     Step handleConflict(Pending row, const TimeEntryResponse &current);
     void handleTransient();
-    void stopForStore(const StoreError &error);
+    Step stopForStore(const StoreError &error);
     Task<> catchUp(std::int64_t after, std::int64_t before);
-    void reportSettledElsewhere(const Pending &row, const std::vector<Refusal> &refusals);
+    void reportSettledElsewhere(const Pending &row, const SettledElsewhere &settled);
+    Task<Result<bool, StoreError>> settle(std::int64_t seq, bool keepsMine);
     bool isBlocked(const Pending &row) const;
+    const Pending *stopBehind(const Pending &creation) const;
+    std::deque<Pending>::iterator firstAbove(std::int64_t seq);
     Pending *find(std::int64_t seq);
     Pending adopt(Pending row);
+    void adopt(const std::vector<PendingChange> &rows);
     void remove(std::int64_t seq);
     void resume(std::int64_t seq, const Outcome &outcome);
     void resumeAllQueued();
@@ -158,11 +181,15 @@ private:
     void setOffline(bool isOffline);
 
     Parts m_parts;
-    std::vector<Pending> m_pending;
+    /// In order of their numbers.
+    std::deque<Pending> m_pending;
+    std::set<std::int64_t> m_conflicts;
     std::map<std::int64_t, Answer> m_waiters;
     std::optional<std::int64_t> m_sending;
     bool m_isOffline = false;
     bool m_isFlushing = false;
+    /// Something came while a pass ran that it may have passed by already.
+    bool m_isWanted = false;
     bool m_isHeldBack = false;
     bool m_isClosing = false;
     int m_failures = 0;

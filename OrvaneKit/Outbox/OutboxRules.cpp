@@ -2,6 +2,7 @@
 #include "Outbox/OutboxRules.h"
 
 #include "Catalog/EntryConversions.h"
+#include "Outbox/EntryMerge.h"
 
 #include <algorithm>
 #include <array>
@@ -10,25 +11,25 @@ namespace orvane {
 
 namespace {
 
-/// Whether the entry is what the update asks for, whatever its version and the order of its tags.
-bool holds(TimeEntryResponse current, const EntryChange::Update &change)
-{
-    TimeEntryResponse wanted =
-        entryResponse(change.request, current.id, current.workspaceId, current.version);
-    std::ranges::sort(wanted.tagIds);
-    std::ranges::sort(current.tagIds);
-    return wanted == current;
-}
-
 bool isAlreadyDone(const EntryChange &change, const TimeEntryResponse &current)
 {
     if (current.id != change.entryId())
         return false;
     if (const auto *update = std::get_if<EntryChange::Update>(&change.action))
-        return holds(current, *update);
+        return saysTheSame(entryResponse(update->request, current.id, current.workspaceId), current);
     if (const auto *stop = std::get_if<EntryChange::Stop>(&change.action))
         return current.stop == stop->at;
     return false;
+}
+
+/// An update says the whole entry; a stop leaves the rest of it as it was.
+bool isOursAlone(const EntryChange &change, const std::optional<TimeEntryResponse> &base,
+                 const TimeEntryResponse &current)
+{
+    if (!std::holds_alternative<EntryChange::Stop>(change.action))
+        return true;
+    const auto stopped = base ? applied(change, *base) : std::nullopt;
+    return stopped && saysTheSame(*stopped, current);
 }
 
 } // namespace
@@ -54,7 +55,9 @@ std::chrono::milliseconds retryDelay(int failures)
     return delays[index];
 }
 
-std::optional<LostAnswer> lostFirstAnswer(const EntryChange &change, const CallError &error)
+std::optional<LostAnswer> lostFirstAnswer(const EntryChange &change,
+                                          const std::optional<TimeEntryResponse> &base,
+                                          const CallError &error)
 {
     const auto *problem = std::get_if<APIError>(&error);
     if (problem == nullptr)
@@ -62,8 +65,13 @@ std::optional<LostAnswer> lostFirstAnswer(const EntryChange &change, const CallE
     if (problem->status == 404 && std::holds_alternative<EntryChange::Delete>(change.action))
         return LostAnswer{};
     if (classify(error) == FailureKind::Conflict && isAlreadyDone(change, *problem->current))
-        return LostAnswer{problem->current};
+        return LostAnswer{problem->current, isOursAlone(change, base, *problem->current)};
     return std::nullopt;
+}
+
+bool isAsCreated(const EntryChange::Create &create, const TimeEntryResponse &answer)
+{
+    return saysTheSame(entryResponse(create.request, create.id, create.workspaceId), answer);
 }
 
 } // namespace orvane

@@ -25,7 +25,16 @@ std::chrono::milliseconds retryDelay(int failures);
 /// in exactly the way this change asks for, or is already gone. Then the change counts as accepted.
 struct LostAnswer {
     std::optional<TimeEntryResponse> entry;
+    /// The entry shows nothing that somebody else did since.
+    bool isOursAlone = true;
 };
-std::optional<LostAnswer> lostFirstAnswer(const EntryChange &change, const CallError &error);
+/// `base` is what the change's user saw of the entry.
+std::optional<LostAnswer> lostFirstAnswer(const EntryChange &change,
+                                          const std::optional<TimeEntryResponse> &base,
+                                          const CallError &error);
+
+/// Whether the answer to a creation shows the entry as it was asked for. A creation that arrives again is
+/// answered with the entry as it is by then, which may be what somebody else made of it.
+bool isAsCreated(const EntryChange::Create &create, const TimeEntryResponse &answer);
 
 } // namespace orvane

@@ -1,54 +1,84 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Outbox/OutboxStore.h"
 
+#include "Catalog/EntryConversions.h"
+#include "OrvaneAPI/SchemaFields.h"
+#include "Outbox/EntryMerge.h"
 #include "Support/JsonImpl.h"
 
 #include <algorithm>
+#include <limits>
+#include <ranges>
 
 ORVANE_JSON(orvane::RefusalDocument)
-ORVANE_JSON(orvane::VersionDocument)
+ORVANE_JSON(orvane::EntryHead)
+ORVANE_JSON(orvane::ChangeBase)
+ORVANE_JSON(orvane::CreationTry)
 
 namespace orvane {
 
 namespace {
 
-/// Enough for the changes that can be on their way from some process at one time. Not more: a process whose
-/// view is older than that has not seen our later changes, and overwriting them in silence would be wrong.
-constexpr std::size_t keptEntries = 64;
+/// A process whose view is older than that many of our own changes gets a conflict, which is the safe side.
 constexpr std::size_t keptVersions = 16;
+/// How many entries are remembered once nothing is queued any more.
+constexpr std::int64_t keptHeads = 64;
 
 using Values = std::vector<StoreValue>;
+using Rows = std::vector<PendingChange>;
+template <class T>
+using Stored = Result<T, StoreError>;
 
 constexpr JsonReading storeReading{.dates = DateCoding::SecondsSince2001};
 constexpr JsonStyle storeStyle{.dates = DateCoding::SecondsSince2001};
 
-template <class Document>
-Result<Document, StoreError> readDocument(Connection &connection)
-{
-    Document document;
-    const StoreStatus done =
-        connection.run("SELECT value FROM document WHERE key = ?", Values{std::string(Document::key)},
-                       [&](const Connection::Row &row) {
-                           if (auto read = decodeJson<Document>(row.blob(0).value_or(""), storeReading))
-                               document = std::move(*read);
-                       });
-    if (!done)
-        return failure(done.error());
-    return document;
-}
+/// The first failure of several statements; nothing is run after it.
+class Steps {
+public:
+    explicit Steps(Connection &connection) : m_connection(connection) {}
 
-template <class Document>
-StoreStatus writeDocument(Connection &connection, const Document &document)
-{
-    return connection.run("INSERT INTO document (key, value) VALUES (?, ?) "
-                          "ON CONFLICT(key) DO UPDATE SET value = excluded.value",
-                          Values{std::string(Document::key), StoreBlob{encodeJson(document, storeStyle)}});
-}
+    Steps &run(const std::string &sql, const Values &values, const Connection::OnRow &onRow = {})
+    {
+        if (m_status)
+            m_status = m_connection.run(sql, values, onRow);
+        return *this;
+    }
+    template <class Document>
+    Steps &read(const std::string &key, std::optional<Document> &into)
+    {
+        return run("SELECT value FROM document WHERE key = ?", {key}, [&](const Connection::Row &row) {
+            if (auto read = decodeJson<Document>(row.blob(0).value_or(""), storeReading))
+                into = std::move(*read);
+        });
+    }
+    template <class Document>
+    Steps &write(const std::string &key, const Document &document)
+    {
+        return run("INSERT INTO document (key, value) VALUES (?, ?) "
+                   "ON CONFLICT(key) DO UPDATE SET value = excluded.value",
+                   {key, StoreBlob{encodeJson(document, storeStyle)}});
+    }
+    Steps &remove(const std::string &key) { return run("DELETE FROM document WHERE key = ?", {key}); }
+    Steps &writeRow(const PendingChange &row)
+    {
+        return run("UPDATE outbox SET change = ? WHERE seq = ?",
+                   {StoreBlob{encodeJson(row.change, storeStyle)}, row.seq});
+    }
+    Steps &removeRow(std::int64_t seq)
+    {
+        return run("DELETE FROM outbox WHERE seq = ?", {seq})
+            .remove(ChangeBase::key(seq))
+            .remove(CreationTry::key(seq));
+    }
 
-StoreStatus deleteRow(Connection &connection, std::int64_t seq)
-{
-    return connection.run("DELETE FROM outbox WHERE seq = ?", Values{seq});
-}
+    explicit operator bool() const { return m_status.has_value(); }
+    const StoreStatus &status() const { return m_status; }
+    tl::unexpected<StoreError> error() const { return failure(m_status.error()); }
+
+private:
+    Connection &m_connection;
+    StoreStatus m_status;
+};
 
 std::optional<PendingChange> pendingOf(const Connection::Row &row)
 {
@@ -60,31 +90,295 @@ std::optional<PendingChange> pendingOf(const Connection::Row &row)
     return change ? std::optional{PendingChange{*seq, std::move(*change)}} : std::nullopt;
 }
 
-/// Rewrites the rows above `seq` that change the entry, so that they follow on the version just brought.
-StoreStatus passVersionOn(Connection &connection, const PendingChange &accepted, const std::string &version)
+/// The rows above `after` that change the entry. Its identifier stands in them as it is, which is quick to
+/// look for in a long queue.
+Steps &readRowsOf(Steps &steps, const std::string &entryId, std::int64_t after, Rows &rows,
+                  std::int64_t last = std::numeric_limits<std::int64_t>::max())
 {
-    std::vector<PendingChange> followers;
-    StoreStatus read =
-        connection.run("SELECT seq, change FROM outbox WHERE seq > ? ORDER BY seq", Values{accepted.seq},
-                       [&](const Connection::Row &row) {
-                           auto pending = pendingOf(row);
-                           if (pending && pending->change.entryId() == accepted.change.entryId())
-                               followers.push_back(std::move(*pending));
-                       });
-    if (!read)
-        return read;
-    for (const PendingChange &follower : followers) {
-        StoreBlob blob{encodeJson(follower.change.withVersion(version), storeStyle)};
-        if (auto done = connection.run("UPDATE outbox SET change = ? WHERE seq = ?",
-                                       Values{std::move(blob), follower.seq});
-            !done)
-            return done;
+    return steps.run(
+        "SELECT seq, change FROM outbox WHERE seq > ? AND seq <= ? AND instr(change, ?) > 0 ORDER BY seq",
+        {after, last, StoreBlob{entryId}}, [&](const Connection::Row &row) {
+            auto pending = pendingOf(row);
+            if (pending && pending->change.entryId() == entryId)
+                rows.push_back(std::move(*pending));
+        });
+}
+
+bool isLineOfOurs(const EntryHead &head, const std::optional<std::string> &version)
+{
+    return !version || version->empty() || *version == head.entry.version ||
+           std::ranges::find(head.replaced, *version) != head.replaced.end();
+}
+
+std::optional<std::string> versionOf(const TimeEntryResponse &entry)
+{
+    return entry.version.empty() ? std::nullopt : std::optional{entry.version};
+}
+
+// Queuing
+
+/// What is queued for an entry makes of it; none when that cannot be told, or after a deletion.
+std::optional<TimeEntryResponse> outcomeOf(Steps &steps, const Rows &rows)
+{
+    std::optional<TimeEntryResponse> entry;
+    const EntryChange &first = rows.front().change;
+    if (const auto *create = std::get_if<EntryChange::Create>(&first.action)) {
+        entry = entryResponse(create->request, create->id, create->workspaceId);
+    } else {
+        std::optional<ChangeBase> base;
+        steps.read(ChangeBase::key(rows.front().seq), base);
+        if (!base)
+            return std::nullopt;
+        entry = applied(first, std::move(base->entry));
     }
-    return {};
+    for (const PendingChange &row : rows | std::views::drop(1)) {
+        if (entry)
+            entry = applied(row.change, std::move(*entry));
+    }
+    return entry;
+}
+
+void contest(Submission &submission)
+{
+    submission.change = submission.change.withVersion(unseenVersion);
+}
+
+void place(Submission &submission, const TimeEntryResponse &head)
+{
+    if (saysTheSame(*submission.base, head))
+        return;
+    Rebased rebased = putOnTop(submission.change, *submission.base, head);
+    if (rebased.isContested)
+        return contest(submission);
+    submission.change = std::move(rebased.change);
+    const std::string version = submission.base->version;
+    submission.base = head;
+    submission.base->version = version;
+}
+
+/// Puts a change on top of what this store's queue has made of its entry and still wants to make of it.
+void placeOnTop(Steps &steps, Submission &submission)
+{
+    const std::string id = submission.change.entryId();
+    Rows rows;
+    std::optional<EntryHead> head;
+    readRowsOf(steps, id, 0, rows).read(EntryHead::key(id), head);
+    const auto seen = versionOf(*submission.base);
+    if (rows.empty()) {
+        if (head && isLineOfOurs(*head, seen))
+            place(submission, head->entry);
+        else if (!head && !seen)
+            contest(submission); // what has become of the entry meanwhile is not known
+        return;
+    }
+    const auto outcome = outcomeOf(steps, rows);
+    if (!outcome)
+        return;
+    const bool isSameGround =
+        currentVersion(head, seen) == currentVersion(head, versionOf(*outcome)) &&
+        (rows.front().change.version() != unseenVersion || saysTheSame(*submission.base, *outcome));
+    if (isSameGround)
+        place(submission, *outcome);
+    else if (!saysTheSame(*submission.base, *outcome))
+        contest(submission);
+}
+
+Stored<Rows> enqueueOn(Connection &connection, std::vector<Submission> &submissions)
+{
+    Rows rows;
+    for (Submission &submission : submissions) {
+        Steps steps(connection);
+        if (submission.base)
+            placeOnTop(steps, submission);
+        if (!steps)
+            return steps.error();
+        const auto seq = LocalStore::enqueueOn(connection, submission.change);
+        if (!seq)
+            return failure(seq.error());
+        if (submission.base && !steps.write(ChangeBase::key(*seq), ChangeBase{*submission.base}))
+            return steps.error();
+        rows.push_back({*seq, submission.change});
+    }
+    return rows;
+}
+
+// Rewriting what stands behind a change
+
+enum class Contest { AsksAgain, IsWon };
+
+/// Puts the rows of an entry above `after` on top of `ground`, which is no longer what they were made on.
+/// With `version`, that is what they are made against from now on.
+Stored<Rows> restack(Steps &steps, const std::string &entryId, std::int64_t after,
+                     std::optional<TimeEntryResponse> ground, const std::optional<std::string> &version,
+                     Contest rule)
+{
+    Rows rows;
+    readRowsOf(steps, entryId, after, rows);
+    for (PendingChange &row : rows) {
+        std::optional<ChangeBase> base;
+        steps.read(ChangeBase::key(row.seq), base);
+        if (!base || !ground || row.change.version() == unseenVersion)
+            continue;
+        Rebased rebased = putOnTop(row.change, base->entry, *ground);
+        const bool asks = rebased.isContested && rule == Contest::AsksAgain;
+        if (!asks)
+            row.change = std::move(rebased.change);
+        if (asks)
+            row.change = row.change.withVersion(unseenVersion);
+        else if (version)
+            row.change = row.change.withVersion(*version);
+        if (!asks)
+            steps.write(ChangeBase::key(row.seq), ChangeBase{*ground});
+        steps.writeRow(row);
+        ground = applied(row.change, std::move(*ground));
+    }
+    if (!steps)
+        return steps.error();
+    return rows;
+}
+
+/// Changes that were made before the entry had a version and did not see what it has become.
+Stored<Rows> hideVersion(Steps &steps, const std::string &entryId, std::int64_t after)
+{
+    Rows rows;
+    readRowsOf(steps, entryId, after, rows);
+    std::erase_if(rows, [](const PendingChange &row) { return row.change.version().has_value(); });
+    for (PendingChange &row : rows) {
+        row.change = row.change.withVersion(unseenVersion);
+        steps.writeRow(row);
+    }
+    if (!steps)
+        return steps.error();
+    return rows;
+}
+
+// Settling
+
+EntryHead headAfter(std::optional<EntryHead> before, const std::optional<std::string> &sent,
+                    const TimeEntryResponse &entry)
+{
+    EntryHead head{entry, {}};
+    // Only an unbroken line of our own changes counts: a version that somebody else made in between ends it.
+    if (before && sent == before->entry.version)
+        head.replaced = std::move(before->replaced);
+    if (sent && *sent != entry.version)
+        head.replaced.push_back(*sent);
+    if (head.replaced.size() > keptVersions)
+        head.replaced.erase(head.replaced.begin());
+    return head;
+}
+
+/// Once the queue is empty, only processes that look at an older state still need to know what became of it.
+void forgetOldHeads(Steps &steps)
+{
+    bool isEmpty = true;
+    steps.run("SELECT 1 FROM outbox LIMIT 1", {}, [&](const Connection::Row &) { isEmpty = false; });
+    if (isEmpty)
+        steps.run(
+            "DELETE FROM document WHERE rowid IN (SELECT rowid FROM document WHERE key >= 'head:' AND key < "
+            "'head;' ORDER BY rowid DESC LIMIT -1 OFFSET ?)",
+            {keptHeads});
+}
+
+Stored<Rows> acceptOn(Connection &connection, const Rows &accepted, const Acceptance &acceptance)
+{
+    Steps steps(connection);
+    const EntryChange &change = accepted.front().change;
+    const std::string key = EntryHead::key(change.entryId());
+    const std::int64_t last = accepted.back().seq;
+    Rows changed;
+    if (acceptance.entry && acceptance.isOursAlone) {
+        std::optional<EntryHead> head;
+        steps.read(key, head);
+        const EntryHead after = headAfter(std::move(head), change.version(), *acceptance.entry);
+        // Written anew, so that the newest has the highest row.
+        steps.remove(key).write(key, after);
+    } else {
+        steps.remove(key);
+        auto hidden = hideVersion(steps, change.entryId(), last);
+        if (!hidden)
+            return hidden;
+        changed = std::move(*hidden);
+    }
+    for (const PendingChange &row : accepted)
+        steps.removeRow(row.seq);
+    forgetOldHeads(steps);
+    if (!steps)
+        return steps.error();
+    return changed;
+}
+
+Stored<Rows> refuseOn(Connection &connection, const PendingChange &refused,
+                      const std::optional<Refusal> &refusal)
+{
+    Steps steps(connection);
+    if (refusal) {
+        std::optional<RefusalDocument> document;
+        steps.read(RefusalDocument::key, document);
+        if (!document)
+            document.emplace();
+        document->refusals.push_back(*refusal);
+        steps.write(RefusalDocument::key, *document);
+    }
+    std::optional<ChangeBase> base;
+    steps.read(ChangeBase::key(refused.seq), base).removeRow(refused.seq);
+    if (!base)
+        return steps ? Stored<Rows>(Rows{}) : steps.error();
+    return restack(steps, refused.change.entryId(), refused.seq, base->entry, {}, Contest::IsWon);
+}
+
+Stored<Rows> settleOn(Connection &connection, PendingChange row, const TimeEntryResponse &current,
+                      bool keepsMine)
+{
+    Steps steps(connection);
+    Rows changed;
+    std::optional<TimeEntryResponse> ground = current;
+    if (keepsMine) {
+        std::optional<ChangeBase> base;
+        steps.read(ChangeBase::key(row.seq), base);
+        row.change = madeAnew(row.change, base ? std::optional{base->entry} : std::nullopt, current);
+        steps.writeRow(row).write(ChangeBase::key(row.seq), ChangeBase{current});
+        changed.push_back(row);
+        ground = applied(row.change, current);
+    } else {
+        steps.removeRow(row.seq);
+    }
+    auto behind = restack(steps, row.change.entryId(), row.seq, ground, current.version,
+                          keepsMine ? Contest::IsWon : Contest::AsksAgain);
+    if (!behind)
+        return behind;
+    std::ranges::move(*behind, std::back_inserter(changed));
+    return changed;
+}
+
+Steps &readRefusals(Steps &steps, std::vector<Refusal> &refusals)
+{
+    std::optional<RefusalDocument> document;
+    steps.read(RefusalDocument::key, document);
+    if (document)
+        refusals = std::move(document->refusals);
+    return steps;
+}
+
+/// Takes the refusals of those numbers out of the document.
+std::vector<Refusal> takeRefusals(Steps &steps, const std::vector<std::int64_t> &seqs)
+{
+    std::vector<Refusal> kept;
+    readRefusals(steps, kept);
+    const auto isTaken = [&](const Refusal &refusal) {
+        return std::ranges::find(seqs, refusal.seq) != seqs.end();
+    };
+    std::vector<Refusal> taken;
+    std::ranges::copy_if(kept, std::back_inserter(taken), isTaken);
+    if (taken.empty())
+        return taken;
+    std::erase_if(kept, isTaken);
+    steps.write(RefusalDocument::key, RefusalDocument{std::move(kept)});
+    return taken;
 }
 
 /// The first row above `after` that holds a change.
-Result<std::optional<PendingChange>, StoreError> firstReadable(Connection &connection, std::int64_t after)
+Stored<std::optional<PendingChange>> firstReadable(Connection &connection, std::int64_t after)
 {
     bool isAtEnd = false;
     while (!isAtEnd) {
@@ -105,130 +399,147 @@ Result<std::optional<PendingChange>, StoreError> firstReadable(Connection &conne
     return std::nullopt;
 }
 
+Stored<std::optional<StoredRow>> nextOn(Connection &connection, std::int64_t after)
+{
+    auto next = firstReadable(connection, after);
+    if (!next)
+        return failure(std::move(next.error()));
+    if (!*next)
+        return std::nullopt;
+    StoredRow stored{std::move(**next), {}, {}, {}};
+    EntryChange &change = stored.row.change;
+    Steps steps(connection);
+    if (const auto *create = std::get_if<EntryChange::Create>(&change.action)) {
+        if (!create->request.stop)
+            steps.read(CreationTry::key(stored.row.seq), stored.tried);
+        return steps ? Stored<std::optional<StoredRow>>(std::move(stored)) : steps.error();
+    }
+    std::optional<ChangeBase> base;
+    std::optional<EntryHead> head;
+    steps.read(ChangeBase::key(stored.row.seq), base).read(EntryHead::key(change.entryId()), head);
+    if (!steps)
+        return steps.error();
+    if (base)
+        stored.base = std::move(base->entry);
+    const bool isStop = std::holds_alternative<EntryChange::Stop>(change.action);
+    if (isStop && head && head->entry.stop && isLineOfOurs(*head, change.version()))
+        stored.stopped = head->entry;
+    if (const auto version = currentVersion(head, change.version()))
+        change = change.withVersion(*version);
+    return stored;
+}
+
 } // namespace
 
-std::string succeedingVersion(const VersionDocument &document, const std::string &entryId,
-                              const std::string &version)
+std::optional<std::string> currentVersion(const std::optional<EntryHead> &head,
+                                          const std::optional<std::string> &version)
 {
-    const auto found = std::ranges::find(document.entries, entryId, &VersionSuccession::entryId);
-    const bool isReplaced = found != document.entries.end() &&
-                            std::ranges::find(found->replaced, version) != found->replaced.end();
-    return isReplaced ? found->current : version;
+    return head && isLineOfOurs(*head, version) ? std::optional{head->entry.version} : version;
 }
 
-void noteSuccession(VersionDocument &document, const std::string &entryId,
-                    const std::optional<std::string> &before, const std::string &after)
+Task<Result<Rows, StoreError>> enqueueAll(std::shared_ptr<LocalStore> store,
+                                          std::vector<Submission> submissions)
 {
-    VersionSuccession succession{entryId, {}, after};
-    const auto found = std::ranges::find(document.entries, entryId, &VersionSuccession::entryId);
-    if (found != document.entries.end()) {
-        // Only an unbroken line of our own changes counts: a version that somebody else made in between ends
-        // it.
-        if (before == found->current)
-            succession.replaced = std::move(found->replaced);
-        document.entries.erase(found);
+    if (submissions.size() == 1 && !submissions.front().base) {
+        EntryChange change = std::move(submissions.front().change);
+        auto seq = co_await store->enqueue(change);
+        co_return seq ? Stored<Rows>(Rows{{*seq, std::move(change)}}) : failure(std::move(seq.error()));
     }
-    if (before && *before != after)
-        succession.replaced.push_back(*before);
-    if (succession.replaced.size() > keptVersions)
-        succession.replaced.erase(succession.replaced.begin());
-    document.entries.push_back(std::move(succession));
-    if (document.entries.size() > keptEntries)
-        document.entries.erase(document.entries.begin());
-}
-
-Task<Result<std::vector<std::int64_t>, StoreError>> enqueueAll(std::shared_ptr<LocalStore> store,
-                                                               std::vector<EntryChange> changes)
-{
-    using Numbers = Result<std::vector<std::int64_t>, StoreError>;
-    if (changes.size() == 1) {
-        auto seq = co_await store->enqueue(std::move(changes.front()));
-        co_return seq ? Numbers{{*seq}} : Numbers{failure(std::move(seq.error()))};
-    }
-    co_return co_await store->transact([changes = std::move(changes)](Connection &connection) -> Numbers {
-        std::vector<std::int64_t> seqs;
-        for (const EntryChange &change : changes) {
-            auto seq = LocalStore::enqueueOn(connection, change);
-            if (!seq)
-                return failure(std::move(seq.error()));
-            seqs.push_back(*seq);
-        }
-        return seqs;
-    });
-}
-
-Task<Result<std::optional<PendingChange>, StoreError>> nextStored(std::shared_ptr<LocalStore> store,
-                                                                  std::int64_t after)
-{
-    using Next = Result<std::optional<PendingChange>, StoreError>;
-    co_return co_await store->inspect([after](Connection &connection) -> Next {
-        Next next = firstReadable(connection, after);
-        if (!next || !*next || !(*next)->change.version())
-            return next;
-        auto document = readDocument<VersionDocument>(connection);
-        if (!document)
-            return failure(std::move(document.error()));
-        EntryChange &change = (*next)->change;
-        change = change.withVersion(succeedingVersion(*document, change.entryId(), *change.version()));
-        return next;
-    });
-}
-
-Task<StoreStatus> settleAccepted(std::shared_ptr<LocalStore> store, PendingChange accepted,
-                                 std::optional<std::string> version)
-{
-    co_return co_await store->transact([accepted = std::move(accepted),
-                                        version = std::move(version)](Connection &connection) -> StoreStatus {
-        if (version) {
-            auto document = readDocument<VersionDocument>(connection);
-            if (!document)
-                return failure(std::move(document.error()));
-            noteSuccession(*document, accepted.change.entryId(), accepted.change.version(), *version);
-            if (auto written = writeDocument(connection, *document); !written)
-                return written;
-            if (auto passed = passVersionOn(connection, accepted, *version); !passed)
-                return passed;
-        }
-        return deleteRow(connection, accepted.seq);
-    });
-}
-
-Task<StoreStatus> settleRefused(std::shared_ptr<LocalStore> store, std::int64_t seq,
-                                std::optional<Refusal> refusal)
-{
     co_return co_await store->transact(
-        [seq, refusal = std::move(refusal)](Connection &connection) -> StoreStatus {
-            if (refusal) {
-                auto document = readDocument<RefusalDocument>(connection);
-                if (!document)
-                    return failure(std::move(document.error()));
-                document->refusals.push_back(*refusal);
-                if (auto written = writeDocument(connection, *document); !written)
-                    return written;
-            }
-            return deleteRow(connection, seq);
+        [submissions = std::move(submissions)](Connection &connection) mutable {
+            return enqueueOn(connection, submissions);
         });
 }
 
-Task<Result<std::vector<Refusal>, StoreError>> takeRefusals(std::shared_ptr<LocalStore> store,
-                                                            std::vector<std::int64_t> seqs)
+Task<Result<std::optional<StoredRow>, StoreError>> nextStored(std::shared_ptr<LocalStore> store,
+                                                              std::int64_t after)
 {
-    using Taken = Result<std::vector<Refusal>, StoreError>;
-    co_return co_await store->transact([seqs = std::move(seqs)](Connection &connection) -> Taken {
-        auto document = readDocument<RefusalDocument>(connection);
-        if (!document)
-            return failure(std::move(document.error()));
-        const auto isTaken = [&](const Refusal &refusal) {
-            return std::ranges::find(seqs, refusal.seq) != seqs.end();
-        };
-        std::vector<Refusal> taken;
-        std::ranges::copy_if(document->refusals, std::back_inserter(taken), isTaken);
-        if (taken.empty())
-            return taken;
-        std::erase_if(document->refusals, isTaken);
-        if (auto written = writeDocument(connection, *document); !written)
-            return failure(std::move(written.error()));
-        return taken;
+    co_return co_await store->inspect([after](Connection &connection) { return nextOn(connection, after); });
+}
+
+Task<Result<Rows, StoreError>> storedAbove(std::shared_ptr<LocalStore> store, std::int64_t after)
+{
+    co_return co_await store->inspect([after](Connection &connection) -> Stored<Rows> {
+        Rows rows;
+        Steps steps(connection);
+        steps.run("SELECT seq, change FROM outbox WHERE seq > ? ORDER BY seq", {after},
+                  [&](const Connection::Row &row) {
+                      if (auto pending = pendingOf(row))
+                          rows.push_back(std::move(*pending));
+                  });
+        return steps ? Stored<Rows>(std::move(rows)) : steps.error();
+    });
+}
+
+Task<Result<CreationTry, StoreError>> noteTry(std::shared_ptr<LocalStore> store, PendingChange creation,
+                                              std::optional<std::int64_t> stop)
+{
+    co_return co_await store->transact(
+        [creation = std::move(creation), stop](Connection &connection) -> Stored<CreationTry> {
+            Steps steps(connection);
+            CreationTry tried{stop};
+            Rows behind;
+            if (stop)
+                readRowsOf(steps, creation.change.entryId(), creation.seq, behind, *stop);
+            if (stop && (behind.size() != 1 || behind.front().seq != *stop))
+                tried.stop.reset();
+            steps.write(CreationTry::key(creation.seq), tried);
+            return steps ? Stored<CreationTry>(tried) : steps.error();
+        });
+}
+
+Task<Result<Rows, StoreError>> settleAccepted(std::shared_ptr<LocalStore> store, Rows accepted,
+                                              Acceptance acceptance)
+{
+    co_return co_await store->transact(
+        [accepted = std::move(accepted), acceptance = std::move(acceptance)](Connection &connection) {
+            return acceptOn(connection, accepted, acceptance);
+        });
+}
+
+Task<Result<Rows, StoreError>> settleRefused(std::shared_ptr<LocalStore> store, PendingChange refused,
+                                             std::optional<Refusal> refusal)
+{
+    co_return co_await store->transact(
+        [refused = std::move(refused), refusal = std::move(refusal)](Connection &connection) {
+            return refuseOn(connection, refused, refusal);
+        });
+}
+
+Task<Result<Rows, StoreError>> settleConflict(std::shared_ptr<LocalStore> store, PendingChange row,
+                                              TimeEntryResponse current, bool keepsMine)
+{
+    co_return co_await store->transact(
+        [row = std::move(row), current = std::move(current), keepsMine](Connection &connection) {
+            return settleOn(connection, row, current, keepsMine);
+        });
+}
+
+Task<Result<SettledElsewhere, StoreError>> settledElsewhere(std::shared_ptr<LocalStore> store, Rows rows)
+{
+    co_return co_await store->transact(
+        [rows = std::move(rows)](Connection &connection) -> Stored<SettledElsewhere> {
+            SettledElsewhere settled;
+            Steps steps(connection);
+            std::vector<std::int64_t> seqs;
+            for (const PendingChange &row : rows) {
+                seqs.push_back(row.seq);
+                std::optional<EntryHead> head;
+                steps.read(EntryHead::key(row.change.entryId()), head);
+                if (head)
+                    settled.entries.push_back(std::move(head->entry));
+            }
+            settled.refusals = takeRefusals(steps, seqs);
+            return steps ? Stored<SettledElsewhere>(std::move(settled)) : steps.error();
+        });
+}
+
+Task<StoreStatus> dropRefusals(std::shared_ptr<LocalStore> store, std::vector<std::int64_t> seqs)
+{
+    co_return co_await store->transact([seqs = std::move(seqs)](Connection &connection) -> StoreStatus {
+        Steps steps(connection);
+        takeRefusals(steps, seqs);
+        return steps.status();
     });
 }
 

@@ -2,71 +2,140 @@
 #pragma once
 
 #include "LocalStore/LocalStore.h"
+#include "OrvaneAPI/Schemas.h"
 #include "Outbox/Refusal.h"
 #include "Support/Task.h"
 
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 /// The outbox's dealings with its store, each one transaction. Callable from any thread with an event loop.
+///
+/// All queued changes of an entry stand on top of each other, whichever process queued them: what was made
+/// without having seen an earlier one is put on top of it when it is queued. So the version that the server
+/// gives for one goes to the next. A change that contradicts an earlier one cannot be put on top; it gets a
+/// version that no entry has, and the server's answer to it lets the user decide.
 namespace orvane {
 
-/// Which versions of an entry were replaced by our own accepted changes. A change that another process, or a
-/// caller a moment too early, queued against one of them is not in conflict with anybody: it is sent against
-/// `current`.
-struct VersionSuccession {
-    std::string entryId;
-    std::vector<std::string> replaced;
-    std::string current;
+/// A version that no entry has.
+inline constexpr const char *unseenVersion = "unseen";
+
+/// A change and what its user saw of the entry; none for a creation.
+struct Submission {
+    EntryChange change;
+    std::optional<TimeEntryResponse> base;
 };
 
-struct VersionDocument {
-    static constexpr const char *key = "versions";
+/// The entry as the server gave it in answer to the last change of it that this store's queue delivered, and
+/// the versions that this replaced in an unbroken line of our own changes. Kept by the entry's identifier.
+struct EntryHead {
+    TimeEntryResponse entry;
     /// Oldest first; bounded.
-    std::vector<VersionSuccession> entries;
+    std::vector<std::string> replaced;
+
+    static std::string key(const std::string &entryId) { return "head:" + entryId; }
+};
+
+/// What the user saw of the entry when they made a queued change. Kept by the row's number.
+struct ChangeBase {
+    TimeEntryResponse entry;
+
+    static std::string key(std::int64_t seq) { return "base:" + std::to_string(seq); }
+};
+
+/// In what form a creation was sent for the first time: alone, or together with the stop of that number. It
+/// has to be sent in the same form until its answer is known, since the server tells a repeated creation from
+/// another one by its contents. Kept by the row's number.
+struct CreationTry {
+    std::optional<std::int64_t> stop;
+
+    static std::string key(std::int64_t seq) { return "tried:" + std::to_string(seq); }
 };
 
 template <>
-struct JsonFields<VersionSuccession> {
-    static constexpr auto list = std::tuple{jsonField<"entryId">(&VersionSuccession::entryId),
-                                            jsonField<"replaced">(&VersionSuccession::replaced),
-                                            jsonField<"current">(&VersionSuccession::current)};
+struct JsonFields<EntryHead> {
+    static constexpr auto list =
+        std::tuple{jsonField<"entry">(&EntryHead::entry), jsonField<"replaced">(&EntryHead::replaced)};
 };
 
 template <>
-struct JsonFields<VersionDocument> {
-    static constexpr auto list = std::tuple{jsonField<"entries">(&VersionDocument::entries)};
+struct JsonFields<ChangeBase> {
+    static constexpr auto list = std::tuple{jsonField<"entry">(&ChangeBase::entry)};
 };
 
-/// The version to send for a change made against `version`.
-std::string succeedingVersion(const VersionDocument &document, const std::string &entryId,
-                              const std::string &version);
-/// Notes that an entry's `before` (none: unknown) was replaced by `after` through a change of ours.
-void noteSuccession(VersionDocument &document, const std::string &entryId,
-                    const std::optional<std::string> &before, const std::string &after);
+template <>
+struct JsonFields<CreationTry> {
+    static constexpr auto list = std::tuple{jsonField<"stop">(&CreationTry::stop)};
+};
 
-/// Stores changes that belong together; all or none. Answers their numbers in order.
-Task<Result<std::vector<std::int64_t>, StoreError>> enqueueAll(std::shared_ptr<LocalStore> store,
-                                                               std::vector<EntryChange> changes);
+/// The version to send for a change that carries `version`; `head` is what is known of its entry.
+std::optional<std::string> currentVersion(const std::optional<EntryHead> &head,
+                                          const std::optional<std::string> &version);
+
+/// Stores changes that belong together, each on top of what is queued for its entry; all or none. Answers the
+/// rows as they were stored, in order.
+Task<Result<std::vector<PendingChange>, StoreError>> enqueueAll(std::shared_ptr<LocalStore> store,
+                                                                std::vector<Submission> submissions);
+
+/// A row as it is to be sent.
+struct StoredRow {
+    PendingChange row;
+    std::optional<TimeEntryResponse> base;
+    std::optional<CreationTry> tried;
+    /// The entry, when the row wants to stop it and it was stopped already by a change of this queue.
+    std::optional<TimeEntryResponse> stopped;
+};
 
 /// The first readable row above `after`, its version brought up to date; none at the end of the queue.
-Task<Result<std::optional<PendingChange>, StoreError>> nextStored(std::shared_ptr<LocalStore> store,
-                                                                  std::int64_t after);
+Task<Result<std::optional<StoredRow>, StoreError>> nextStored(std::shared_ptr<LocalStore> store,
+                                                              std::int64_t after);
+/// The readable rows above `after`.
+Task<Result<std::vector<PendingChange>, StoreError>> storedAbove(std::shared_ptr<LocalStore> store,
+                                                                 std::int64_t after);
 
-/// Takes an accepted change out of the queue; rows still queued for its entry take over the version that the
-/// answer brought.
-Task<StoreStatus> settleAccepted(std::shared_ptr<LocalStore> store, PendingChange accepted,
-                                 std::optional<std::string> version);
+/// Notes, before a creation is sent for the first time, in which form that happens: with the stop of that
+/// number, unless another change of the entry turns out to lie between, or alone.
+Task<Result<CreationTry, StoreError>> noteTry(std::shared_ptr<LocalStore> store, PendingChange creation,
+                                              std::optional<std::int64_t> stop);
 
-/// Takes a refused change out of the queue; with a refusal, keeps that until it has been shown.
-Task<StoreStatus> settleRefused(std::shared_ptr<LocalStore> store, std::int64_t seq,
-                                std::optional<Refusal> refusal);
+/// What the server's acceptance of a change brought.
+struct Acceptance {
+    /// As the server answered; none for a deletion.
+    std::optional<TimeEntryResponse> entry;
+    /// The answer shows nothing but what our own changes made of the entry, so those queued behind stand on
+    /// top of it.
+    bool isOursAlone = true;
+};
 
-/// Removes refusals from the store; answers those that were there.
-Task<Result<std::vector<Refusal>, StoreError>> takeRefusals(std::shared_ptr<LocalStore> store,
-                                                            std::vector<std::int64_t> seqs);
+/// Takes accepted changes of one entry (a creation with its stop, else one) out of the queue. Answers the
+/// rows behind them that had to be changed.
+Task<Result<std::vector<PendingChange>, StoreError>>
+settleAccepted(std::shared_ptr<LocalStore> store, std::vector<PendingChange> accepted, Acceptance acceptance);
+
+/// Takes a refused change out of the queue and out of those that were made on top of it; with a refusal,
+/// keeps that until it has been shown. Answers the rows that were changed.
+Task<Result<std::vector<PendingChange>, StoreError>>
+settleRefused(std::shared_ptr<LocalStore> store, PendingChange refused, std::optional<Refusal> refusal);
+
+/// Settles a conflict with `current` for the user's change, or against it. Answers the rows that were
+/// changed, that of the conflict included when it stays.
+Task<Result<std::vector<PendingChange>, StoreError>> settleConflict(std::shared_ptr<LocalStore> store,
+                                                                    PendingChange row,
+                                                                    TimeEntryResponse current,
+                                                                    bool keepsMine);
+
+/// What became of rows that another process settled: the refusals, which are removed, and the entries as its
+/// answers left them.
+struct SettledElsewhere {
+    std::vector<Refusal> refusals;
+    std::vector<TimeEntryResponse> entries;
+};
+Task<Result<SettledElsewhere, StoreError>> settledElsewhere(std::shared_ptr<LocalStore> store,
+                                                            std::vector<PendingChange> rows);
+
+/// Removes refusals from the store.
+Task<StoreStatus> dropRefusals(std::shared_ptr<LocalStore> store, std::vector<std::int64_t> seqs);
 
 } // namespace orvane

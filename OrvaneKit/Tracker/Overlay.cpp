@@ -110,20 +110,6 @@ void sortNewestFirst(std::vector<TimeEntryResponse> &entries)
     entries = std::move(sorted);
 }
 
-std::optional<TimeEntryResponse> applied(const EntryChange &change, TimeEntryResponse entry)
-{
-    if (const auto *update = std::get_if<EntryChange::Update>(&change.action)) {
-        TimeEntryResponse changed = entryResponse(update->request, entry.id, entry.workspaceId);
-        changed.version = std::move(entry.version);
-        return changed;
-    }
-    if (const auto *stop = std::get_if<EntryChange::Stop>(&change.action))
-        entry.stop = stop->at;
-    else if (std::holds_alternative<EntryChange::Delete>(change.action))
-        return std::nullopt;
-    return entry;
-}
-
 ShownEntries overlay(std::vector<TimeEntryResponse> serverEntries,
                      std::optional<TimeEntryResponse> serverRunning, std::span<const EntryChange> changes,
                      const std::string &workspaceId)

@@ -33,7 +33,4 @@ ShownEntries overlay(std::vector<TimeEntryResponse> serverEntries,
 /// By start, then identifier, both falling; quick when they are in order already, be it the rising one.
 void sortNewestFirst(std::vector<TimeEntryResponse> &entries);
 
-/// One change applied to one entry; nothing after a delete. `entry` must be the one that the change concerns.
-std::optional<TimeEntryResponse> applied(const EntryChange &change, TimeEntryResponse entry);
-
 } // namespace orvane

@@ -308,6 +308,26 @@ void Tracker::setState(LoadState state)
 
 void Tracker::show()
 {
+    m_isShownStale = true;
+    Q_EMIT entriesChanged();
+}
+
+const std::vector<TimeEntryResponse> &Tracker::entries() const
+{
+    workOutShown();
+    return m_showsServerEntries ? m_serverEntries : m_shown;
+}
+
+const std::optional<TimeEntryResponse> &Tracker::running() const
+{
+    workOutShown();
+    return m_shownRunning;
+}
+
+void Tracker::workOutShown() const
+{
+    if (!std::exchange(m_isShownStale, false))
+        return;
     const std::vector<EntryChange> changes = m_parts.outbox->changes();
     m_showsServerEntries = changes.empty() && !isRunningElsewhere();
     if (m_showsServerEntries) {
@@ -321,7 +341,6 @@ void Tracker::show()
         m_shown = std::move(shown.entries);
         m_shownRunning = std::move(shown.running);
     }
-    Q_EMIT entriesChanged();
 }
 
 /// Whether the running entry is none of those that are known, but of another workspace or long ago.
@@ -333,8 +352,8 @@ bool Tracker::isRunningElsewhere() const
 
 std::optional<TimeEntryResponse> Tracker::entry(const std::string &id) const
 {
-    if (m_shownRunning && m_shownRunning->id == id)
-        return m_shownRunning;
+    if (running() && running()->id == id)
+        return running();
     const auto found = std::ranges::find(entries(), id, &TimeEntryResponse::id);
     return found == entries().end() ? std::nullopt : std::optional{*found};
 }
@@ -369,18 +388,25 @@ void Tracker::takeServerEntry(const TimeEntryResponse &entry)
 {
     ++m_generation;
     m_isSnapshotStale = true;
-    std::erase_if(m_serverEntries, [&](const TimeEntryResponse &known) { return known.id == entry.id; });
-    if (entry.workspaceId == m_parts.workspace.id)
+    m_isShownStale = true;
+    const auto known = std::ranges::find(m_serverEntries, entry.id, &TimeEntryResponse::id);
+    if (entry.workspaceId != m_parts.workspace.id) {
+        if (known != m_serverEntries.end())
+            m_serverEntries.erase(known);
+    } else if (known != m_serverEntries.end()) {
+        *known = entry;
+    } else {
         m_serverEntries.push_back(entry);
+    }
     if (entry.stop) {
         if (m_serverRunning && m_serverRunning->id == entry.id)
             m_serverRunning.reset();
         return;
     }
     // The server lets one entry run: whatever ran before ended where this one starts.
-    for (TimeEntryResponse &known : m_serverEntries) {
-        if (known.id != entry.id && !known.stop)
-            known.stop = std::max(entry.start, known.start);
+    for (TimeEntryResponse &other : m_serverEntries) {
+        if (other.id != entry.id && !other.stop)
+            other.stop = std::max(entry.start, other.start);
     }
     m_serverRunning = entry;
 }
@@ -389,6 +415,7 @@ void Tracker::dropServerEntry(const std::string &id)
 {
     ++m_generation;
     m_isSnapshotStale = true;
+    m_isShownStale = true;
     std::erase_if(m_serverEntries, [&](const TimeEntryResponse &known) { return known.id == id; });
     if (m_serverRunning && m_serverRunning->id == id)
         m_serverRunning.reset();

@@ -95,11 +95,8 @@ public:
     Task<bool> reloadCatalog();
 
     /// What is shown, newest start first; the running entry included.
-    const std::vector<TimeEntryResponse> &entries() const
-    {
-        return m_showsServerEntries ? m_serverEntries : m_shown;
-    }
-    const std::optional<TimeEntryResponse> &running() const { return m_shownRunning; }
+    const std::vector<TimeEntryResponse> &entries() const;
+    const std::optional<TimeEntryResponse> &running() const;
     std::optional<TimeEntryResponse> entry(const std::string &id) const;
     /// The entries that start on the days from `first`, each day with its entries in order of start; every
     /// day is there.
@@ -138,11 +135,12 @@ private:
     Task<> saveSnapshot();
     Task<> refresh(std::string workspaceId, std::string id);
     void show();
+    void workOutShown() const;
     bool isRunningElsewhere() const;
     void takeServerEntry(const TimeEntryResponse &entry);
     void dropServerEntry(const std::string &id);
     void handleSent(const Outbox::Pending &row, const std::optional<TimeEntryResponse> &entry);
-    Task<SaveResult> submit(std::vector<EntryChange> changes, std::string id, SaveOutcome whenDone);
+    Task<SaveResult> submit(std::vector<Submission> changes, std::string id, SaveOutcome whenDone);
     SaveResult refusedHere(SaveOutcome outcome, std::string message) const;
     std::optional<SaveResult> checkRules(const EntryRequest &request) const;
     bool isLackingDetails(const TimeEntryResponse &running) const;
@@ -155,15 +153,17 @@ private:
     Catalog m_catalog;
     std::optional<WorkspaceSettingsResponse> m_settings;
     /// Of the window and of the days asked for; of the snapshot before the first load.
-    std::vector<TimeEntryResponse> m_serverEntries;
+    mutable std::vector<TimeEntryResponse> m_serverEntries; ///< sorted when somebody looks
     std::optional<TimeEntryResponse> m_serverRunning;
     /// Days outside the window that were asked for and whose entries are known.
     std::set<DayKey> m_calendarDays;
     /// The server's entries with the pending changes over them; empty while there is no change, when the
-    /// server's are shown as they are.
-    std::vector<TimeEntryResponse> m_shown;
-    bool m_showsServerEntries = true;
-    std::optional<TimeEntryResponse> m_shownRunning;
+    /// server's are shown as they are. Worked out when somebody looks, since a long queue is drained by
+    /// thousands of steps.
+    mutable std::vector<TimeEntryResponse> m_shown;
+    mutable bool m_showsServerEntries = true;
+    mutable std::optional<TimeEntryResponse> m_shownRunning;
+    mutable bool m_isShownStale = true;
     std::optional<CallError> m_loadError;
     /// What the store holds, as far as this process knows; the entries only as their digest, since a week can
     /// have thousands.

@@ -75,7 +75,7 @@ std::optional<SaveResult> Tracker::checkRules(const EntryRequest &request) const
     return std::nullopt;
 }
 
-Task<SaveResult> Tracker::submit(std::vector<EntryChange> changes, std::string id, SaveOutcome whenDone)
+Task<SaveResult> Tracker::submit(std::vector<Submission> changes, std::string id, SaveOutcome whenDone)
 {
     const QPointer<Tracker> self(this);
     auto outcomes = co_await m_parts.outbox->submit(std::move(changes));
@@ -119,19 +119,19 @@ Task<SaveResult> Tracker::create(EntryRequest request)
 {
     if (auto refused = checkRules(request))
         co_return std::move(*refused);
-    std::vector<EntryChange> changes;
-    if (!request.stop && m_shownRunning) {
-        const TimeEntryResponse &running = *m_shownRunning;
+    std::vector<Submission> changes;
+    if (!request.stop && running()) {
+        const TimeEntryResponse running = *this->running();
         if (running.start > request.start)
             co_return refusedHere(SaveOutcome::rejected,
                                   "Another timer runs since " + m_parts.time.timeLabel(running.start) +
                                       ", which is later than that. Stop or change it first.");
         if (isLackingDetails(running))
             co_return refusedHere(SaveOutcome::needsDetails, stopNeedsDetails);
-        changes.push_back(stopChange(running, request.start));
+        changes.push_back({stopChange(running, request.start), running});
     }
     const std::string id = m_parts.newIdentifier ? m_parts.newIdentifier() : newIdentifier();
-    changes.push_back(EntryChange{EntryChange::Create{std::move(request), id, m_parts.workspace.id}});
+    changes.push_back({EntryChange{EntryChange::Create{std::move(request), id, m_parts.workspace.id}}, {}});
     co_return co_await submit(std::move(changes), id, SaveOutcome::saved);
 }
 
@@ -145,16 +145,16 @@ bool Tracker::isLackingDetails(const TimeEntryResponse &running) const
 
 Task<SaveResult> Tracker::stop(Instant at)
 {
-    if (!m_shownRunning)
+    if (!running())
         co_return refusedHere(SaveOutcome::failed, "No timer is running.");
-    const TimeEntryResponse running = *m_shownRunning;
+    const TimeEntryResponse running = *this->running();
     const Instant end = millisecondsFloor(at);
     if (end < running.start || !isAcceptable(end))
         co_return refusedHere(SaveOutcome::rejected, "The end must not be before the start.");
     if (isLackingDetails(running))
         co_return refusedHere(SaveOutcome::needsDetails, stopNeedsDetails);
-    std::vector<EntryChange> changes;
-    changes.push_back(stopChange(running, end));
+    std::vector<Submission> changes;
+    changes.push_back({stopChange(running, end), running});
     SaveResult result = co_await submit(std::move(changes), running.id, SaveOutcome::stopped);
     if (!result.entry)
         result.entry = applied(stopChange(running, end), running);
@@ -190,9 +190,10 @@ Task<SaveResult> Tracker::update(std::string id, EntryRequest request)
         co_return std::move(*refused);
     if (m_settings && rules().isLocked(known->start))
         co_return refusedHere(SaveOutcome::rejected, "This entry lies in a locked period of the workspace.");
-    std::vector<EntryChange> changes;
+    std::vector<Submission> changes;
     changes.push_back(
-        EntryChange{EntryChange::Update{std::move(request), id, known->workspaceId, versionOf(*known)}});
+        {EntryChange{EntryChange::Update{std::move(request), id, known->workspaceId, versionOf(*known)}},
+         known});
     co_return co_await submit(std::move(changes), id, SaveOutcome::saved);
 }
 
@@ -226,8 +227,8 @@ Task<SaveResult> Tracker::remove(std::string id)
         co_return refusedHere(SaveOutcome::failed, "There is no such entry.");
     if (m_settings && rules().isLocked(known->start))
         co_return refusedHere(SaveOutcome::rejected, "This entry lies in a locked period of the workspace.");
-    std::vector<EntryChange> changes;
-    changes.push_back(EntryChange{EntryChange::Delete{id, known->workspaceId, versionOf(*known)}});
+    std::vector<Submission> changes;
+    changes.push_back({EntryChange{EntryChange::Delete{id, known->workspaceId, versionOf(*known)}}, known});
     SaveResult result = co_await submit(std::move(changes), id, SaveOutcome::saved);
     if (result.outcome != SaveOutcome::rejected)
         result.entry.reset();

@@ -262,7 +262,7 @@ TimeEntryResponse EntryWriter::changed(const EntryChange &change,
     return entry;
 }
 
-std::string EntryWriter::queue(const std::vector<Outbox::Pending> &pending) const
+std::string EntryWriter::queue(const std::deque<Outbox::Pending> &pending) const
 {
     if (pending.empty())
         return "Nothing is waiting to be sent.\n";

@@ -25,7 +25,7 @@ public:
     std::string days(const std::vector<DayGroup> &days) const;
     /// "Started  a1b2c3  09:30 – …  Write the README  Website · docs".
     std::string done(std::string_view verb, const TimeEntryResponse &entry) const;
-    std::string queue(const std::vector<Outbox::Pending> &pending) const;
+    std::string queue(const std::deque<Outbox::Pending> &pending) const;
 
     /// A change that was refused while nobody waited, whole.
     std::string refusal(const Refusal &refusal) const;

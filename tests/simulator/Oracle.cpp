@@ -110,13 +110,12 @@ std::optional<std::string> Oracle::judgeConflict(int id, const TimeEntryResponse
     return "a conflict was made up for " + textOf(mine) + ": the user had seen all of what stands against it";
 }
 
-void Oracle::keptMine(int id, Contents mine, const TimeEntryResponse &current)
+void Oracle::keptMine(int id, const TimeEntryResponse &current)
 {
     const std::set<int> known = behind(current.id, contentsOf(current));
     Deed &deed = m_deeds.at(static_cast<std::size_t>(id));
     deed.seen.insert(known.begin(), known.end());
     deed.seen.erase(id);
-    deed.writes = std::move(mine);
     if (deed.fate == Fate::Dropped)
         deed.fate = Fate::Taken;
 }

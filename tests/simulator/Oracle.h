@@ -55,9 +55,9 @@ public:
     std::optional<std::string> judgeConflict(int deed, const TimeEntryResponse &current) const;
     /// The user kept theirs: the deed is given up.
     void keptTheirs(int deed) { tell(deed, Fate::Dropped); }
-    /// The user kept mine, with `current` on the screen: all of `mine` is written, knowing of all that was
+    /// The user kept mine, with `current` on the screen: the deed is done again, knowing of all that was
     /// shown.
-    void keptMine(int deed, Contents mine, const TimeEntryResponse &current);
+    void keptMine(int deed, const TimeEntryResponse &current);
 
     /// What is wrong with the entries that the server holds in the end; empty when all is well.
     std::vector<std::string> judge(const std::vector<TimeEntryResponse> &held) const;

@@ -125,12 +125,17 @@ Task<> Simulation::live(ProcessPtr process, bool isCommand)
     process->tracker().load();
     if (!isCommand)
         co_return;
+    // A user who waits for nothing longer than three seconds.
     const World::LaneId lane = m_world.newLane();
     m_world.post(lane, Millis(m_world.random().between(1, 600)), [this, process] {
         if (process->isOpen())
             act(process);
     });
-    m_world.post(lane, Millis(m_world.random().between(3000, 6000)), [this, process] {
+    m_world.post(lane, Millis(3'700), [process] {
+        if (process->isOpen())
+            process->close();
+    });
+    m_world.post(lane, Millis(6'000), [this, process] {
         if (process->isOpen())
             end(process);
     });
@@ -339,7 +344,6 @@ Task<> Simulation::settle(ProcessPtr process, std::int64_t seq, bool keepsMine)
     if (row == conflicts.end())
         co_return;
     const TimeEntryResponse current = *row->conflict;
-    const EntryChange change = row->change;
     const auto deed = m_oracle.deedAt(process->device().name, seq);
     m_world.note(process->name(), "keeps " + std::string(keepsMine ? "mine" : "theirs") + " for change " +
                                       std::to_string(seq) + " of " + current.id);
@@ -347,12 +351,7 @@ Task<> Simulation::settle(ProcessPtr process, std::int64_t seq, bool keepsMine)
         if (auto wrong = m_oracle.judgeConflict(*deed, current))
             fault(*wrong);
         if (keepsMine) {
-            Contents mine;
-            if (const EntryRequest *request = change.request())
-                mine = contentsOf(entryResponse(*request, current.id, current.workspaceId));
-            else if (const auto *stop = std::get_if<EntryChange::Stop>(&change.action))
-                mine[Field::Stop] = value(stop->at);
-            m_oracle.keptMine(*deed, std::move(mine), current);
+            m_oracle.keptMine(*deed, current);
         } else {
             m_oracle.tell(*deed, Oracle::Fate::Unknown);
         }
@@ -442,6 +441,10 @@ void Simulation::crashSome(bool losesPower)
 
 void Simulation::end(const ProcessPtr &process)
 {
+    for (const auto &[deed, waiting] : m_waiting) {
+        if (waiting == process)
+            fault("#" + std::to_string(deed) + " was not answered before the command ended");
+    }
     m_world.note(process->name(), "ends");
     process->crash();
 }
@@ -509,17 +512,16 @@ void Simulation::checkAnswered()
 void Simulation::settleAll()
 {
     for (int round = 0; round < 12; ++round) {
-        bool isSettled = true;
         for (const ProcessPtr &process : open()) {
-            for (const Outbox::Pending &row : process->outbox().conflicts()) {
-                isSettled = false;
+            for (const Outbox::Pending &row : process->outbox().conflicts())
                 settle(process, row.seq, m_world.random().chance(50));
-            }
         }
+        m_world.runFor(minutes(2));
         for (const ProcessPtr &process : open())
             reload(process, true);
-        m_world.runFor(minutes(10));
-        if (isSettled)
+        m_world.runFor(minutes(5));
+        if (std::ranges::all_of(
+                open(), [](const ProcessPtr &process) { return process->outbox().pending().empty(); }))
             return;
     }
     for (const ProcessPtr &process : open()) {
