@@ -283,7 +283,7 @@ Task<Outbox::Step> Outbox::sendNext(StoredRow stored)
         const std::optional<TimeEntryResponse> stopped = std::move(stored.stopped);
         Pending row{stored.row.seq, stored.row.change, std::nullopt};
         row.change = row.change.withVersion(stopped->version);
-        co_return co_await handleAccepted({std::move(row), {}, {}}, stopped, true);
+        co_return co_await handleAccepted({std::move(row), stopped, {}}, stopped, true);
     }
     auto sending = co_await prepared(std::move(stored));
     if (!self)
@@ -365,7 +365,8 @@ Task<Outbox::Step> Outbox::handleAccepted(Sending sending, std::optional<TimeEnt
     std::vector<PendingChange> rows;
     for (const Pending &row : accepted)
         rows.push_back({row.seq, row.change});
-    const auto settled = co_await settleAccepted(m_parts.store, std::move(rows), {entry, isOursAlone});
+    const auto settled =
+        co_await settleAccepted(m_parts.store, std::move(rows), {sending.base, entry, isOursAlone});
     if (!self)
         co_return Step::Stop;
     m_failures = 0;
@@ -529,21 +530,21 @@ Task<Result<bool, StoreError>> Outbox::settle(std::int64_t seq, bool keepsMine)
     const Pending *row = find(seq);
     if (row == nullptr || !row->conflict)
         co_return false;
-    const auto changed =
-        co_await settleConflict(m_parts.store, {seq, row->change}, *row->conflict, keepsMine);
+    const auto changed = co_await settleConflict(m_parts.store, seq, *row->conflict, keepsMine);
     if (!changed)
         co_return failure(changed.error());
     if (!self)
-        co_return true;
+        co_return changed->has_value();
     if (Pending *settled = find(seq))
         settled->conflict.reset();
     m_conflicts.erase(seq);
-    if (!keepsMine)
+    if (!keepsMine && *changed)
         remove(seq);
-    adopt(*changed);
+    if (*changed)
+        adopt(**changed);
     Q_EMIT pendingChanged();
     co_await flush();
-    co_return true;
+    co_return changed->has_value();
 }
 
 Task<std::vector<Refusal>> Outbox::unshownRefusals()

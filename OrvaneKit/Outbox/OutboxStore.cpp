@@ -207,34 +207,36 @@ Stored<Rows> enqueueOn(Connection &connection, std::vector<Submission> &submissi
 enum class Contest { AsksAgain, IsWon };
 
 /// Puts the rows of an entry above `after` on top of `ground`, which is no longer what they were made on.
-/// With `version`, that is what they are made against from now on.
+/// With `version`, that is what they are made against from now on. A contested row ends it: those behind it
+/// stand on what it says, and wait until it is settled.
 Stored<Rows> restack(Steps &steps, const std::string &entryId, std::int64_t after,
                      std::optional<TimeEntryResponse> ground, const std::optional<std::string> &version,
                      Contest rule)
 {
     Rows rows;
+    Rows changed;
     readRowsOf(steps, entryId, after, rows);
     for (PendingChange &row : rows) {
         std::optional<ChangeBase> base;
         steps.read(ChangeBase::key(row.seq), base);
         if (!base || !ground || row.change.version() == unseenVersion)
-            continue;
+            break;
         Rebased rebased = putOnTop(row.change, base->entry, *ground);
         const bool asks = rebased.isContested && rule == Contest::AsksAgain;
-        if (!asks)
-            row.change = std::move(rebased.change);
         if (asks)
             row.change = row.change.withVersion(unseenVersion);
-        else if (version)
-            row.change = row.change.withVersion(*version);
-        if (!asks)
-            steps.write(ChangeBase::key(row.seq), ChangeBase{*ground});
+        else
+            row.change = version ? rebased.change.withVersion(*version) : std::move(rebased.change);
         steps.writeRow(row);
+        changed.push_back(row);
+        if (asks)
+            break;
+        steps.write(ChangeBase::key(row.seq), ChangeBase{*ground});
         ground = applied(row.change, std::move(*ground));
     }
     if (!steps)
         return steps.error();
-    return rows;
+    return changed;
 }
 
 /// Changes that were made before the entry had a version and did not see what it has become.
@@ -254,14 +256,25 @@ Stored<Rows> hideVersion(Steps &steps, const std::string &entryId, std::int64_t 
 
 // Settling
 
-EntryHead headAfter(std::optional<EntryHead> before, const std::optional<std::string> &sent,
-                    const TimeEntryResponse &entry)
+/// Whether the change ended the entry, rather than leaving an end that was there.
+bool ends(const EntryChange &change, const std::optional<TimeEntryResponse> &base)
 {
-    EntryHead head{entry, {}};
+    const EntryRequest *request = change.request();
+    return request == nullptr || !base || base->stop != request->stop;
+}
+
+EntryHead headAfter(std::optional<EntryHead> before, const Rows &accepted, const Acceptance &acceptance)
+{
+    EntryHead head{*acceptance.entry, {}, false};
+    const auto sent = accepted.front().change.version();
+    const bool isLine = before && sent == before->entry.version;
+    if (head.entry.stop)
+        head.isStoppedByUs = accepted.size() > 1 || ends(accepted.front().change, acceptance.base) ||
+                             (isLine && before->isStoppedByUs);
     // Only an unbroken line of our own changes counts: a version that somebody else made in between ends it.
-    if (before && sent == before->entry.version)
+    if (isLine)
         head.replaced = std::move(before->replaced);
-    if (sent && *sent != entry.version)
+    if (sent && *sent != head.entry.version)
         head.replaced.push_back(*sent);
     if (head.replaced.size() > keptVersions)
         head.replaced.erase(head.replaced.begin());
@@ -290,7 +303,7 @@ Stored<Rows> acceptOn(Connection &connection, const Rows &accepted, const Accept
     if (acceptance.entry && acceptance.isOursAlone) {
         std::optional<EntryHead> head;
         steps.read(key, head);
-        const EntryHead after = headAfter(std::move(head), change.version(), *acceptance.entry);
+        const EntryHead after = headAfter(std::move(head), accepted, acceptance);
         // Written anew, so that the newest has the highest row.
         steps.remove(key).write(key, after);
     } else {
@@ -324,29 +337,39 @@ Stored<Rows> refuseOn(Connection &connection, const PendingChange &refused,
     steps.read(ChangeBase::key(refused.seq), base).removeRow(refused.seq);
     if (!base)
         return steps ? Stored<Rows>(Rows{}) : steps.error();
-    return restack(steps, refused.change.entryId(), refused.seq, base->entry, {}, Contest::IsWon);
+    // What a contested change stood against was never seen by those behind it either.
+    const bool isContested = refused.change.version() == unseenVersion;
+    return restack(steps, refused.change.entryId(), refused.seq, base->entry,
+                   isContested ? std::optional<std::string>(unseenVersion) : std::nullopt, Contest::IsWon);
 }
 
-Stored<Rows> settleOn(Connection &connection, PendingChange row, const TimeEntryResponse &current,
-                      bool keepsMine)
+Stored<std::optional<Rows>> settleOn(Connection &connection, std::int64_t seq,
+                                     const TimeEntryResponse &current, bool keepsMine)
 {
     Steps steps(connection);
+    std::optional<PendingChange> row;
+    steps.run("SELECT seq, change FROM outbox WHERE seq = ?", {seq},
+              [&](const Connection::Row &found) { row = pendingOf(found); });
+    if (!steps)
+        return steps.error();
+    if (!row)
+        return std::nullopt;
     Rows changed;
     std::optional<TimeEntryResponse> ground = current;
     if (keepsMine) {
         std::optional<ChangeBase> base;
-        steps.read(ChangeBase::key(row.seq), base);
-        row.change = madeAnew(row.change, base ? std::optional{base->entry} : std::nullopt, current);
-        steps.writeRow(row).write(ChangeBase::key(row.seq), ChangeBase{current});
-        changed.push_back(row);
-        ground = applied(row.change, current);
+        steps.read(ChangeBase::key(seq), base);
+        row->change = madeAnew(row->change, base ? std::optional{base->entry} : std::nullopt, current);
+        steps.writeRow(*row).write(ChangeBase::key(seq), ChangeBase{current});
+        changed.push_back(*row);
+        ground = applied(row->change, current);
     } else {
-        steps.removeRow(row.seq);
+        steps.removeRow(seq);
     }
-    auto behind = restack(steps, row.change.entryId(), row.seq, ground, current.version,
+    auto behind = restack(steps, current.id, seq, ground, current.version,
                           keepsMine ? Contest::IsWon : Contest::AsksAgain);
     if (!behind)
-        return behind;
+        return failure(std::move(behind.error()));
     std::ranges::move(*behind, std::back_inserter(changed));
     return changed;
 }
@@ -422,7 +445,7 @@ Stored<std::optional<StoredRow>> nextOn(Connection &connection, std::int64_t aft
     if (base)
         stored.base = std::move(base->entry);
     const bool isStop = std::holds_alternative<EntryChange::Stop>(change.action);
-    if (isStop && head && head->entry.stop && isLineOfOurs(*head, change.version()))
+    if (isStop && head && head->entry.stop && head->isStoppedByUs && isLineOfOurs(*head, change.version()))
         stored.stopped = head->entry;
     if (const auto version = currentVersion(head, change.version()))
         change = change.withVersion(*version);
@@ -506,12 +529,12 @@ Task<Result<Rows, StoreError>> settleRefused(std::shared_ptr<LocalStore> store, 
         });
 }
 
-Task<Result<Rows, StoreError>> settleConflict(std::shared_ptr<LocalStore> store, PendingChange row,
-                                              TimeEntryResponse current, bool keepsMine)
+Task<Result<std::optional<Rows>, StoreError>>
+settleConflict(std::shared_ptr<LocalStore> store, std::int64_t seq, TimeEntryResponse current, bool keepsMine)
 {
     co_return co_await store->transact(
-        [row = std::move(row), current = std::move(current), keepsMine](Connection &connection) {
-            return settleOn(connection, row, current, keepsMine);
+        [seq, current = std::move(current), keepsMine](Connection &connection) {
+            return settleOn(connection, seq, current, keepsMine);
         });
 }
 

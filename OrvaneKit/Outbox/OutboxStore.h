@@ -34,6 +34,8 @@ struct EntryHead {
     TimeEntryResponse entry;
     /// Oldest first; bounded.
     std::vector<std::string> replaced;
+    /// One of our changes ended the entry, as against another device or the server.
+    bool isStoppedByUs = false;
 
     static std::string key(const std::string &entryId) { return "head:" + entryId; }
 };
@@ -57,7 +59,8 @@ struct CreationTry {
 template <>
 struct JsonFields<EntryHead> {
     static constexpr auto list =
-        std::tuple{jsonField<"entry">(&EntryHead::entry), jsonField<"replaced">(&EntryHead::replaced)};
+        std::tuple{jsonField<"entry">(&EntryHead::entry), jsonField<"replaced">(&EntryHead::replaced),
+                   jsonField<"isStoppedByUs">(&EntryHead::isStoppedByUs)};
 };
 
 template <>
@@ -102,6 +105,8 @@ Task<Result<CreationTry, StoreError>> noteTry(std::shared_ptr<LocalStore> store,
 
 /// What the server's acceptance of a change brought.
 struct Acceptance {
+    /// What the change's user had seen of the entry.
+    std::optional<TimeEntryResponse> base;
     /// As the server answered; none for a deletion.
     std::optional<TimeEntryResponse> entry;
     /// The answer shows nothing but what our own changes made of the entry, so those queued behind stand on
@@ -120,11 +125,11 @@ Task<Result<std::vector<PendingChange>, StoreError>>
 settleRefused(std::shared_ptr<LocalStore> store, PendingChange refused, std::optional<Refusal> refusal);
 
 /// Settles a conflict with `current` for the user's change, or against it. Answers the rows that were
-/// changed, that of the conflict included when it stays.
-Task<Result<std::vector<PendingChange>, StoreError>> settleConflict(std::shared_ptr<LocalStore> store,
-                                                                    PendingChange row,
-                                                                    TimeEntryResponse current,
-                                                                    bool keepsMine);
+/// changed, that of the conflict included when it stays; nothing when the row is there no more, since another
+/// process settled it.
+Task<Result<std::optional<std::vector<PendingChange>>, StoreError>>
+settleConflict(std::shared_ptr<LocalStore> store, std::int64_t seq, TimeEntryResponse current,
+               bool keepsMine);
 
 /// What became of rows that another process settled: the refusals, which are removed, and the entries as its
 /// answers left them.

@@ -74,9 +74,32 @@ std::set<int> Oracle::behind(const std::string &entry, const Contents &shown) co
     return deeds;
 }
 
+/// Whether one deed was done in knowledge of the other: of itself, or of what those knew that it had seen.
+/// Users who keep theirs or mine learn more later on, so it is looked up when it is asked.
 bool Oracle::knows(const Deed &deed, const Deed &other) const
 {
-    return deed.id == other.id || deed.seen.contains(other.id);
+    std::set<int> known{deed.id};
+    std::vector<int> open{deed.id};
+    while (!open.empty()) {
+        const int next = open.back();
+        open.pop_back();
+        if (next == other.id)
+            return true;
+        for (const int seen : this->deed(next).seen) {
+            if (known.insert(seen).second)
+                open.push_back(seen);
+        }
+    }
+    return false;
+}
+
+/// The time of a stop that is another timer's start was not only the user's doing: the server stops what
+/// runs.
+bool Oracle::isAnothersStart(const std::string &value) const
+{
+    return std::ranges::any_of(m_writer, [&](const auto &written) {
+        return std::get<1>(written.first) == Field::Start && std::get<2>(written.first) == value;
+    });
 }
 
 std::vector<const Oracle::Deed *> Oracle::on(const std::string &entry) const
@@ -158,8 +181,11 @@ void Oracle::judgeAbsent(const std::string &entry, std::vector<std::string> &fau
     for (const Deed *lost : deeds) {
         if (lost->kind == Kind::Remove || !isIn(lost->fate))
             continue;
-        const bool isKnown = std::ranges::any_of(
-            deeds, [&](const Deed *other) { return mayHaveRemoved(other) && knows(*other, *lost); });
+        const bool isKnown = std::ranges::any_of(deeds, [&](const Deed *other) {
+            // Of two stops by one hand only the first one's was to be seen.
+            return mayHaveRemoved(other) &&
+                   (knows(*other, *lost) || (lost->kind == Kind::Stop && other->device == lost->device));
+        });
         if (!isKnown)
             faults.push_back(entry + " was removed over " + textOf(*lost) + ", which no remover had seen");
     }
@@ -211,7 +237,7 @@ void Oracle::judgeField(const TimeEntryResponse &held, Field field, std::vector<
                                                : textOf(*standing.front()) + " had not seen it"));
     }
     const bool isWritten = value != contents.end() && m_writer.contains({held.id, field, value->second});
-    if (isWritten && standing.empty())
+    if (isWritten && standing.empty() && !(field == Field::Stop && isAnothersStart(value->second)))
         faults.push_back(held.id + ": the " + nameOf(field) + " is one that was refused or given up");
 }
 

@@ -55,6 +55,8 @@ public:
     std::optional<std::string> judgeConflict(int deed, const TimeEntryResponse &current) const;
     /// The user kept theirs: the deed is given up.
     void keptTheirs(int deed) { tell(deed, Fate::Dropped); }
+    /// What the user wanted turned out to be settled already.
+    void restore(int deed, Deed before) { m_deeds.at(static_cast<std::size_t>(deed)) = std::move(before); }
     /// The user kept mine, with `current` on the screen: the deed is done again, knowing of all that was
     /// shown.
     void keptMine(int deed, const TimeEntryResponse &current);
@@ -65,6 +67,7 @@ public:
 private:
     std::set<int> behind(const std::string &entry, const Contents &shown) const;
     bool knows(const Deed &deed, const Deed &other) const;
+    bool isAnothersStart(const std::string &value) const;
     std::vector<const Deed *> on(const std::string &entry) const;
     void judgeAbsent(const std::string &entry, std::vector<std::string> &faults) const;
     void judgePresent(const TimeEntryResponse &held, std::vector<std::string> &faults) const;

@@ -347,7 +347,9 @@ Task<> Simulation::settle(ProcessPtr process, std::int64_t seq, bool keepsMine)
     const auto deed = m_oracle.deedAt(process->device().name, seq);
     m_world.note(process->name(), "keeps " + std::string(keepsMine ? "mine" : "theirs") + " for change " +
                                       std::to_string(seq) + " of " + current.id);
+    Oracle::Deed before;
     if (deed) {
+        before = m_oracle.deed(*deed);
         if (auto wrong = m_oracle.judgeConflict(*deed, current))
             fault(*wrong);
         if (keepsMine) {
@@ -358,9 +360,11 @@ Task<> Simulation::settle(ProcessPtr process, std::int64_t seq, bool keepsMine)
     }
     const auto settled =
         keepsMine ? co_await process->outbox().keepMine(seq) : co_await process->outbox().keepTheirs(seq);
-    if (process->isGone() || !settled || !*settled)
+    if (process->isGone() || !settled || !deed)
         co_return;
-    if (deed && !keepsMine)
+    if (!*settled)
+        m_oracle.restore(*deed, before);
+    else if (!keepsMine)
         m_oracle.keptTheirs(*deed);
 }
 
@@ -478,6 +482,9 @@ void Simulation::rest()
     m_world.runFor(minutes(15));
     checkAnswered();
     settleAll();
+    for (const ProcessPtr &process : open())
+        reload(process, false);
+    m_world.runFor(minutes(5));
     compare();
 }
 
@@ -570,11 +577,21 @@ void Simulation::compare()
     for (const std::string &wrong : m_oracle.judge(*held))
         fault(wrong);
     for (const ProcessPtr &process : open()) {
-        if (process->tracker().entries() != *held)
+        if (const auto &shown = process->tracker().entries(); shown != *held) {
             fault(process->name() + " shows other entries than the server holds");
+            describe(process->name() + " shows", shown);
+            describe("the server holds", *held);
+        }
         if (!process->outbox().pending().empty())
             fault(process->name() + " still has changes in its queue");
     }
+}
+
+void Simulation::describe(const std::string &whose, const std::vector<TimeEntryResponse> &entries)
+{
+    for (const TimeEntryResponse &entry : entries)
+        m_world.note("  ", whose + " " + entry.id + " " + clock(entry.start) + "-" +
+                               (entry.stop ? clock(*entry.stop) : "") + " " + entry.description);
 }
 
 void Simulation::fault(const std::string &text)

@@ -68,6 +68,7 @@ private:
     void settleAll();
     void compare();
     void fault(const std::string &text);
+    void describe(const std::string &whose, const std::vector<TimeEntryResponse> &entries);
     void checkAnswered();
     std::vector<ProcessPtr> open(const Device *device = nullptr) const;
 
