@@ -120,7 +120,7 @@ std::optional<std::string> Oracle::judgeConflict(int id, const TimeEntryResponse
         if (writer == m_writer.end())
             return true; // the server's own doing, as when another timer's start ends this one
         const Deed &other = deed(writer->second);
-        if (knows(mine, other))
+        if (other.id == mine.id || mine.seen.contains(other.id))
             return false;
         // Of two programs on one device only the same field twice is a conflict, and never two stops.
         if (other.device == mine.device)
@@ -128,7 +128,7 @@ std::optional<std::string> Oracle::judgeConflict(int id, const TimeEntryResponse
                                                  !(mine.kind == Kind::Stop && other.kind == Kind::Stop));
         return true;
     };
-    if (std::ranges::any_of(contentsOf(current), isNews))
+    if (mine.mayAskAgain || std::ranges::any_of(contentsOf(current), isNews))
         return std::nullopt;
     return "a conflict was made up for " + textOf(mine) + ": the user had seen all of what stands against it";
 }
@@ -208,9 +208,12 @@ bool Oracle::mayGiveWay(const Deed &lost, const Deed &standing, Field field) con
 {
     if (knows(standing, lost))
         return true;
-    // Two stops by one hand: the first one's time stands.
-    return field == Field::Stop && lost.kind == Kind::Stop && standing.device == lost.device &&
-           standing.kind != Kind::Create;
+    // Two stops by one hand: the first one's time stands, and whoever saw that could not see the second.
+    return field == Field::Stop && lost.kind == Kind::Stop &&
+           std::ranges::any_of(on(lost.entry), [&](const Deed *other) {
+               return other->kind != Kind::Create && other->device == lost.device &&
+                      other->writes.contains(field) && other->id != lost.id && knows(standing, *other);
+           });
 }
 
 void Oracle::judgeField(const TimeEntryResponse &held, Field field, std::vector<std::string> &faults) const

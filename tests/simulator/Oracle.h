@@ -40,6 +40,8 @@ public:
         /// The deeds whose outcome was on the screen, and those behind them.
         std::set<int> seen;
         Fate fate = Fate::Unknown;
+        /// The program ended before it said that a conflict is settled.
+        bool mayAskAgain = false;
     };
 
     /// Notes an action, made while `shown` was on the screen (nothing for a creation). Answers its number.
@@ -55,6 +57,7 @@ public:
     std::optional<std::string> judgeConflict(int deed, const TimeEntryResponse &current) const;
     /// The user kept theirs: the deed is given up.
     void keptTheirs(int deed) { tell(deed, Fate::Dropped); }
+    void mayAskAgain(int deed) { m_deeds.at(static_cast<std::size_t>(deed)).mayAskAgain = true; }
     /// What the user wanted turned out to be settled already.
     void restore(int deed, Deed before) { m_deeds.at(static_cast<std::size_t>(deed)) = std::move(before); }
     /// The user kept mine, with `current` on the screen: the deed is done again, knowing of all that was

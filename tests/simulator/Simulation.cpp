@@ -360,8 +360,12 @@ Task<> Simulation::settle(ProcessPtr process, std::int64_t seq, bool keepsMine)
     }
     const auto settled =
         keepsMine ? co_await process->outbox().keepMine(seq) : co_await process->outbox().keepTheirs(seq);
-    if (process->isGone() || !settled || !deed)
+    if (!deed)
         co_return;
+    if (process->isGone() || !settled) {
+        m_oracle.mayAskAgain(*deed);
+        co_return;
+    }
     if (!*settled)
         m_oracle.restore(*deed, before);
     else if (!keepsMine)
