@@ -4,6 +4,7 @@
 #include "Client/Pending.h"
 
 #include <QHostAddress>
+#include <QJsonDocument>
 #include <QNetworkAccessManager>
 #include <QNetworkProxy>
 #include <QNetworkReply>
@@ -135,16 +136,42 @@ private:
         finish(response());
     }
 
+    /// QtNetwork calls a refusal an error too; to us it is an answer, once it is all there. One that was cut
+    /// may come from anywhere on the way, and whoever takes it for the server's word drops a change for it.
+    bool isWhole() const
+    {
+        const QNetworkReply::NetworkError error = m_reply->error();
+        if (status() < 400)
+            return status() != 0 && error == QNetworkReply::NoError;
+        // What it makes of a status; all else is a fault of the connection, or of the text that came over it.
+        return error == QNetworkReply::ProxyAuthenticationRequiredError ||
+               (error >= QNetworkReply::ContentAccessDenied && error != QNetworkReply::ProtocolFailure);
+    }
+
+    /// QtNetwork often takes the connection's end for the body's, whatever the head announced. (It drops the
+    /// length of a body that it unpacks.) Without a length only a refusal's JSON shows that it is all there;
+    /// other answers have readers that notice.
+    bool isCut() const
+    {
+        constexpr int notModified = 304;
+        const QVariant length = m_reply->header(QNetworkRequest::ContentLengthHeader);
+        if (length.isValid())
+            return status() != notModified && m_body.size() < length.toULongLong();
+        const QString type = m_reply->header(QNetworkRequest::ContentTypeHeader).toString();
+        return status() >= 400 && type.contains(QLatin1String("json")) &&
+               QJsonDocument::fromJson(QByteArray::fromStdString(m_body)).isNull();
+    }
+
     void complete()
     {
-        const int code = status();
-        const bool failed = m_reply->error() != QNetworkReply::NoError;
-        // QtNetwork calls a refusal an error too; to us it is an answer.
-        if (code == 0 || (failed && code < 400))
+        if (!isWhole())
             return finish(failure(ConnectionError{m_reply->errorString().toStdString()}));
         collect();
-        if (!m_answer.isFinished())
-            finish(response());
+        if (m_answer.isFinished())
+            return;
+        if (isCut())
+            return end("the answer was cut short");
+        finish(response());
     }
 
     HttpResponse response()

@@ -117,6 +117,13 @@ void LoopbackServer::Connection::close()
         ::shutdown(m_descriptor, SHUT_RDWR);
 }
 
+void LoopbackServer::Connection::reset()
+{
+    const linger atOnce{.l_onoff = 1, .l_linger = 0};
+    ::setsockopt(m_descriptor, SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
+    m_open = false;
+}
+
 bool LoopbackServer::Connection::readRequest(SeenRequest &request)
 {
     std::size_t headEnd = 0;

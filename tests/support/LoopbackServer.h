@@ -42,6 +42,8 @@ public:
         /// Says nothing until the other side hangs up or the server is closed.
         void hang();
         void close();
+        /// Ends the connection as a crash of the other side does, without a proper end.
+        void reset();
 
     private:
         friend class LoopbackServer;
