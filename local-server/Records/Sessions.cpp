@@ -11,7 +11,8 @@ namespace {
 constexpr std::chrono::days lastingLifetime{60};
 constexpr std::chrono::days localLifetime{1};
 constexpr std::chrono::minutes touchInterval{1};
-/// Lost answers make siblings; nobody loses that many in a row.
+/// Lost answers make siblings; nobody loses that many in a row. Those beyond it are known still: that one of
+/// them is shown says that somebody else renewed meanwhile.
 constexpr std::size_t mostSuccessors = 8;
 
 // The states of a refresh token: not used yet, used last, used before that.
@@ -93,7 +94,7 @@ void Sessions::boundSuccessors(const std::string &sessionId)
         "SELECT digest FROM refresh_tokens WHERE session_id = ? AND state = ? ORDER BY issued_at DESC",
         [](const SqlRow &row) { return row.text(0); }, sessionId, fresh);
     for (std::size_t i = mostSuccessors - 1; i < successors.size(); ++i)
-        m_database.run("DELETE FROM refresh_tokens WHERE digest = ?", successors[i]);
+        m_database.run("UPDATE refresh_tokens SET state = ? WHERE digest = ?", dead, successors[i]);
 }
 
 void Sessions::endByToken(const std::string &token)

@@ -31,8 +31,9 @@ struct IssuedRefresh {
 /// Sessions and their refresh tokens. The table holds digests only.
 ///
 /// Using a token spends it and brings a successor. The token spent last stays good until a successor of it is
-/// used, since its answer may have been lost on the way; a token spent before that one is a stolen copy (or
-/// the theft of one), so showing it ends the session.
+/// used, since its answer may have been lost on the way; a token spent before that one, or superseded by many
+/// later successors, is a stolen copy (or the theft of one), so showing it ends the session. Digests are kept
+/// until their token expires or the session ends, so that each is recognised.
 class Sessions {
 public:
     explicit Sessions(Database &database) : m_database(database) {}
