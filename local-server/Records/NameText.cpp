@@ -4,6 +4,7 @@
 #include <QString>
 #include <QTimeZone>
 #include <algorithm>
+#include <utility>
 
 namespace orvane::server {
 
@@ -12,6 +13,32 @@ namespace {
 QString qtText(std::string_view text)
 {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+/// Letters and marks that are drawn as nothing at all, by their first and last.
+constexpr std::pair<char32_t, char32_t> blankLetters[] = {
+    {0x034f, 0x034f}, {0x115f, 0x1160}, {0x17b4, 0x17b5}, {0x180b, 0x180f},   {0x2800, 0x2800},
+    {0x3164, 0x3164}, {0xfe00, 0xfe0f}, {0xffa0, 0xffa0}, {0xe0100, 0xe01ef},
+};
+
+/// Whether a character leaves a trace on the screen: two addresses that look alike are to be one.
+bool isVisible(char32_t character)
+{
+    switch (QChar::category(character)) {
+    case QChar::Other_Control:
+    case QChar::Other_Format:
+    case QChar::Other_Surrogate:
+    case QChar::Other_PrivateUse:
+    case QChar::Other_NotAssigned:
+    case QChar::Separator_Space:
+    case QChar::Separator_Line:
+    case QChar::Separator_Paragraph:
+        return false;
+    default:
+        return std::ranges::none_of(blankLetters, [character](const auto &range) {
+            return range.first <= character && character <= range.second;
+        });
+    }
 }
 
 } // namespace
@@ -45,8 +72,7 @@ bool isEmailAddress(std::string_view text)
     const std::size_t at = text.find('@');
     return at != std::string_view::npos && at > 0 && at + 1 < text.size() &&
            text.find('@', at + 1) == std::string_view::npos &&
-           std::ranges::none_of(text, [](char c) { return static_cast<unsigned char>(c) <= 0x20; }) &&
-           !hasControlCharacter(text);
+           std::ranges::all_of(qtText(text).toUcs4(), isVisible);
 }
 
 bool isTimeZone(const std::string &name)

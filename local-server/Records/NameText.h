@@ -14,7 +14,7 @@ std::string trimmed(std::string_view text);
 std::string nameKey(std::string_view name);
 /// Whether a text holds a character that no one types: a control character other than tab and line end.
 bool hasControlCharacter(std::string_view text);
-/// Something before and after one "@", without blanks.
+/// Something before and after one "@", all of it characters that can be seen.
 bool isEmailAddress(std::string_view text);
 /// Whether the system knows the time zone ("Europe/Paris").
 bool isTimeZone(const std::string &name);

@@ -41,6 +41,13 @@ TEST_F(SignIn, RegisteringMakesAnAccountWithAWorkspace)
     EXPECT_EQ(call<operations::Register>({registration("GRACE@Example.org")}).status, 409);
     EXPECT_EQ(fieldErrors(call<operations::Register>({registration("nobody")})).count("email"), 1U);
     EXPECT_EQ(fieldErrors(call<operations::Register>({registration("ada@localhost")})).count("email"), 1U);
+    // A zero-width space, a soft hyphen, a Hangul filler, a variation selector, a bell and a no-break space.
+    for (const char *hidden :
+         {"grace@exam\u200bple.org", "grace@example.org\u00ad", "gr\u3164ace@example.org",
+          "grace@example\ufe0f.org", "grace@example.org\a", "grace@example\u00a0.org", "ada@local\u2060host"})
+        EXPECT_EQ(fieldErrors(call<operations::Register>({registration(hidden)})).count("email"), 1U)
+            << hidden;
+    EXPECT_EQ(call<operations::Register>({registration("gräce@bücher.example")}).status, 201);
     auto elsewhere = registration("other@example.org");
     elsewhere.timeZone = "Mars/Olympus";
     EXPECT_EQ(fieldErrors(call<operations::Register>({elsewhere})).count("timeZone"), 1U);
