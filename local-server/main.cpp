@@ -3,6 +3,7 @@
 #include "Process/ServerLog.h"
 #include "Process/ServerOptions.h"
 #include "Process/ServerProcess.h"
+#include "Support/FolderSafety.h"
 
 #include <QCoreApplication>
 #include <cstdio>
@@ -68,6 +69,8 @@ int main(int argc, char **argv)
     leaveParentBehind(options->foreground);
     if (const auto fault = makePrivateFolder(options->dataDir); !fault.empty())
         return fail("the data folder cannot be made: " + fault);
+    if (const auto fault = folderFault(options->dataDir); !fault.empty())
+        return fail("the data folder is not safe to use. " + fault);
     options->dataDir = absolutePath(options->dataDir);
     QCoreApplication application(argc, argv);
     startServerLog(options->dataDir + "/server.log", options->foreground);

@@ -3,6 +3,7 @@
 
 #include "Client/NetworkThread.h"
 #include "LocalServer/LocalSocket.h"
+#include "Support/FolderSafety.h"
 
 #include <QCoreApplication>
 #include <QCoro/QCoroTimer>
@@ -167,6 +168,9 @@ LocalServerLink::Answer<LocalServerHello> LocalServerLink::startAndWait(Self sel
 
 Result<std::int64_t, LinkError> LocalServerLink::start() const
 {
+    if (const std::string fault = folderFault(m_options.folder); !fault.empty())
+        return failure(LinkError{LinkError::Kind::Untrusted, "The server's data folder " + m_options.folder +
+                                                                 " is not safe to use. " + fault});
     QProcess process;
     const std::string program = m_options.program.empty() ? programBeside() : m_options.program;
     process.setProgram(QString::fromStdString(program));

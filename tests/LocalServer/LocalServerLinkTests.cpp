@@ -199,6 +199,16 @@ TEST_F(LocalServerLinkTest, SaysWhyAServerCouldNotBeStarted)
     EXPECT_TRUE(failed(await(link("/bin/false")->ensureRunning(60s))));
 }
 
+TEST_F(LocalServerLinkTest, SaysThatOthersCanWriteToTheFolder)
+{
+    ASSERT_TRUE(QDir().mkpath(folder()));
+    ASSERT_EQ(::chmod(folder().toStdString().c_str(), 01777), 0);
+    const auto hello = await(link()->ensureRunning(5s));
+    ASSERT_FALSE(hello);
+    EXPECT_EQ(hello.error().kind, Kind::Untrusted);
+    EXPECT_NE(describe(hello.error()).find("chmod 700"), std::string::npos) << describe(hello.error());
+}
+
 TEST_F(LocalServerLinkTest, StartsOneServerForAll)
 {
     const auto one = link();
