@@ -7,6 +7,7 @@
 #include "Security/RandomText.h"
 
 #include <QLoggingCategory>
+#include <algorithm>
 
 namespace orvane::server {
 
@@ -44,13 +45,26 @@ HttpResponse wrongMethod(const std::vector<HttpMethod> &methods)
     return response;
 }
 
+HttpResponse busy()
+{
+    HttpResponse response = problem(503, "The server is busy.", "Try again in a moment.");
+    response.headers.set("Retry-After", "1");
+    return response;
+}
+
 std::optional<std::string> bearerToken(const HttpHeaders &headers)
 {
-    constexpr std::string_view scheme = "Bearer ";
+    constexpr std::string_view scheme = "bearer ";
     const auto value = headers.find("Authorization");
-    if (!value || !value->starts_with(scheme))
+    if (!value || qstrnicmp(value->c_str(), scheme.data(), scheme.size()) != 0)
         return std::nullopt;
-    return value->substr(scheme.size());
+    return value->substr(std::min(value->find_first_not_of(' ', scheme.size()), value->size()));
+}
+
+bool keepsChanges(const Step &step, const Call &call)
+{
+    const auto *response = std::get_if<HttpResponse>(&step);
+    return !response || response->status < 400 || call.keepsChanges;
 }
 
 } // namespace
@@ -72,8 +86,8 @@ ServerCore::ServerCore(Options options, std::unique_ptr<Database> database, std:
     , m_database(std::move(database))
     , m_services{.database = *m_database,
                  .tokens = AccessTokens(std::move(key)),
-                 .registrationOpen = m_options.listenPoint.isLoopback()}
-    , m_gate(m_options.listenPoint)
+                 .registrationOpen = m_options.listenPoint.isLoopback() && !m_options.trustedProxy}
+    , m_gate(m_options.listenPoint, m_options.trustedProxy)
 {
     addServerHandlers(m_router);
     addSignInHandlers(m_router);
@@ -97,50 +111,87 @@ Instant ServerCore::now() const
 
 HttpResponse ServerCore::handle(const HttpRequest &request, const std::string &peer)
 {
-    if (auto refusal = m_gate.refuse(request))
-        return std::move(*refusal);
-    HttpResponse response = route(request, peer);
-    // Answers are for the caller alone and go stale at once.
-    response.headers.set("Cache-Control", "no-store");
+    HttpResponse response;
+    const auto inPlace = [](const std::function<void()> &work, const std::function<void()> &done) {
+        work();
+        done();
+        return true;
+    };
+    serve(request, peer, inPlace, [&response](Served served) { response = std::move(served.response); });
     return response;
 }
 
-HttpResponse ServerCore::route(const HttpRequest &request, const std::string &peer)
+void ServerCore::serve(const HttpRequest &request, const std::string &peer, const RunAside &runAside,
+                       const Done &done)
+{
+    if (auto refusal = m_gate.refuse(request, peer))
+        return done({std::move(*refusal)});
+    const Done finish = [done](Served served) {
+        // Answers are for the caller alone and go stale at once.
+        served.response.headers.set("Cache-Control", "no-store");
+        done(std::move(served));
+    };
+    auto routed = route(request, m_gate.senderOf(request, peer));
+    if (!routed)
+        return finish({std::move(routed.error())});
+    const auto exchange = std::make_shared<const Exchange>(std::move(*routed));
+    const auto handle = [&](Call &call) { return exchange->route->handle(call, exchange->parts); };
+    goOn(exchange, transact(*exchange, handle), runAside, finish);
+}
+
+Result<ServerCore::Exchange, HttpResponse> ServerCore::route(const HttpRequest &request,
+                                                             const std::string &peer) const
 {
     auto match = matchRoute(request.method, request.path);
     if (!match) {
         const auto methods = routeMethods(request.path);
-        return methods.empty() ? problem(404, "Not found.", "The server has nothing at this address.")
-                               : wrongMethod(methods);
+        return failure(methods.empty() ? problem(404, "Not found.", "The server has nothing at this address.")
+                                       : wrongMethod(methods));
     }
     const Router::Route *route = m_router.find(match->operation->name);
     if (!route)
-        return problem(501, "Not available here.", "The server on this computer does not offer this.");
+        return failure(
+            problem(501, "Not available here.", "The server on this computer does not offer this."));
     const std::size_t mark = request.path.find('?');
     auto query = parseQuery(mark == std::string::npos ? std::string_view()
                                                       : std::string_view(request.path).substr(mark + 1));
     if (!query)
-        return problem(400, "The request was not understood.", "The address is badly encoded.");
-    return run(*route, {std::move(match->pathArguments), std::move(*query), request.headers, request.body},
-               peer);
+        return failure(problem(400, "The request was not understood.", "The address is badly encoded."));
+    return Exchange{
+        route, {std::move(match->pathArguments), std::move(*query), request.headers, request.body}, peer};
 }
 
-HttpResponse ServerCore::run(const Router::Route &route, const RequestParts &parts, const std::string &peer)
+/// Answers what the work came to once it is done: by the handler's second half, or third.
+void ServerCore::goOn(const std::shared_ptr<const Exchange> &exchange, Transacted transacted,
+                      const RunAside &runAside, const Done &done)
 {
-    Call call{m_services, now(), peer, {}};
+    if (auto *response = std::get_if<HttpResponse>(&transacted.step))
+        return done({std::move(*response), transacted.isSignedIn});
+    const auto &[work, finish] = std::get<Aside>(transacted.step);
+    const bool isTaken = runAside(work, [this, exchange, finish, runAside, done] {
+        goOn(exchange, transact(*exchange, finish), runAside, done);
+    });
+    if (!isTaken)
+        done({busy(), transacted.isSignedIn});
+}
+
+ServerCore::Transacted ServerCore::transact(const Exchange &exchange,
+                                            const std::function<Step(Call &)> &handle)
+{
+    Call call{m_services, now(), exchange.peer, {}};
     m_database->begin();
-    HttpResponse response = route.access == Access::Anyone || signIn(call, parts)
-                                ? route.handle(call, parts)
-                                : unauthorized("Your session has ended or its token is not valid.");
-    const bool keeps = response.status < 400 || call.keepsChanges;
+    const bool mayEnter = exchange.route->access == Access::Anyone || signIn(call, exchange.parts);
+    Step step = mayEnter ? handle(call) : unauthorized("Your session has ended or its token is not valid.");
+    const bool isSignedIn = !call.caller.userId.empty();
+    const bool keeps = keepsChanges(step, call);
     if (keeps ? m_database->commit() : !m_database->hasFailed()) {
         if (!keeps)
             m_database->rollback();
-        return response;
+        return {std::move(step), isSignedIn};
     }
     qCWarning(serverLog, "the database failed: %s", m_database->lastError().c_str());
     m_database->rollback();
-    return databaseFailed();
+    return {databaseFailed(), isSignedIn};
 }
 
 bool ServerCore::signIn(Call &call, const RequestParts &parts)

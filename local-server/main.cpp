@@ -67,6 +67,7 @@ int main(int argc, char **argv)
         return EXIT_SUCCESS;
     }
     leaveParentBehind(options->foreground);
+    raiseDescriptorLimit();
     if (const auto fault = makePrivateFolder(options->dataDir); !fault.empty())
         return fail("the data folder cannot be made: " + fault);
     if (const auto fault = folderFault(options->dataDir); !fault.empty())

@@ -22,17 +22,23 @@ std::filesystem::path ownFolder()
     return error ? std::filesystem::path() : program.parent_path();
 }
 
+/// As they are handed to the server.
+struct ServeOptions {
+    std::optional<std::string> listen;
+    std::optional<std::string> trustedProxy;
+};
+
 /// The server takes this process's place: its messages, its signals and its exit status are the caller's own.
-CommandResult serve(const CommandTree &tree, const std::optional<std::string> &listen)
+CommandResult serve(const CommandTree &tree, const ServeOptions &options)
 {
     const Installation installation(tree.options().dataFolder);
     const std::string program = (ownFolder() / "orvane-server").string();
     std::vector<std::string> arguments{program, "--foreground", "--idle-exit",
                                        "0",     "--data-dir",   installation.serverFolder()};
-    if (listen) {
-        arguments.emplace_back("--listen");
-        arguments.push_back(*listen);
-    }
+    if (options.listen)
+        arguments.insert(arguments.end(), {"--listen", *options.listen});
+    if (options.trustedProxy)
+        arguments.insert(arguments.end(), {"--trusted-proxy", *options.trustedProxy});
     std::vector<char *> raw;
     for (std::string &argument : arguments)
         raw.push_back(argument.data());
@@ -49,11 +55,13 @@ CommandResult serve(const CommandTree &tree, const std::optional<std::string> &l
 
 void addServeCommand(CommandTree &tree)
 {
-    const auto listen = std::make_shared<std::optional<std::string>>();
+    const auto options = std::make_shared<ServeOptions>();
     CLI::App *command = tree.add("serve", "Run the server on this computer in the foreground", "The program");
-    CommandTree::addText(command, "--listen", *listen, "ADDRESS:PORT",
+    CommandTree::addText(command, "--listen", options->listen, "ADDRESS:PORT",
                          "Where others can reach it; closes registration");
-    tree.onRunPlain(command, [listen](const CommandTree &whole) { return serve(whole, *listen); });
+    CommandTree::addText(command, "--trusted-proxy", options->trustedProxy, "ADDRESS",
+                         "A proxy in front that says for whom it speaks; closes registration");
+    tree.onRunPlain(command, [options](const CommandTree &whole) { return serve(whole, *options); });
 }
 
 } // namespace orvane

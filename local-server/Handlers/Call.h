@@ -7,6 +7,7 @@
 #include "Records/Workspaces.h"
 #include "Security/AccessTokens.h"
 #include "Security/GuessGuard.h"
+#include "Security/PasswordGuesses.h"
 #include "Security/SignInCodes.h"
 
 #include <string>
@@ -18,7 +19,7 @@ struct Services {
     Database &database;
     AccessTokens tokens;
     SignInCodes codes{};
-    GuessGuard passwordGuesses{5};
+    PasswordGuesses passwordGuesses{};
     GuessGuard registrations{20};
     bool registrationOpen = true;
 
@@ -39,7 +40,7 @@ struct Call {
     Services &services;
     /// The server's time, in whole milliseconds.
     Instant now;
-    /// The address of the other side.
+    /// The address of the other side: of the one that a trusted proxy speaks for.
     std::string peer;
     /// Empty for operations that need no signing in.
     Caller caller;

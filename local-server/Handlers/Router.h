@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Handlers/Aside.h"
 #include "Handlers/Call.h"
 #include "OrvaneAPI/HttpMessage.h"
 #include "OrvaneAPI/Operations.h"
@@ -20,17 +21,19 @@ HttpResponse refusedInput(const RequestProblem &problem);
 class Router {
 public:
     struct Route {
-        std::function<HttpResponse(Call &, const RequestParts &)> handle;
+        std::function<Step(Call &, const RequestParts &)> handle;
         Access access = Access::SignedIn;
     };
 
-    template <class Operation>
-    void add(HttpResponse (*handler)(Call &, const typename Operation::Input &),
-             Access access = Access::SignedIn)
+    /// A handler answers an HttpResponse, or a Step when it may have work to do aside.
+    template <class Operation, class Outcome>
+    void add(Outcome (*handler)(Call &, const typename Operation::Input &), Access access = Access::SignedIn)
     {
-        m_routes[Operation::name] = {[handler](Call &call, const RequestParts &parts) {
+        m_routes[Operation::name] = {[handler](Call &call, const RequestParts &parts) -> Step {
                                          const auto input = Operation::read(parts);
-                                         return input ? handler(call, *input) : refusedInput(input.error());
+                                         if (!input)
+                                             return refusedInput(input.error());
+                                         return handler(call, *input);
                                      },
                                      access};
     }

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Handlers/Router.h"
 #include "Http/Problems.h"
-#include "Records/NameText.h"
 #include "Security/PasswordHash.h"
 
 namespace orvane::server {
@@ -33,26 +32,55 @@ HttpResponse revokeOtherSessions(Call &call, const operations::RevokeOtherSessio
     return noBody(204);
 }
 
-HttpResponse changePassword(Call &call, const operations::ChangePassword::Input &input)
+/// What the current password came to, and the new one's hash when it is needed and could be made.
+struct PasswordChange {
+    bool fits = false;
+    std::optional<std::string> newHash;
+};
+
+Step changePassword(Call &call, const operations::ChangePassword::Input &input);
+
+/// `hash` is what the current password was checked against.
+Step passwordChanged(Call &call, const operations::ChangePassword::Input &input, const std::string &hash,
+                     const PasswordChange &change)
+{
+    Services &services = call.services;
+    const auto account = services.accounts.byId(call.caller.userId);
+    if (!account || account->passwordHash != hash)
+        return changePassword(call, input);
+    if (const auto wait = services.passwordGuesses.wait(account->email, call.peer, call.now))
+        return tooMany(*wait);
+    if (!change.fits) {
+        services.passwordGuesses.failed(account->email, call.peer, call.now);
+        return invalid("currentPassword", "This is not your password.");
+    }
+    if (!change.newHash)
+        return problem(503, "The server is short of memory.", "Try again later.");
+    services.accounts.setPassword(account->id, *change.newHash);
+    // Whoever knew the old password is out.
+    services.sessions.endOthers(call.caller.sessionId, call.caller.userId);
+    return noBody(204);
+}
+
+Step changePassword(Call &call, const operations::ChangePassword::Input &input)
 {
     Services &services = call.services;
     const auto account = services.accounts.byId(call.caller.userId);
     if (!account || !account->passwordHash)
         return invalid("currentPassword", "This account has no password.");
-    const std::string key = "account " + nameKey(account->email);
-    if (const auto wait = services.passwordGuesses.wait(key, call.now))
+    if (const auto wait = services.passwordGuesses.wait(account->email, call.peer, call.now))
         return tooMany(*wait);
-    if (!passwordFits(account->passwordHash, input.body.currentPassword)) {
-        services.passwordGuesses.failed(key, call.now);
-        return invalid("currentPassword", "This is not your password.");
-    }
-    const auto hash = hashPassword(input.body.newPassword);
-    if (!hash)
-        return problem(503, "The server is short of memory.", "Try again later.");
-    services.accounts.setPassword(account->id, *hash);
-    // Whoever knew the old password is out.
-    services.sessions.endOthers(call.caller.sessionId, call.caller.userId);
-    return noBody(204);
+    const std::string hash = *account->passwordHash;
+    return aside(
+        [hash, body = input.body] {
+            PasswordChange change{.fits = passwordFits(hash, body.currentPassword), .newHash = {}};
+            if (change.fits)
+                change.newHash = hashPassword(body.newPassword);
+            return change;
+        },
+        [hash, input](Call &later, const PasswordChange &change) {
+            return passwordChanged(later, input, hash, change);
+        });
 }
 
 } // namespace

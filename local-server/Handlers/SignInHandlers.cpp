@@ -35,7 +35,28 @@ std::optional<HttpResponse> refusedAddress(const std::string &email)
     return std::nullopt;
 }
 
-HttpResponse register_(Call &call, const operations::Register::Input &input)
+HttpResponse addressTaken()
+{
+    return conflict("An account with this e-mail address exists already.");
+}
+
+HttpResponse registered(Call &call, const RegisterRequest &body, const std::optional<std::string> &hash)
+{
+    Services &services = call.services;
+    if (services.accounts.byEmail(body.email))
+        return addressTaken();
+    if (!hash)
+        return problem(503, "The server is short of memory.", "Try again later.");
+    AccountRecord account;
+    account.email = trimmed(body.email);
+    account.passwordHash = hash;
+    account.fullName = trimmed(body.fullName.value_or(""));
+    account.timeZone = body.timeZone.value_or("UTC");
+    const std::string userId = services.accounts.create(account, call.now);
+    return jsonAnswer(201, newSession(call, userId, body.deviceName, Sessions::Kind::Lasting));
+}
+
+Step register_(Call &call, const operations::Register::Input &input)
 {
     const RegisterRequest &body = input.body;
     Services &services = call.services;
@@ -50,39 +71,63 @@ HttpResponse register_(Call &call, const operations::Register::Input &input)
     // Each costs the work of a hash whether it succeeds or not, so each counts.
     services.registrations.failed(call.peer, call.now);
     if (services.accounts.byEmail(body.email))
-        return conflict("An account with this e-mail address exists already.");
-    const auto hash = hashPassword(body.password);
-    if (!hash)
-        return problem(503, "The server is short of memory.", "Try again later.");
-    AccountRecord account;
-    account.email = trimmed(body.email);
-    account.passwordHash = hash;
-    account.fullName = trimmed(body.fullName.value_or(""));
-    account.timeZone = body.timeZone.value_or("UTC");
-    const std::string userId = services.accounts.create(account, call.now);
-    return jsonAnswer(201, newSession(call, userId, body.deviceName, Sessions::Kind::Lasting));
+        return addressTaken();
+    return aside([password = body.password] { return hashPassword(password); },
+                 [body](Call &later, const std::optional<std::string> &hash) {
+                     return registered(later, body, hash);
+                 });
 }
 
-HttpResponse login(Call &call, const operations::Login::Input &input)
+/// What a password came to beside the hash that was kept for it.
+struct CheckedPassword {
+    bool fits = false;
+    /// A stronger one to keep instead.
+    std::optional<std::string> newHash;
+};
+
+CheckedPassword checkedPassword(const std::optional<std::string> &hash, const std::string &password)
+{
+    CheckedPassword checked{.fits = passwordFits(hash, password), .newHash = {}};
+    if (checked.fits && wantsRehash(*hash))
+        checked.newHash = hashPassword(password);
+    return checked;
+}
+
+Step login(Call &call, const operations::Login::Input &input);
+
+/// `hash` is what the password was checked against.
+Step loggedIn(Call &call, const operations::Login::Input &input, const std::optional<std::string> &hash,
+              const CheckedPassword &checked)
 {
     Services &services = call.services;
-    const std::string key = "account " + nameKey(input.body.email);
-    for (const std::string &slowed : {key, call.peer}) {
-        if (const auto wait = services.passwordGuesses.wait(slowed, call.now))
-            return tooMany(*wait);
-    }
-    const auto account = services.accounts.byEmail(input.body.email);
-    if (!passwordFits(account ? account->passwordHash : std::nullopt, input.body.password)) {
-        services.passwordGuesses.failed(key, call.now);
-        services.passwordGuesses.failed(call.peer, call.now);
+    const LoginRequest &body = input.body;
+    // Of many guesses that were checked at one time no more are answered than of as many in a row.
+    if (const auto wait = services.passwordGuesses.wait(body.email, call.peer, call.now))
+        return tooMany(*wait);
+    const auto account = services.accounts.byEmail(body.email);
+    if ((account ? account->passwordHash : std::nullopt) != hash)
+        return login(call, input);
+    if (!checked.fits) {
+        services.passwordGuesses.failed(body.email, call.peer, call.now);
         return unauthorized("The e-mail address or the password is wrong.");
     }
-    services.passwordGuesses.succeeded(key);
-    if (wantsRehash(*account->passwordHash)) {
-        if (const auto hash = hashPassword(input.body.password))
-            services.accounts.setPassword(account->id, *hash);
-    }
-    return jsonAnswer(200, newSession(call, account->id, input.body.deviceName, Sessions::Kind::Lasting));
+    services.passwordGuesses.succeeded(body.email, call.peer);
+    if (checked.newHash)
+        services.accounts.setPassword(account->id, *checked.newHash);
+    return jsonAnswer(200, newSession(call, account->id, body.deviceName, Sessions::Kind::Lasting));
+}
+
+Step login(Call &call, const operations::Login::Input &input)
+{
+    Services &services = call.services;
+    if (const auto wait = services.passwordGuesses.wait(input.body.email, call.peer, call.now))
+        return tooMany(*wait);
+    const auto account = services.accounts.byEmail(input.body.email);
+    const auto hash = account ? account->passwordHash : std::nullopt;
+    return aside([hash, password = input.body.password] { return checkedPassword(hash, password); },
+                 [hash, input](Call &later, const CheckedPassword &checked) {
+                     return loggedIn(later, input, hash, checked);
+                 });
 }
 
 HttpResponse refreshTokens(Call &call, const operations::RefreshTokens::Input &input)

@@ -1,40 +1,80 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Http/ConnectionGuard.h"
 
+#include "Http/Forwarding.h"
 #include "Http/Problems.h"
 #include "Http/RequestGate.h"
 
+#include <algorithm>
+#include <set>
+#include <sys/ioctl.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
 namespace orvane::server {
 
 namespace {
 
-constexpr std::size_t mostConnections = 128;
+constexpr std::size_t mostStrangersOfAPeer = 64;
+/// For the database, the log, the server's own socket and what comes and goes.
+constexpr std::size_t descriptorsOfOurs = 64;
 /// A request's line and headers may have this much on top of its body.
 constexpr qint64 longestHead = 64 * 1024;
 constexpr qint64 longestRequest = static_cast<qint64>(longestBody) + longestHead;
+/// Requests that a client may send before the first is answered.
+constexpr std::size_t mostTurns = 32;
 /// What is read away of a refused request, so that its sender gets to see the answer.
 constexpr qint64 longestDrain = 16 * longestRequest;
-constexpr std::chrono::milliseconds longestQuiet{120'000};
-constexpr std::chrono::milliseconds longestArrival{30'000};
-constexpr std::chrono::milliseconds sweepInterval{5'000};
+constexpr std::chrono::seconds longestSilence{5};
+constexpr std::chrono::seconds longestQuiet{120};
+constexpr std::chrono::seconds longestArrival{30};
+constexpr std::chrono::seconds sweepInterval{1};
+/// Many clients may come back in one moment, after the network was away.
+constexpr int backlog = 1024;
+
+SteadyTime steadyNow()
+{
+    return std::chrono::floor<SteadyTime>(std::chrono::steady_clock::now().time_since_epoch());
+}
+
+std::size_t descriptorsForConnections()
+{
+    struct rlimit limit{};
+    if (::getrlimit(RLIMIT_NOFILE, &limit) != 0)
+        return mostStrangersOfAPeer;
+    const auto all = static_cast<std::size_t>(limit.rlim_cur);
+    return std::max(all, 2 * descriptorsOfOurs) - descriptorsOfOurs;
+}
+
+/// Drops the first idle ones until no more than `most` are left, if that many are idle.
+void dropDownTo(std::size_t most, const std::vector<GuardedSocket *> &sockets)
+{
+    std::size_t left = sockets.size();
+    for (GuardedSocket *socket : sockets) {
+        if (left <= most)
+            return;
+        if (!socket->isIdle())
+            continue;
+        socket->drop();
+        --left;
+    }
+}
 
 } // namespace
 
-GuardedSocket::GuardedSocket(QObject *parent) : QTcpSocket(parent)
+GuardedSocket::GuardedSocket(SteadyClock clock, QObject *parent)
+    : QTcpSocket(parent), m_clock(std::move(clock)), m_lastArrival(m_clock())
 {
-    m_lastArrival.start();
     // Connected before the HTTP library connects, hence called before it reads.
     connect(this, &QTcpSocket::readyRead, this, &GuardedSocket::arrived);
 }
 
 void GuardedSocket::arrived()
 {
-    m_lastArrival.start();
-    if (!m_requestBegan.isValid())
-        m_requestBegan.start();
+    m_lastArrival = m_clock();
+    m_hasSpoken = true;
+    if (!m_requestBegan)
+        m_requestBegan = m_lastArrival;
     m_received += bytesAvailable() - m_unread;
     if (!m_refused && m_received > longestRequest) {
         refuse();
@@ -66,48 +106,138 @@ void GuardedSocket::refuse()
     ::shutdown(static_cast<int>(socketDescriptor()), SHUT_WR);
 }
 
-void GuardedSocket::requestAnswered()
+void GuardedSocket::drop()
 {
-    m_received = 0;
-    m_requestBegan.invalidate();
-}
-
-void GuardedSocket::dropIfStale()
-{
-    const bool stuck = m_requestBegan.isValid() && m_requestBegan.hasExpired(longestArrival.count());
-    if (!stuck && !m_lastArrival.hasExpired(longestQuiet.count()))
-        return;
+    // The HTTP library would go on to read what is there no more.
+    QObject::disconnect(this, &QTcpSocket::readyRead, nullptr, nullptr);
     abort();
     deleteLater();
 }
 
-ConnectionGuard::ConnectionGuard(QObject *parent) : QTcpServer(parent)
+void GuardedSocket::takeTurn(std::function<void()> begin)
 {
+    if (m_isAnswering && m_turns.size() >= mostTurns) {
+        QMetaObject::invokeMethod(this, &GuardedSocket::drop, Qt::QueuedConnection);
+    } else if (m_isAnswering) {
+        m_turns.push_back(std::move(begin));
+    } else {
+        m_isAnswering = true;
+        begin();
+    }
+}
+
+void GuardedSocket::requestAnswered()
+{
+    m_received = 0;
+    m_requestBegan.reset();
+    m_lastArrival = m_clock();
+    m_isAnswering = !m_turns.empty();
+    // Not from inside this answer: the answers of many short requests would pile up on the stack.
+    if (m_isAnswering)
+        QMetaObject::invokeMethod(this, &GuardedSocket::beginNextTurn, Qt::QueuedConnection);
+}
+
+void GuardedSocket::beginNextTurn()
+{
+    const auto begin = std::move(m_turns.front());
+    m_turns.pop_front();
+    begin();
+}
+
+bool GuardedSocket::isIdle() const
+{
+    int waiting = 0;
+    const bool known = ::ioctl(static_cast<int>(socketDescriptor()), FIONREAD, &waiting) == 0;
+    return !m_isAnswering && !(known && waiting > 0);
+}
+
+bool GuardedSocket::isStale() const
+{
+    if (m_isAnswering)
+        return false;
+    const SteadyTime now = m_clock();
+    const auto longest = m_hasSpoken || !m_isStranger ? longestQuiet : longestSilence;
+    return now - m_lastArrival >= longest || (m_requestBegan && now - *m_requestBegan >= longestArrival);
+}
+
+ConnectionGuard::ConnectionGuard() : ConnectionGuard(Options{}) {}
+
+ConnectionGuard::ConnectionGuard(Options options)
+    : m_options(std::move(options)), m_most(m_options.mostConnections.value_or(descriptorsForConnections()))
+{
+    if (!m_options.clock)
+        m_options.clock = steadyNow;
+    setListenBacklogSize(backlog);
     connect(&m_sweep, &QTimer::timeout, this, &ConnectionGuard::sweep);
     m_sweep.start(sweepInterval);
 }
 
 void ConnectionGuard::incomingConnection(qintptr descriptor)
 {
-    std::erase_if(m_sockets, [](const auto &socket) {
-        return !socket || socket->state() == QAbstractSocket::UnconnectedState;
-    });
-    if (m_sockets.size() >= mostConnections) {
-        ::close(static_cast<int>(descriptor));
+    auto *socket = new GuardedSocket(m_options.clock, this);
+    socket->setSocketDescriptor(descriptor);
+    if (addressText(socket->peerAddress()) == m_options.trustedProxy)
+        socket->setSignedIn();
+    forgetClosed();
+    if (socket->isStranger())
+        keepStrangers(socket->peerAddress(), mostStrangersOfAPeer - 1);
+    keepConnections(m_most - 1);
+    if (m_sockets.size() >= m_most) {
+        socket->drop();
         return;
     }
-    auto *socket = new GuardedSocket(this);
-    socket->setSocketDescriptor(descriptor);
     m_sockets.emplace_back(socket);
     addPendingConnection(socket);
 }
 
+void ConnectionGuard::forgetClosed()
+{
+    std::erase_if(m_sockets, [](const auto &socket) {
+        return !socket || socket->state() == QAbstractSocket::UnconnectedState;
+    });
+}
+
+void ConnectionGuard::keepStrangers(const QHostAddress &peer, std::size_t most)
+{
+    std::vector<GuardedSocket *> strangers;
+    for (const auto &socket : m_sockets) {
+        if (socket->isStranger() && socket->peerAddress() == peer)
+            strangers.push_back(socket);
+    }
+    dropDownTo(most, strangers);
+    forgetClosed();
+}
+
+/// Of all connections together; strangers alone go.
+void ConnectionGuard::keepConnections(std::size_t most)
+{
+    if (m_sockets.size() <= most)
+        return;
+    std::vector<GuardedSocket *> strangers;
+    for (const auto &socket : m_sockets) {
+        if (socket->isStranger())
+            strangers.push_back(socket);
+    }
+    const std::size_t others = m_sockets.size() - strangers.size();
+    dropDownTo(most > others ? most - others : 0, strangers);
+    forgetClosed();
+}
+
 void ConnectionGuard::sweep()
 {
+    forgetClosed();
     for (const auto &socket : m_sockets) {
-        if (socket)
-            socket->dropIfStale();
+        if (socket->isStale())
+            socket->drop();
     }
+    forgetClosed();
+    std::set<QString> peers;
+    for (const auto &socket : m_sockets) {
+        if (socket->isStranger())
+            peers.insert(socket->peerAddress().toString());
+    }
+    for (const QString &peer : peers)
+        keepStrangers(QHostAddress(peer), mostStrangersOfAPeer);
 }
 
 } // namespace orvane::server

@@ -1,53 +1,100 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QElapsedTimer>
 #include <QPointer>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTimer>
+#include <chrono>
+#include <deque>
+#include <functional>
+#include <optional>
+#include <string>
 #include <vector>
 
 namespace orvane::server {
 
+/// A time that only goes forward, since some point of its own.
+using SteadyTime = std::chrono::milliseconds;
+using SteadyClock = std::function<SteadyTime()>;
+
 /// A connection that bounds what one request may bring: the HTTP library collects a request until it is
-/// complete, however long it is.
+/// complete, however long it is. Its requests are answered one after the other, also when an answer takes a
+/// while and the next request is there already.
 class GuardedSocket : public QTcpSocket {
     Q_OBJECT
 
 public:
-    explicit GuardedSocket(QObject *parent);
+    GuardedSocket(SteadyClock clock, QObject *parent);
 
+    /// Calls `begin` when the answers to all earlier requests have been given.
+    void takeTurn(std::function<void()> begin);
     /// An answer was given: the next byte belongs to another request.
     void requestAnswered();
-    /// Drops a connection that has been quiet, or whose request has been arriving, for too long.
-    void dropIfStale();
+    /// Whether nothing is being answered, and nothing has come that was not looked at yet.
+    bool isIdle() const;
+
+    /// A stranger is who has not shown a good access token over this connection so far.
+    bool isStranger() const { return m_isStranger; }
+    void setSignedIn() { m_isStranger = false; }
+
+    /// Whether it has been silent, or its request has been arriving, for too long.
+    bool isStale() const;
+    /// Ends the connection at once, and this object soon.
+    void drop();
 
 private:
     void arrived();
     void settle();
     void refuse();
+    void beginNextTurn();
 
-    QElapsedTimer m_lastArrival;
-    QElapsedTimer m_requestBegan;
+    SteadyClock m_clock;
+    SteadyTime m_lastArrival;
+    std::optional<SteadyTime> m_requestBegan;
+    std::deque<std::function<void()>> m_turns;
     qint64 m_received = 0;
     qint64 m_unread = 0;
+    bool m_isAnswering = false;
+    bool m_isStranger = true;
+    bool m_hasSpoken = false;
     bool m_refused = false;
 };
 
-/// Takes connections, up to a number.
+/// Takes connections: those of signed-in users as long as the process has descriptors, and of strangers a
+/// number for each peer. A stranger too many is let in, and that peer's oldest one goes for it, so that those
+/// who hold connections open shut nobody out. Who is being answered does not have to go.
 class ConnectionGuard : public QTcpServer {
     Q_OBJECT
 
 public:
-    explicit ConnectionGuard(QObject *parent = nullptr);
+    struct Options {
+        /// The address of a trusted proxy: its connections carry everybody's requests, so none of them is a
+        /// stranger's.
+        std::optional<std::string> trustedProxy = {};
+        /// Of all connections together; what the process has descriptors for, without it.
+        std::optional<std::size_t> mostConnections = {};
+        /// The system's when absent.
+        SteadyClock clock = {};
+    };
+
+    ConnectionGuard();
+    explicit ConnectionGuard(Options options);
+
+    /// Closes the connections that are stale or too many; happens by itself every second.
+    void sweep();
 
 protected:
     void incomingConnection(qintptr descriptor) override;
 
 private:
-    void sweep();
+    void forgetClosed();
+    void keepStrangers(const QHostAddress &peer, std::size_t most);
+    void keepConnections(std::size_t most);
 
+    Options m_options;
+    std::size_t m_most;
+    /// In the order of their coming.
     std::vector<QPointer<GuardedSocket>> m_sockets;
     QTimer m_sweep;
 };

@@ -2,7 +2,9 @@
 #include "Http/HttpFront.h"
 
 #include "Http/ConnectionGuard.h"
+#include "Http/Forwarding.h"
 #include "Http/Problems.h"
+#include "Support/Require.h"
 
 #include <QAbstractHttpServer>
 #include <QHttpServerRequest>
@@ -17,6 +19,7 @@ std::optional<HttpMethod> methodOf(const QHttpServerRequest &request)
 {
     switch (request.method()) {
     case QHttpServerRequest::Method::Get:
+    case QHttpServerRequest::Method::Head:
         return HttpMethod::Get;
     case QHttpServerRequest::Method::Post:
         return HttpMethod::Post;
@@ -54,21 +57,23 @@ HttpRequest requestFrom(const QHttpServerRequest &request, HttpMethod method)
     return out;
 }
 
-void send(QHttpServerResponder &responder, const HttpResponse &response)
+/// `isHead` asks for what a GET is answered, without its body.
+void send(QHttpServerResponder &responder, const HttpResponse &response, bool isHead)
 {
     const auto status = static_cast<QHttpServerResponder::StatusCode>(response.status);
 #if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
     QHttpHeaders headers;
     for (const auto &[name, value] : response.headers.all())
         headers.append(name, value);
-    responder.write(QByteArray::fromStdString(response.body), headers, status);
+    // To this library a HEAD's Content-Length is that of what it writes, so it is left out.
+    responder.write(isHead ? QByteArray() : QByteArray::fromStdString(response.body), headers, status);
 #else
     responder.writeStatusLine(status);
     for (const auto &[name, value] : response.headers.all())
         responder.writeHeader(QByteArray::fromStdString(name), QByteArray::fromStdString(value));
     if (response.status != 204)
         responder.writeHeader("Content-Length", QByteArray::number(response.body.size()));
-    responder.writeBody(QByteArray::fromStdString(response.body));
+    responder.writeBody(isHead ? QByteArray() : QByteArray::fromStdString(response.body));
 #endif
 }
 
@@ -81,52 +86,86 @@ public:
 #if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
     bool handleRequest(const QHttpServerRequest &request, QHttpServerResponder &responder) override
     {
-        answer(request, responder);
         for (auto *server : servers()) {
             for (auto *socket : server->findChildren<GuardedSocket *>()) {
-                if (socket->peerPort() == request.remotePort())
-                    socket->requestAnswered();
+                if (socket->peerPort() == request.remotePort()) {
+                    take(request, std::move(responder), *socket);
+                    return true;
+                }
             }
         }
-        return true;
+        return false;
     }
     void missingHandler(const QHttpServerRequest &, QHttpServerResponder &) override {}
 #else
     bool handleRequest(const QHttpServerRequest &request, QTcpSocket *socket) override
     {
-        QHttpServerResponder responder = makeResponder(request, socket);
-        answer(request, responder);
-        if (auto *guarded = qobject_cast<GuardedSocket *>(socket))
-            guarded->requestAnswered();
-        if (request.value("Connection").toLower() == "close")
-            socket->disconnectFromHost();
+        auto *guarded = qobject_cast<GuardedSocket *>(socket);
+        ORVANE_REQUIRE(guarded, "a connection came past the guard");
+        take(request, makeResponder(request, socket), *guarded);
         return true;
     }
     void missingHandler(const QHttpServerRequest &, QTcpSocket *) override {}
 #endif
 
 private:
-    void answer(const QHttpServerRequest &request, QHttpServerResponder &responder)
+    /// A request between its arrival and its answer.
+    struct Exchange {
+        QPointer<GuardedSocket> socket;
+        QHttpServerResponder responder;
+        std::optional<HttpMethod> method;
+        HttpRequest request;
+        bool isHead = false;
+        bool closes = false;
+    };
+
+    void take(const QHttpServerRequest &request, QHttpServerResponder &&responder, GuardedSocket &socket)
     {
         const auto method = methodOf(request);
-        if (!method) {
-            send(responder, problem(405, "This address does not take that method.", {}));
+        const auto exchange = std::make_shared<Exchange>(Exchange{
+            &socket, std::move(responder), method, method ? requestFrom(request, *method) : HttpRequest(),
+            request.method() == QHttpServerRequest::Method::Head,
+            request.value("Connection").toLower() == "close"});
+        socket.takeTurn([this, exchange] { begin(exchange); });
+    }
+
+    void begin(const std::shared_ptr<Exchange> &exchange)
+    {
+        if (!exchange->method)
+            return answer(*exchange, problem(405, "This address does not take that method.", {}), false);
+        m_handle(exchange->request, addressText(exchange->socket->peerAddress()),
+                 [exchange](const HttpResponse &response, bool isSignedIn) {
+                     answer(*exchange, response, isSignedIn);
+                 });
+    }
+
+    static void answer(Exchange &exchange, const HttpResponse &response, bool isSignedIn)
+    {
+        GuardedSocket *socket = exchange.socket;
+        if (!socket || socket->state() != QAbstractSocket::ConnectedState)
             return;
-        }
-        send(responder,
-             m_handle(requestFrom(request, *method), request.remoteAddress().toString().toStdString()));
+        send(exchange.responder, response, exchange.isHead);
+        if (isSignedIn)
+            socket->setSignedIn();
+        if (exchange.closes)
+            socket->disconnectFromHost();
+        socket->requestAnswered();
     }
 
     Handle m_handle;
 };
 
-HttpFront::HttpFront(Handle handle) : m_bridge(std::make_unique<Bridge>(std::move(handle))) {}
+HttpFront::HttpFront(Handle handle, std::optional<std::string> trustedProxy)
+    : m_trustedProxy(std::move(trustedProxy)), m_bridge(std::make_unique<Bridge>(std::move(handle)))
+{
+}
 
 HttpFront::~HttpFront() = default;
 
 Result<std::uint16_t, std::string> HttpFront::listen(const ListenPoint &point)
 {
-    auto listener = std::make_unique<ConnectionGuard>();
+    auto listener = std::make_unique<ConnectionGuard>(
+        ConnectionGuard::Options{.trustedProxy = m_trustedProxy, .mostConnections = {}, .clock = {}});
     if (!listener->listen(QHostAddress(QString::fromStdString(point.address)), point.port))
         return failure(listener->errorString().toStdString());
     const std::uint16_t port = listener->serverPort();

@@ -8,6 +8,7 @@
 #include <QObject>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace orvane::server {
@@ -16,9 +17,13 @@ namespace orvane::server {
 /// differs between versions of the HTTP library is in its source file alone.
 class HttpFront : public QObject {
 public:
-    using Handle = std::function<HttpResponse(const HttpRequest &request, const std::string &peer)>;
+    /// `isSignedIn` says whether the request came with a good access token.
+    using Reply = std::function<void(HttpResponse response, bool isSignedIn)>;
+    /// Calls `reply` once, at once or later; the connection may be gone by then, and the front too.
+    using Handle = std::function<void(const HttpRequest &request, const std::string &peer, Reply reply)>;
 
-    explicit HttpFront(Handle handle);
+    /// `trustedProxy` is the address of a proxy whose connections carry everybody's requests.
+    explicit HttpFront(Handle handle, std::optional<std::string> trustedProxy = {});
     ~HttpFront() override;
 
     /// Port 0 lets the system choose. Answers the port, or what the system said.
@@ -27,6 +32,7 @@ public:
 
 private:
     class Bridge;
+    std::optional<std::string> m_trustedProxy;
     std::unique_ptr<Bridge> m_bridge;
 };
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Http/RequestGate.h"
 
+#include "Http/Forwarding.h"
 #include "Http/Problems.h"
 
 #include <QHostAddress>
@@ -87,14 +88,30 @@ bool RequestGate::isOurHost(const std::string &text) const
     return m_point.isAnyAddress() && isAddressText(host);
 }
 
-std::optional<HttpResponse> RequestGate::refuse(const HttpRequest &request) const
+std::string RequestGate::senderOf(const HttpRequest &request, const std::string &peer) const
 {
-    const auto host = request.headers.find("Host");
-    if (!host || !isOurHost(*host))
+    return peer == m_trustedProxy ? forwardedPeer(request.headers).value_or(peer) : peer;
+}
+
+/// The names behind which the trusted proxy puts this server are the proxy's business; a page of one of them
+/// may have been fetched over TLS.
+std::optional<HttpResponse> RequestGate::refuseName(const HttpRequest &request, const std::string &peer) const
+{
+    const auto forwarded = peer == m_trustedProxy ? forwardedHost(request.headers) : std::nullopt;
+    const auto host = forwarded ? forwarded : request.headers.find("Host");
+    if (!host || (!forwarded && !isOurHost(*host)))
         return problem(421, "This server does not go by that name.",
                        "The request's Host is not the address on which this server listens.");
-    if (const auto origin = request.headers.find("Origin"); origin && *origin != "http://" + *host)
+    const auto origin = request.headers.find("Origin");
+    if (origin && *origin != "http://" + *host && !(forwarded && *origin == "https://" + *host))
         return forbidden("Web pages of other origins may not use this server.");
+    return std::nullopt;
+}
+
+std::optional<HttpResponse> RequestGate::refuse(const HttpRequest &request, const std::string &peer) const
+{
+    if (auto refusal = refuseName(request, peer))
+        return refusal;
     if (request.body.size() > longestBody)
         return bodyTooLarge();
     if (!request.body.empty() && !isJson(request.headers.find("Content-Type").value_or("")))

@@ -29,15 +29,23 @@ HttpResponse bodyTooLarge();
 /// address, under its own name too, once that name's address is changed to the loopback one.
 class RequestGate {
 public:
-    explicit RequestGate(ListenPoint point) : m_point(std::move(point)) {}
+    /// `trustedProxy` is the address of a proxy whose word is taken for who sent a request and to which name.
+    explicit RequestGate(ListenPoint point, std::optional<std::string> trustedProxy = {})
+        : m_point(std::move(point)), m_trustedProxy(std::move(trustedProxy))
+    {
+    }
 
-    /// The refusal, or nothing when the request may go on.
-    std::optional<HttpResponse> refuse(const HttpRequest &request) const;
+    /// The refusal, or nothing when the request may go on. `peer` is the other side of the connection.
+    std::optional<HttpResponse> refuse(const HttpRequest &request, const std::string &peer) const;
+    /// Who sent the request: `peer`, or the one that the trusted proxy names.
+    std::string senderOf(const HttpRequest &request, const std::string &peer) const;
 
 private:
     bool isOurHost(const std::string &host) const;
+    std::optional<HttpResponse> refuseName(const HttpRequest &request, const std::string &peer) const;
 
     ListenPoint m_point;
+    std::optional<std::string> m_trustedProxy;
 };
 
 } // namespace orvane::server

@@ -2,6 +2,7 @@
 #include "Process/ProcessSetup.h"
 
 #include <QSocketNotifier>
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
@@ -96,6 +97,17 @@ void releaseStandardStreams()
         ::dup2(null, descriptor);
     if (null > 2)
         ::close(null);
+}
+
+void raiseDescriptorLimit()
+{
+    struct rlimit limit{};
+    if (::getrlimit(RLIMIT_NOFILE, &limit) != 0)
+        return;
+    // Where there is no bound the system may still take no such number.
+    constexpr rlim_t plenty = 65536;
+    limit.rlim_cur = limit.rlim_max == RLIM_INFINITY ? std::max(limit.rlim_cur, plenty) : limit.rlim_max;
+    ::setrlimit(RLIMIT_NOFILE, &limit);
 }
 
 std::string makePrivateFolder(const std::string &path)

@@ -16,6 +16,9 @@ void leaveParentBehind(bool foreground);
 /// Lets go of the parent's standard streams, so that nobody waits for their end.
 void releaseStandardStreams();
 
+/// Lets the process have as many open files as the system grants it: each connection takes one.
+void raiseDescriptorLimit();
+
 /// Makes a folder, and those above it, for the owner alone. Answers what went wrong, or nothing.
 std::string makePrivateFolder(const std::string &path);
 

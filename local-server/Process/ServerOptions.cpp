@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Process/ServerOptions.h"
 
+#include "Http/Forwarding.h"
+
 #include <QHostAddress>
 #include <charconv>
 #include <string_view>
@@ -17,6 +19,16 @@ std::optional<Number> numberFrom(std::string_view text)
     return error == std::errc() && end == text.data() + text.size() ? std::optional{number} : std::nullopt;
 }
 
+/// Null for what is no address.
+QHostAddress addressFrom(std::string_view text)
+{
+    if (text.starts_with('[') && text.ends_with(']'))
+        text = text.substr(1, text.size() - 2);
+    if (text == "localhost")
+        text = "127.0.0.1";
+    return QHostAddress(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
+}
+
 /// "ADDRESS:PORT"; an IPv6 address stands in brackets.
 std::optional<ListenPoint> listenPointFrom(std::string_view text)
 {
@@ -24,15 +36,21 @@ std::optional<ListenPoint> listenPointFrom(std::string_view text)
     if (colon == std::string_view::npos)
         return std::nullopt;
     const auto port = numberFrom<std::uint16_t>(text.substr(colon + 1));
-    std::string_view address = text.substr(0, colon);
-    if (address.starts_with('[') && address.ends_with(']'))
-        address = address.substr(1, address.size() - 2);
-    if (address == "localhost")
-        address = "127.0.0.1";
-    const QHostAddress parsed(QString::fromUtf8(address.data(), static_cast<qsizetype>(address.size())));
-    if (!port || parsed.isNull())
+    const QHostAddress address = addressFrom(text.substr(0, colon));
+    if (!port || address.isNull())
         return std::nullopt;
-    return ListenPoint{parsed.toString().toStdString(), *port};
+    return ListenPoint{address.toString().toStdString(), *port};
+}
+
+std::optional<std::string> proxyFrom(std::string_view text)
+{
+    const QHostAddress address = addressFrom(text);
+    return address.isNull() ? std::nullopt : std::optional{addressText(address)};
+}
+
+bool takesValue(std::string_view name)
+{
+    return name == "--data-dir" || name == "--listen" || name == "--trusted-proxy" || name == "--idle-exit";
 }
 
 std::string setOption(ServerOptions &options, std::string_view name, std::string_view value)
@@ -44,6 +62,10 @@ std::string setOption(ServerOptions &options, std::string_view name, std::string
     if (name == "--listen") {
         options.listen = listenPointFrom(value);
         return options.listen ? "" : "--listen takes ADDRESS:PORT, such as 0.0.0.0:8080";
+    }
+    if (name == "--trusted-proxy") {
+        options.trustedProxy = proxyFrom(value);
+        return options.trustedProxy ? "" : "--trusted-proxy takes an address, such as 127.0.0.1";
     }
     const auto seconds = numberFrom<std::int64_t>(value);
     // A bound that a timer's milliseconds can hold.
@@ -66,7 +88,7 @@ Result<ServerOptions, std::string> readServerOptions(int argc, const char *const
             options.wantsHelp = true;
         } else if (argument == "--version") {
             options.wantsVersion = true;
-        } else if (argument == "--data-dir" || argument == "--listen" || argument == "--idle-exit") {
+        } else if (takesValue(argument)) {
             if (i + 1 == argc)
                 return failure(std::string(argument) + " needs a value");
             if (auto fault = setOption(options, argument, argv[++i]); !fault.empty())
@@ -88,6 +110,9 @@ std::string serverUsage()
            "  --listen ADDRESS:PORT   listen there instead of on a loopback port of its own;\n"
            "                          off loopback it closes registration, and plain HTTP can be read on the "
            "way\n"
+           "  --trusted-proxy ADDRESS take that proxy's word for who sends a request and to which name\n"
+           "                          (X-Forwarded-For and X-Forwarded-Host, or Forwarded); it must set or\n"
+           "                          remove them all. Closes registration\n"
            "  --idle-exit SECONDS     end after that long without a request, 0 for never (default 600)\n"
            "  --foreground            stay with the terminal and say what happens\n"
            "  --version, --help\n";

@@ -15,6 +15,8 @@ struct ServerOptions {
     std::string dataDir;
     /// Where to listen instead of the kept loopback port.
     std::optional<ListenPoint> listen;
+    /// The address of a proxy that says for whom it speaks; see RequestGate.
+    std::optional<std::string> trustedProxy;
     /// Ends after that long without a request; zero is never.
     std::chrono::seconds idleExit{600};
     /// Stays with its terminal and says what it does there.

@@ -30,10 +30,12 @@ std::string userName()
 ServerProcess::ServerProcess(ServerOptions options)
     : m_options(std::move(options))
     , m_lock(file("server.lock"))
-    , m_front([this](const HttpRequest &request, const std::string &peer) {
-        restartIdleTimer();
-        return m_core->handle(request, peer);
-    })
+    , m_front(
+          [this](const HttpRequest &request, const std::string &peer, HttpFront::Reply reply) {
+              restartIdleTimer();
+              serve(request, peer, std::move(reply));
+          },
+          m_options.trustedProxy)
     , m_socket([this](const SocketRequest &request) {
         restartIdleTimer();
         return answer(request);
@@ -49,6 +51,7 @@ ServerProcess::~ServerProcess()
     // at the port or in the database.
     m_socket.close();
     m_front.close();
+    m_hashes.reset();
     m_core.reset();
     m_lock.unlock();
 }
@@ -72,7 +75,9 @@ Result<ServerProcess::Outcome, std::string> ServerProcess::start()
     if (auto fault = m_socket.listen(file("run")); !fault.empty())
         return failure("the folder of the server's socket cannot be used: " + fault);
     qCInfo(processLog, "serving at %s", m_point.url().c_str());
-    if (!m_point.isLoopback())
+    if (m_options.trustedProxy)
+        qCInfo(processLog, "a proxy in front is taken at its word. Registration is closed.");
+    else if (!m_point.isLoopback())
         qCWarning(processLog, "listening beyond this computer over plain HTTP: passwords and tokens can be "
                               "read on the way. Put a proxy with TLS in front. Registration is closed.");
     restartIdleTimer();
@@ -116,12 +121,23 @@ std::string ServerProcess::openCore()
 {
     auto core = ServerCore::open({.databasePath = file("orvane-server.sqlite"),
                                   .listenPoint = m_point,
+                                  .trustedProxy = m_options.trustedProxy,
                                   .clock = {},
                                   .userName = userName()});
     if (!core)
         return std::move(core.error());
     m_core = std::move(*core);
     return {};
+}
+
+void ServerProcess::serve(const HttpRequest &request, const std::string &peer, HttpFront::Reply reply)
+{
+    const auto aside = [pool = m_hashes.get()](std::function<void()> work, std::function<void()> done) {
+        return pool->run(std::move(work), std::move(done));
+    };
+    m_core->serve(request, peer, aside, [reply = std::move(reply)](Served served) {
+        reply(std::move(served.response), served.isSignedIn);
+    });
 }
 
 SocketAnswer ServerProcess::answer(const SocketRequest &request)

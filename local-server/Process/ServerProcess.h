@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Http/HttpFront.h"
+#include "Process/HashPool.h"
 #include "Process/ServerOptions.h"
 #include "Process/ServerSocket.h"
 #include "ServerCore.h"
@@ -37,6 +38,7 @@ private:
     bool takeFolder();
     std::string listen();
     std::string openCore();
+    void serve(const HttpRequest &request, const std::string &peer, HttpFront::Reply reply);
     SocketAnswer answer(const SocketRequest &request);
     void restartIdleTimer();
     std::string file(const char *name) const;
@@ -45,6 +47,7 @@ private:
     ListenPoint m_point;
     FileLock m_lock;
     std::unique_ptr<ServerCore> m_core;
+    std::unique_ptr<HashPool> m_hashes = std::make_unique<HashPool>();
     HttpFront m_front;
     ServerSocket m_socket;
     QTimer m_idle;

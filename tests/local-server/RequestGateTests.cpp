@@ -38,6 +38,69 @@ TEST_F(Requests, OnlyTheServersOwnNamesAreAnswered)
     EXPECT_EQ(withHeader("Host", "[::1]").status, 200);
 }
 
+class BehindAProxy : public Requests {
+protected:
+    BehindAProxy() { openServer({"127.0.0.1", 4711}, "127.0.0.1"); }
+
+    using Headers = std::vector<HttpHeader>;
+    int statusWith(HttpRequest request, const Headers &headers)
+    {
+        request.headers.set("Host", "127.0.0.1:4711");
+        for (const auto &[name, value] : headers)
+            request.headers.set(name, value);
+        return send(request).status;
+    }
+    int login(const std::string &email, const Headers &headers)
+    {
+        LoginRequest body;
+        body.email = email;
+        body.password = "guess";
+        return statusWith(Login::request({body}), headers);
+    }
+};
+
+TEST_F(BehindAProxy, TheNameIsTheOneThatTheProxyWasAskedBy)
+{
+    const HttpHeader forwarded{"X-Forwarded-Host", "time.example.org"};
+    const HttpRequest request = GetServer::request({});
+    EXPECT_EQ(statusWith(request, {}), 200) << "from this computer, past the proxy";
+    EXPECT_EQ(statusWith(request, {forwarded, {"Host", "upstream"}}), 200);
+    EXPECT_EQ(statusWith(request, {{"Forwarded", "for=192.0.2.9;Host=\"time.example.org\""}, {"Host", "x"}}),
+              200);
+    EXPECT_EQ(statusWith(request, {forwarded, {"Origin", "https://time.example.org"}}), 200);
+    EXPECT_EQ(statusWith(request, {forwarded, {"Origin", "https://evil.example"}}), 403);
+    EXPECT_EQ(statusWith(request, {forwarded, {"Origin", "http://127.0.0.1:4711"}}), 403);
+    EXPECT_EQ(statusWith(request, {{"Host", "time.example.org"}}), 421);
+    peer = "127.0.0.2";
+    EXPECT_EQ(statusWith(request, {forwarded, {"Host", "time.example.org"}}), 421) << "not the proxy's word";
+    EXPECT_EQ(statusWith(request, {forwarded, {"Origin", "https://time.example.org"}}), 403);
+}
+
+TEST_F(BehindAProxy, GuessesCountForWhoeverSentThem)
+{
+    const auto from = [](const char *hops) { return Headers{{"X-Forwarded-For", hops}}; };
+    for (int i = 0; i < 5; ++i)
+        EXPECT_EQ(login("grace@example.org", from("198.51.100.1, 192.0.2.9")), 401);
+    EXPECT_EQ(login("grace@example.org", from("192.0.2.9")), 429);
+    EXPECT_EQ(login("grace@example.org", from("198.51.100.2,192.0.2.9:5005")), 429)
+        << "what comes before is theirs";
+    EXPECT_EQ(
+        login("grace@example.org", {{"Forwarded", "for=198.51.100.1, for=\"192.0.2.9:99\";proto=https"}}),
+        429);
+    EXPECT_EQ(login("grace@example.org", from("::ffff:192.0.2.9")), 429);
+    EXPECT_EQ(login("grace@example.org", from("192.0.2.10")), 401) << "somebody else";
+    EXPECT_EQ(login("grace@example.org", {{"Forwarded", "for=\"[2001:db8::1]:4711\""}}), 401);
+    EXPECT_EQ(login("grace@example.org", from("unknown")), 401) << "the proxy itself";
+    peer = "127.0.0.2";
+    EXPECT_EQ(login("grace@example.org", from("192.0.2.9")), 401) << "only the proxy says for whom it speaks";
+}
+
+TEST_F(BehindAProxy, RegistrationIsClosed)
+{
+    EXPECT_EQ(statusWith(Register::request({registration()}), {}), 403);
+    EXPECT_EQ(statusWith(Register::request({registration()}), {{"X-Forwarded-For", "127.0.0.1"}}), 403);
+}
+
 TEST_F(Requests, PagesOfOtherOriginsAreTurnedAway)
 {
     EXPECT_EQ(withHeader("Origin", "http://127.0.0.1:0").status, 200);

@@ -17,11 +17,13 @@ class ServerFixture : public ::testing::Test {
 protected:
     ServerFixture() { openServer({}); }
 
-    void openServer(ListenPoint point)
+    void openServer(ListenPoint point, std::optional<std::string> trustedProxy = {},
+                    std::string databasePath = ":memory:")
     {
         ServerCore::Options options;
-        options.databasePath = ":memory:";
+        options.databasePath = std::move(databasePath);
         options.listenPoint = std::move(point);
+        options.trustedProxy = std::move(trustedProxy);
         options.clock = [this] { return now; };
         options.userName = "ada";
         auto opened = ServerCore::open(std::move(options));

@@ -3,6 +3,7 @@
 #include "OrvaneAPI/Operations.h"
 #include "Process/SocketMessages.h"
 #include "Security/RandomText.h"
+#include "Support/FileDescriptor.h"
 #include "support/LoopbackServer.h"
 
 #include <QDir>
@@ -11,10 +12,13 @@
 #include <QProcess>
 #include <QTcpServer>
 #include <QTemporaryDir>
+#include <arpa/inet.h>
 #include <csignal>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <netinet/in.h>
 #include <sys/resource.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -36,6 +40,32 @@ unsigned int modeOf(const std::string &path)
 {
     struct stat info{};
     return ::lstat(path.c_str(), &info) == 0 ? info.st_mode & 0777U : 0;
+}
+
+bool sendAll(const FileDescriptor &connection, const std::string &bytes)
+{
+    return ::send(connection.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL) ==
+           static_cast<ssize_t>(bytes.size());
+}
+
+bool hasAnswer(const FileDescriptor &connection)
+{
+    char byte = 0;
+    return ::recv(connection.get(), &byte, 1, MSG_PEEK | MSG_DONTWAIT) >= 0;
+}
+
+/// The next answer's status; 0 when the connection ended before it.
+int statusFrom(const FileDescriptor &connection)
+{
+    std::string answer;
+    char bytes[4096];
+    while (!orvane::testing::isWholeAnswer(answer)) {
+        const ssize_t count = ::recv(connection.get(), bytes, sizeof bytes, 0);
+        if (count <= 0)
+            return 0;
+        answer.append(bytes, static_cast<std::size_t>(count));
+    }
+    return std::stoi(answer.substr(9, 3));
 }
 
 } // namespace
@@ -96,7 +126,7 @@ protected:
         return decodeJson<SocketAnswer>(ask(line)).value_or(SocketAnswer{});
     }
 
-    HttpResponse send(const HttpRequest &request)
+    std::string rawRequest(const HttpRequest &request) const
     {
         std::string raw = std::string(orvane::text(request.method)) + " " + request.path +
                           " HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(m_port) +
@@ -104,7 +134,11 @@ protected:
                           "\r\nAuthorization: Bearer " + m_token + "\r\n";
         for (const auto &[name, value] : request.headers.all())
             raw += name + ": " + value + "\r\n";
-        const std::string got = orvane::testing::exchangeRaw(m_port, raw + "\r\n" + request.body);
+        return raw + "\r\n" + request.body;
+    }
+    HttpResponse send(const HttpRequest &request)
+    {
+        const std::string got = orvane::testing::exchangeRaw(m_port, rawRequest(request));
         const std::size_t end = got.find("\r\n\r\n");
         if (end == std::string::npos)
             return {};
@@ -119,6 +153,18 @@ protected:
     {
         const std::string got = orvane::testing::exchangeRaw(m_port, request);
         return got.size() > 12 ? std::stoi(got.substr(9, 3)) : 0;
+    }
+
+    /// A connection to the server that stays open.
+    FileDescriptor connected() const
+    {
+        FileDescriptor descriptor(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_port = htons(m_port);
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        EXPECT_EQ(::connect(descriptor.get(), reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
+        return descriptor;
     }
 
     void signIn()
@@ -340,6 +386,8 @@ TEST_F(ServerRun, RequestsThatAreNotRequestsDoNoHarm)
     EXPECT_EQ(rawStatus("GET /api/server HTTP/1.1\r\n" + host + "\r\n"), 200);
     EXPECT_EQ(rawStatus("GET /api/server HTTP/1.1\r\nHost: evil.example\r\n\r\n"), 421);
     EXPECT_EQ(rawStatus("GET /api/server HTTP/1.1\r\n" + host + "Origin: http://evil.example\r\n\r\n"), 403);
+    EXPECT_EQ(rawStatus("HEAD /api/server HTTP/1.1\r\n" + host + "Connection: close\r\n\r\n"), 200);
+    EXPECT_EQ(rawStatus("HEAD /api/auth/login HTTP/1.1\r\n" + host + "Connection: close\r\n\r\n"), 405);
     EXPECT_EQ(rawStatus("PATCH /api/server HTTP/1.1\r\n" + host + "\r\n"), 405);
     EXPECT_EQ(rawStatus("OPTIONS /api/me HTTP/1.1\r\n" + host + "\r\n"), 405);
     EXPECT_EQ(rawStatus("\x16\x03\x01garbage\r\n\r\n"), 0) << "hung up on";
@@ -352,6 +400,97 @@ TEST_F(ServerRun, RequestsThatAreNotRequestsDoNoHarm)
     EXPECT_EQ(rawStatus(post + "Content-Length: 999999999\r\n\r\n" + std::string(2 << 20, ' ')), 413)
         << "refused while it is still arriving";
     EXPECT_EQ(rawStatus("GET /api/server HTTP/1.1\r\n" + host + "\r\n"), 200);
+    EXPECT_EQ(endWith(*server, SIGTERM), 0);
+}
+
+TEST_F(ServerRun, AFolderThatOthersCanWriteToIsRefused)
+{
+    ASSERT_TRUE(QDir().mkpath(text(folder())));
+    const std::string victim = m_root.path().toStdString() + "/victim";
+    ASSERT_EQ(::symlink(victim.c_str(), (folder() + "/port").c_str()), 0);
+    ASSERT_EQ(::symlink(victim.c_str(), (folder() + "/orvane-server.sqlite").c_str()), 0);
+    for (const unsigned int mode : {0777U, 01777U, 0770U, 0722U}) {
+        ASSERT_EQ(::chmod(folder().c_str(), mode), 0);
+        const auto server = launch();
+        EXPECT_EQ(exitCode(*server), 1) << mode;
+        const QByteArray said = server->readAllStandardError();
+        EXPECT_TRUE(said.contains("Other users") && said.contains("chmod 700")) << said.toStdString();
+    }
+    EXPECT_FALSE(QFile::exists(text(victim))) << "no planted link was followed";
+    EXPECT_FALSE(QFile::exists(text(folder() + "/server.log")));
+    ASSERT_EQ(::chmod(folder().c_str(), 0755), 0);
+    ASSERT_EQ(::chmod(m_root.path().toStdString().c_str(), 0777), 0);
+    EXPECT_EQ(exitCode(*launch()), 1) << "it can be replaced as a whole";
+}
+
+TEST_F(ServerRun, BehindAProxyItIsPublic)
+{
+    const auto server = serve({QStringLiteral("--trusted-proxy"), QStringLiteral("127.0.0.1")});
+    RegisterRequest body;
+    body.email = "grace@example.org";
+    body.password = "correct horse battery";
+    EXPECT_EQ(call<Register>({body}).status, 403);
+    const std::string get = "GET /api/server HTTP/1.1\r\nHost: upstream\r\n";
+    EXPECT_EQ(rawStatus(get + "X-Forwarded-Host: time.example.org\r\n\r\n"), 200);
+    EXPECT_EQ(rawStatus(get + "\r\n"), 421);
+    EXPECT_EQ(endWith(*server, SIGTERM), 0);
+}
+
+/// One address that floods the server in every way at once does not keep its own user waiting: the password
+/// hashes are made aside, and the silent give way.
+TEST_F(ServerRun, AFloodOfStrangersKeepsNobodyWaiting)
+{
+    const auto server = serve();
+    signIn();
+    std::vector<FileDescriptor> silent;
+    for (int i = 0; i < 128; ++i)
+        silent.push_back(connected());
+    std::vector<FileDescriptor> registering;
+    for (int i = 0; i < 16; ++i) {
+        RegisterRequest body;
+        body.email = "stranger" + std::to_string(i) + "@example.org";
+        body.password = "correct horse battery";
+        registering.push_back(connected());
+        ASSERT_TRUE(sendAll(registering.back(), rawRequest(Register::request({body}))));
+    }
+    for (int i = 0; i < 5; ++i)
+        EXPECT_EQ(call<GetMe>({}).status, 200);
+    EXPECT_FALSE(hasAnswer(registering.back())) << "the hashes are under way still";
+    for (const FileDescriptor &one : registering)
+        EXPECT_EQ(statusFrom(one), 201);
+    EXPECT_EQ(endWith(*server, SIGTERM), 0);
+}
+
+/// Each has shown its token, so neither their number nor the limit of descriptors that the server began with
+/// keeps any of them out.
+TEST_F(ServerRun, AThousandWatchersOfOneAddressGetIn)
+{
+    constexpr rlim_t needed = 1400;
+    struct rlimit own{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &own), 0);
+    if (own.rlim_max < needed)
+        GTEST_SKIP() << "this system grants too few descriptors";
+    const struct rlimit raised{std::max(own.rlim_cur, needed), own.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &raised), 0);
+    auto process = std::make_unique<QProcess>();
+    process->setChildProcessModifier([] {
+        struct rlimit limit{};
+        ::getrlimit(RLIMIT_NOFILE, &limit);
+        limit.rlim_cur = 256;
+        ::setrlimit(RLIMIT_NOFILE, &limit);
+    });
+    const auto server = serve({}, std::move(process));
+    signIn();
+    std::vector<FileDescriptor> watchers;
+    for (int i = 0; i < 1000; ++i) {
+        watchers.push_back(connected());
+        ASSERT_TRUE(sendAll(watchers.back(), rawRequest(GetMe::request({}))));
+        ASSERT_EQ(statusFrom(watchers.back()), 200) << i;
+    }
+    for (const FileDescriptor &watcher : watchers)
+        ASSERT_TRUE(sendAll(watcher, rawRequest(GetMe::request({})))) << "none had to give way";
+    for (const FileDescriptor &watcher : watchers)
+        ASSERT_EQ(statusFrom(watcher), 200);
     EXPECT_EQ(endWith(*server, SIGTERM), 0);
 }
 
@@ -380,6 +519,7 @@ TEST_F(ServerRun, WrongUsageIsSaid)
     EXPECT_EQ(exitCode(*launch({QStringLiteral("--nonsense")})), 2);
     EXPECT_EQ(exitCode(*launch({QStringLiteral("--listen"), QStringLiteral("nowhere")})), 2);
     EXPECT_EQ(exitCode(*launch({QStringLiteral("--idle-exit"), QStringLiteral("-1")})), 2);
+    EXPECT_EQ(exitCode(*launch({QStringLiteral("--trusted-proxy"), QStringLiteral("proxy")})), 2);
 }
 
 } // namespace orvane::server
