@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ServerFixture.h"
 
+#include <QTemporaryDir>
+
 namespace orvane::server {
 
 using namespace std::chrono_literals;
@@ -139,6 +141,34 @@ TEST_F(EntryRequests, EntriesOfOthersCannotBeSeen)
     EXPECT_EQ(create(entry("mine", now - 1h, now)).status, 409);
     EXPECT_EQ(stop("mine", now).status, 404);
     EXPECT_TRUE(listed(now - 1h, now).empty());
+}
+
+/// The other one is a member of the same workspace and asks for the very same thing, so that nothing but the
+/// owner tells the two creations apart.
+TEST_F(EntryRequests, AnIdentifierOfSomebodyElsesEntryIsRefused)
+{
+    const QTemporaryDir folder;
+    const std::string path = folder.filePath(QStringLiteral("server.sqlite")).toStdString();
+    openServer({}, {}, path);
+    signInLocally();
+    const auto body = entry("known", now - 1h, now);
+    ASSERT_EQ(create(body).status, 201);
+    const std::string owner = accessToken;
+
+    const std::string registeredToken = registerAccount().accessToken;
+    const std::string other = me().id;
+    const auto database = Database::open(path);
+    ASSERT_TRUE(database) << database.error();
+    (*database)->run("INSERT INTO workspace_members (workspace_id, user_id, role) VALUES (?, ?, 'member')",
+                     workspaceId, other);
+    ASSERT_EQ(call<GetWorkspaceSettings>({workspaceId}).status, 200) << "a member by now";
+    EXPECT_EQ(create(body).status, 409);
+    EXPECT_EQ(create(entry("own", now - 1h, now)).status, 201);
+
+    accessToken = owner;
+    EXPECT_EQ(call<DeleteTimeEntry>({workspaceId, "known", {}}).status, 204);
+    accessToken = registeredToken;
+    EXPECT_EQ(create(body).status, 409) << "deleted or not";
 }
 
 TEST_F(EntryRequests, AVersionThatIsNotTheCurrentOneIsRefusedWithTheEntryAsItIs)
