@@ -6,6 +6,9 @@
 #include "Terminal/StandardStreams.h"
 #include "Terminal/TextWidth.h"
 
+#include <QHostAddress>
+#include <QUrl>
+
 namespace orvane {
 
 namespace {
@@ -46,11 +49,26 @@ Result<std::string, CommandFailure> passwordFor(const LoginOptions &options)
     return password;
 }
 
+/// Whether what is sent to a server goes over a network as it is.
+bool isReadableOnTheWay(const std::string &server)
+{
+    const QUrl url(QString::fromStdString(server));
+    const QString host = url.host();
+    return url.scheme() == QLatin1String("http") && host != QLatin1String("localhost") &&
+           !QHostAddress(host).isLoopback();
+}
+
 CommandTask login(Context context, LoginOptions options)
 {
     if (options.provider)
         co_return failure(CommandFailure::of("Signing in with " + printable(*options.provider) +
                                              " needs the desktop application; here, sign in with --email."));
+    const auto server =
+        context->options().server ? context->options().server : context->installation().currentServer();
+    // Said before the password is typed.
+    if (server && isReadableOnTheWay(*server))
+        writeMessage(printable(*server) + " is not encrypted: your password and what you send can be read on "
+                                          "the way. Use https:// if the server offers it.");
     auto email = emailFor(options);
     if (!email)
         co_return failure(email.error());

@@ -14,6 +14,7 @@
 namespace orvane {
 namespace {
 
+using testing::AllOf;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
@@ -487,11 +488,26 @@ TEST_F(Command, SignsInElsewhereAndComesBack)
     EXPECT_EQ(again.exitStatus, 0) << again.all();
     EXPECT_THAT(again.output, HasSubstr("Signed in at " + url + " as ada@example.com."));
     EXPECT_THAT(again.errors + again.output, Not(HasSubstr("correct horse")));
+    EXPECT_THAT(again.errors, Not(HasSubstr("not encrypted"))) << "it does not leave this computer";
 
     // Without a keychain the session ends with the command; nobody is locked out by that.
     EXPECT_THAT(text(failed(1, {"status"})[u"message"]), HasSubstr("orvane logout"));
     EXPECT_TRUE(done({"logout"})[u"account"].isNull());
     EXPECT_TRUE(done({"status"})[u"account"].toObject()[u"automatic"].toBool());
+}
+
+TEST_F(Command, WarnsOfASignInThatCanBeReadOnTheWay)
+{
+    const auto said = [&](const char *server) {
+        return installation
+            .run({"--server", server, "login", "--email", "ada@example.com", "--password-stdin"}, "secret\n")
+            .errors;
+    };
+    EXPECT_THAT(said("http://orvane.invalid"),
+                AllOf(HasSubstr("http://orvane.invalid is not encrypted"), HasSubstr("password")));
+    for (const char *server :
+         {"https://orvane.invalid", "http://127.0.0.1:1", "http://localhost:1", "http://[::1]:1"})
+        EXPECT_THAT(said(server), Not(HasSubstr("not encrypted"))) << server;
 }
 
 TEST_F(Command, StaysSignedInWhereThereIsAKeychain)
@@ -570,6 +586,8 @@ TEST_F(Command, AnswersHelpAndVersion)
 
 TEST_F(Command, ServesInTheForegroundUntilItIsTold)
 {
+    const CommandRun refused = installation.run({"serve", "--trusted-proxy", "nowhere"});
+    EXPECT_THAT(refused.errors, HasSubstr("--trusted-proxy takes an address")) << "the server's own answer";
     const auto server = installation.start({"serve"});
     ASSERT_TRUE(server->waitForReadyRead(20'000)) << server->readAllStandardError().toStdString();
     const QByteArray address = server->readLine().trimmed();
