@@ -6,7 +6,7 @@
 #include "Http/RequestGate.h"
 
 #include <algorithm>
-#include <set>
+#include <map>
 #include <sys/ioctl.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
@@ -25,6 +25,8 @@ constexpr qint64 longestRequest = static_cast<qint64>(longestBody) + longestHead
 constexpr std::size_t mostTurns = 32;
 /// What is read away of a refused request, so that its sender gets to see the answer.
 constexpr qint64 longestDrain = 16 * longestRequest;
+/// Many clients behind one address may come at once, and each needs a moment to show its token.
+constexpr std::chrono::seconds grace{1};
 constexpr std::chrono::seconds longestSilence{5};
 constexpr std::chrono::seconds longestQuiet{120};
 constexpr std::chrono::seconds longestArrival{30};
@@ -46,14 +48,15 @@ std::size_t descriptorsForConnections()
     return std::max(all, 2 * descriptorsOfOurs) - descriptorsOfOurs;
 }
 
-/// Drops the first idle ones until no more than `most` are left, if that many are idle.
-void dropDownTo(std::size_t most, const std::vector<GuardedSocket *> &sockets)
+/// Drops the first ones of those that `may` go until no more than `most` are left, if there are that many.
+void dropDownTo(std::size_t most, const std::vector<GuardedSocket *> &sockets,
+                bool (GuardedSocket::*may)() const)
 {
     std::size_t left = sockets.size();
     for (GuardedSocket *socket : sockets) {
         if (left <= most)
             return;
-        if (!socket->isIdle())
+        if (!(socket->*may)())
             continue;
         socket->drop();
         --left;
@@ -63,7 +66,7 @@ void dropDownTo(std::size_t most, const std::vector<GuardedSocket *> &sockets)
 } // namespace
 
 GuardedSocket::GuardedSocket(SteadyClock clock, QObject *parent)
-    : QTcpSocket(parent), m_clock(std::move(clock)), m_lastArrival(m_clock())
+    : QTcpSocket(parent), m_clock(std::move(clock)), m_began(m_clock()), m_lastArrival(m_began)
 {
     // Connected before the HTTP library connects, hence called before it reads.
     connect(this, &QTcpSocket::readyRead, this, &GuardedSocket::arrived);
@@ -151,6 +154,11 @@ bool GuardedSocket::isIdle() const
     return !m_isAnswering && !(known && waiting > 0);
 }
 
+bool GuardedSocket::hasSettled() const
+{
+    return isIdle() && m_clock() - m_began >= grace;
+}
+
 bool GuardedSocket::isStale() const
 {
     if (m_isAnswering)
@@ -204,7 +212,7 @@ void ConnectionGuard::keepStrangers(const QHostAddress &peer, std::size_t most)
         if (socket->isStranger() && socket->peerAddress() == peer)
             strangers.push_back(socket);
     }
-    dropDownTo(most, strangers);
+    dropDownTo(most, strangers, &GuardedSocket::hasSettled);
     forgetClosed();
 }
 
@@ -219,7 +227,7 @@ void ConnectionGuard::keepConnections(std::size_t most)
             strangers.push_back(socket);
     }
     const std::size_t others = m_sockets.size() - strangers.size();
-    dropDownTo(most > others ? most - others : 0, strangers);
+    dropDownTo(most > others ? most - others : 0, strangers, &GuardedSocket::isIdle);
     forgetClosed();
 }
 
@@ -231,13 +239,14 @@ void ConnectionGuard::sweep()
             socket->drop();
     }
     forgetClosed();
-    std::set<QString> peers;
+    std::map<QString, std::vector<GuardedSocket *>> strangers;
     for (const auto &socket : m_sockets) {
         if (socket->isStranger())
-            peers.insert(socket->peerAddress().toString());
+            strangers[socket->peerAddress().toString()].push_back(socket);
     }
-    for (const QString &peer : peers)
-        keepStrangers(QHostAddress(peer), mostStrangersOfAPeer);
+    for (const auto &[peer, sockets] : strangers)
+        dropDownTo(mostStrangersOfAPeer, sockets, &GuardedSocket::hasSettled);
+    forgetClosed();
 }
 
 } // namespace orvane::server

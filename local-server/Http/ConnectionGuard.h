@@ -33,6 +33,8 @@ public:
     void requestAnswered();
     /// Whether nothing is being answered, and nothing has come that was not looked at yet.
     bool isIdle() const;
+    /// Whether it is idle and has had a moment to say something.
+    bool hasSettled() const;
 
     /// A stranger is who has not shown a good access token over this connection so far.
     bool isStranger() const { return m_isStranger; }
@@ -50,6 +52,7 @@ private:
     void beginNextTurn();
 
     SteadyClock m_clock;
+    SteadyTime m_began;
     SteadyTime m_lastArrival;
     std::optional<SteadyTime> m_requestBegan;
     std::deque<std::function<void()>> m_turns;
@@ -63,7 +66,8 @@ private:
 
 /// Takes connections: those of signed-in users as long as the process has descriptors, and of strangers a
 /// number for each peer. A stranger too many is let in, and that peer's oldest one goes for it, so that those
-/// who hold connections open shut nobody out. Who is being answered does not have to go.
+/// who hold connections open shut nobody out. Who is being answered does not have to go, and who has only
+/// just come has to for want of descriptors alone.
 class ConnectionGuard : public QTcpServer {
     Q_OBJECT
 

@@ -3,6 +3,7 @@
 
 #include "support/Await.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace orvane::server {
@@ -110,6 +111,7 @@ TEST_F(Connections, TheOldestStrangerOfAPeerGivesWay)
     for (int i = 0; i < 63; ++i)
         strangers.push_back(connectFrom());
     EXPECT_TRUE(strangers.front().isOpen());
+    now += 1s;
     for (int i = 0; i < 63; ++i) {
         strangers.push_back(connectFrom());
         EXPECT_TRUE(eventually([&] { return strangers[static_cast<std::size_t>(i)].isClosed(); })) << i;
@@ -118,6 +120,23 @@ TEST_F(Connections, TheOldestStrangerOfAPeerGivesWay)
     EXPECT_TRUE(signedIn.isOpen());
     EXPECT_TRUE(elsewhere.isOpen());
     EXPECT_TRUE(answering.isOpen());
+}
+
+TEST_F(Connections, ManyWhoComeAtOnceHaveAMomentToSignIn)
+{
+    listen();
+    std::vector<Pair> crowd;
+    for (int i = 0; i < 200; ++i)
+        crowd.push_back(connectFrom());
+    pass(999ms);
+    for (const Pair &one : crowd)
+        EXPECT_TRUE(one.isOpen());
+    for (std::size_t i = 100; i < 200; ++i)
+        crowd[i].server->setSignedIn();
+    pass(1ms);
+    EXPECT_TRUE(eventually([&] { return std::ranges::count_if(crowd, &Pair::isClosed) == 36; }));
+    EXPECT_TRUE(crowd[35].isClosed());
+    EXPECT_TRUE(crowd[36].isOpen());
 }
 
 TEST_F(Connections, SignedInUsersAreBoundedByDescriptorsAlone)
