@@ -142,6 +142,12 @@ void GuardedSocket::requestAnswered()
 
 void GuardedSocket::beginNextTurn()
 {
+    // What was asked behind a request to close is not done.
+    if (state() != ConnectedState) {
+        m_turns.clear();
+        m_isAnswering = false;
+        return;
+    }
     const auto begin = std::move(m_turns.front());
     m_turns.pop_front();
     begin();

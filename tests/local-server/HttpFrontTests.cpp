@@ -69,6 +69,7 @@ TEST_F(Front, AnswersComeInTheOrderOfTheirRequests)
     ASSERT_TRUE(arrived(1));
     say("GET", "/second");
     say("GET", "/third", "Connection: close\r\n");
+    say("POST", "/behind-the-end");
     QTcpSocket other;
     other.connectToHost(client.peerAddress(), client.peerPort());
     other.write("GET /other HTTP/1.1\r\nHost: x\r\n\r\n");
@@ -83,6 +84,7 @@ TEST_F(Front, AnswersComeInTheOrderOfTheirRequests)
     heardUntil("<3>");
     EXPECT_LT(heard.find("<1>"), heard.find("<2>"));
     EXPECT_TRUE(eventually([&] { return client.state() == QAbstractSocket::UnconnectedState; }));
+    EXPECT_EQ(asked.size(), 4U);
 }
 
 TEST_F(Front, AnAnswerForNobodyIsNoHarm)

@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "Http/Forwarding.h"
 #include "ServerFixture.h"
+
+#include <QHostAddress>
 
 namespace orvane::server {
 
@@ -36,6 +39,14 @@ TEST_F(Requests, OnlyTheServersOwnNamesAreAnswered)
     EXPECT_EQ(withHeader("Host", "evil.example:8080").status, 421);
     openServer({"::1", 80});
     EXPECT_EQ(withHeader("Host", "[::1]").status, 200);
+}
+
+TEST(Forwarding, AddressesHaveOneForm)
+{
+    const auto form = [](const char *text) { return addressText(QHostAddress(QString::fromLatin1(text))); };
+    EXPECT_EQ(form("::1"), "::1") << "not the other family's loopback";
+    EXPECT_EQ(form("::ffff:127.0.0.1"), "127.0.0.1");
+    EXPECT_EQ(form("2001:DB8:0::1"), form("2001:db8::1"));
 }
 
 class BehindAProxy : public Requests {
