@@ -57,6 +57,14 @@ Task<Result<Account *, CommandFailure>> CommandContext::signIn(Account::Credenti
     co_return co_await adopt(std::move(opened), true);
 }
 
+Task<Result<void, CommandFailure>> CommandContext::leaveEndedSession()
+{
+    const auto left = co_await Account::leaveEndedSession(accountOptions());
+    if (!left)
+        co_return failure(CommandFailure::of(left.error()));
+    co_return Result<void, CommandFailure>{};
+}
+
 Task<Result<Account *, CommandFailure>>
 CommandContext::adopt(Result<std::unique_ptr<Account>, AccountError> opened, bool isSigningIn)
 {

@@ -45,6 +45,8 @@ public:
     /// The signed-in account with its snapshot read; the same one at each call. The account stays owned here.
     Task<Result<Account *, CommandFailure>> openAccount();
     Task<Result<Account *, CommandFailure>> signIn(Account::Credentials credentials);
+    /// Forgets what is left of a session that is over, and goes back to the account on this computer.
+    Task<Result<void, CommandFailure>> leaveEndedSession();
     /// Why the account could not be opened.
     std::optional<AccountError::Kind> openError() const { return m_openError; }
     /// Null before it was opened.

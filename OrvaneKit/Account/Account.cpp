@@ -8,6 +8,7 @@
 #include "LocalServer/LocalAccount.h"
 #include "LocalServer/LocalServerLink.h"
 #include "LocalStore/LocalStore.h"
+#include "Outbox/OutboxRules.h"
 #include "Session/AuthSession.h"
 #include "Session/MemoryTokenStore.h"
 #include "Session/TokenStoreChoice.h"
@@ -253,8 +254,8 @@ Task<> Account::fetchMe()
         co_return;
     }
     m_meError = std::move(me.error());
-    // A refusal is an answer; with anything else the server counts as away.
-    if (!std::holds_alternative<APIError>(*m_meError)) {
+    // A refusal is an answer; a server that says to try later counts as away like one that says nothing.
+    if (!isSessionOver() && classify(*m_meError) == FailureKind::Transient) {
         m_isReachable = false;
         m_unreachableReason = describe(*m_meError);
     }
@@ -383,11 +384,41 @@ Task<Result<void, AccountError>> Account::signOut()
             AccountError{AccountError::Kind::Refused,
                          "The account on this computer signs in by itself; there is no sign-in to end.",
                          {}});
-    const auto ended = co_await m_session->signOut();
-    m_options.installation->setCurrentServer(std::nullopt);
-    if (!ended)
-        co_return failure(refusedBy(ended.error()));
+    if (auto ended = co_await endSession(); !ended)
+        co_return failure(std::move(ended.error()));
+    leaveServer();
     co_return Result<void, AccountError>{};
+}
+
+Task<Result<void, AccountError>> Account::leaveEndedSession(Options options)
+{
+    std::unique_ptr<Account> account(new Account(std::move(options)));
+    if (auto found = co_await account->findServer(); !found)
+        co_return failure(std::move(found.error()));
+    co_await account->makeClient();
+    auto ended = account->m_isAutomatic ? Result<void, AccountError>{} : co_await account->endSession();
+    if (ended)
+        account->leaveServer();
+    co_await account->close();
+    co_return std::move(ended);
+}
+
+/// As long as the server has not been told, the session goes on: what is recorded next would otherwise go to
+/// an account that nobody asked for.
+Task<Result<void, AccountError>> Account::endSession()
+{
+    const auto ended = co_await m_session->signOut();
+    if (ended)
+        co_return Result<void, AccountError>{};
+    AccountError error = refusedBy(ended.error());
+    error.message += " You are still signed in.";
+    co_return failure(std::move(error));
+}
+
+void Account::leaveServer()
+{
+    if (m_options.installation->currentServer() == m_server)
+        m_options.installation->setCurrentServer(std::nullopt);
 }
 
 Task<> Account::close()

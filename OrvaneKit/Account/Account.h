@@ -81,9 +81,11 @@ public:
                                                                        Credentials credentials);
     ~Account() override;
 
-    /// Ends the session at the server (best effort for an unreachable one), forgets the tokens and goes back
-    /// to the server on this computer. The store stays.
+    /// Ends the session at the server, forgets the tokens and goes back to the server on this computer. The
+    /// store stays. When the server cannot be told, everything stays as it was.
     Task<Result<void, AccountError>> signOut();
+    /// The same for a session that is over, so that no account can be opened: forgets what is left of it.
+    static Task<Result<void, AccountError>> leaveEndedSession(Options options);
     /// Ends what is under way; afterwards the account can be destroyed.
     Task<> close();
 
@@ -128,6 +130,8 @@ private:
     Task<Result<void, AccountError>> openStore(std::string accountId);
     Task<> fetchMe();
     bool isSessionOver() const;
+    Task<Result<void, AccountError>> endSession();
+    void leaveServer();
     Task<Outbox::SendVerdict> checkAccount();
     Result<void, AccountError> selectWorkspace();
     const WorkspaceSummary *chosenWorkspace() const;

@@ -13,15 +13,21 @@ HttpRequest stamped(HttpRequest request, const std::string &token)
     return request;
 }
 
+bool saysToTryLater(std::int64_t status)
+{
+    return status >= 500 || status == 408 || status == 429;
+}
+
 /// What a request fails with when no token could be had for it. The server has not judged the request then,
 /// so a refusal of the renewal (a one-time code used twice, a gateway's 403) must not look like a refusal of
-/// the request, which callers take for its end: it says that the request was not authorised.
+/// the request, which callers take for its end. Nor may it look like the end of the session, which only a 401
+/// is.
 CallError unsent(CallError error)
 {
-    auto *refusal = std::get_if<APIError>(&error);
-    if (refusal != nullptr && refusal->status < 500)
-        refusal->status = 401;
-    return error;
+    const auto *refusal = std::get_if<APIError>(&error);
+    if (refusal == nullptr || refusal->status == 401 || saysToTryLater(refusal->status))
+        return error;
+    return ConnectionError{"the renewal was refused with status " + std::to_string(refusal->status)};
 }
 
 } // namespace

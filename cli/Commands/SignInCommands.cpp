@@ -89,22 +89,23 @@ CommandTask login(Context context, LoginOptions options)
 
 /// The session is over already, by the server's doing or with the process that kept it; what is left is to go
 /// back to the account on this computer.
-CommandResult leaveEndedSession(CommandContext &context)
+CommandTask leaveEndedSession(Context context)
 {
-    Installation &installation = context.installation();
-    const std::string server = context.options().server.value_or(installation.currentServer().value_or(""));
-    if (server == installation.currentServer())
-        installation.setCurrentServer(std::nullopt);
-    if (context.json())
-        return CommandAnswer{.output = shapes::text(shapes::SignIn{{}, {server, false, false}})};
-    return CommandAnswer{.output = "The session at " + server + " was over already.\n"};
+    const std::string server =
+        context->options().server.value_or(context->installation().currentServer().value_or(""));
+    const auto left = co_await context->leaveEndedSession();
+    if (!left)
+        co_return failure(left.error());
+    if (context->json())
+        co_return CommandAnswer{.output = shapes::text(shapes::SignIn{{}, {server, false, false}})};
+    co_return CommandAnswer{.output = "The session at " + server + " was over already.\n"};
 }
 
 CommandTask logout(Context context)
 {
     const auto opened = co_await context->openAccount();
     if (!opened && context->openError() == AccountError::Kind::SignedOut)
-        co_return leaveEndedSession(*context);
+        co_return co_await leaveEndedSession(context);
     if (!opened)
         co_return failure(opened.error());
     Account &account = **opened;

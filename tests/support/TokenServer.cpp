@@ -68,6 +68,12 @@ void TokenServer::setRefreshDelay(std::chrono::milliseconds delay)
     m_refreshDelay = delay;
 }
 
+void TokenServer::refuseLogout(int status)
+{
+    const std::lock_guard lock(m_stateMutex);
+    m_logoutStatus = status;
+}
+
 void TokenServer::setAnswer(Handler answer)
 {
     const std::lock_guard lock(m_stateMutex);
@@ -103,9 +109,9 @@ void TokenServer::handleLogout(const SeenRequest &request, Connection &connectio
 {
     const auto body = decodeJson<LogoutRequest>(request.body);
     const std::lock_guard lock(m_stateMutex);
-    if (body)
+    if (body && m_logoutStatus == 202)
         m_refresh.erase(body->refreshToken);
-    connection.answer(202, "");
+    connection.answer(m_logoutStatus, "");
 }
 
 void TokenServer::handle(const SeenRequest &request, Connection &connection)

@@ -25,6 +25,8 @@ public:
     void revokeRefreshTokens();
     /// Each refresh takes that long.
     void setRefreshDelay(std::chrono::milliseconds delay);
+    /// Sign-outs get this status; the token stays good.
+    void refuseLogout(int status);
     void setAnswer(Handler answer);
 
     /// Requests for that path so far.
@@ -42,6 +44,7 @@ private:
     int m_issued = 0;
     std::chrono::seconds m_lifetime{900};
     std::chrono::milliseconds m_refreshDelay{0};
+    int m_logoutStatus = 202;
     Handler m_answer;
 };
 

@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Account/Account.h"
+
+#include "support/Await.h"
+#include "support/TokenServer.h"
+
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace orvane {
+namespace {
+
+using testing::await;
+using testing::LoopbackServer;
+using testing::SeenRequest;
+
+/// An account at a server elsewhere, without a keychain.
+class AccountTest : public ::testing::Test {
+protected:
+    AccountTest()
+    {
+        server.setAnswer([](const SeenRequest &request, LoopbackServer::Connection &connection) {
+            connection.answer(200, request.path == "/api/me" ? encodeJson(profile()) : "[]");
+        });
+    }
+    static MeResponse profile()
+    {
+        MeResponse me;
+        me.id = "u";
+        me.email = "ada@example.org";
+        me.timeZone = "UTC";
+        me.defaultWorkspaceId = "w";
+        WorkspaceSummary &workspace = me.workspaces.emplace_back();
+        workspace.id = "w";
+        return me;
+    }
+    Account::Options options()
+    {
+        Account::Options result;
+        result.installation = &installation;
+        result.server = server.url();
+        result.startsServer = false;
+        return result;
+    }
+    std::unique_ptr<Account> signIn()
+    {
+        auto account = await(Account::signIn(options(), {"ada@example.org", "right"}));
+        EXPECT_TRUE(account) << account.error().message;
+        return account ? std::move(*account) : nullptr;
+    }
+
+    QTemporaryDir folder;
+    Installation installation{folder.path().toStdString()};
+    testing::TokenServer server;
+};
+
+TEST_F(AccountTest, StaysWhereItIsWhenItCannotSignOut)
+{
+    const auto account = signIn();
+    ASSERT_NE(account, nullptr);
+    EXPECT_EQ(installation.currentServer(), server.url());
+    server.setDown(true);
+    const auto away = await(account->signOut());
+    ASSERT_FALSE(away);
+    EXPECT_EQ(away.error().kind, AccountError::Kind::Unreachable);
+    EXPECT_TRUE(away.error().message.ends_with("You are still signed in."));
+    server.setDown(false);
+    server.refuseLogout(403);
+    EXPECT_FALSE(await(account->signOut()));
+    EXPECT_EQ(installation.currentServer(), server.url());
+
+    server.refuseLogout(202);
+    EXPECT_TRUE(await(account->signOut()));
+    EXPECT_EQ(installation.currentServer(), std::nullopt);
+    await(account->close());
+}
+
+TEST_F(AccountTest, LeavesASessionThatIsOver)
+{
+    const auto account = signIn();
+    ASSERT_NE(account, nullptr);
+    await(account->close());
+    // The token went with the process that had it.
+    const auto opened = await(Account::open(options()));
+    ASSERT_FALSE(opened);
+    EXPECT_EQ(opened.error().kind, AccountError::Kind::SignedOut);
+    EXPECT_EQ(installation.currentServer(), server.url());
+    EXPECT_TRUE(await(Account::leaveEndedSession(options())));
+    EXPECT_EQ(installation.currentServer(), std::nullopt);
+}
+
+} // namespace
+} // namespace orvane

@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The real command, signed in to a server elsewhere, with a keychain that keeps its tokens.
+#include "support/CommandRun.h"
+#include "support/FaultProxy.h"
+
+#include <QJsonDocument>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace orvane {
+namespace {
+
+using orvane::testing::Fault;
+
+std::string text(const QJsonValue &value)
+{
+    return value.toString().toStdString();
+}
+
+class SignedInCommand : public ::testing::Test {
+protected:
+    SignedInCommand()
+        : proxy(text(other.json({"status"}).object()[QStringLiteral("server")][QStringLiteral("url")]))
+    {
+    }
+
+    /// Runs a shell's command with a bus and the keyring, which stays in the installation's folder.
+    CommandRun inSession(const std::string &script) const
+    {
+        return runProgram(
+            "dbus-run-session",
+            {"--", "bash", "-c",
+             "printf pw | gnome-keyring-daemon --unlock --components=secrets >/dev/null\n" + script},
+            {{"XDG_RUNTIME_DIR", installation.folder()}, {"HOME", installation.folder()}});
+    }
+    std::string call() const
+    {
+        return builtProgram("orvane") + " --json --data-dir " + installation.folder() + " ";
+    }
+    void signIn() const
+    {
+        const CommandRun session =
+            inSession("printf 'correct horse battery' | " + call() + "--server " + proxy.url() +
+                      " login --register --email ada@example.com --password-stdin\n");
+        ASSERT_EQ(session.exitStatus, 0) << session.all();
+    }
+    CommandRun run(const std::string &arguments) const { return inSession(call() + arguments); }
+    /// Each answers the path's requests with `status`; everything else passes.
+    void refuse(const std::string &path, int status)
+    {
+        proxy.setPlan([=](const orvane::testing::SeenRequest &request) {
+            return request.path == path ? Fault::answer(status) : Fault::pass();
+        });
+    }
+    static std::string email(const QJsonObject &status)
+    {
+        return text(status[QStringLiteral("account")][QStringLiteral("email")]);
+    }
+    static bool isReachable(const QJsonObject &status)
+    {
+        return status[QStringLiteral("server")][QStringLiteral("reachable")].toBool();
+    }
+
+    TestInstallation other;
+    TestInstallation installation;
+    orvane::testing::FaultProxy proxy;
+};
+
+TEST_F(SignedInCommand, GoesOnWhenARenewalIsRefusedForNow)
+{
+    signIn();
+    for (const int status : {400, 403, 409, 429}) {
+        refuse("/api/auth/refresh", status);
+        const CommandRun start = run("start Writing");
+        EXPECT_EQ(start.exitStatus, 0) << start.all();
+        EXPECT_EQ(text(start.object()[QStringLiteral("outcome")]), "waiting") << start.all();
+        EXPECT_EQ(email(run("status").object()), "ada@example.com") << status;
+    }
+    proxy.setPlan(orvane::testing::plans::pass());
+    const CommandRun after = run("status");
+    EXPECT_EQ(email(after.object()), "ada@example.com") << after.all();
+    EXPECT_TRUE(isReachable(after.object())) << after.all();
+    EXPECT_EQ(after.object()[QStringLiteral("outbox")][QStringLiteral("pending")].toInt(), 0) << after.all();
+}
+
+TEST_F(SignedInCommand, StaysSignedInWhenItCannotSignOut)
+{
+    signIn();
+    refuse("/api/auth/logout", 403);
+    EXPECT_EQ(run("logout").exitStatus, 1);
+    proxy.setDown(true);
+    const CommandRun away = run("logout");
+    EXPECT_EQ(away.exitStatus, 1);
+    EXPECT_THAT(away.errors, ::testing::HasSubstr("You are still signed in.")) << away.all();
+    proxy.setDown(false);
+    proxy.setPlan(orvane::testing::plans::pass());
+    const CommandRun status = run("status");
+    EXPECT_EQ(email(status.object()), "ada@example.com") << status.all();
+    EXPECT_TRUE(isReachable(status.object())) << status.all();
+    const CommandRun logout = run("logout");
+    EXPECT_EQ(logout.exitStatus, 0) << logout.all();
+    EXPECT_NE(email(run("status").object()), "ada@example.com");
+}
+
+} // namespace
+} // namespace orvane
