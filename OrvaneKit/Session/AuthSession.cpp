@@ -20,6 +20,11 @@ struct SignedIn {
     bool isNewAccount = false;
 };
 
+CallError storeSilent()
+{
+    return ConnectionError{"the token store does not answer"};
+}
+
 bool isUnauthorized(const CallError &error)
 {
     const auto *refusal = std::get_if<APIError>(&error);
@@ -215,12 +220,14 @@ Task<AuthSession::TokenResult> AuthSession::renew(Self self)
         co_return failure(CallError(lock.error()));
     // Read under the lock: another process may have renewed meanwhile, and its token is the good one.
     auto stored = co_await self->m_options.tokenStore->read(self->m_options.server);
-    if (!stored) {
+    if (!stored)
+        co_return failure(storeSilent());
+    if (!*stored) {
         if (self->m_options.reauthenticator)
             co_return co_await reauthenticate(self);
         co_return failure(CallError(sessionEndedError()));
     }
-    auto tokens = co_await refreshStored(self, std::move(*stored));
+    auto tokens = co_await refreshStored(self, std::move(**stored));
     if (tokens) {
         std::string token = tokens->accessToken;
         co_await store(self, std::move(*tokens));
@@ -245,9 +252,11 @@ Task<CallResult<AuthTokensResponse>> AuthSession::refreshStored(Self self, std::
     if (tokens || !isUnauthorized(tokens.error()))
         co_return std::move(tokens);
     auto stored = co_await self->m_options.tokenStore->read(self->m_options.server);
-    if (!stored || *stored == refreshToken)
+    if (!stored)
+        co_return failure(storeSilent());
+    if (!*stored || **stored == refreshToken)
         co_return std::move(tokens);
-    co_return co_await refresh(self, std::move(*stored));
+    co_return co_await refresh(self, std::move(**stored));
 }
 
 Task<CallResult<AuthTokensResponse>> AuthSession::refresh(Self self, std::string refreshToken)
@@ -338,8 +347,10 @@ Task<CallResult<void>> AuthSession::signOutHere(Self self)
     if (!lock)
         co_return failure(CallError(lock.error()));
     auto stored = co_await self->m_options.tokenStore->read(self->m_options.server);
-    if (stored) {
-        auto answer = co_await self->m_raw.logout({.body = {.refreshToken = std::move(*stored)}});
+    if (!stored)
+        co_return failure(storeSilent());
+    if (*stored) {
+        auto answer = co_await self->m_raw.logout({.body = {.refreshToken = std::move(**stored)}});
         auto done = wantedCase<Accepted>(std::move(answer), operations::Logout::name);
         // A server that no longer knows the token has nothing to revoke.
         if (!done && !isUnauthorized(done.error()))
@@ -355,7 +366,7 @@ Task<bool> AuthSession::hasCredentialsHere(Self self)
     if (self->m_accessToken || self->m_options.reauthenticator)
         co_return true;
     const auto stored = co_await self->m_options.tokenStore->read(self->m_options.server);
-    co_return stored.has_value();
+    co_return !stored || stored->has_value();
 }
 
 } // namespace orvane

@@ -47,7 +47,8 @@ struct AuthSessionOptions {
 ///
 /// An actor on the network thread, which must outlive it; its calls may be made from any thread with an event
 /// loop and resume there. Every failure is a CallError. Only a refusal (401) of the refresh token ends the
-/// session; while the server cannot be reached everything stays as it was.
+/// session; while the server cannot be reached, or the token store does not answer, everything stays as it
+/// was.
 class AuthSession : public std::enable_shared_from_this<AuthSession> {
 public:
     /// `transport` carries the credentials' own requests, which never pass the AuthMiddleware.
@@ -67,9 +68,9 @@ public:
     /// Answers whether the account is new.
     Task<CallResult<bool>> exchangeExternalSignIn(std::string code, std::string codeVerifier);
     /// Tells the server to forget the refresh token, then forgets both tokens here. When the server cannot be
-    /// told, both stay.
+    /// told, both stay; one that knows the token no longer (401) has nothing to be told.
     Task<CallResult<void>> signOut();
-    /// Whether there is something to sign in with.
+    /// Whether there is something to sign in with, as far as the token store says.
     Task<bool> hasCredentials();
     /// What the server says about itself; needs no signing in.
     Task<CallResult<ServerResponse>> getServer();

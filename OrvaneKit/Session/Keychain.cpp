@@ -6,16 +6,19 @@
 #include <QCoreApplication>
 #include <QTimer>
 #include <map>
+#include <optional>
 #include <qt6keychain/keychain.h>
-#include <set>
 
 namespace orvane {
 
 namespace {
 
 struct Outcome {
-    QKeychain::Error error = QKeychain::OtherError;
+    /// None: there was no answer in time.
+    std::optional<QKeychain::Error> error = {};
     QString text = {};
+
+    bool succeeded() const { return error == QKeychain::NoError; }
 };
 
 /// How many operations are past their time. QtKeychain takes one after the other, so while one of them hangs
@@ -88,17 +91,58 @@ Task<Outcome> deleteItem(QString service, QString account, std::chrono::millisec
 } // namespace
 
 struct Keychain::State {
+    struct Item {
+        /// What this process last read or wrote.
+        std::string value;
+        /// Whether `value` is yet to reach the keychain.
+        bool isUnsaved = false;
+        /// What the keychain held when it was last heard of.
+        std::optional<std::string> held = {};
+    };
+
     QString service;
     std::chrono::milliseconds patience;
-    /// What this process last read or wrote, by account.
-    std::map<std::string, std::string> known = {};
-    /// The accounts whose newest value never reached the keychain.
-    std::set<std::string> unsaved = {};
+    std::map<std::string, Item> items = {};
 
     std::optional<std::string> knownValue(const std::string &account) const
     {
-        const auto found = known.find(account);
-        return found == known.end() ? std::nullopt : std::optional(found->second);
+        const auto found = items.find(account);
+        return found == items.end() ? std::nullopt : std::optional(found->second.value);
+    }
+
+    bool hasUnsaved(const std::string &account) const
+    {
+        const auto found = items.find(account);
+        return found != items.end() && found->second.isUnsaved;
+    }
+
+    /// Takes over what the keychain holds, unless ours is newer and only waits to be written: the keychain
+    /// still holds what it held before then.
+    void found(const std::string &account, std::string value)
+    {
+        Item &item = items[account];
+        if (!item.isUnsaved || value == item.value || (item.held && value != *item.held))
+            item = {.value = value};
+        item.held = std::move(value);
+    }
+
+    void written(const std::string &account, const std::string &value)
+    {
+        const auto item = items.find(account);
+        // Another value may have come meanwhile.
+        if (item == items.end() || item->second.value != value)
+            return;
+        item->second.held = value;
+        item->second.isUnsaved = false;
+    }
+
+    static Task<> save(std::shared_ptr<State> state, std::string account)
+    {
+        const std::string value = state->items[account].value;
+        const Outcome outcome = co_await writeItem(state->service, QString::fromStdString(account),
+                                                   QString::fromStdString(value), state->patience);
+        if (outcome.succeeded())
+            state->written(account, value);
     }
 };
 
@@ -109,50 +153,53 @@ Keychain::Keychain(QString service, std::chrono::milliseconds patience)
 
 Keychain::~Keychain() = default;
 
-Task<std::optional<std::string>> Keychain::read(std::string account)
+Task<StoredToken> Keychain::read(std::string account)
 {
     const std::shared_ptr<State> state = m_state;
-    if (state->unsaved.contains(account))
-        co_return state->knownValue(account);
     const Outcome outcome =
         co_await readItem(state->service, QString::fromStdString(account), state->patience);
+    if (!outcome.error)
+        co_return failure(StoreSilence{});
     // "Entry not found" counts as little as other failures: a locked keychain says so too.
-    if (outcome.error == QKeychain::NoError)
-        state->known[account] = outcome.text.toStdString();
-    co_return state->knownValue(account);
+    if (outcome.succeeded())
+        state->found(account, outcome.text.toStdString());
+    if (state->hasUnsaved(account))
+        co_await State::save(state, account);
+    co_return StoredToken(state->knownValue(account));
 }
 
 Task<> Keychain::write(std::string value, std::string account)
 {
     const std::shared_ptr<State> state = m_state;
-    state->known[account] = value;
-    const Outcome outcome = co_await writeItem(state->service, QString::fromStdString(account),
-                                               QString::fromStdString(value), state->patience);
-    if (outcome.error == QKeychain::NoError)
-        state->unsaved.erase(account);
-    else
-        state->unsaved.insert(account);
+    State::Item &item = state->items[account];
+    item.value = std::move(value);
+    item.isUnsaved = true;
+    co_await State::save(state, std::move(account));
 }
 
 Task<> Keychain::remove(std::string account)
 {
     const std::shared_ptr<State> state = m_state;
-    state->known.erase(account);
-    state->unsaved.erase(account);
+    state->items.erase(account);
     co_await deleteItem(state->service, QString::fromStdString(account), state->patience);
 }
 
-Task<bool> Keychain::works(std::chrono::milliseconds patience)
+Task<Keychain::Health> Keychain::probe(std::chrono::milliseconds patience)
 {
     const QString service = QStringLiteral("com.orvanetrack.probe");
     // Processes may probe at the same time.
     const QString account = QString::number(QCoreApplication::applicationPid());
     const QString text = QStringLiteral("probe");
-    if ((co_await writeItem(service, account, text, patience)).error != QKeychain::NoError)
-        co_return false;
-    const Outcome outcome = co_await readItem(service, account, patience);
+    const Outcome write = co_await writeItem(service, account, text, patience);
+    if (!write.error)
+        co_return Health::Silent;
+    if (!write.succeeded())
+        co_return Health::Fails;
+    const Outcome read = co_await readItem(service, account, patience);
     co_await deleteItem(service, account, patience);
-    co_return outcome.error == QKeychain::NoError &&outcome.text == text;
+    if (!read.error)
+        co_return Health::Silent;
+    co_return read.succeeded() && read.text == text ? Health::Works : Health::Fails;
 }
 
 } // namespace orvane

@@ -3,11 +3,11 @@
 
 namespace orvane {
 
-Task<std::optional<std::string>> MemoryTokenStore::read(std::string account)
+Task<StoredToken> MemoryTokenStore::read(std::string account)
 {
     const std::lock_guard lock(m_mutex);
     const auto found = m_values.find(account);
-    co_return found == m_values.end() ? std::nullopt : std::optional(found->second);
+    co_return StoredToken(found == m_values.end() ? std::nullopt : std::optional(found->second));
 }
 
 Task<> MemoryTokenStore::write(std::string value, std::string account)

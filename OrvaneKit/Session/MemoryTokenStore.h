@@ -11,7 +11,7 @@ namespace orvane {
 /// Keeps tokens as long as the process lives. May be shared between threads.
 class MemoryTokenStore final : public TokenStore {
 public:
-    Task<std::optional<std::string>> read(std::string account) override;
+    Task<StoredToken> read(std::string account) override;
     Task<> write(std::string value, std::string account) override;
     Task<> remove(std::string account) override;
 

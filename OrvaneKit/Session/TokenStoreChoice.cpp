@@ -31,13 +31,13 @@ QString canonicalPath(const QString &folder)
     }
 }
 
-Task<bool> keychainWorks()
+/// Silence is no answer to keep: the next one who asks may get one.
+Task<Keychain::Health> keychainHealth()
 {
-    enum Probe { Unknown, Works, Fails };
-    static std::atomic<Probe> probe = Unknown;
-    if (probe == Unknown)
-        probe = co_await Keychain::works() ? Works : Fails;
-    co_return probe == Works;
+    static std::atomic<Keychain::Health> health = Keychain::Health::Silent;
+    if (health == Keychain::Health::Silent)
+        health = co_await Keychain::probe();
+    co_return health.load();
 }
 
 } // namespace
@@ -55,12 +55,16 @@ QString keychainService(const std::optional<std::string> &dataFolder)
 Task<TokenStoreChoice> makeTokenStore(NetworkThread &thread, std::optional<std::string> dataFolder)
 {
     // QtKeychain's queue is the network thread's alone.
-    const bool works = co_await thread.run([] { return keychainWorks(); });
-    if (works)
-        co_return TokenStoreChoice{std::make_shared<Keychain>(keychainService(dataFolder)), {}};
-    co_return TokenStoreChoice{
-        std::make_shared<MemoryTokenStore>(),
-        "Sign-ins will last only until this command ends, because no keychain is available."};
+    const auto health = co_await thread.run([] { return keychainHealth(); });
+    if (health == Keychain::Health::Fails)
+        co_return TokenStoreChoice{
+            std::make_shared<MemoryTokenStore>(),
+            "Sign-ins will last only until this command ends, because no keychain is available."};
+    TokenStoreChoice choice{std::make_shared<Keychain>(keychainService(dataFolder)), {}};
+    // It holds what was signed in to before; memory would know nothing of that.
+    if (health == Keychain::Health::Silent)
+        choice.warning = "The keychain does not answer. A sign-in made now may not be kept.";
+    co_return choice;
 }
 
 } // namespace orvane

@@ -3,6 +3,7 @@
 
 #include "Client/NetworkThread.h"
 #include "Client/OrvaneClient.h"
+#include "Outbox/OutboxRules.h"
 #include "Session/MemoryTokenStore.h"
 #include "Session/Pkce.h"
 #include "support/Await.h"
@@ -29,12 +30,12 @@ class FileTokenStore final : public TokenStore {
 public:
     explicit FileTokenStore(QString folder) : m_folder(std::move(folder)) {}
 
-    Task<std::optional<std::string>> read(std::string account) override
+    Task<StoredToken> read(std::string account) override
     {
         QFile file(path(account));
         if (!file.open(QIODevice::ReadOnly))
-            co_return std::nullopt;
-        co_return file.readAll().toStdString();
+            co_return StoredToken(std::nullopt);
+        co_return StoredToken(file.readAll().toStdString());
     }
     Task<> write(std::string value, std::string account) override
     {
@@ -79,7 +80,7 @@ protected:
         open(server.url());
         await(store->write(server.issue().refreshToken, server.url()));
     }
-    std::optional<std::string> stored() { return await(store->read(server.url())); }
+    std::optional<std::string> stored() { return await(store->read(server.url())).value(); }
     CallResult<std::vector<TagResponse>> request() { return await(client->listTags("w")); }
     static Instant systemNow()
     {
@@ -255,13 +256,64 @@ TEST_F(AuthSessionTest, KeepsEverythingWhileTheServerIsAway)
     EXPECT_EQ(await(store->read(proxy.url())), "r1");
 
     proxy.setDown(false);
-    // Neither of these is a refusal of the token.
-    proxy.setPlan(testing::plans::inOrder(
-        {testing::Fault::answer(503), testing::Fault::garbageBody(), testing::Fault::answer(429)}));
-    for (int i = 0; i < 3; ++i)
-        EXPECT_FALSE(request());
+    // None of these is a refusal of the token, nor one of the request.
+    using testing::Fault;
+    std::vector<Fault> troubles{Fault::garbageBody()};
+    for (const int status : {400, 403, 404, 408, 409, 429, 503})
+        troubles.push_back(Fault::answer(status));
+    proxy.setPlan(testing::plans::inOrder(troubles));
+    for (const Fault &trouble : troubles) {
+        const auto refused = request();
+        ASSERT_FALSE(refused) << trouble.status;
+        EXPECT_NE(statusOf(refused.error()), 401) << trouble.status;
+        EXPECT_EQ(classify(refused.error()), FailureKind::Transient) << trouble.status;
+    }
     EXPECT_EQ(await(store->read(proxy.url())), "r1");
     EXPECT_TRUE(request());
+}
+
+TEST_F(AuthSessionTest, WaitsForASilentStore)
+{
+    struct Stalling final : TokenStore {
+        MemoryTokenStore inner;
+        /// Which read gets no answer, counted from the next one; 0 for none.
+        int silent = 0;
+        Task<StoredToken> read(std::string account) override
+        {
+            if (silent > 0 && --silent == 0)
+                co_return failure(StoreSilence{});
+            co_return co_await inner.read(std::move(account));
+        }
+        Task<> write(std::string value, std::string account) override
+        {
+            return inner.write(std::move(value), std::move(account));
+        }
+        Task<> remove(std::string account) override { return inner.remove(std::move(account)); }
+    };
+    const auto stalling = std::make_shared<Stalling>();
+    store = stalling;
+    openSignedIn();
+    int ends = 0;
+    QObject context;
+    session->onSessionEnded(&context, [&] { ++ends; });
+    const auto fails = [&](int read) {
+        stalling->silent = read;
+        const auto answer = request();
+        EXPECT_TRUE(!answer && std::holds_alternative<ConnectionError>(answer.error()));
+    };
+    fails(1);
+    EXPECT_EQ(server.refreshes(), 0);
+    EXPECT_TRUE(request());
+    // The token is refused, and whether another process has renewed meanwhile cannot be told.
+    server.revokeAccessTokens();
+    server.revokeRefreshTokens();
+    fails(2);
+    EXPECT_EQ(stored(), "r2");
+    stalling->silent = 1;
+    EXPECT_FALSE(await(session->signOut()));
+    EXPECT_EQ(server.count("/api/auth/logout"), 0);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(ends, 0);
 }
 
 TEST_F(AuthSessionTest, SignsOut)
@@ -275,6 +327,13 @@ TEST_F(AuthSessionTest, SignsOut)
     EXPECT_FALSE(await(session->signOut()));
     EXPECT_EQ(stored(), "r1");
     server.setDown(false);
+    // Only a 401 says that there is nothing left to end.
+    for (const int status : {403, 429, 503}) {
+        server.refuseLogout(status);
+        EXPECT_EQ(statusOf(await(session->signOut()).error()), status);
+        EXPECT_EQ(stored(), "r1");
+    }
+    server.refuseLogout(401);
     EXPECT_TRUE(await(session->signOut()));
     EXPECT_FALSE(stored());
     EXPECT_EQ(decodeJson<LogoutRequest>(server.requests().back().body)->refreshToken, "r1");
@@ -324,7 +383,7 @@ TEST_F(AuthSessionTest, DoesNotTakeALateRefusalForTheEnd)
         MemoryTokenStore inner;
         std::string newer;
         int reads = 0;
-        Task<std::optional<std::string>> read(std::string account) override
+        Task<StoredToken> read(std::string account) override
         {
             if (++reads == 2)
                 co_await inner.write(newer, account);
