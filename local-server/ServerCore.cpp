@@ -88,6 +88,7 @@ ServerCore::ServerCore(Options options, std::unique_ptr<Database> database, std:
                  .tokens = AccessTokens(std::move(key)),
                  .registrationOpen = m_options.listenPoint.isLoopback() && !m_options.trustedProxy}
     , m_gate(m_options.listenPoint, m_options.trustedProxy)
+    , m_proofs(m_options.linkKey)
 {
     addServerHandlers(m_router);
     addSignInHandlers(m_router);
@@ -124,12 +125,21 @@ HttpResponse ServerCore::handle(const HttpRequest &request, const std::string &p
 void ServerCore::serve(const HttpRequest &request, const std::string &peer, const RunAside &runAside,
                        const Done &done)
 {
-    if (auto refusal = m_gate.refuse(request, peer))
+    if (auto refusal = m_proofs.refuse(request))
         return done({std::move(*refusal)});
-    const Done finish = [done](Served served) {
+    const auto prove =
+        [this,
+         asked = HttpRequest{.method = request.method, .path = {}, .headers = request.headers, .body = {}},
+         done](Served served) {
+            m_proofs.prove(asked, served.response);
+            done(std::move(served));
+        };
+    if (auto refusal = m_gate.refuse(request, peer))
+        return prove({std::move(*refusal)});
+    const Done finish = [prove](Served served) {
         // Answers are for the caller alone and go stale at once.
         served.response.headers.set("Cache-Control", "no-store");
-        done(std::move(served));
+        prove(std::move(served));
     };
     auto routed = route(request, m_gate.senderOf(request, peer));
     if (!routed)
@@ -179,6 +189,7 @@ ServerCore::Transacted ServerCore::transact(const Exchange &exchange,
                                             const std::function<Step(Call &)> &handle)
 {
     Call call{m_services, now(), exchange.peer, {}};
+    call.isProved = ProofGate::isProved(exchange.parts.headers);
     m_database->begin();
     const bool mayEnter = exchange.route->access == Access::Anyone || signIn(call, exchange.parts);
     Step step = mayEnter ? handle(call) : unauthorized("Your session has ended or its token is not valid.");
@@ -198,7 +209,7 @@ bool ServerCore::signIn(Call &call, const RequestParts &parts)
 {
     const auto token = bearerToken(parts.headers);
     const auto claims = token ? m_services.tokens.read(*token, call.now) : std::nullopt;
-    if (!claims || !m_services.sessions.touch(claims->sessionId, claims->userId, call.now))
+    if (!claims || !m_services.sessions.touch(claims->sessionId, claims->userId, call.isProved, call.now))
         return false;
     call.caller = {claims->userId, claims->sessionId};
     return true;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Handlers/Router.h"
+#include "Http/ProofGate.h"
 #include "Http/RequestGate.h"
 #include "Support/Result.h"
 
@@ -37,6 +38,8 @@ public:
         std::optional<std::string> trustedProxy = {};
         /// The server's time; the system's when absent.
         std::function<Instant()> clock;
+        /// What proved requests are made with; see ProofGate.
+        std::string linkKey = {};
         /// The name of the account on this computer: what stands before "@localhost".
         std::string userName = "user";
     };
@@ -82,6 +85,7 @@ private:
     std::unique_ptr<Database> m_database;
     Services m_services;
     RequestGate m_gate;
+    ProofGate m_proofs;
     Router m_router;
 };
 

@@ -4,6 +4,7 @@
 #include "Support/Json.h"
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 
@@ -11,17 +12,25 @@
 namespace orvane {
 
 struct LinkRequest {
-    /// "hello" or "code".
+    /// "hello", "code", or "request" for one that must not go over a port.
     std::string command;
     std::optional<std::string> codeChallenge = {};
     std::optional<std::string> timeZone = {};
+    std::optional<std::string> method = {};
+    std::optional<std::string> path = {};
+    std::optional<std::map<std::string, std::string>> headers = {};
+    std::optional<std::string> body = {};
 };
 
 struct LinkAnswer {
     std::optional<std::string> address;
     std::optional<std::string> version;
     std::optional<std::int64_t> pid;
+    std::optional<std::string> key;
     std::optional<std::string> code;
+    std::optional<std::int64_t> status;
+    std::optional<std::map<std::string, std::string>> headers;
+    std::optional<std::string> body;
     std::optional<std::string> error;
 };
 
@@ -29,14 +38,20 @@ template <>
 struct JsonFields<LinkRequest> {
     static constexpr auto list = std::tuple{jsonField<"command">(&LinkRequest::command),
                                             jsonField<"codeChallenge">(&LinkRequest::codeChallenge),
-                                            jsonField<"timeZone">(&LinkRequest::timeZone)};
+                                            jsonField<"timeZone">(&LinkRequest::timeZone),
+                                            jsonField<"method">(&LinkRequest::method),
+                                            jsonField<"path">(&LinkRequest::path),
+                                            jsonField<"headers">(&LinkRequest::headers),
+                                            jsonField<"body">(&LinkRequest::body)};
 };
 
 template <>
 struct JsonFields<LinkAnswer> {
     static constexpr auto list =
         std::tuple{jsonField<"address">(&LinkAnswer::address), jsonField<"version">(&LinkAnswer::version),
-                   jsonField<"pid">(&LinkAnswer::pid), jsonField<"code">(&LinkAnswer::code),
+                   jsonField<"pid">(&LinkAnswer::pid),         jsonField<"key">(&LinkAnswer::key),
+                   jsonField<"code">(&LinkAnswer::code),       jsonField<"status">(&LinkAnswer::status),
+                   jsonField<"headers">(&LinkAnswer::headers), jsonField<"body">(&LinkAnswer::body),
                    jsonField<"error">(&LinkAnswer::error)};
 };
 

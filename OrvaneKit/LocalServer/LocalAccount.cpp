@@ -1,27 +1,81 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "LocalServer/LocalAccount.h"
 
+#include "OrvaneAPI/LinkProof.h"
+#include "OrvaneAPI/Operations.h"
+#include "OrvaneAPI/Routes.h"
 #include "Session/Pkce.h"
+
+#include <QUrl>
+#include <algorithm>
+#include <array>
 
 namespace orvane {
 
 namespace {
 
-Task<Result<HttpResponse, ConnectionError>> sendProved(std::shared_ptr<LocalServerLink> link,
-                                                       std::shared_ptr<HttpTransport> transport, bool start,
-                                                       HttpRequest request)
+using Answered = Result<HttpResponse, ConnectionError>;
+using Link = std::shared_ptr<LocalServerLink>;
+using Transport = std::shared_ptr<HttpTransport>;
+
+/// Whether the body holds a password, which is worth as much after the server's end as before.
+bool holdsPassword(const HttpRequest &request)
+{
+    using namespace operations;
+    constexpr std::array names{Login::name,          Register::name,      ResetPassword::name,
+                               ChangePassword::name, DeleteAccount::name, PasskeyCreationOptions::name};
+    const auto match = matchRoute(request.method, request.path);
+    return match && std::ranges::find(names, match->operation->name) != names.end();
+}
+
+/// The path as it goes out: the URL's own form of it, which the proof has to be about.
+std::string pathSent(const std::string &address, const std::string &path)
+{
+    return QUrl(QString::fromStdString(address + path), QUrl::StrictMode)
+        .adjusted(QUrl::NormalizePathSegments)
+        .toEncoded(QUrl::RemoveScheme | QUrl::RemoveAuthority)
+        .toStdString();
+}
+
+Task<Answered> sendWithProof(Transport transport, LocalServerHello server, HttpRequest request)
+{
+    const std::string nonce = newProofNonce();
+    request.path = pathSent(server.address, request.path);
+    request.headers.set(linkProofHeader, requestProof(server.key, nonce, request));
+    auto answer = co_await transport->send(std::move(request), server.address);
+    if (answer && !isAnswerProved(server.key, nonce, *answer))
+        co_return failure(ConnectionError{"the answer is not the server's own"});
+    co_return std::move(answer);
+}
+
+Task<Answered> passOn(Link link, HttpRequest request)
+{
+    auto answer = co_await link->passOn(std::move(request));
+    if (!answer)
+        co_return failure(connectionError(answer.error()));
+    co_return std::move(*answer);
+}
+
+Task<Answered> sendTo(LocalServerHello server, Link link, Transport transport, HttpRequest request)
+{
+    if (holdsPassword(request))
+        return passOn(std::move(link), std::move(request));
+    return sendWithProof(std::move(transport), std::move(server), std::move(request));
+}
+
+Task<Answered> sendProved(Link link, Transport transport, bool start, HttpRequest request)
 {
     const auto server = co_await link->provenServer(start);
     if (!server)
         co_return failure(connectionError(server.error()));
-    auto answer = co_await transport->send(request, server->address);
+    auto answer = co_await sendTo(*server, link, transport, request);
     if (answer)
         co_return std::move(answer);
-    // A server that ends closes its port before its socket. If another one has taken over, it is asked.
+    // The server may have ended meanwhile. If another process has taken over, that one is asked.
     const auto next = co_await link->provenAnew(start);
-    if (!next || next->pid == server->pid)
+    if (!next || next->key == server->key)
         co_return std::move(answer);
-    co_return co_await transport->send(std::move(request), next->address);
+    co_return co_await sendTo(*next, link, transport, std::move(request));
 }
 
 Task<CallResult<ExternalExchangeRequest>> codeFor(std::shared_ptr<LocalServerLink> link, std::string timeZone,

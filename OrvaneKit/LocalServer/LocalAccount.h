@@ -12,8 +12,10 @@
 namespace orvane {
 
 /// Carries requests to the server on this computer. Before each one the server proves itself at its socket,
-/// and the request goes to the address that it names there, whatever address the caller has; so no token ever
-/// reaches another program that took the port. Used on the network thread.
+/// and the request goes to the address that it names there, whatever address the caller has. Between a
+/// server's end and the next proof another program may get a request all the same: it carries a proof that
+/// died with the server, its tokens are good with a proof only, and an answer without one is no answer.
+/// What holds a password goes through the socket itself. Used on the network thread.
 class LocalServerTransport final : public HttpTransport {
 public:
     /// With `start`, a server that is away (it ends when it is idle) is started for the request.

@@ -41,7 +41,10 @@ Result<LocalServerHello, LinkError> helloFrom(const LinkAnswer &answer)
                         url.port() > 0 && url.path().isEmpty() && url.userInfo().isEmpty();
     if (!usable)
         return failure(failed("The server on this computer named no address that can be used."));
-    return LocalServerHello{*answer.address, answer.version.value_or(""), answer.pid.value_or(0)};
+    if (answer.key.value_or("").empty())
+        return failure(failed("The server on this computer is of another version. End it and try again."));
+    return LocalServerHello{*answer.address, answer.version.value_or(""), answer.pid.value_or(0),
+                            *answer.key};
 }
 
 bool processLives(std::int64_t pid)
@@ -96,6 +99,12 @@ LocalServerLink::Answer<std::string> LocalServerLink::requestCode(std::string co
 {
     return m_thread.run([self = shared_from_this(), codeChallenge = std::move(codeChallenge),
                          timeZone = std::move(timeZone)] { return codeHere(self, codeChallenge, timeZone); });
+}
+
+LocalServerLink::Answer<HttpResponse> LocalServerLink::passOn(HttpRequest request)
+{
+    return m_thread.run(
+        [self = shared_from_this(), request = std::move(request)] { return passOnHere(self, request); });
 }
 
 LocalServerLink::Answer<LocalServerHello> LocalServerLink::provenServer(bool start)
@@ -210,6 +219,34 @@ LocalServerLink::Answer<std::string> LocalServerLink::codeHere(Self self, std::s
     if (!answer->code)
         co_return failure(failed("The server on this computer gave no code."));
     co_return std::move(*answer->code);
+}
+
+LocalServerLink::Answer<HttpResponse> LocalServerLink::passOnHere(Self self, HttpRequest request)
+{
+    // A password is hashed slowly on purpose, and more so on a busy computer.
+    constexpr milliseconds patience{10'000};
+    auto socket = co_await LocalSocket::connectTo(self->m_options.folder,
+                                                  std::max(patience, self->m_options.stepLimit));
+    if (!socket)
+        co_return failure(std::move(socket.error()));
+    LinkRequest passed{.command = "request"};
+    passed.method = text(request.method);
+    passed.path = std::move(request.path);
+    passed.headers.emplace();
+    for (const auto &[name, value] : request.headers.all())
+        passed.headers->emplace(name, value);
+    passed.body = std::move(request.body);
+    auto answer = co_await LocalSocket::ask(*socket, std::move(passed));
+    if (!answer)
+        co_return failure(std::move(answer.error()));
+    if (!answer->status)
+        co_return failure(failed("The server on this computer did not take the request."));
+    HttpResponse response{static_cast<int>(*answer->status), {}, answer->body.value_or("")};
+    if (answer->headers) {
+        for (auto &[name, value] : *answer->headers)
+            response.headers.set(name, std::move(value));
+    }
+    co_return std::move(response);
 }
 
 LocalServerLink::Answer<LocalServerHello> LocalServerLink::provenHere(Self self, bool start, bool anew)

@@ -3,6 +3,7 @@
 
 #include "Client/CallError.h"
 #include "Client/Pending.h"
+#include "OrvaneAPI/HttpMessage.h"
 #include "Support/Result.h"
 #include "Support/Task.h"
 
@@ -45,6 +46,9 @@ struct LocalServerHello {
     std::string address;
     std::string version;
     std::int64_t pid = 0;
+    /// What this process of the server knows its user's requests by, and they its answers; see LinkProof.h.
+    /// For memory only.
+    std::string key;
 
     bool operator==(const LocalServerHello &) const = default;
 };
@@ -82,8 +86,10 @@ public:
     /// A one-time code for the account on this computer, bound to a PKCE challenge. `timeZone` is for an
     /// account that does not exist yet.
     Answer<std::string> requestCode(std::string codeChallenge, std::string timeZone);
-    /// The server, proved: by a connection to the socket that is still open, else by asking again. While that
-    /// connection is open the server lives, and while it lives nobody else has its port. `start` says whether
+    /// Passes a request on through the socket, where nobody else can see it.
+    Answer<HttpResponse> passOn(HttpRequest request);
+    /// The server, proved: by a connection to the socket that is still open, else by asking again. It may end
+    /// before what is sent next arrives; so requests carry a proof, and answers have to. `start` says whether
     /// a server that is away is started.
     Answer<LocalServerHello> provenServer(bool start);
     /// Asks again in any case: for who could not reach the one that was proved.
@@ -99,6 +105,7 @@ private:
     static Answer<LocalServerHello> ensureHere(Self self, std::chrono::milliseconds patience);
     static Answer<LocalServerHello> startAndWait(Self self, std::chrono::milliseconds patience);
     static Answer<std::string> codeHere(Self self, std::string codeChallenge, std::string timeZone);
+    static Answer<HttpResponse> passOnHere(Self self, HttpRequest request);
     static Answer<LocalServerHello> provenHere(Self self, bool start, bool anew);
     Result<std::int64_t, LinkError> start() const;
 

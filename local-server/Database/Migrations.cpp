@@ -166,7 +166,12 @@ constexpr std::string_view firstVersion[] = {
         deleted_at BIGINT NOT NULL))",
 };
 
-constexpr std::span<const std::string_view> versions[] = {firstVersion};
+// A bound session's tokens are good on proved requests only.
+constexpr std::string_view boundSessions[] = {
+    R"(ALTER TABLE sessions ADD COLUMN is_bound INTEGER NOT NULL DEFAULT 0)",
+};
+
+constexpr std::span<const std::string_view> versions[] = {firstVersion, boundSessions};
 
 bool applyStep(Database &database, std::int64_t version)
 {

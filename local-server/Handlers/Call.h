@@ -44,6 +44,8 @@ struct Call {
     std::string peer;
     /// Empty for operations that need no signing in.
     Caller caller;
+    /// Whether it came from one of this user's own programs; see ProofGate.
+    bool isProved = false;
     /// Set by a handler whose changes are to stay although it refuses.
     bool keepsChanges = false;
 };

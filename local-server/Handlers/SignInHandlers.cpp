@@ -22,7 +22,9 @@ AuthTokensResponse tokensFor(Call &call, const IssuedRefresh &refresh)
 AuthTokensResponse newSession(Call &call, const std::string &userId,
                               const std::optional<std::string> &deviceName, Sessions::Kind kind)
 {
-    return tokensFor(call, call.services.sessions.start(userId, deviceName, kind, call.now));
+    // What began with a proof is never to be used without one: its tokens are worth nothing to whoever else
+    // sees them.
+    return tokensFor(call, call.services.sessions.start(userId, deviceName, kind, call.isProved, call.now));
 }
 
 std::optional<HttpResponse> refusedAddress(const std::string &email)
@@ -132,7 +134,7 @@ Step login(Call &call, const operations::Login::Input &input)
 
 HttpResponse refreshTokens(Call &call, const operations::RefreshTokens::Input &input)
 {
-    const auto renewal = call.services.sessions.renew(input.body.refreshToken, call.now);
+    const auto renewal = call.services.sessions.renew(input.body.refreshToken, call.isProved, call.now);
     if (const auto *refresh = std::get_if<IssuedRefresh>(&renewal))
         return jsonAnswer(200, tokensFor(call, *refresh));
     call.keepsChanges = true; // the session that ended stays ended
@@ -142,7 +144,7 @@ HttpResponse refreshTokens(Call &call, const operations::RefreshTokens::Input &i
 HttpResponse logout(Call &call, const operations::Logout::Input &input)
 {
     // An unknown token is no news to whoever wants to be rid of it.
-    call.services.sessions.endByToken(input.body.refreshToken);
+    call.services.sessions.endByToken(input.body.refreshToken, call.isProved);
     return noBody(202);
 }
 

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Process/ServerProcess.h"
 
+#include "OrvaneAPI/LinkProof.h"
 #include "Process/PortFile.h"
 #include "Process/ProcessSetup.h"
+#include "Security/RandomText.h"
 
 #include <QLoggingCategory>
 #include <QThread>
@@ -19,6 +21,18 @@ Q_LOGGING_CATEGORY(processLog, "orvane.server.process")
 constexpr std::chrono::milliseconds lockPatience{5'000};
 constexpr std::chrono::milliseconds lockInterval{20};
 
+/// What stands for the other side's address where there is none.
+constexpr char socketPeer[] = "socket";
+
+std::optional<HttpMethod> methodNamed(std::string_view name)
+{
+    for (const HttpMethod method : {HttpMethod::Get, HttpMethod::Post, HttpMethod::Put, HttpMethod::Delete}) {
+        if (text(method) == name)
+            return method;
+    }
+    return std::nullopt;
+}
+
 std::string userName()
 {
     const struct passwd *entry = ::getpwuid(::geteuid());
@@ -29,6 +43,7 @@ std::string userName()
 
 ServerProcess::ServerProcess(ServerOptions options)
     : m_options(std::move(options))
+    , m_linkKey(randomText(32))
     , m_lock(file("server.lock"))
     , m_front(
           [this](const HttpRequest &request, const std::string &peer, HttpFront::Reply reply) {
@@ -123,6 +138,7 @@ std::string ServerProcess::openCore()
                                   .listenPoint = m_point,
                                   .trustedProxy = m_options.trustedProxy,
                                   .clock = {},
+                                  .linkKey = m_linkKey,
                                   .userName = userName()});
     if (!core)
         return std::move(core.error());
@@ -147,6 +163,7 @@ SocketAnswer ServerProcess::answer(const SocketRequest &request)
         answer.address = m_point.url();
         answer.version = ORVANE_VERSION;
         answer.pid = ::getpid();
+        answer.key = m_linkKey;
     } else if (request.command == "code") {
         auto code =
             m_core->localSignInCode(request.codeChallenge.value_or(""), request.timeZone.value_or(""));
@@ -156,9 +173,34 @@ SocketAnswer ServerProcess::answer(const SocketRequest &request)
         } else {
             answer.error = std::move(code.error());
         }
+    } else if (request.command == "request") {
+        return passedOn(request);
     } else {
         answer.error = "the command is not known";
     }
+    return answer;
+}
+
+/// A request that came this way is as good as a proved one: whoever sends it could have asked for the key.
+SocketAnswer ServerProcess::passedOn(const SocketRequest &request)
+{
+    SocketAnswer answer;
+    const auto method = methodNamed(request.method.value_or(""));
+    if (!method || !request.path) {
+        answer.error = "the request is not understood";
+        return answer;
+    }
+    HttpRequest passed{*method, *request.path, {}, request.body.value_or("")};
+    for (const auto &[name, value] : request.headers.value_or(std::map<std::string, std::string>{}))
+        passed.headers.set(name, value);
+    passed.headers.set("Host", m_point.url().substr(std::string_view("http://").size()));
+    passed.headers.set(linkProofHeader, requestProof(m_linkKey, newProofNonce(), passed));
+    HttpResponse response = m_core->handle(passed, socketPeer);
+    answer.status = response.status;
+    answer.headers.emplace();
+    for (const auto &[name, value] : response.headers.all())
+        answer.headers->emplace(name, value);
+    answer.body = std::move(response.body);
     return answer;
 }
 

@@ -40,11 +40,14 @@ private:
     std::string openCore();
     void serve(const HttpRequest &request, const std::string &peer, HttpFront::Reply reply);
     SocketAnswer answer(const SocketRequest &request);
+    SocketAnswer passedOn(const SocketRequest &request);
     void restartIdleTimer();
     std::string file(const char *name) const;
 
     ServerOptions m_options;
     ListenPoint m_point;
+    /// Lives and dies with the process; see LinkProof.h.
+    const std::string m_linkKey;
     FileLock m_lock;
     std::unique_ptr<ServerCore> m_core;
     std::unique_ptr<HashPool> m_hashes = std::make_unique<HashPool>();

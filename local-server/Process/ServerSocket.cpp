@@ -16,7 +16,8 @@ namespace orvane::server {
 
 namespace {
 
-constexpr qint64 longestLine = 4096;
+/// Room for a request with a password, its texts at their longest.
+constexpr qint64 longestLine = 65536;
 constexpr std::chrono::milliseconds longestQuiet{10'000};
 constexpr qsizetype mostConnections = 32;
 constexpr char socketName[] = "server.sock";

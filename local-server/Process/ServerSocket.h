@@ -11,8 +11,8 @@
 namespace orvane::server {
 
 /// The Unix socket where the server proves that it is the one of this data folder, and where processes of the
-/// same user get their sign-in codes. It lies in a folder that only its owner can enter, and whoever connects
-/// must be that user too.
+/// same user get the key of proofs and their sign-in codes, and send what no port may see. It lies in a
+/// folder that only its owner can enter, and whoever connects must be that user too.
 class ServerSocket : public QObject {
     Q_OBJECT
 

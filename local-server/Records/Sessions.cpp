@@ -28,15 +28,15 @@ std::int64_t ms(Instant instant)
 } // namespace
 
 IssuedRefresh Sessions::start(const std::string &userId, const std::optional<std::string> &deviceName,
-                              Kind kind, Instant now)
+                              Kind kind, bool isBound, Instant now)
 {
     // Every run of the command signs in to the account on this computer, so what has expired goes as others
     // come.
     m_database.run("DELETE FROM sessions WHERE expires_at <= ?", ms(now));
     const std::string id = newIdentifier();
-    m_database.run("INSERT INTO sessions (id, user_id, device_name, is_local, created_at, last_used_at, "
-                   "expires_at) VALUES (?, ?, ?, ?, ?, ?, ?)",
-                   id, userId, deviceName, kind == Kind::Local, ms(now), ms(now), ms(now));
+    m_database.run("INSERT INTO sessions (id, user_id, device_name, is_local, is_bound, created_at, "
+                   "last_used_at, expires_at) VALUES (?, ?, ?, ?, ?, ?, ?, ?)",
+                   id, userId, deviceName, kind == Kind::Local, isBound, ms(now), ms(now), ms(now));
     return issue(id, userId, kind, now);
 }
 
@@ -52,7 +52,7 @@ IssuedRefresh Sessions::issue(const std::string &sessionId, const std::string &u
     return issued;
 }
 
-Sessions::Renewal Sessions::renew(const std::string &token, Instant now)
+Sessions::Renewal Sessions::renew(const std::string &token, bool isProved, Instant now)
 {
     struct Found {
         std::string sessionId, userId, state;
@@ -61,11 +61,11 @@ Sessions::Renewal Sessions::renew(const std::string &token, Instant now)
     const std::string digest = digestText(token);
     const auto found = m_database.row(
         "SELECT t.session_id, s.user_id, t.state, s.is_local, t.expires_at FROM refresh_tokens t "
-        "JOIN sessions s ON s.id = t.session_id WHERE t.digest = ?",
+        "JOIN sessions s ON s.id = t.session_id WHERE t.digest = ? AND (s.is_bound = 0 OR ? = 1)",
         [&](const SqlRow &row) {
             return Found{row.text(0), row.text(1), row.text(2), row.boolean(3), row.integer(4) <= ms(now)};
         },
-        digest);
+        digest, isProved);
     if (!found || found->isExpired)
         return Unknown{};
     if (found->state == dead) {
@@ -97,19 +97,20 @@ void Sessions::boundSuccessors(const std::string &sessionId)
         m_database.run("UPDATE refresh_tokens SET state = ? WHERE digest = ?", dead, successors[i]);
 }
 
-void Sessions::endByToken(const std::string &token)
+void Sessions::endByToken(const std::string &token, bool isProved)
 {
-    m_database.run(
-        "DELETE FROM sessions WHERE id IN (SELECT session_id FROM refresh_tokens WHERE digest = ?)",
-        digestText(token));
+    m_database.run("DELETE FROM sessions WHERE (is_bound = 0 OR ? = 1) AND id IN "
+                   "(SELECT session_id FROM refresh_tokens WHERE digest = ?)",
+                   isProved, digestText(token));
 }
 
-bool Sessions::touch(const std::string &sessionId, const std::string &userId, Instant now)
+bool Sessions::touch(const std::string &sessionId, const std::string &userId, bool isProved, Instant now)
 {
     const auto lastUsed = m_database.row(
-        "SELECT last_used_at FROM sessions WHERE id = ? AND user_id = ? AND expires_at > ?",
-        [](const SqlRow &row) { return instantFromMilliseconds(row.integer(0)); }, sessionId, userId,
-        ms(now));
+        "SELECT last_used_at FROM sessions WHERE id = ? AND user_id = ? AND expires_at > ? "
+        "AND (is_bound = 0 OR ? = 1)",
+        [](const SqlRow &row) { return instantFromMilliseconds(row.integer(0)); }, sessionId, userId, ms(now),
+        isProved);
     if (lastUsed && now - *lastUsed > touchInterval)
         m_database.run("UPDATE sessions SET last_used_at = ? WHERE id = ?", ms(now), sessionId);
     return lastUsed.has_value();

@@ -40,19 +40,21 @@ public:
 
     /// A session of the account on this computer lives for a day, others for sixty since their last use.
     enum class Kind { Lasting, Local };
+    /// A bound session's tokens are good on proved requests only.
     IssuedRefresh start(const std::string &userId, const std::optional<std::string> &deviceName, Kind kind,
-                        Instant now);
+                        bool isBound, Instant now);
 
     struct Unknown {};
     struct Ended {};
     using Renewal = std::variant<IssuedRefresh, Unknown, Ended>;
-    Renewal renew(const std::string &token, Instant now);
+    /// A token of a bound session that comes without a proof is as good as unknown, and changes nothing.
+    Renewal renew(const std::string &token, bool isProved, Instant now);
 
     /// Ends the session that a token of it, fresh or spent, stands for.
-    void endByToken(const std::string &token);
+    void endByToken(const std::string &token, bool isProved);
 
     /// Whether the session goes on; keeps its time of last use, to a minute.
-    bool touch(const std::string &sessionId, const std::string &userId, Instant now);
+    bool touch(const std::string &sessionId, const std::string &userId, bool isProved, Instant now);
     std::vector<SessionRecord> list(const std::string &userId, Instant now);
     /// False when the user has no such session.
     bool end(const std::string &sessionId, const std::string &userId);

@@ -26,6 +26,7 @@ protected:
         options.trustedProxy = std::move(trustedProxy);
         options.clock = [this] { return now; };
         options.userName = "ada";
+        options.linkKey = linkKey;
         auto opened = ServerCore::open(std::move(options));
         ASSERT_TRUE(opened) << opened.error();
         server = std::move(*opened);
@@ -107,6 +108,8 @@ protected:
         return problem ? problem->errors : FieldErrors{};
     }
 
+    /// What the server's socket would hand out.
+    std::string linkKey = randomText(32);
     Instant now = instantFromMilliseconds(1'772'355'600'000); // 2026-03-01T09:00:00Z
     std::string peer = "127.0.0.1";
     std::string accessToken;

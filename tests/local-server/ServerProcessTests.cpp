@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The server as a process of its own, over real sockets.
+#include "OrvaneAPI/LinkProof.h"
 #include "OrvaneAPI/Operations.h"
 #include "Process/SocketMessages.h"
 #include "Security/RandomText.h"
@@ -217,6 +218,53 @@ TEST_F(ServerRun, ItKeepsItsPortItsDataAndItsPrivacy)
     ASSERT_TRUE(log.open(QIODevice::ReadOnly));
     EXPECT_FALSE(log.readAll().contains(QByteArray::fromStdString(token)));
     EXPECT_EQ(endWith(*second, SIGINT), 0);
+}
+
+TEST_F(ServerRun, WhatWasCapturedIsWorthNothingToTheNextServer)
+{
+    auto server = serve();
+    const std::string key = answer("{\"command\":\"hello\"}\n").key.value_or("");
+    EXPECT_EQ(key.size(), 43U);
+    m_token = "none";
+    HttpRequest captured = GetServer::request({});
+    HttpRequest whole = captured;
+    whole.headers.set("Authorization", "Bearer " + m_token);
+    captured.headers.set(linkProofHeader, requestProof(key, newProofNonce(), whole));
+    EXPECT_EQ(send(captured).status, 200);
+    endWith(*server, SIGTERM);
+    server = serve();
+    EXPECT_NE(answer("{\"command\":\"hello\"}\n").key, key);
+    EXPECT_EQ(send(captured).status, 401);
+    endWith(*server, SIGTERM);
+    for (const char *name : {"/server.log", "/orvane-server.sqlite"}) {
+        QFile file(text(folder() + name));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        EXPECT_FALSE(file.readAll().contains(QByteArray::fromStdString(key))) << name;
+    }
+}
+
+TEST_F(ServerRun, ItTakesRequestsAtItsSocket)
+{
+    const auto server = serve();
+    RegisterRequest body;
+    body.email = "grace@example.org";
+    body.password = "correct horse battery";
+    SocketRequest request{.command = "request", .method = "POST", .path = "/api/auth/register"};
+    request.headers.emplace()["Content-Type"] = "application/json";
+    request.body = encodeJson(body);
+    const SocketAnswer registered = answer(encodeJson(request) + "\n");
+    EXPECT_EQ(registered.status, 201) << registered.body.value_or("");
+    // A sign-in that came this way is good for who has the key alone.
+    const auto tokens = decodeJson<AuthTokensResponse>(registered.body.value_or(""));
+    ASSERT_TRUE(tokens);
+    m_token = tokens->accessToken;
+    EXPECT_EQ(call<GetMe>({}).status, 401);
+    request = {.command = "request", .method = "GET", .path = "/api/me"};
+    request.headers.emplace()["Authorization"] = "Bearer " + m_token;
+    EXPECT_EQ(answer(encodeJson(request) + "\n").status, 200);
+    request.method = "BREW";
+    EXPECT_TRUE(answer(encodeJson(request) + "\n").error);
+    EXPECT_EQ(endWith(*server, SIGTERM), 0);
 }
 
 TEST_F(ServerRun, WhatWasAnsweredSurvivesAKill)
