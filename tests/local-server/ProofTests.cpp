@@ -3,6 +3,8 @@
 #include "OrvaneAPI/LinkProof.h"
 #include "ServerFixture.h"
 
+#include <QTemporaryDir>
+
 namespace orvane::server {
 
 class Proof : public ServerFixture {
@@ -117,6 +119,29 @@ TEST_F(Proof, IsNotAskedOfWhoSignedInWithoutOne)
     EXPECT_EQ(send(me(), plain.accessToken).status, 200);
     EXPECT_EQ(send(proved(me(), plain.accessToken)).status, 200);
     EXPECT_EQ(send(refresh(plain.refreshToken)).status, 200);
+}
+
+TEST_F(Proof, IsNotAskedOfASessionFromBeforeThereWereProofs)
+{
+    const QTemporaryDir folder;
+    databasePath = folder.filePath(QStringLiteral("server.sqlite")).toStdString();
+    openServer({});
+    const AuthTokensResponse tokens = signIn(true);
+    server.reset();
+    {
+        // The sessions' table as the first version had it.
+        const auto database = Database::open(databasePath);
+        ASSERT_TRUE(database) << database.error();
+        (*database)->begin();
+        (*database)->runOnce("ALTER TABLE sessions DROP COLUMN is_bound");
+        (*database)->run("UPDATE schema_version SET version = 1");
+        ASSERT_TRUE((*database)->commit()) << (*database)->lastError();
+    }
+    openServer({});
+    EXPECT_EQ(send(me(), tokens.accessToken).status, 200);
+    EXPECT_EQ(send(refresh(tokens.refreshToken)).status, 200);
+    // A new one is bound.
+    EXPECT_EQ(send(me(), signIn(true).accessToken).status, 401);
 }
 
 TEST_F(Proof, IsWorthNothingWhereThereIsNoKey)

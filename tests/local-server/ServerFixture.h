@@ -17,11 +17,10 @@ class ServerFixture : public ::testing::Test {
 protected:
     ServerFixture() { openServer({}); }
 
-    void openServer(ListenPoint point, std::optional<std::string> trustedProxy = {},
-                    std::string databasePath = ":memory:")
+    void openServer(ListenPoint point, std::optional<std::string> trustedProxy = {})
     {
         ServerCore::Options options;
-        options.databasePath = std::move(databasePath);
+        options.databasePath = databasePath;
         options.listenPoint = std::move(point);
         options.trustedProxy = std::move(trustedProxy);
         options.clock = [this] { return now; };
@@ -108,6 +107,7 @@ protected:
         return problem ? problem->errors : FieldErrors{};
     }
 
+    std::string databasePath = ":memory:";
     /// What the server's socket would hand out.
     std::string linkKey = randomText(32);
     Instant now = instantFromMilliseconds(1'772'355'600'000); // 2026-03-01T09:00:00Z
