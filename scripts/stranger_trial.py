@@ -108,7 +108,8 @@ def answer_whole(connection, data, write_end):
     """Records and answers each whole request; what is left is returned."""
     while b"\r\n\r\n" in data:
         head, rest = data.split(b"\r\n\r\n", 1)
-        length = next((int(line.split(b":")[1]) for line in head.split(b"\r\n") if line.lower().startswith(b"content-length:")), 0)
+        lengths = [line.split(b":")[1] for line in head.lower().split(b"\r\n") if line.startswith(b"content-length:")]
+        length = int(lengths[0]) if lengths else 0
         if len(rest) < length:
             break
         request, data = head + b"\r\n\r\n" + rest[:length], rest[length:]
