@@ -45,7 +45,7 @@ protected:
         ASSERT_EQ(session.exitStatus, 0) << session.all();
     }
     CommandRun run(const std::string &arguments) const { return inSession(call() + arguments); }
-    /// Each answers the path's requests with `status`; everything else passes.
+    /// From now on requests for that path get `status`; everything else passes.
     void refuse(const std::string &path, int status)
     {
         proxy.setPlan([=](const orvane::testing::SeenRequest &request) {
@@ -100,6 +100,19 @@ TEST_F(SignedInCommand, StaysSignedInWhenItCannotSignOut)
     const CommandRun logout = run("logout");
     EXPECT_EQ(logout.exitStatus, 0) << logout.all();
     EXPECT_NE(email(run("status").object()), "ada@example.com");
+}
+
+TEST_F(SignedInCommand, ForgetsTheTokenOfASessionThatIsOver)
+{
+    signIn();
+    refuse("/api/me", 401);
+    EXPECT_EQ(run("status").exitStatus, 1);
+    const CommandRun logout = run("logout");
+    EXPECT_EQ(logout.exitStatus, 0) << logout.all();
+    proxy.setPlan(orvane::testing::plans::pass());
+    EXPECT_NE(email(run("status").object()), "ada@example.com");
+    const CommandRun back = run("--server " + proxy.url() + " status");
+    EXPECT_EQ(back.exitStatus, 1) << back.all();
 }
 
 } // namespace
