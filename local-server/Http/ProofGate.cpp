@@ -13,9 +13,14 @@ std::optional<HttpResponse> ProofGate::refuse(const HttpRequest &request) const
     return unauthorized("The request was not made for this server.");
 }
 
-void ProofGate::prove(const HttpRequest &request, HttpResponse &response) const
+std::optional<std::string> ProofGate::nonceOf(const HttpRequest &request) const
 {
-    if (const auto nonce = provedNonce(m_key, request))
+    return isProved(request.headers) ? provedNonce(m_key, request) : std::nullopt;
+}
+
+void ProofGate::prove(const std::optional<std::string> &nonce, HttpResponse &response) const
+{
+    if (nonce)
         response.headers.set(linkProofHeader, answerProof(m_key, *nonce, response));
 }
 

@@ -18,8 +18,9 @@ public:
 
     /// The refusal of a request whose proof is wrong. One without a proof claims nothing and may pass.
     std::optional<HttpResponse> refuse(const HttpRequest &request) const;
-    /// Proves the answer to a request that got through; to one without a proof it does nothing.
-    void prove(const HttpRequest &request, HttpResponse &response) const;
+    /// What the answer to a request has to be proved with; nothing for one without a proof.
+    std::optional<std::string> nonceOf(const HttpRequest &request) const;
+    void prove(const std::optional<std::string> &nonce, HttpResponse &response) const;
     /// Whether a request is proved that got through.
     static bool isProved(const HttpHeaders &headers);
 
