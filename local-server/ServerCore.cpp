@@ -127,13 +127,10 @@ void ServerCore::serve(const HttpRequest &request, const std::string &peer, cons
 {
     if (auto refusal = m_proofs.refuse(request))
         return done({std::move(*refusal)});
-    const auto prove =
-        [this,
-         asked = HttpRequest{.method = request.method, .path = {}, .headers = request.headers, .body = {}},
-         done](Served served) {
-            m_proofs.prove(asked, served.response);
-            done(std::move(served));
-        };
+    const auto prove = [this, nonce = m_proofs.nonceOf(request), done](Served served) {
+        m_proofs.prove(nonce, served.response);
+        done(std::move(served));
+    };
     if (auto refusal = m_gate.refuse(request, peer))
         return prove({std::move(*refusal)});
     const Done finish = [prove](Served served) {
