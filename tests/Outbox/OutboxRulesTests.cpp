@@ -57,46 +57,47 @@ TEST(OutboxRules, AnEchoOfALostAnswerIsNoConflict)
     request.start = instantFromMilliseconds(1'772'000'000'000);
     request.stop = request.start + std::chrono::hours{1};
     const EntryChange update{EntryChange::Update{request, "e", "w", "6"}};
-    const auto lost = lostFirstAnswer(update, refusal(412, changed, entryOf(request)));
+    const auto lost = lostFirstAnswer(update, {}, refusal(412, changed, entryOf(request)));
     ASSERT_TRUE(lost);
     EXPECT_EQ(lost->entry->version, "7");
 
     EntryRequest other = request;
     other.details.tagIds = {};
-    EXPECT_FALSE(lostFirstAnswer(update, refusal(412, changed, entryOf(other))))
+    EXPECT_FALSE(lostFirstAnswer(update, {}, refusal(412, changed, entryOf(other))))
         << "somebody else took the tag away";
 
     const EntryChange stop{EntryChange::Stop{*request.stop, "e", "w", "6"}};
-    EXPECT_TRUE(lostFirstAnswer(stop, refusal(412, changed, entryOf(other))));
-    EXPECT_FALSE(lostFirstAnswer(EntryChange{EntryChange::Stop{request.start, "e", "w", "6"}},
+    EXPECT_TRUE(lostFirstAnswer(stop, {}, refusal(412, changed, entryOf(other))));
+    EXPECT_FALSE(lostFirstAnswer(EntryChange{EntryChange::Stop{request.start, "e", "w", "6"}}, {},
                                  refusal(412, changed, entryOf(request))));
 
-    EXPECT_TRUE(lostFirstAnswer(EntryChange{EntryChange::Delete{"e", "w", "6"}}, refusal(404)));
-    EXPECT_FALSE(lostFirstAnswer(update, refusal(404)));
-    EXPECT_FALSE(lostFirstAnswer(EntryChange{EntryChange::Delete{"e", "w", "6"}},
+    EXPECT_TRUE(lostFirstAnswer(EntryChange{EntryChange::Delete{"e", "w", "6"}}, {}, refusal(404)));
+    EXPECT_FALSE(lostFirstAnswer(update, {}, refusal(404)));
+    EXPECT_FALSE(lostFirstAnswer(EntryChange{EntryChange::Delete{"e", "w", "6"}}, {},
                                  refusal(412, changed, entryOf(request))));
 }
 
-TEST(VersionSuccession, FollowsOnlyAnUnbrokenLineOfOurOwnChanges)
+TEST(OutboxRules, ALostAnswerHandsNobodyElsesVersionOn)
 {
-    VersionDocument document;
-    noteSuccession(document, "e", std::nullopt, "1");
-    noteSuccession(document, "e", "1", "2");
-    noteSuccession(document, "e", "2", "3");
-    EXPECT_EQ(succeedingVersion(document, "e", "1"), "3");
-    EXPECT_EQ(succeedingVersion(document, "e", "3"), "3");
-    EXPECT_EQ(succeedingVersion(document, "e", "unknown"), "unknown");
-    EXPECT_EQ(succeedingVersion(document, "other", "1"), "1");
+    const std::string changed(entryChangedProblemType);
+    EntryRequest running;
+    running.details.description = "Review";
+    running.start = instantFromMilliseconds(1'772'000'000'000);
+    const Instant end = running.start + std::chrono::hours{1};
+    EntryRequest stopped = running;
+    stopped.stop = end;
+    const EntryChange stop{EntryChange::Stop{end, "e", "w", "6"}};
+    EXPECT_TRUE(
+        lostFirstAnswer(stop, entryOf(running), refusal(412, changed, entryOf(stopped)))->isOursAlone);
+    EXPECT_FALSE(lostFirstAnswer(stop, {}, refusal(412, changed, entryOf(stopped)))->isOursAlone)
+        << "nothing is known of what it was";
+    stopped.details.description = "somebody else's words";
+    EXPECT_FALSE(
+        lostFirstAnswer(stop, entryOf(running), refusal(412, changed, entryOf(stopped)))->isOursAlone);
 
-    // "4" was somebody else's: a change made against 1 or 3 has not seen it and must be told.
-    noteSuccession(document, "e", "4", "5");
-    EXPECT_EQ(succeedingVersion(document, "e", "1"), "1");
-    EXPECT_EQ(succeedingVersion(document, "e", "4"), "5");
-
-    for (int i = 0; i < 1000; ++i)
-        noteSuccession(document, "entry" + std::to_string(i), "1", "2");
-    EXPECT_LT(document.entries.size(), 200U) << "the document stays small";
-    EXPECT_EQ(succeedingVersion(document, "entry999", "1"), "2");
+    const EntryChange::Create create{running, "e", "w"};
+    EXPECT_TRUE(isAsCreated(create, entryOf(running)));
+    EXPECT_FALSE(isAsCreated(create, entryOf(stopped)));
 }
 
 } // namespace
