@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <cmath>
+#include <limits>
 
 namespace orvane {
 
@@ -18,6 +19,10 @@ Instant systemNow()
         return source();
     return std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now());
 }
+
+constexpr std::int64_t notHeld = std::numeric_limits<std::int64_t>::min();
+/// Where a ClockHold made the clock stand, in milliseconds since 1970.
+std::atomic<std::int64_t> heldAt = notHeld;
 
 } // namespace
 
@@ -44,6 +49,8 @@ void OffsetBox::setOffset(double seconds)
 
 Instant AppClock::now()
 {
+    if (const std::int64_t held = heldAt; held != notHeld)
+        return Instant{std::chrono::milliseconds{held}};
     const std::chrono::microseconds offset{std::llround(OffsetBox::shared().offset() * 1e6)};
     return millisecondsFloor(systemNow() + offset);
 }
@@ -56,6 +63,22 @@ void AppClock::setNow(Instant instant)
 void AppClock::setSource(Instant (*source)())
 {
     madeUpSource = source;
+}
+
+ClockHold::ClockHold() : m_since(std::chrono::steady_clock::now())
+{
+    ORVANE_REQUIRE(heldAt == notHeld, "the clock is held already");
+    heldAt = millisecondsSinceEpoch(AppClock::now());
+}
+
+ClockHold::~ClockHold()
+{
+    heldAt = notHeld;
+}
+
+std::chrono::milliseconds ClockHold::held() const
+{
+    return std::chrono::floor<std::chrono::milliseconds>(std::chrono::steady_clock::now() - m_since);
 }
 
 } // namespace orvane

@@ -3,6 +3,7 @@
 
 #include "Support/Instant.h"
 
+#include <chrono>
 #include <mutex>
 
 namespace orvane {
@@ -41,6 +42,22 @@ public:
     /// Takes the computer's time from elsewhere, as a simulator does in which time passes by itself; null
     /// gives the system's back.
     static void setSource(Instant (*source)());
+};
+
+/// While one lives, `AppClock::now` stands still: all of one action happens at the moment when it was asked
+/// for, however long its work takes. One at a time, made and ended on one thread.
+class ClockHold {
+public:
+    ClockHold();
+    ClockHold(const ClockHold &) = delete;
+    ClockHold &operator=(const ClockHold &) = delete;
+    ~ClockHold();
+
+    /// How long the clock has stood still, by a clock that nobody sets.
+    std::chrono::milliseconds held() const;
+
+private:
+    std::chrono::steady_clock::time_point m_since;
 };
 
 } // namespace orvane

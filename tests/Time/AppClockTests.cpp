@@ -22,6 +22,20 @@ TEST(AppClock, TellsWholeMillisecondsAndRunsOnFromWhereItIsSet)
     EXPECT_GE(AppClock::now(), first);
 }
 
+TEST(AppClock, StandsStillWhileItIsHeld)
+{
+    const ClockOffset moved("2031-05-06T07:08:09.010Z");
+    {
+        const ClockHold hold;
+        const Instant asked = AppClock::now();
+        // Whatever becomes of the computer's clock meanwhile.
+        AppClock::setNow(asked + std::chrono::hours{1});
+        EXPECT_EQ(AppClock::now(), asked);
+        EXPECT_GE(hold.held(), std::chrono::milliseconds{0});
+    }
+    EXPECT_GE(AppClock::now(), *instantFromIso8601("2031-05-06T08:08:09.010Z")) << "and then runs on";
+}
+
 TEST(AppClockDeathTest, AnOffsetIsFiniteAndInRange)
 {
     EXPECT_DEATH(OffsetBox::shared().setOffset(std::numeric_limits<double>::quiet_NaN()), "offset");
