@@ -84,6 +84,25 @@ LocalServerLink::LocalServerLink(NetworkThread &thread, LocalServerOptions optio
 
 LocalServerLink::~LocalServerLink() = default;
 
+void LocalServerLink::giveUpAt(std::chrono::steady_clock::time_point deadline)
+{
+    m_deadline = deadline;
+}
+
+milliseconds LocalServerLink::untilDeadline() const
+{
+    const auto deadline = m_deadline.load();
+    if (deadline == std::chrono::steady_clock::time_point::max())
+        return milliseconds::max();
+    const auto left = deadline - std::chrono::steady_clock::now();
+    return std::max(std::chrono::ceil<milliseconds>(left), milliseconds{0});
+}
+
+milliseconds LocalServerLink::stepLimit() const
+{
+    return std::min(m_options.stepLimit, untilDeadline());
+}
+
 LocalServerLink::Answer<LocalServerHello> LocalServerLink::hello()
 {
     return m_thread.run([self = shared_from_this()] { return helloHere(self); });
@@ -119,10 +138,10 @@ LocalServerLink::Answer<LocalServerHello> LocalServerLink::provenAnew(bool start
 
 LocalServerLink::Answer<LocalServerHello> LocalServerLink::helloHere(Self self)
 {
-    auto socket = co_await LocalSocket::connectTo(self->m_options.folder, self->m_options.stepLimit);
+    auto socket = co_await LocalSocket::connectTo(self->m_options.folder, self->stepLimit());
     if (!socket)
         co_return failure(std::move(socket.error()));
-    auto answer = co_await LocalSocket::ask(*socket, {.command = "hello"});
+    auto answer = co_await LocalSocket::ask(*socket, {.command = "hello"}, self->stepLimit());
     if (!answer)
         co_return failure(std::move(answer.error()));
     auto hello = helloFrom(*answer);
@@ -158,7 +177,7 @@ LocalServerLink::Answer<LocalServerHello> LocalServerLink::startAndWait(Self sel
     const auto pid = self->start();
     if (!pid)
         co_return failure(pid.error());
-    QDeadlineTimer deadline(patience);
+    QDeadlineTimer deadline(std::min(patience, self->untilDeadline()));
     bool ended = false;
     while (!deadline.hasExpired()) {
         co_await pause(interval);
@@ -170,6 +189,8 @@ LocalServerLink::Answer<LocalServerHello> LocalServerLink::startAndWait(Self sel
             deadline.setRemainingTime(std::min(deadline.remainingTime(), qint64{graceAfterEnd.count()}));
         }
     }
+    if (self->untilDeadline() == milliseconds::zero())
+        co_return failure(failed("The server on this computer is starting; it did not answer in time."));
     co_return failure(
         LinkError{LinkError::Kind::StartFailed, "The server on this computer did not start. Its log is " +
                                                     self->m_options.folder + "/server.log."});
@@ -208,12 +229,13 @@ Result<std::int64_t, LinkError> LocalServerLink::start() const
 LocalServerLink::Answer<std::string> LocalServerLink::codeHere(Self self, std::string codeChallenge,
                                                                std::string timeZone)
 {
-    auto socket = co_await LocalSocket::connectTo(self->m_options.folder, self->m_options.stepLimit);
+    auto socket = co_await LocalSocket::connectTo(self->m_options.folder, self->stepLimit());
     if (!socket)
         co_return failure(std::move(socket.error()));
     auto answer = co_await LocalSocket::ask(
         *socket,
-        {.command = "code", .codeChallenge = std::move(codeChallenge), .timeZone = std::move(timeZone)});
+        {.command = "code", .codeChallenge = std::move(codeChallenge), .timeZone = std::move(timeZone)},
+        self->stepLimit());
     if (!answer)
         co_return failure(std::move(answer.error()));
     if (!answer->code)

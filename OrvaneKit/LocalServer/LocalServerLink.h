@@ -7,6 +7,7 @@
 #include "Support/Result.h"
 #include "Support/Task.h"
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <memory>
@@ -78,6 +79,9 @@ public:
     static std::shared_ptr<LocalServerLink> make(NetworkThread &thread, LocalServerOptions options);
     ~LocalServerLink();
 
+    /// Every talk ends by then at the latest; one begun later fails at once. From any thread.
+    void giveUpAt(std::chrono::steady_clock::time_point deadline);
+
     /// Asks whoever runs now. Starts nothing.
     Answer<LocalServerHello> hello();
     /// Starts the server when none runs, detached from this process, and waits until it answers or `patience`
@@ -108,9 +112,13 @@ private:
     static Answer<HttpResponse> passOnHere(Self self, HttpRequest request);
     static Answer<LocalServerHello> provenHere(Self self, bool start, bool anew);
     Result<std::int64_t, LinkError> start() const;
+    std::chrono::milliseconds untilDeadline() const;
+    std::chrono::milliseconds stepLimit() const;
 
     NetworkThread &m_thread;
     LocalServerOptions m_options;
+    std::atomic<std::chrono::steady_clock::time_point> m_deadline =
+        std::chrono::steady_clock::time_point::max();
     /// The connection of the last hello, and what it said.
     std::shared_ptr<LocalSocket> m_proof;
     LocalServerHello m_proved;

@@ -77,7 +77,7 @@ LinkError connectError(QLocalSocket::LocalSocketError error, const QString &text
 
 } // namespace
 
-LocalSocket::LocalSocket(std::chrono::milliseconds stepLimit) : m_stepLimit(stepLimit)
+LocalSocket::LocalSocket()
 {
     m_timer.setSingleShot(true);
     connectSignals();
@@ -128,15 +128,14 @@ void LocalSocket::failWith(LinkError error)
         auto(*asking).finish(failure(error));
 }
 
-Task<LocalSocket::Connected> LocalSocket::connectTo(std::string folder, std::chrono::milliseconds stepLimit)
+Task<LocalSocket::Connected> LocalSocket::connectTo(std::string folder, std::chrono::milliseconds limit)
 {
     const std::string runFolder = folder + "/run";
     const auto descriptor = openOwnFolder(runFolder);
     if (!descriptor)
         co_return failure(descriptor.error());
     // Destroyed through the event loop: it may be let go of inside one of its own signals.
-    std::shared_ptr<LocalSocket> self(new LocalSocket(stepLimit),
-                                      [](LocalSocket *socket) { socket->deleteLater(); });
+    std::shared_ptr<LocalSocket> self(new LocalSocket, [](LocalSocket *socket) { socket->deleteLater(); });
     self->m_folderDescriptor = *descriptor;
     const auto path = socketPath(runFolder, *descriptor);
     if (!path)
@@ -144,7 +143,7 @@ Task<LocalSocket::Connected> LocalSocket::connectTo(std::string folder, std::chr
 
     const Pending<std::optional<LinkError>> connecting;
     self->m_connecting = connecting;
-    self->m_timer.start(stepLimit);
+    self->m_timer.start(limit);
     self->m_socket.connectToServer(QString::fromStdString(*path));
     const auto error = co_await connecting;
     self->m_timer.stop();
@@ -159,13 +158,14 @@ Task<LocalSocket::Connected> LocalSocket::connectTo(std::string folder, std::chr
     co_return std::move(self);
 }
 
-Task<LocalSocket::Answered> LocalSocket::ask(std::shared_ptr<LocalSocket> socket, LinkRequest request)
+Task<LocalSocket::Answered> LocalSocket::ask(std::shared_ptr<LocalSocket> socket, LinkRequest request,
+                                             std::chrono::milliseconds limit)
 {
     if (!socket->isOpen())
         co_return failure(failed("The server on this computer hung up."));
     const Pending<Answered> asking;
     socket->m_asking = asking;
-    socket->m_timer.start(socket->m_stepLimit);
+    socket->m_timer.start(limit);
     socket->m_socket.write(QByteArray::fromStdString(encodeJson(request) + "\n"));
     socket->m_socket.flush();
     co_return co_await asking;

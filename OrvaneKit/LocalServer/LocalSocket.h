@@ -20,20 +20,20 @@ public:
     using Answered = Result<LinkAnswer, LinkError>;
 
     /// `folder` is the one that holds run/.
-    static Task<Connected> connectTo(std::string folder, std::chrono::milliseconds stepLimit);
+    static Task<Connected> connectTo(std::string folder, std::chrono::milliseconds limit);
     ~LocalSocket() override;
 
     /// Looks at the connection itself: the event loop may not have heard of its end yet.
     bool isOpen() const;
-    static Task<Answered> ask(std::shared_ptr<LocalSocket> socket, LinkRequest request);
+    static Task<Answered> ask(std::shared_ptr<LocalSocket> socket, LinkRequest request,
+                              std::chrono::milliseconds limit);
 
 private:
-    explicit LocalSocket(std::chrono::milliseconds stepLimit);
+    LocalSocket();
     void connectSignals();
     void failWith(LinkError error);
     void readLine();
 
-    std::chrono::milliseconds m_stepLimit;
     QLocalSocket m_socket;
     QTimer m_timer;
     int m_folderDescriptor = -1;

@@ -176,6 +176,17 @@ TEST_F(LocalServerLinkTest, ReadsOnlySensibleAnswers)
     EXPECT_EQ(await(link()->hello()), (LocalServerHello{"http://127.0.0.1:8001", "1", 0, "k"}));
 }
 
+TEST_F(LocalServerLinkTest, EndsATalkAtTheDeadline)
+{
+    // Without the deadline this waits for longer than any test may take.
+    stepLimit = 24h;
+    const SocketDouble silent(folder(), {""});
+    const auto link = this->link();
+    link->giveUpAt(std::chrono::steady_clock::now() + 50ms);
+    EXPECT_EQ(failureOf(link), Kind::Failed);
+    EXPECT_FALSE(await(link->provenAnew(true))) << "and begins no other one";
+}
+
 TEST_F(LocalServerLinkTest, SaysNothingInAFolderThatOthersCanReach)
 {
     const SocketDouble server(folder(), {"{\"address\":\"http://127.0.0.1:8001\"}\n"});
