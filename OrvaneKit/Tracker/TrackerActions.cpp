@@ -170,15 +170,24 @@ Task<SaveResult> Tracker::continueLast(Instant at)
         return found == entries().end() ? std::nullopt : std::optional{*found};
     };
     auto last = lastStopped();
-    while (!last && m_weeksLoaded < weeksSearched) {
-        const bool isLoaded = co_await loadWeekBefore();
-        if (!self || !isLoaded)
-            break;
+    bool isLoaded = true;
+    while (!last && isLoaded && m_weeksLoaded < weeksSearched) {
+        isLoaded = co_await loadWeekBefore();
+        if (!self)
+            co_return refusedHere(SaveOutcome::failed, {});
         last = lastStopped();
     }
+    if (!last && !isLoaded)
+        co_return refusedHere(
+            SaveOutcome::failed,
+            "No earlier entry is known on this computer, and the server cannot be asked now.");
     if (!last)
         co_return refusedHere(SaveOutcome::failed, "There is no entry to continue yet.");
-    co_return co_await start(entryDetails(*last), at);
+    // As it was, its parts' own descriptions included.
+    EntryRequest request = entryRequest(*last);
+    request.start = millisecondsFloor(at);
+    request.stop.reset();
+    co_return co_await create(std::move(request));
 }
 
 Task<SaveResult> Tracker::update(std::string id, EntryRequest request)

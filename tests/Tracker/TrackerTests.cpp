@@ -211,6 +211,30 @@ TEST_F(TrackerTest, RefusesWhatCannotBeAndGroupsByDay)
     close(std::move(account));
 }
 
+TEST_F(TrackerTest, ContinuesASplitEntryWithItsPartsDescriptions)
+{
+    auto account = open();
+    ASSERT_TRUE(account);
+    Tracker &tracker = account->tracker();
+    await(tracker.load());
+    const Instant now = AppClock::now();
+    const SaveResult made =
+        await(tracker.create({details("whole"), now - minutes{60}, now - minutes{30}, false}));
+    ASSERT_EQ(made.outcome, SaveOutcome::saved) << made.message;
+    std::vector<SplitPart> parts{share(60), share(40)};
+    parts[0].description = "the one";
+    parts[1].description = "the other";
+    ASSERT_EQ(await(tracker.split(made.entry->id, parts)).outcome, SaveOutcome::saved);
+
+    const SaveResult continued = await(tracker.continueLast(now));
+    ASSERT_EQ(continued.outcome, SaveOutcome::saved) << continued.message;
+    EXPECT_FALSE(continued.entry->stop);
+    EXPECT_EQ(continued.entry->start, now);
+    EXPECT_EQ(continued.entry->shares, tracker.entry(made.entry->id)->shares);
+    EXPECT_EQ(continued.entry->shares[1].description, "the other");
+    close(std::move(account));
+}
+
 TEST_F(TrackerTest, SaysSoWhenAnotherDeviceChangedTheEntry)
 {
     auto account = open();
