@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "CommandContext.h"
 
+#include "Account/AccountStores.h"
 #include "Output/EntryText.h"
 #include "Terminal/StandardStreams.h"
 
@@ -10,8 +11,8 @@ namespace orvane {
 
 namespace {
 
-/// How long a command waits for the server before it goes on without it.
-constexpr std::chrono::milliseconds patience{3000};
+/// How long a command waits for the server before it goes on without it; it is over within 3 s then.
+constexpr std::chrono::milliseconds patience{2800};
 
 } // namespace
 
@@ -77,13 +78,40 @@ CommandContext::adopt(Result<std::unique_ptr<Account>, AccountError> opened, boo
         co_return failure(std::move(problem));
     }
     m_account = std::move(*opened);
+    if (auto readable = co_await checkQueue(); !readable) {
+        m_openError = AccountError::Kind::Store;
+        co_await m_account->close();
+        m_account.reset();
+        co_return failure(std::move(readable.error()));
+    }
     co_await m_account->tracker().loadSnapshot();
     if (!m_account->tokenNotice().empty())
         writeMessage(m_account->tokenNotice());
     co_return account();
 }
 
+/// The outbox takes a queue that cannot be read for an empty one, which would be told as "nothing waits".
+Task<Result<void, CommandFailure>> CommandContext::checkQueue()
+{
+    const auto rows = co_await queuedRows(m_account->store());
+    if (!rows)
+        co_return failure(CommandFailure::of(rows.error()));
+    // Another process may have sent some since: what it took away was readable.
+    if (*rows > static_cast<std::int64_t>(m_account->outbox().pending().size())) {
+        auto unreadable = co_await unreadableRows(m_account->store());
+        if (!unreadable)
+            co_return failure(CommandFailure::of(unreadable.error()));
+        m_unreadable = std::move(*unreadable);
+    }
+    co_return Result<void, CommandFailure>{};
+}
+
 Task<> CommandContext::flush()
+{
+    return sendQueue(true);
+}
+
+Task<> CommandContext::sendQueue(bool restartsPatience)
 {
     Outbox &outbox = m_account->outbox();
     if (outbox.pending().empty() || !m_account->isReachable())
@@ -91,11 +119,12 @@ Task<> CommandContext::flush()
     const auto all = static_cast<std::int64_t>(outbox.pending().size());
     m_progress.begin("Sending changes");
     m_progress.setProgress(0, all);
-    const auto advance = [this, all] {
+    const auto advance = [this, all, restartsPatience] {
         const auto left = static_cast<std::int64_t>(m_account->outbox().pending().size());
         m_progress.setProgress(all - std::min(left, all), all);
         // Each answer shows that the server is there; only silence uses the patience up.
-        m_account->restartPatience();
+        if (restartsPatience)
+            m_account->restartPatience();
     };
     const auto connection = connect(&outbox, &Outbox::pendingChanged, this, advance);
     co_await outbox.flush();
@@ -105,7 +134,18 @@ Task<> CommandContext::flush()
 
 Task<> CommandContext::bringUpToDate()
 {
-    co_await flush();
+    co_await loadState();
+    if (m_account->outbox().pending().empty())
+        co_return;
+    const std::size_t before = m_account->outbox().pending().size();
+    co_await sendQueue(false);
+    // What was sent may have done more at the server than to the entries themselves.
+    if (m_account->outbox().pending().size() < before && m_account->hasPatience())
+        co_await loadState();
+}
+
+Task<> CommandContext::loadState()
+{
     if (!m_account->isReachable())
         co_return;
     m_progress.begin("Waiting for the server …");
@@ -131,11 +171,23 @@ void CommandContext::showQueue()
     const EntryWriter writer(m_account->tracker(), TerminalStyle::of(STDERR_FILENO));
     for (const Outbox::Pending &pending : m_account->outbox().conflicts())
         writeMessage(writer.conflict(pending));
+    if (!m_unreadable.empty())
+        writeMessage(
+            unreadableMessage(static_cast<std::int64_t>(m_unreadable.size()), m_account->storePath()));
     const std::string message = queueMessage(m_account->outbox(), m_account->isReachable());
     if (!message.empty() && !json())
         writeMessage(message);
     else if (!m_account->isReachable() && !json())
         writeMessage("Offline: the server cannot be reached; this is what was known last.");
+}
+
+Task<bool> CommandContext::lookBeside()
+{
+    const auto waiting =
+        co_await waitingBeside(m_installation.root(), m_account->server(), m_account->me().id);
+    for (const WaitingStore &store : waiting)
+        m_besides.push_back(besideMessage(store, m_account->isLocal()));
+    co_return !waiting.empty();
 }
 
 Task<> CommandContext::finish()
@@ -144,6 +196,8 @@ Task<> CommandContext::finish()
         co_return;
     co_await showRefusals();
     showQueue();
+    for (const std::string &message : m_besides)
+        writeMessage(message);
     co_await m_account->close();
 }
 

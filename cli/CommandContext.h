@@ -6,10 +6,12 @@
 #include "Output/CommandFailure.h"
 #include "Terminal/ProgressLine.h"
 #include "Terminal/TerminalStyle.h"
+#include "Time/AppClock.h"
 
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace orvane {
 
@@ -26,7 +28,8 @@ struct GlobalOptions {
 };
 
 /// What a running command works with: its options, the streams' styles, and the account, opened when it is
-/// asked for. Lives on the main thread for the length of one command.
+/// asked for. The clock stands still while it lives: whatever the command does, it does at the moment when it
+/// was called, however long the server takes. Lives on the main thread for the length of one command.
 class CommandContext final : public QObject {
     Q_OBJECT
 
@@ -52,25 +55,42 @@ public:
     /// Null before it was opened.
     Account *account() const { return m_account.get(); }
 
-    /// Sends what waits, with a progress bar. Does nothing for an account whose server did not answer.
+    /// How long the command has been at it.
+    std::chrono::milliseconds waited() const { return m_moment.held(); }
+    /// Sends what waits, with a progress bar, for as long as the server goes on answering. Does nothing for
+    /// an account whose server did not answer.
     Task<> flush();
-    /// `flush`, then the server's state of the tracker.
+    /// The server's state of the tracker, if the server answers in time. For a command that makes a change:
+    /// what waits already is sent along with it.
+    Task<> loadState();
+    /// The same, and what waits is sent as far as the time goes. For a command that shows things.
     Task<> bringUpToDate();
+    /// Says which changes of other accounts wait in stores of their own, when the command has ended. True
+    /// when there are any.
+    Task<bool> lookBeside();
+    /// The numbers of the queue's rows that cannot be read.
+    const std::vector<std::int64_t> &unreadable() const { return m_unreadable; }
     /// Shows what was refused while nobody waited, and what to do about conflicts; then ends the account.
     Task<> finish();
 
 private:
     Task<Result<Account *, CommandFailure>> adopt(Result<std::unique_ptr<Account>, AccountError> opened,
                                                   bool isSigningIn);
+    Task<Result<void, CommandFailure>> checkQueue();
+    Task<> sendQueue(bool restartsPatience);
     Task<> showRefusals();
     void showQueue();
 
+    /// The first member: from here on the clock stands still.
+    ClockHold m_moment;
     GlobalOptions m_options;
     TerminalStyle m_style;
     Installation m_installation;
     ProgressLine m_progress;
     std::unique_ptr<Account> m_account;
     std::optional<AccountError::Kind> m_openError;
+    std::vector<std::int64_t> m_unreadable;
+    std::vector<std::string> m_besides;
 };
 
 using Context = std::shared_ptr<CommandContext>;

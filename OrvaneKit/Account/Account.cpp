@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Account/Account.h"
 
+#include "Account/AccountStores.h"
 #include "Account/PreferredTime.h"
 #include "Account/ProfileDocument.h"
 #include "Client/NetworkThread.h"
@@ -23,6 +24,10 @@
 namespace orvane {
 
 namespace {
+
+/// How long before the end of the patience a pass over the queue is asked to end. A server that is only busy
+/// with a long queue answers the request in flight by then, and is not taken for one that is away.
+constexpr std::chrono::milliseconds windDown{300};
 
 AccountError refusedBy(const CallError &error)
 {
@@ -98,6 +103,8 @@ Task<Result<void, AccountError>> Account::findServer()
     if (!installation.makeFolder(problem))
         co_return failure(AccountError{AccountError::Kind::Store, problem, {}});
     m_network = std::make_shared<NetworkThread>();
+    if (isKnown())
+        startPatience();
     const auto wanted = m_options.server ? m_options.server : installation.currentServer();
     const auto local = installation.localServer();
     m_isLocal = !wanted || wanted == local;
@@ -117,6 +124,7 @@ Task<Result<void, AccountError>> Account::findLocalServer()
     const std::string program =
         m_options.serverProgram.empty() ? besideThisProgram("orvane-server") : m_options.serverProgram;
     m_link = LocalServerLink::make(*m_network, {.folder = installation.serverFolder(), .program = program});
+    countPatience();
     auto hello = m_options.startsServer ? co_await m_link->ensureRunning() : co_await m_link->hello();
     if (!hello) {
         m_isReachable = false;
@@ -128,26 +136,27 @@ Task<Result<void, AccountError>> Account::findLocalServer()
     const auto before = installation.localServer();
     m_server = hello->address;
     if (before && *before != m_server)
-        co_return moveLocalStore(*before);
+        co_return moveLocalStores(*before);
     installation.setLocalServer(m_server);
     co_return Result<void, AccountError>{};
 }
 
-/// The server on this computer got another port (its folder was put back from a copy, say): the store's name
-/// follows.
-Result<void, AccountError> Account::moveLocalStore(const std::string &before)
+/// The server on this computer got another port (its folder is a new one, or was put back): the names of its
+/// stores follow, those of accounts that it does not know now included. They are there when it does again.
+Result<void, AccountError> Account::moveLocalStores(const std::string &before)
 {
     Installation &installation = *m_options.installation;
-    if (const auto account = installation.account(before)) {
-        const auto moved =
-            LocalStore::moveStore(LocalStore::filePath(installation.root(), before, *account),
-                                  LocalStore::filePath(installation.root(), m_server, *account));
-        if (!moved)
-            return failure(AccountError{AccountError::Kind::Store, describe(moved.error()), {}});
-        installation.setAccount(m_server, account);
-        if (const auto workspace = installation.workspace(before, *account))
-            installation.setWorkspace(m_server, *account, *workspace);
+    const auto accounts = accountsWithStore(installation.root(), before);
+    if (const auto moved = moveStores(installation.root(), before, m_server); !moved)
+        return failure(AccountError{AccountError::Kind::Store, describe(moved.error()), {}});
+    for (const std::string &account : accounts) {
+        if (const auto workspace = installation.workspace(before, account))
+            installation.setWorkspace(m_server, account, *workspace);
     }
+    if (const auto account = installation.account(before))
+        installation.setAccount(m_server, account);
+    if (installation.currentServer() == before)
+        installation.setCurrentServer(m_server);
     installation.setLocalServer(m_server);
     return {};
 }
@@ -173,27 +182,63 @@ Task<> Account::makeClient()
     }
     m_session = AuthSession::make(*m_network, transport, std::move(options));
     m_client = std::make_shared<OrvaneClient>(m_network, m_session, transport);
-    startPatience();
+    if (!m_patience)
+        startPatience();
+}
+
+/// Whether there is an account to go on with when the server does not answer.
+bool Account::isKnown() const
+{
+    const Installation &installation = *m_options.installation;
+    const auto local = installation.localServer();
+    const auto server = m_options.server ? m_options.server : installation.currentServer();
+    return installation.account(server.value_or(local.value_or(""))).has_value();
 }
 
 void Account::startPatience()
 {
     if (m_options.patience.count() == 0)
         return;
+    m_windDown = std::make_unique<QTimer>();
     m_patience = std::make_unique<QTimer>();
-    m_patience->setSingleShot(true);
-    connect(m_patience.get(), &QTimer::timeout, this, [this] {
-        m_isReachable = false;
-        m_unreachableReason = "The server did not answer in time.";
-        closeTransport();
-    });
+    for (QTimer *timer : {m_windDown.get(), m_patience.get()}) {
+        timer->setSingleShot(true);
+        timer->setTimerType(Qt::PreciseTimer);
+    }
+    connect(m_windDown.get(), &QTimer::timeout, this, &Account::endPass);
+    connect(m_patience.get(), &QTimer::timeout, this, &Account::giveUp);
+    countPatience();
+}
+
+/// From now on.
+void Account::countPatience()
+{
+    if (!m_patience)
+        return;
+    m_windDown->start(std::max(m_options.patience - windDown, std::chrono::milliseconds{0}));
     m_patience->start(m_options.patience);
+    if (m_link)
+        m_link->giveUpAt(std::chrono::steady_clock::now() + m_options.patience);
 }
 
 void Account::restartPatience()
 {
-    if (m_patience && m_patience->isActive())
-        m_patience->start(m_options.patience);
+    if (m_patience && m_patience->isActive() && !m_isWindingDown)
+        countPatience();
+}
+
+void Account::endPass()
+{
+    m_isWindingDown = true;
+    if (m_outbox)
+        m_outbox->close();
+}
+
+void Account::giveUp()
+{
+    m_isReachable = false;
+    m_unreachableReason = "The server did not answer in time.";
+    closeTransport();
 }
 
 void Account::closeTransport()
@@ -284,8 +329,8 @@ Task<Result<void, AccountError>> Account::finishOpening()
 
 Task<Result<void, AccountError>> Account::openStore(std::string accountId)
 {
-    const std::string path = LocalStore::filePath(m_options.installation->root(), m_server, accountId);
-    auto opened = co_await LocalStore::open(path);
+    auto opened =
+        co_await LocalStore::open(LocalStore::filePath(m_options.installation->root(), m_server, accountId));
     if (!opened)
         co_return failure(AccountError{AccountError::Kind::Store, describe(opened.error()), {}});
     m_store = std::move(*opened);
@@ -297,7 +342,7 @@ Task<Result<void, AccountError>> Account::openStore(std::string accountId)
     Outbox::Parts parts;
     parts.api = m_client;
     parts.store = m_store;
-    parts.lockPath = path + ".lock";
+    parts.lockPath = storePath() + ".lock";
     parts.mayBeSent = [this] { return checkAccount(); };
     if (m_options.patience.count() > 0)
         parts.lockPatience = m_options.patience;
@@ -305,11 +350,19 @@ Task<Result<void, AccountError>> Account::openStore(std::string accountId)
     co_return Result<void, AccountError>{};
 }
 
+std::string Account::storePath() const
+{
+    return LocalStore::filePath(m_options.installation->root(), m_server, m_accountId);
+}
+
 /// Nothing of a queue goes to an account that is not the store's.
 Task<Outbox::SendVerdict> Account::checkAccount()
 {
     const QPointer<Account> self(this);
     if (!m_hasFreshMe) {
+        // Who waits only so long has asked once; asking again would use up the rest.
+        if (m_patience && !m_isReachable)
+            co_return Outbox::SendVerdict::Away;
         co_await fetchMe();
         if (!self)
             co_return Outbox::SendVerdict::NotOurs;
@@ -423,6 +476,7 @@ void Account::leaveServer()
 
 Task<> Account::close()
 {
+    m_windDown.reset();
     m_patience.reset();
     if (!m_network)
         co_return;

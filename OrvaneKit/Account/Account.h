@@ -62,8 +62,9 @@ public:
         std::optional<std::string> workspace;
         /// None: the account's time zone.
         std::optional<std::string> zone;
-        /// How long to wait for the server in all before going on without it; zero: as long as the transport
-        /// does.
+        /// How long to wait for the server in all, from the beginning of `open` on, before going on without
+        /// it; zero: as long as the transport does. An account that is not known yet has nothing to go on
+        /// with: for it the wait counts from when the server was found.
         std::chrono::milliseconds patience{0};
         /// Path of the program that is the server on this computer; empty: beside the running program.
         std::string serverProgram;
@@ -105,6 +106,7 @@ public:
 
     OrvaneClient &client() { return *m_client; }
     LocalStore &store() { return *m_store; }
+    std::string storePath() const;
     Outbox &outbox() { return *m_outbox; }
     Tracker &tracker() { return *m_tracker; }
     const Tracker &tracker() const { return *m_tracker; }
@@ -117,12 +119,14 @@ public:
     Task<> updateMe(MeResponse me);
     /// Lets the patience start anew, because the server just answered.
     void restartPatience();
+    /// False once the patience has all but run out: what is begun now would be cut short.
+    bool hasPatience() const { return !m_isWindingDown; }
 
 private:
     explicit Account(Options options);
     Task<Result<void, AccountError>> findServer();
     Task<Result<void, AccountError>> findLocalServer();
-    Result<void, AccountError> moveLocalStore(const std::string &before);
+    Result<void, AccountError> moveLocalStores(const std::string &before);
     Task<> makeClient();
     Task<Result<void, AccountError>> openKnown();
     Task<Result<void, AccountError>> openWith(Credentials credentials);
@@ -136,7 +140,11 @@ private:
     Result<void, AccountError> selectWorkspace();
     const WorkspaceSummary *chosenWorkspace() const;
     void makeTracker();
+    bool isKnown() const;
     void startPatience();
+    void countPatience();
+    void endPass();
+    void giveUp();
     void closeTransport();
 
     Options m_options;
@@ -154,6 +162,8 @@ private:
     bool m_hasFreshMe = false;
     std::optional<CallError> m_meError;
     std::unique_ptr<QTimer> m_patience;
+    std::unique_ptr<QTimer> m_windDown;
+    bool m_isWindingDown = false;
     std::shared_ptr<NetworkThread> m_network;
     std::shared_ptr<LocalServerLink> m_link;
     std::shared_ptr<AuthSession> m_session;

@@ -5,6 +5,7 @@
 #include "Input/Candidates.h"
 #include "Output/EntryText.h"
 #include "Output/JsonShapes.h"
+#include "Terminal/TextWidth.h"
 #include "Time/AppClock.h"
 
 namespace orvane {
@@ -14,6 +15,10 @@ namespace {
 /// How far back a cut identifier is looked for.
 constexpr int weeksSearched = 8;
 constexpr std::size_t wholeIdLength = 36;
+/// From here on a status says that the server could not tell.
+constexpr std::int64_t firstServerFault = 500;
+/// How far a timer may lie ahead, or be started ahead, without being asked about.
+constexpr std::chrono::minutes tolerance{1};
 
 bool isDone(SaveOutcome outcome)
 {
@@ -34,6 +39,57 @@ std::vector<std::string> knownIds(const Tracker &tracker)
     if (tracker.running() && !tracker.entry(tracker.running()->id))
         ids.push_back(tracker.running()->id);
     return ids;
+}
+
+/// Where an entry was looked for that is none of those at hand.
+enum class Search { Nowhere, LastWeeks, Everywhere };
+
+/// Makes the entry known that the (cut) identifier may mean: a whole one is asked for, a cut one looked for
+/// in the last weeks.
+Task<Search> askForEntry(Context context, std::string typed)
+{
+    Account *account = context->account();
+    Tracker &tracker = account->tracker();
+    if (!account->isReachable())
+        co_return Search::Nowhere;
+    context->progress().begin("Looking for the entry …");
+    Search search = Search::Nowhere;
+    if (typed.size() == wholeIdLength) {
+        const auto entry = co_await account->client().getTimeEntry(tracker.workspace().id, typed);
+        const bool isAnswered = entry ? co_await tracker.loadDays(tracker.time().dayKey(entry->start), 1)
+                                      : std::holds_alternative<APIError>(entry.error()) &&
+                                            std::get<APIError>(entry.error()).status < firstServerFault;
+        search = isAnswered ? Search::Everywhere : Search::Nowhere;
+    } else {
+        const DayKey first = tracker.time()
+                                 .weekStartContaining(tracker.time().today())
+                                 .adding(std::int64_t{-7} * weeksSearched);
+        if (co_await tracker.loadDays(first, 7 * weeksSearched))
+            search = Search::LastWeeks;
+    }
+    context->progress().finish();
+    co_return search;
+}
+
+std::string notFound(const std::string &typed, Search search)
+{
+    const std::string what = "entry \"" + printable(typed) + "\"";
+    if (search == Search::Nowhere)
+        return "No " + what + " is known on this computer, and the server cannot be asked now.";
+    return "There is no " + what + " in the last " + std::to_string(weeksSearched) +
+           " weeks. An older one is found by its whole identifier.";
+}
+
+/// Why the timer may not be started when it was said; nothing when it may.
+std::optional<std::string> refusedStart(Instant at, TypedMoment named, const EntryOptions &options,
+                                        const UserTime &time)
+{
+    const bool saysDay = options.start && !named.clock;
+    if (at <= AppClock::now() + tolerance || saysDay)
+        return std::nullopt;
+    const std::string clock = time.clockLabel(at);
+    return clock + " is still to come. To start the timer then all the same, say the day too: --start \"" +
+           time.dayKey(at).description() + " " + clock + "\"";
 }
 
 } // namespace
@@ -65,29 +121,34 @@ CommandAnswer answerTo(const CommandContext &context, const SaveResult &result, 
     return answer;
 }
 
+CommandAnswer refusal(const CommandContext &context, std::string message)
+{
+    SaveResult result;
+    result.outcome = SaveOutcome::rejected;
+    result.message = std::move(message);
+    return answerTo(context, result, "");
+}
+
+CommandAnswer refusalAhead(const CommandContext &context, std::string_view what)
+{
+    Tracker &tracker = context.account()->tracker();
+    return refusal(context, std::string(what) + " " +
+                                EntryWriter(tracker, context.style()).timerAhead(tracker.running().value()));
+}
+
 Task<Result<TimeEntryResponse, CommandFailure>> findEntry(Context context, std::string typed)
 {
     const auto opened = co_await context->openAccount();
     if (!opened)
         co_return failure(opened.error());
-    co_await context->bringUpToDate();
-    Account *account = *opened;
-    Tracker &tracker = account->tracker();
+    co_await context->loadState();
+    Tracker &tracker = (*opened)->tracker();
     auto id = chooseById("entry", typed, knownIds(tracker));
-    if (!id && !id.error().isAmbiguous && account->isReachable() && !typed.empty()) {
-        context->progress().begin("Looking for the entry …");
-        if (typed.size() == wholeIdLength) {
-            const auto entry = co_await account->client().getTimeEntry(tracker.workspace().id, typed);
-            if (entry)
-                co_await tracker.loadDays(tracker.time().dayKey(entry->start), 1);
-        } else {
-            const DayKey first = tracker.time()
-                                     .weekStartContaining(tracker.time().today())
-                                     .adding(std::int64_t{-7} * weeksSearched);
-            co_await tracker.loadDays(first, 7 * weeksSearched);
-        }
-        context->progress().finish();
+    if (!id && !id.error().isAmbiguous && !typed.empty()) {
+        const Search search = co_await askForEntry(context, typed);
         id = chooseById("entry", typed, knownIds(tracker));
+        if (!id && !id.error().isAmbiguous && search != Search::Everywhere)
+            co_return failure(CommandFailure::of(notFound(typed, search)));
     }
     if (!id)
         co_return failure(CommandFailure::of(id.error().message));
@@ -97,12 +158,19 @@ Task<Result<TimeEntryResponse, CommandFailure>> findEntry(Context context, std::
     co_return TimeEntryResponse(*entry);
 }
 
-Instant nowFor(const Tracker &tracker)
+ActionMoment ActionMoment::of(const std::optional<TimeEntryResponse> &running, Instant asked,
+                              std::chrono::milliseconds waited)
 {
-    constexpr std::chrono::minutes tolerance{1};
-    const Instant now = AppClock::now();
-    const auto &running = tracker.running();
-    return running && running->start > now && running->start < now + tolerance ? running->start : now;
+    if (!running || running->start <= asked)
+        return {Kind::Free, asked};
+    if (running->start <= asked + waited)
+        return {Kind::Overtaken, running->start};
+    return {running->start < asked + tolerance ? Kind::Free : Kind::Ahead, running->start};
+}
+
+ActionMoment ActionMoment::of(const CommandContext &context)
+{
+    return of(context.account()->tracker().running(), AppClock::now(), context.waited());
 }
 
 CommandAnswer withStopped(CommandAnswer answer, const CommandContext &context,
@@ -132,7 +200,13 @@ CommandTask record(Context context, EntryOptions options, TypedSentence typed, N
         rememberPicks(*context, typed, answer);
         co_return answer;
     }
-    const Instant at = times.start ? startOf(*times.start, time) : nowFor(tracker);
+    const ActionMoment moment = ActionMoment::of(*context);
+    const Instant at = times.start ? startOf(*times.start, time) : moment.at;
+    auto reason = times.start ? refusedStart(at, *times.start, options, time) : std::nullopt;
+    if (reason)
+        co_return refusal(*context, std::move(*reason));
+    if (moment.kind == ActionMoment::Kind::Ahead && at <= moment.at)
+        co_return refusalAhead(*context, "Another timer is set already.");
     const std::optional<TimeEntryResponse> before = tracker.running();
     const SaveResult result = co_await tracker.start(std::move(*details), at);
     CommandAnswer answer = withStopped(answerTo(*context, result, "Started"), *context, before);

@@ -25,9 +25,31 @@ Task<Result<TimeEntryResponse, CommandFailure>> findEntry(Context context, std::
 inline constexpr const char *sentenceText =
     "What the work is, in one line: \"Fix the sync @api #review 9-10:30 $\"; see orvane help parse";
 
-/// Now; the running timer's start when that is just ahead, since a clock that was set back a little is no
-/// reason to refuse what happens now.
-Instant nowFor(const Tracker &tracker);
+/// What a start or a stop without a time of its own meets: the running timer, the moment it was asked for,
+/// and how long the command has waited since.
+struct ActionMoment {
+    enum class Kind {
+        Free,
+        /// Another device started the timer while this command waited.
+        Overtaken,
+        /// The timer begins only later; nothing can end or follow it yet.
+        Ahead,
+    };
+    Kind kind = Kind::Free;
+    /// When it happens: as asked, or when the timer begins that is just ahead. A clock that was set back a
+    /// little is no reason to refuse what happens now.
+    Instant at;
+
+    static ActionMoment of(const std::optional<TimeEntryResponse> &running, Instant asked,
+                           std::chrono::milliseconds waited);
+    static ActionMoment of(const CommandContext &context);
+    bool operator==(const ActionMoment &) const = default;
+};
+
+/// The answer to what the command itself refuses.
+CommandAnswer refusal(const CommandContext &context, std::string message);
+/// The same for a timer that begins only later, with the ways out.
+CommandAnswer refusalAhead(const CommandContext &context, std::string_view what);
 
 /// Records what a sentence and its options say: a finished entry when they name an end, else the timer
 /// starts, now or when they say.

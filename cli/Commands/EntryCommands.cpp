@@ -26,7 +26,7 @@ CommandTask add(Context context, EntryOptions options)
     const auto opened = co_await context->openAccount();
     if (!opened)
         co_return failure(opened.error());
-    co_await context->bringUpToDate();
+    co_await context->loadState();
     const TypedSentence typed = TypedSentence::read(options.sentence, **opened);
     const Tracker &tracker = (*opened)->tracker();
     const auto times = typed.times(options, tracker.time());

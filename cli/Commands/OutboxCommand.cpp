@@ -9,12 +9,18 @@ namespace orvane {
 
 namespace {
 
-CommandAnswer queueAnswer(const CommandContext &context)
+/// The queue as it stands, and by the way what else waits on this computer.
+Task<CommandAnswer> queueAnswer(Context context)
 {
-    const Outbox &outbox = context.account()->outbox();
-    if (context.json())
-        return {.output = shapes::text(shapes::queuedChanges(outbox))};
-    return {.output = EntryWriter(context.account()->tracker(), context.style()).queue(outbox.pending())};
+    const bool isMoreBeside = co_await context->lookBeside();
+    const Outbox &outbox = context->account()->outbox();
+    if (context->json())
+        co_return CommandAnswer{.output = shapes::text(shapes::queuedChanges(outbox, context->unreadable()))};
+    const bool isMore = isMoreBeside || !context->unreadable().empty();
+    co_return CommandAnswer{.output =
+                                EntryWriter(context->account()->tracker(), context->style())
+                                    .queue(outbox.pending(), isMore ? "Nothing else is waiting to be sent."
+                                                                    : "Nothing is waiting to be sent.")};
 }
 
 /// The list; a pass goes before it, since only the server tells which changes are in conflict.
@@ -24,7 +30,7 @@ CommandTask list(Context context)
     if (!opened)
         co_return failure(opened.error());
     co_await context->flush();
-    co_return queueAnswer(*context);
+    co_return co_await queueAnswer(context);
 }
 
 CommandTask flush(Context context)
@@ -34,7 +40,7 @@ CommandTask flush(Context context)
         co_return failure(opened.error());
     const auto before = static_cast<std::int64_t>((*opened)->outbox().pending().size());
     co_await context->flush();
-    CommandAnswer answer = queueAnswer(*context);
+    CommandAnswer answer = co_await queueAnswer(context);
     const auto after = static_cast<std::int64_t>((*opened)->outbox().pending().size());
     if (!context->json() && before > after)
         answer.output =
@@ -64,7 +70,7 @@ CommandTask settle(Context context, std::int64_t seq, Side side)
                 : "Whether the change is in conflict is known only when the server answers."));
     }
     co_await context->flush();
-    co_return queueAnswer(*context);
+    co_return co_await queueAnswer(context);
 }
 
 void addSide(CommandTree &tree, CLI::App *outbox, const char *name, const char *description, Side side)

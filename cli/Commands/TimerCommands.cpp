@@ -18,19 +18,20 @@ CommandTask status(Context context)
     if (!opened)
         co_return failure(opened.error());
     co_await context->bringUpToDate();
+    co_await context->lookBeside();
     Account &account = **opened;
     Tracker &tracker = account.tracker();
     const auto today = tracker.days(tracker.time().today(), 1);
     if (!context->json())
         co_return CommandAnswer{.output = EntryWriter(tracker, context->style()).status(today.front())};
     const WorkspaceSummary &workspace = tracker.workspace();
-    co_return CommandAnswer{
-        .output = shapes::text(shapes::Status{.server = shapes::server(account),
-                                              .account = shapes::person(account),
-                                              .workspace = {workspace.id, workspace.name, workspace.role},
-                                              .running = tracker.running(),
-                                              .today = shapes::day(today.front(), AppClock::now()),
-                                              .outbox = shapes::queue(account.outbox())})};
+    co_return CommandAnswer{.output = shapes::text(shapes::Status{
+                                .server = shapes::server(account),
+                                .account = shapes::person(account),
+                                .workspace = {workspace.id, workspace.name, workspace.role},
+                                .running = tracker.running(),
+                                .today = shapes::day(today.front(), AppClock::now()),
+                                .outbox = shapes::queue(account.outbox(), account.isReachable())})};
 }
 
 CommandTask start(Context context, EntryOptions options)
@@ -38,7 +39,7 @@ CommandTask start(Context context, EntryOptions options)
     const auto opened = co_await context->openAccount();
     if (!opened)
         co_return failure(opened.error());
-    co_await context->bringUpToDate();
+    co_await context->loadState();
     const TypedSentence typed = TypedSentence::read(options.sentence, **opened);
     const auto times = typed.times(options, (*opened)->tracker().time());
     if (!times)
@@ -48,22 +49,37 @@ CommandTask start(Context context, EntryOptions options)
     co_return co_await record(context, options, typed, *times);
 }
 
+/// Where a stop ends the running timer.
+Result<Instant, CommandFailure> endOf(const std::optional<std::string> &at, const Tracker &tracker,
+                                      Instant now)
+{
+    if (!at)
+        return now;
+    const auto moment = readMoment(*at, tracker.time());
+    if (!moment)
+        return failure(CommandFailure::usage(moment.error()));
+    return stopOf(*moment, tracker.running() ? tracker.running()->start : now, tracker.time());
+}
+
 CommandTask stop(Context context, std::optional<std::string> at)
 {
     const auto opened = co_await context->openAccount();
     if (!opened)
         co_return failure(opened.error());
-    co_await context->bringUpToDate();
+    co_await context->loadState();
     Tracker &tracker = (*opened)->tracker();
-    Instant end = nowFor(tracker);
-    if (at) {
-        const auto moment = readMoment(*at, tracker.time());
-        if (!moment)
-            co_return failure(CommandFailure::usage(moment.error()));
-        end = stopOf(*moment, tracker.running() ? tracker.running()->start : end, tracker.time());
-    }
+    const ActionMoment moment = ActionMoment::of(*context);
+    const auto end = endOf(at, tracker, moment.at);
+    if (!end)
+        co_return failure(end.error());
+    // What ran when the stop was asked for has ended where the other timer began.
+    if (!at && moment.kind == ActionMoment::Kind::Overtaken)
+        co_return refusal(*context, "Another timer was started elsewhere while this command waited, and runs "
+                                    "on. To stop that one: orvane stop");
+    if (moment.kind == ActionMoment::Kind::Ahead && (!at || *end < moment.at))
+        co_return refusalAhead(*context, "That is before the timer's start.");
     const std::optional<TimeEntryResponse> before = tracker.running();
-    co_return answerTo(*context, co_await tracker.stop(end), "Stopped", before);
+    co_return answerTo(*context, co_await tracker.stop(*end), "Stopped", before);
 }
 
 CommandTask continueLast(Context context)
@@ -71,10 +87,13 @@ CommandTask continueLast(Context context)
     const auto opened = co_await context->openAccount();
     if (!opened)
         co_return failure(opened.error());
-    co_await context->bringUpToDate();
+    co_await context->loadState();
     Tracker &tracker = (*opened)->tracker();
+    const ActionMoment moment = ActionMoment::of(*context);
+    if (moment.kind == ActionMoment::Kind::Ahead)
+        co_return refusalAhead(*context, "Another timer is set already.");
     const std::optional<TimeEntryResponse> before = tracker.running();
-    const SaveResult result = co_await tracker.continueLast(nowFor(tracker));
+    const SaveResult result = co_await tracker.continueLast(moment.at);
     co_return withStopped(answerTo(*context, result, "Started"), *context, before);
 }
 

@@ -58,6 +58,21 @@ std::string queueMessage(const Outbox &outbox, bool isReachable)
     return pending > 0 ? waiting + " to be sent." : std::string();
 }
 
+std::string besideMessage(const WaitingStore &store, bool isLocal)
+{
+    if (!store.changes)
+        return "What waits for another account cannot be told. " + describe(store.changes.error());
+    return counted(*store.changes, "change") + " of another account " +
+           (isLocal ? "of this computer" : "of this server") + (*store.changes == 1 ? " waits" : " wait") +
+           " for that account to be back, in " + store.file + ".";
+}
+
+std::string unreadableMessage(std::int64_t count, const std::string &file)
+{
+    return counted(count, "queued change") + " cannot be read and will not be sent; " +
+           (count == 1 ? "it stays" : "they stay") + " in " + file + ".";
+}
+
 EntryWriter::EntryWriter(Tracker &tracker, TerminalStyle style)
     : m_tracker(tracker), m_time(tracker.time()), m_style(style), m_now(AppClock::now())
 {
@@ -262,10 +277,21 @@ TimeEntryResponse EntryWriter::changed(const EntryChange &change,
     return entry;
 }
 
-std::string EntryWriter::queue(const std::deque<Outbox::Pending> &pending) const
+std::string EntryWriter::timerAhead(const TimeEntryResponse &running) const
+{
+    // The next whole minute, which is what can be typed.
+    const Instant end = std::chrono::ceil<std::chrono::minutes>(running.start);
+    const std::string id = shortId(running.id);
+    return "The timer " + id + " (" + quoted(running.description) + ") begins only at " +
+           clock(running.start) + ", " + m_time.dayLabel(m_time.dayKey(running.start)) +
+           ". End it with: orvane stop --at \"" + m_time.dayKey(end).description() + " " + clock(end) +
+           "\", or take it back with: orvane delete " + id;
+}
+
+std::string EntryWriter::queue(const std::deque<Outbox::Pending> &pending, std::string_view nothing) const
 {
     if (pending.empty())
-        return "Nothing is waiting to be sent.\n";
+        return std::string(nothing) + "\n";
     TextTable rows({{.alignsRight = true}, {}, {}, {}, {.shrinksTo = 14}, {.shrinksTo = 10}});
     for (const Outbox::Pending &item : pending) {
         const auto known = m_tracker.entry(item.change.entryId());

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Account/AccountStores.h"
 #include "Catalog/DayGroup.h"
 #include "Outbox/Outbox.h"
 #include "Terminal/TextTable.h"
@@ -25,7 +26,10 @@ public:
     std::string days(const std::vector<DayGroup> &days) const;
     /// "Started  a1b2c3  09:30 – …  Write the README  Website · docs".
     std::string done(std::string_view verb, const TimeEntryResponse &entry) const;
-    std::string queue(const std::deque<Outbox::Pending> &pending) const;
+    /// `nothing` is said of an empty queue.
+    std::string queue(const std::deque<Outbox::Pending> &pending, std::string_view nothing) const;
+    /// That the running timer begins only later than what was asked for, and both ways out of that.
+    std::string timerAhead(const TimeEntryResponse &running) const;
 
     /// A change that was refused while nobody waited, whole.
     std::string refusal(const Refusal &refusal) const;
@@ -66,6 +70,11 @@ private:
 /// "Offline: 2 changes are waiting to be sent.", or what else is to be said about the queue; empty when there
 /// is nothing to say.
 std::string queueMessage(const Outbox &outbox, bool isReachable);
+
+/// That changes wait in the store of another account of the server, or that it cannot be read.
+std::string besideMessage(const WaitingStore &store, bool isLocal);
+/// That rows of the queue cannot be read.
+std::string unreadableMessage(std::int64_t count, const std::string &file);
 
 /// "1 change", "2 changes".
 std::string counted(std::int64_t count, std::string_view noun);

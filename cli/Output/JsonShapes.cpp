@@ -119,19 +119,22 @@ AccountPerson person(const Account &account)
     return {account.me().id, account.me().email, account.isAutomatic()};
 }
 
-Queue queue(const Outbox &outbox)
+Queue queue(const Outbox &outbox, bool isReachable)
 {
-    return {static_cast<std::int64_t>(outbox.pending().size()), outbox.isOffline(),
+    return {static_cast<std::int64_t>(outbox.pending().size()), outbox.isOffline() || !isReachable,
             static_cast<std::int64_t>(outbox.conflicts().size())};
 }
 
-std::vector<QueuedChange> queuedChanges(const Outbox &outbox)
+std::vector<QueuedChange> queuedChanges(const Outbox &outbox, const std::vector<std::int64_t> &unreadable)
 {
     std::vector<QueuedChange> rows;
     for (const Outbox::Pending &pending : outbox.pending()) {
         rows.push_back({pending.seq, RawJson{encodeJson(pending.change, JsonStyle{.writeNulls = true})},
                         pending.conflict});
     }
+    for (const std::int64_t seq : unreadable)
+        rows.push_back({seq, RawJson{"null"}, std::nullopt});
+    std::ranges::sort(rows, {}, &QueuedChange::seq);
     return rows;
 }
 

@@ -110,8 +110,10 @@ struct Version {
 
 Server server(const Account &account);
 AccountPerson person(const Account &account);
-Queue queue(const Outbox &outbox);
-std::vector<QueuedChange> queuedChanges(const Outbox &outbox);
+/// Offline is also who found the server away and so did not try to send anything.
+Queue queue(const Outbox &outbox, bool isReachable);
+/// A row that cannot be read has no change.
+std::vector<QueuedChange> queuedChanges(const Outbox &outbox, const std::vector<std::int64_t> &unreadable);
 Day day(const DayGroup &group, Instant now);
 Error error(const CommandFailure &failure);
 

@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// When a start and a stop happen, and what to do about a timer that begins only later.
+#include "CommandFixture.h"
+
+#include "Commands/EntryAnswers.h"
+#include "Support/DateText.h"
+
+namespace orvane {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using namespace std::chrono_literals;
+using Kind = ActionMoment::Kind;
+
+TEST(ActionMoment, IsWhenItWasAskedForUnlessATimerBeginsLater)
+{
+    const Instant asked = instantFromIso8601("2026-03-04T09:00:00Z").value();
+    const auto of = [&](std::chrono::milliseconds after, std::chrono::milliseconds waited) {
+        TimeEntryResponse running;
+        running.start = asked + after;
+        return ActionMoment::of(running, asked, waited);
+    };
+    const auto expected = [&](Kind kind, std::chrono::milliseconds after) {
+        return ActionMoment{kind, asked + after};
+    };
+    EXPECT_EQ(ActionMoment::of({}, asked, 2s), expected(Kind::Free, 0s));
+    EXPECT_EQ(of(-1h, 2s), expected(Kind::Free, 0s));
+    EXPECT_EQ(of(0s, 2s), expected(Kind::Free, 0s));
+    EXPECT_EQ(of(1s, 2s), expected(Kind::Overtaken, 1s)) << "started elsewhere while this one waited";
+    EXPECT_EQ(of(3s, 2s), expected(Kind::Free, 3s)) << "by a clock that is a little ahead";
+    EXPECT_EQ(of(1min, 2s), expected(Kind::Ahead, 1min));
+}
+
+TEST_F(Command, StartsAheadOfTimeOnlyWhenTheDayIsNamed)
+{
+    setNow("2026-03-04T09:00:00Z");
+    const CommandRun refused = installation.json({"--zone", "UTC", "start", "Later", "--start", "17:30"});
+    EXPECT_EQ(refused.exitStatus, 1) << refused.all();
+    EXPECT_EQ(text(refused.object()[u"outcome"]), "rejected");
+    EXPECT_THAT(text(refused.object()[u"message"]),
+                AllOf(HasSubstr("still to come"), HasSubstr("--start \"2026-03-04 17:30\"")));
+    EXPECT_TRUE(done({"status"})[u"running"].isNull());
+    EXPECT_EQ(text(entry({"--zone", "UTC", "start", "Later", "--start", "2026-03-04 17:30"})[u"start"]),
+              "2026-03-04T17:30:00.000Z");
+}
+
+TEST_F(Command, NamesTheWaysOutOfATimerThatBeginsLater)
+{
+    setNow("2026-03-05T10:00:30Z");
+    const std::string ahead = id(entry({"start", "By the wrong clock"}));
+    // The clock was set back.
+    setNow("2026-03-04T09:00:00Z");
+    for (const Arguments &command : {Arguments{"start", "Now"},
+                                     {"stop"},
+                                     {"stop", "--at", "2026-03-04 8:30"},
+                                     {"continue"},
+                                     {"start", "Earlier", "--start", "8:00"}}) {
+        Arguments arguments{"--zone", "UTC"};
+        arguments.insert(arguments.end(), command.begin(), command.end());
+        const CommandRun run = installation.json(arguments);
+        EXPECT_EQ(run.exitStatus, 1) << run.all();
+        EXPECT_EQ(text(run.object()[u"outcome"]), "rejected");
+        EXPECT_THAT(text(run.object()[u"message"]), AllOf(HasSubstr("orvane stop --at \"2026-03-05 10:01\""),
+                                                          HasSubstr("orvane delete " + ahead.substr(0, 6))));
+    }
+    EXPECT_EQ(text(done({"--zone", "UTC", "stop", "--at", "2026-03-05 10:01"})[u"outcome"]), "stopped");
+    EXPECT_EQ(text(done({"start", "Now"})[u"outcome"]), "saved") << "the first way leads out";
+
+    setNow("2026-03-03T09:00:00Z");
+    const std::string second = id(done({"status"})[u"running"].toObject());
+    EXPECT_EQ(text(done({"delete", second.substr(0, 6)})[u"outcome"]), "saved");
+    EXPECT_EQ(text(done({"start", "Back then"})[u"outcome"]), "saved") << "and so does the second";
+}
+
+} // namespace
+} // namespace orvane
