@@ -1,25 +1,44 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Account/AccountStores.h"
 
-#include <algorithm>
 #include <filesystem>
+#include <optional>
+#include <set>
+#include <string_view>
 
 namespace orvane {
 
+namespace {
+
+const std::string extension = ".sqlite";
+
+/// The account in the name of a store's file or of one that SQLite keeps beside it.
+std::optional<std::string> accountOf(std::string_view name, const std::string &prefix)
+{
+    if (!name.starts_with(prefix))
+        return std::nullopt;
+    name.remove_prefix(prefix.size());
+    for (const char *beside : {"", "-wal", "-shm"}) {
+        const std::string ending = extension + beside;
+        if (name.size() > ending.size() && name.ends_with(ending))
+            return std::string(name.substr(0, name.size() - ending.size()));
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
 std::vector<std::string> accountsWithStore(const std::string &root, const std::string &server)
 {
-    const std::string suffix = ".sqlite";
     std::string prefix = LocalStore::fileName(server, "");
-    prefix.resize(prefix.size() - suffix.size());
-    std::vector<std::string> accounts;
+    prefix.resize(prefix.size() - extension.size());
+    std::set<std::string> accounts;
     std::error_code error;
     for (const auto &file : std::filesystem::directory_iterator(root, error)) {
-        const std::string name = file.path().filename().string();
-        if (name.size() > prefix.size() + suffix.size() && name.starts_with(prefix) && name.ends_with(suffix))
-            accounts.push_back(name.substr(prefix.size(), name.size() - prefix.size() - suffix.size()));
+        if (auto account = accountOf(file.path().filename().string(), prefix))
+            accounts.insert(std::move(*account));
     }
-    std::ranges::sort(accounts);
-    return accounts;
+    return {accounts.begin(), accounts.end()};
 }
 
 StoreStatus moveStores(const std::string &root, const std::string &from, const std::string &to)
@@ -39,7 +58,8 @@ Task<std::vector<WaitingStore>> waitingBeside(std::string root, std::string serv
     std::vector<WaitingStore> waiting;
     for (const std::string &other : accountsWithStore(root, server)) {
         std::string file = LocalStore::filePath(root, server, other);
-        if (file == own)
+        std::error_code error;
+        if (file == own || !std::filesystem::is_regular_file(file, error))
             continue;
         auto opened = co_await LocalStore::open(file);
         auto changes = opened ? co_await queuedRows(**opened)

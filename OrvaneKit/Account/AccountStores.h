@@ -13,7 +13,8 @@
 /// stay in its own store and go to nobody else.
 namespace orvane {
 
-/// The accounts that have a store, as its file's name writes them.
+/// The accounts that have a store, or what a move that was cut short left of it, as the files' names write
+/// them.
 std::vector<std::string> accountsWithStore(const std::string &root, const std::string &server);
 
 /// Moves every account's store from one address of the server to another. A store that the new address has
