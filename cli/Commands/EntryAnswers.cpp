@@ -100,7 +100,10 @@ CommandAnswer answerTo(const CommandContext &context, const SaveResult &result, 
     const bool done = isDone(result.outcome);
     CommandAnswer answer;
     answer.exitStatus = done ? ExitStatus::done : ExitStatus::failed;
-    if (!result.message.empty())
+    // Of a start that ends another timer first, the start is what was done.
+    if (done && result.error)
+        answer.messages.push_back("The timer before it could not be stopped: " + result.message);
+    else if (!result.message.empty())
         answer.messages.push_back(result.message);
     else if (!done)
         answer.messages.emplace_back("That could not be done.");

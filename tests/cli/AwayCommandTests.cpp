@@ -129,6 +129,20 @@ TEST_F(AwayCommand, DoesNotWaitForALongQueue)
     EXPECT_EQ(status[u"today"].toObject()[u"entries"].toArray().size(), many + 1);
 }
 
+TEST_F(AwayCommand, StartsThoughTheTimerBeforeIsRefused)
+{
+    done({"projects", "add", "Web"});
+    done({"status"});
+    ASSERT_TRUE(installation.killServer());
+    done({"--no-start-server", "start", "On the web @web"});
+    onAnotherDevice([&] { done({"projects", "delete", "Web"}); });
+    const CommandRun next = installation.run({"start", "Next"});
+    EXPECT_EQ(next.exitStatus, 0) << next.all();
+    EXPECT_THAT(next.errors, AllOf(HasSubstr("The timer before it could not be stopped: "),
+                                   HasSubstr("Refused: a change made earlier to \"On the web\"")));
+    EXPECT_EQ(text(done({"status"})[u"running"].toObject()[u"description"]), "Next");
+}
+
 TEST_F(AwayCommand, SaysThatTheServerCannotBeAskedForWhatItAloneKnows)
 {
     setNow("2026-03-04T12:00:00Z");
