@@ -17,9 +17,11 @@ class ServerFixture : public ::testing::Test {
 protected:
     ServerFixture() { openServer({}); }
 
-    void openServer(ListenPoint point, std::optional<std::string> trustedProxy = {})
+    void openServer(ListenPoint point, std::optional<std::string> trustedProxy = {},
+                    std::optional<std::string> path = {})
     {
         ServerCore::Options options;
+        databasePath = path.value_or(databasePath);
         options.databasePath = databasePath;
         options.listenPoint = std::move(point);
         options.trustedProxy = std::move(trustedProxy);
