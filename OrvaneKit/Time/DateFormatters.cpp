@@ -4,10 +4,12 @@
 #include "Support/Require.h"
 #include "Time/UserTime.h"
 
+#include <algorithm>
 #include <memory>
 #include <mutex>
 #include <unicode/dtptngen.h>
 #include <unicode/gregocal.h>
+#include <unicode/simpletz.h>
 #include <unicode/smpdtfmt.h>
 #include <unordered_map>
 
@@ -49,12 +51,25 @@ struct KeyHash {
     }
 };
 
+/// Whether a letter outside quotes stands for the zone or its offset.
+bool tellsZone(std::string_view format)
+{
+    bool isQuoted = false;
+    return std::ranges::any_of(format, [&](char c) {
+        isQuoted ^= c == '\'';
+        return !isQuoted && std::string_view("zZOvVxX").contains(c);
+    });
+}
+
+/// Formats instants that come shifted by the zone's offset: ICU's own zones are as old as the library, often
+/// years older than the system's.
 std::unique_ptr<const icu::SimpleDateFormat> makeFormatter(const Key &key)
 {
+    ORVANE_REQUIRE(!tellsZone(key.format), "a date format that tells the zone");
     UErrorCode status = U_ZERO_ERROR;
     auto formatter = std::make_unique<icu::SimpleDateFormat>(unicode(key.format), fixedLocale(), status);
     auto calendar = std::make_unique<icu::GregorianCalendar>(
-        icu::TimeZone::createTimeZone(unicode(key.timeZone)), fixedLocale(), status);
+        new icu::SimpleTimeZone(0, unicode(key.timeZone)), fixedLocale(), status);
     // No change from the Julian calendar: the days before 1582 count as day arithmetic counts them.
     calendar->setGregorianChange(-8.64e15, status);
     formatter->adoptCalendar(calendar.release());
@@ -91,7 +106,8 @@ std::string DateFormatters::string(Instant instant, std::string_view format, con
     icu::UnicodeString text;
     icu::FieldPositionIterator *const noPositions = nullptr;
     UErrorCode status = U_ZERO_ERROR;
-    formatter.format(static_cast<UDate>(millisecondsSinceEpoch(instant)), text, noPositions, status);
+    const Instant shifted = instant + userTime.offset(instant);
+    formatter.format(static_cast<UDate>(millisecondsSinceEpoch(shifted)), text, noPositions, status);
     ORVANE_REQUIRE(U_SUCCESS(status) != 0, "a date format that means nothing");
     std::string utf8;
     text.toUTF8String(utf8);

@@ -17,7 +17,8 @@ class UserTime;
 /// until the process ends. Any thread; the lock is held to look a formatter up, not to make one or to format.
 class DateFormatters {
 public:
-    /// `format` is a pattern of the Unicode date formats ("EEE, d MMM"); one that is not stops the process.
+    /// `format` is a pattern of the Unicode date formats ("EEE, d MMM") without the zone or its offset; any
+    /// other text stops the process.
     static std::string string(Instant instant, std::string_view format, const UserTime &userTime);
 
     /// The locale's own pattern for a set of fields such as "yMd"; nothing when it has none.

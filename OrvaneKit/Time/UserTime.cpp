@@ -62,7 +62,7 @@ std::optional<UserTime> UserTime::make(std::string_view timeZone, int weekStart,
 UserTime UserTime::utc()
 {
     auto time = make("Etc/UTC");
-    ORVANE_REQUIRE(time, "the time zone data is missing");
+    ORVANE_REQUIRE(time, "UTC is a time zone");
     return *std::move(time);
 }
 
@@ -75,6 +75,11 @@ bool UserTime::operator==(const UserTime &other) const
 const std::string &UserTime::timeZone() const
 {
     return m_rules->identifier();
+}
+
+seconds UserTime::offset(Instant instant) const
+{
+    return m_rules->offset(instant);
 }
 
 DayKey UserTime::dayKey(Instant instant) const

@@ -53,6 +53,8 @@ public:
     Durations::Format durationFormat() const { return m_durationFormat; }
 
     // Instants and days
+    /// How far the wall clock is ahead of UTC.
+    std::chrono::seconds offset(Instant instant) const;
     DayKey dayKey(Instant instant) const;
     ClockTime timeOfDay(Instant instant) const;
     /// What the clock shows as minutes after 0:00 with their fraction, below 1440.
