@@ -3,8 +3,8 @@
 
 #include "Http/Problems.h"
 #include "OrvaneAPI/Routes.h"
-#include "Records/NameText.h"
 #include "Security/RandomText.h"
+#include "Support/ZoneNames.h"
 
 #include <QLoggingCategory>
 #include <algorithm>
@@ -234,7 +234,7 @@ std::pair<std::string, bool> ServerCore::localAccount(const std::string &timeZon
     account.email = m_options.userName + "@localhost";
     account.emailConfirmed = true;
     account.fullName = m_options.userName;
-    account.timeZone = isTimeZone(timeZone) ? timeZone : "UTC";
+    account.timeZone = isZone(timeZone) ? timeZone : "UTC";
     account.isLocal = true;
     return {m_services.accounts.create(account, now()), true};
 }

@@ -2,6 +2,7 @@
 #include "Handlers/Router.h"
 #include "Http/Problems.h"
 #include "Records/NameText.h"
+#include "Support/ZoneNames.h"
 
 namespace orvane::server {
 
@@ -47,7 +48,7 @@ HttpResponse updateProfile(Call &call, const operations::UpdateProfile::Input &i
 {
     if (hasControlCharacter(input.body.fullName))
         return invalid("fullName", "The name holds characters that cannot be shown.");
-    if (!isTimeZone(input.body.timeZone))
+    if (!isZone(input.body.timeZone))
         return invalid("timeZone", "This time zone is not known.");
     call.services.accounts.setProfile(call.caller.userId, trimmed(input.body.fullName), input.body.timeZone);
     return me(call);

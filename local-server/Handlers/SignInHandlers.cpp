@@ -3,6 +3,7 @@
 #include "Http/Problems.h"
 #include "Records/NameText.h"
 #include "Security/PasswordHash.h"
+#include "Support/ZoneNames.h"
 
 namespace orvane::server {
 
@@ -68,7 +69,7 @@ Step register_(Call &call, const operations::Register::Input &input)
         return tooMany(*wait);
     if (auto refusal = refusedAddress(body.email))
         return std::move(*refusal);
-    if (body.timeZone && !isTimeZone(*body.timeZone))
+    if (body.timeZone && !isZone(*body.timeZone))
         return invalid("timeZone", "This time zone is not known.");
     // Each costs the work of a hash whether it succeeds or not, so each counts.
     services.registrations.failed(call.peer, call.now);

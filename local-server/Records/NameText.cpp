@@ -2,7 +2,6 @@
 #include "Records/NameText.h"
 
 #include <QString>
-#include <QTimeZone>
 #include <algorithm>
 #include <utility>
 
@@ -73,15 +72,6 @@ bool isEmailAddress(std::string_view text)
     return at != std::string_view::npos && at > 0 && at + 1 < text.size() &&
            text.find('@', at + 1) == std::string_view::npos &&
            std::ranges::all_of(qtText(text).toUcs4(), isVisible);
-}
-
-bool isTimeZone(const std::string &name)
-{
-    const QByteArray id = QByteArray::fromStdString(name);
-    // The list leaves out names such as Etc/UTC, which a system may well be set to; a zone made of an offset
-    // is no place.
-    const bool isOffset = id.startsWith("UTC") && id.size() > 3;
-    return QTimeZone::isTimeZoneIdAvailable(id) || (!isOffset && QTimeZone(id).isValid());
 }
 
 } // namespace orvane::server

@@ -16,7 +16,5 @@ std::string nameKey(std::string_view name);
 bool hasControlCharacter(std::string_view text);
 /// Something before and after one "@", all of it characters that can be seen.
 bool isEmailAddress(std::string_view text);
-/// Whether the system knows the time zone ("Europe/Paris").
-bool isTimeZone(const std::string &name);
 
 } // namespace orvane::server

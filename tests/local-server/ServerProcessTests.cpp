@@ -168,11 +168,13 @@ protected:
         return descriptor;
     }
 
-    void signIn()
+    void signIn() { signIn("Asia/Tokyo", "Asia/Tokyo"); }
+    /// `zone` as it stands in JSON; `kept` is what the account then has.
+    void signIn(const std::string &zone, const std::string &kept)
     {
         const std::string verifier = randomText(32);
-        const SocketAnswer code = answer(R"({"command":"code","timeZone":"Asia/Tokyo","codeChallenge":")" +
-                                         digestText(verifier) + "\"}\n");
+        const SocketAnswer code = answer(R"({"command":"code","timeZone":")" + zone +
+                                         R"(","codeChallenge":")" + digestText(verifier) + "\"}\n");
         ASSERT_TRUE(code.code) << code.error.value_or("no answer");
         ExternalExchangeRequest body;
         body.code = *code.code;
@@ -182,7 +184,7 @@ protected:
         m_token = signedIn->tokens.accessToken;
         const auto me = decodeJson<MeResponse>(call<GetMe>({}).body);
         ASSERT_TRUE(me);
-        EXPECT_EQ(me->timeZone, "Asia/Tokyo");
+        EXPECT_EQ(me->timeZone, kept);
         m_workspace = me->defaultWorkspaceId.value_or("");
     }
 
@@ -192,6 +194,28 @@ protected:
     std::string m_token;
     std::string m_workspace;
 };
+
+TEST_F(ServerRun, ItOpensNoFileThatACallerNamesAsATimeZone)
+{
+    using namespace std::string_literals;
+    const auto process = serve();
+    // Opening the first would never end; the others are files, or rules that need none, but no zones.
+    signIn("../../../dev/ptmx", "UTC");
+    for (const std::string &zone :
+         {"../../../dev/ptmx"s, "/dev/ptmx"s, "Europe"s, "XYZ5"s, "UTC+01:00"s, "Europe/Paris\0"s,
+          "Europe/Paris\0x"s, "localtime"s, "../../../etc/localtime"s, "Europe/../Europe/Paris"s,
+          "posix/Europe/Paris"s}) {
+        RegisterRequest body;
+        body.email = "grace@example.org";
+        body.password = "correct horse battery";
+        body.timeZone = zone;
+        EXPECT_EQ(call<Register>({body}).status, 422) << zone;
+        EXPECT_EQ(call<UpdateProfile>({{"Ada", zone}}).status, 422) << zone;
+    }
+    for (const char *zone : {"Europe/Paris", "Asia/Calcutta", "America/Ciudad_Juarez", "Etc/UTC", "EST5EDT"})
+        EXPECT_EQ(call<UpdateProfile>({{"Ada", zone}}).status, 200) << zone;
+    EXPECT_EQ(endWith(*process, SIGTERM), 0);
+}
 
 TEST_F(ServerRun, ItKeepsItsPortItsDataAndItsPrivacy)
 {
