@@ -79,6 +79,12 @@ bool isHangulSyllable(UChar32 c)
     return c >= 0xAC00 && c <= 0xD7A3;
 }
 
+/// A Hangul syllable, or the letter that one can begin with.
+bool isHangul(UChar32 c)
+{
+    return isHangulSyllable(c) || (c >= 0x1100 && c <= 0x1112);
+}
+
 UChar32 plainLetter(UChar32 c)
 {
     switch (c) {
@@ -105,15 +111,42 @@ std::uint64_t letterBit(UChar32 c)
     return std::uint64_t{1} << (36 + c % 28);
 }
 
+using NormalizerOf = const icu::Normalizer2 *(UErrorCode &status);
+
+const icu::Normalizer2 &required(NormalizerOf *instance)
+{
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::Normalizer2 *found = instance(status);
+    ORVANE_REQUIRE(U_SUCCESS(status) != 0 && found != nullptr, "the normalization data is missing");
+    return *found;
+}
+
 const icu::Normalizer2 &decomposition()
 {
-    static const icu::Normalizer2 &normalizer = [] -> const icu::Normalizer2 & {
-        UErrorCode status = U_ZERO_ERROR;
-        const auto *found = icu::Normalizer2::getNFDInstance(status);
-        ORVANE_REQUIRE(U_SUCCESS(status) != 0 && found != nullptr, "the normalization data is missing");
-        return *found;
-    }();
+    static const icu::Normalizer2 &normalizer = required(&icu::Normalizer2::getNFDInstance);
     return normalizer;
+}
+
+const icu::Normalizer2 &composition()
+{
+    static const icu::Normalizer2 &normalizer = required(&icu::Normalizer2::getNFCInstance);
+    return normalizer;
+}
+
+/// Of Hangul whole syllables are compared: the letters that follow and belong to this one are taken with it.
+template <class Text>
+void takeSyllable(Text text, std::size_t &i, UChar32 &c, std::uint32_t &units)
+{
+    while (isHangul(c) && i < text.size()) {
+        std::size_t ahead = i;
+        const UChar32 next = nextCharacter(text, ahead);
+        const UChar32 pair = composition().composePair(c, next);
+        if (pair < 0)
+            return;
+        c = pair;
+        units += U16_LENGTH(next);
+        i = ahead;
+    }
 }
 
 } // namespace
@@ -122,6 +155,35 @@ class FoldedText::Builder {
 public:
     explicit Builder(std::size_t size) { m_made.m_text.reserve(size); }
 
+    FoldedText made() &&
+    {
+        if (m_isPlain)
+            m_made.m_places = {};
+        return std::move(m_made);
+    }
+
+    template <class Text>
+    void addAll(Text text)
+    {
+        for (std::size_t i = 0; i < text.size();) {
+            UChar32 c = nextCharacter(text, i);
+            std::uint32_t units = U16_LENGTH(c);
+            takeSyllable(text, i, c, units);
+            add(c, units);
+        }
+    }
+
+    void addAscii(std::string_view text)
+    {
+        for (const char c : text) {
+            begin(sortOf(c));
+            const char lower = c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+            addLetter(lower);
+            m_made.m_text.push_back(lower);
+        }
+    }
+
+private:
     /// The next character of the original; `size` is how many UTF-16 units it has there.
     void add(UChar32 c, std::uint32_t size)
     {
@@ -142,24 +204,6 @@ public:
         decompose(c, start);
     }
 
-    FoldedText made() &&
-    {
-        if (m_isPlain)
-            m_made.m_places = {};
-        return std::move(m_made);
-    }
-
-    void addAscii(std::string_view text)
-    {
-        for (const char c : text) {
-            begin(sortOf(c));
-            const char lower = c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-            addLetter(lower);
-            m_made.m_text.push_back(lower);
-        }
-    }
-
-private:
     void begin(Sort sort)
     {
         if (sort != Sort::other &&
@@ -233,20 +277,14 @@ FoldedText FoldedText::of(std::string_view text)
         builder.addAscii(text);
         return std::move(builder).made();
     }
-    for (std::size_t i = 0; i < text.size();) {
-        const UChar32 c = nextCharacter(text, i);
-        builder.add(c, U16_LENGTH(c));
-    }
+    builder.addAll(text);
     return std::move(builder).made();
 }
 
 FoldedText FoldedText::of(std::u16string_view text)
 {
     Builder builder(text.size());
-    for (std::size_t i = 0; i < text.size();) {
-        const UChar32 c = nextCharacter(text, i);
-        builder.add(c, U16_LENGTH(c));
-    }
+    builder.addAll(text);
     return std::move(builder).made();
 }
 

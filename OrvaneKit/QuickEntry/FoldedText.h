@@ -11,8 +11,9 @@
 namespace orvane {
 
 /// A text in the form in which names and queries are compared: lower case, without diacritics ("Café" is
-/// "cafe"), and with "đ", "ł", "ø" and "ħ", which have no plain letter inside, as "d", "l", "o" and "h". A
-/// text is folded once and then searched many times. A value; any thread.
+/// "cafe"), and with "đ", "ł", "ø" and "ħ", which have no plain letter inside, as "d", "l", "o" and "h".
+/// Hangul is whole syllables, however they are encoded. A text is folded once and then searched many times. A
+/// value; any thread.
 ///
 /// Folding may change how long a text is, so every place of the folded text is known in the original too.
 /// Places of the folded text are bytes, always at the beginning of a character.

@@ -63,6 +63,13 @@ TEST(PaletteMatch, HighlightsTheNameAsItWasGiven)
     EXPECT_EQ(PaletteMatch::match("🚀 Start", "sta"), found(80, {{3, 6}}));
     EXPECT_EQ(PaletteMatch::match("🚀 Start", "🚀"), found(35, {{0, 2}}));
     EXPECT_EQ(PaletteMatch::match("한국 회사", "한회"), found(55, {{0, 1}, {3, 4}}));
+    // Syllables that stand as the letters they are made of, as some systems write the names of files.
+    const char *decomposed = "\u1112\u1161\u11AB\u1100\u116E\u11A8 \u1112\u116C\u1109\u1161"; // 한국 회사
+    EXPECT_EQ(PaletteMatch::match(decomposed, "한국 회사"), found(100, {{0, 11}}));
+    EXPECT_EQ(PaletteMatch::match("한국 회사", decomposed), found(100, {{0, 5}}));
+    EXPECT_EQ(PaletteMatch::match(decomposed, "국"), found(35, {{3, 6}}));
+    EXPECT_EQ(PaletteMatch::match(decomposed, "한회"), found(55, {{0, 3}, {7, 9}}));
+    EXPECT_EQ(PaletteMatch::match("\uD558\u11AB", "한"), found(100, {{0, 2}})); // half composed
     EXPECT_EQ(PaletteMatch::match("שלום עולם", "עו"), found(70, {{5, 7}}));
     // One character that becomes two parts is highlighted whole.
     EXPECT_EQ(PaletteMatch::match("x\u09CB", "\u09C7"), found(35, {{1, 2}}));
