@@ -151,9 +151,16 @@ bool looksLikeClock(std::string_view word)
     return word.find_first_of(":.h") != std::string_view::npos || meridiemAtEnd(word) != Meridiem::none;
 }
 
+/// On the dial of a 12-hour clock, where 0 and 12 are the same place.
+int onDial(int hours)
+{
+    return (hours + 11) % 12 + 1;
+}
+
 /// The same hour in the half of the day that another clock time has.
 Clock inHalfOf(Clock clock, const Clock &other)
 {
+    clock.hours = onDial(clock.hours);
     clock.meridiem = other.time().hour >= 12 ? Meridiem::pm : Meridiem::am;
     return clock;
 }
@@ -408,7 +415,7 @@ std::optional<EntrySentence::TypedClock> EntrySentence::TypedClock::parse(std::s
         return std::nullopt;
     TypedClock clock{time->hour, time->minute, meridiemAtEnd(lowered(TextScanner::trimmed(text)))};
     if (clock.meridiem != Meridiem::none)
-        clock.hours = (time->hour + 11) % 12 + 1;
+        clock.hours = onDial(time->hour);
     return clock;
 }
 

@@ -91,11 +91,17 @@ TEST(EntrySentence, SharesTheHalfOfTheDay)
     EXPECT_EQ(summary("9-10 pm"), " | 03-07 21:00 - 03-07 22:00");
     EXPECT_EQ(summary("9:15 to 10 P.M."), " | 03-07 21:15 - 03-07 22:00");
     EXPECT_EQ(summary("12-1pm"), " | 03-07 12:00 - 03-07 13:00");
+    EXPECT_EQ(summary("0-1pm"), " | 03-07 12:00 - 03-07 13:00");
     EXPECT_EQ(summary("14-3pm"), " | 03-07 14:00 - 03-07 15:00");
     EXPECT_EQ(summary("2pm-3:30"), " | 03-07 14:00 - 03-07 15:30");
     EXPECT_EQ(summary("9p-11"), " | 03-07 21:00 - 03-07 23:00");
     EXPECT_EQ(summary("9a-11"), " | 03-07 09:00 - 03-07 11:00");
     EXPECT_EQ(summary("11am-1"), " | 03-07 11:00 - 03-08 01:00");
+    // A dial has no 0.
+    using enum EntrySentence::Meridiem;
+    EXPECT_EQ(readIn("0-1pm").time, EntrySentence::Time(EntrySentence::Range{{12, 0, pm}, {1, 0, pm}}));
+    EXPECT_EQ(readIn("0:30-1am").time, EntrySentence::Time(EntrySentence::Range{{12, 30, am}, {1, 0, am}}));
+    EXPECT_EQ(readIn("0:30-11:30").time, EntrySentence::Time(EntrySentence::Range{{0, 30}, {11, 30}}));
 }
 
 TEST(EntrySentence, PrefersTheAfternoonOnATwelveHourClock)
