@@ -4,6 +4,7 @@
 #include "Account/AccountStores.h"
 #include "Output/EntryText.h"
 #include "Terminal/StandardStreams.h"
+#include "Terminal/TextWidth.h"
 
 #include <unistd.h>
 
@@ -85,8 +86,10 @@ CommandContext::adopt(Result<std::unique_ptr<Account>, AccountError> opened, boo
         co_return failure(std::move(readable.error()));
     }
     co_await m_account->tracker().loadSnapshot();
-    if (!m_account->tokenNotice().empty())
-        writeMessage(m_account->tokenNotice());
+    for (const std::string &notice : {m_account->tokenNotice(), m_account->timeNotice()}) {
+        if (!notice.empty())
+            writeMessage(printable(notice));
+    }
     co_return account();
 }
 

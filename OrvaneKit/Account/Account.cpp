@@ -13,11 +13,11 @@
 #include "Session/AuthSession.h"
 #include "Session/MemoryTokenStore.h"
 #include "Session/TokenStoreChoice.h"
+#include "Time/SystemZone.h"
 
 #include <QCoreApplication>
 #include <QPointer>
 #include <QSysInfo>
-#include <QTimeZone>
 #include <QTimer>
 #include <algorithm>
 
@@ -53,7 +53,8 @@ RegisterRequest registration(const Account::Credentials &credentials)
     RegisterRequest request;
     request.email = credentials.email;
     request.password = credentials.password;
-    request.timeZone = QTimeZone::systemTimeZoneId().toStdString();
+    if (auto zone = systemZone())
+        request.timeZone = std::move(*zone);
     return request;
 }
 
@@ -172,7 +173,7 @@ Task<> Account::makeClient()
     if (m_isAutomatic) {
         options.tokenStore = std::make_shared<MemoryTokenStore>();
         options.reauthenticator =
-            localReauthenticator(m_link, QTimeZone::systemTimeZoneId().toStdString(), m_options.startsServer);
+            localReauthenticator(m_link, systemZone().value_or("UTC"), m_options.startsServer);
     } else {
         auto choice = co_await makeTokenStore(
             *m_network, installation.hasOwnFolder() ? std::optional{installation.root()} : std::nullopt);
@@ -413,9 +414,11 @@ const WorkspaceSummary *Account::chosenWorkspace() const
 void Account::makeTracker()
 {
     m_tracker.reset();
+    const PreferredTime preferred = preferredTime(m_me, m_options.zone);
+    m_timeNotice = preferred.notice;
     if (const WorkspaceSummary *workspace = chosenWorkspace())
-        m_tracker = std::make_unique<Tracker>(Tracker::Parts{*workspace, preferredTime(m_me, m_options.zone),
-                                                             m_client, m_store, m_outbox.get()});
+        m_tracker = std::make_unique<Tracker>(
+            Tracker::Parts{*workspace, preferred.time, m_client, m_store, m_outbox.get()});
 }
 
 bool Account::useWorkspace(const std::string &id)

@@ -102,6 +102,8 @@ public:
     const MeResponse &me() const { return m_me; }
     /// What the user should know about how the sign-in is kept; empty when all is well.
     const std::string &tokenNotice() const { return m_tokenNotice; }
+    /// What the user should know about the time zone in use; empty when all is well.
+    const std::string &timeNotice() const { return m_timeNotice; }
     const UserTime &time() const { return m_tracker->time(); }
 
     OrvaneClient &client() { return *m_client; }
@@ -154,6 +156,7 @@ private:
     bool m_isReachable = false;
     std::string m_unreachableReason;
     std::string m_tokenNotice;
+    std::string m_timeNotice;
     std::string m_accountId;
     /// The profile in use; the store's until the server has given a fresh one.
     MeResponse m_me;

@@ -4,9 +4,9 @@
 #include "Account/Installation.h"
 #include "Account/ProfileDocument.h"
 #include "LocalStore/LocalStore.h"
+#include "Time/SystemZone.h"
+#include "Time/ZoneRules.h"
 
-#include <QTimeZone>
-#include <array>
 #include <filesystem>
 #include <utility>
 
@@ -14,18 +14,47 @@ namespace orvane {
 
 namespace {
 
-UserTime timeOf(const std::array<std::string, 3> &zones, int weekStart, bool hour12, Durations::Format format)
+struct ZoneChoice {
+    std::string identifier;
+    std::string notice = {};
+};
+
+std::string noticeOf(const std::string &problem, const std::string &used)
 {
-    for (const std::string &zone : zones) {
-        if (auto time = UserTime::make(zone, weekStart, hour12, format))
-            return *time;
-    }
-    return UserTime::utc();
+    return problem + " Times are in " + used + ". Another zone: --zone ZONE";
 }
 
-std::string systemZone()
+/// The system's own, in place of `unknown` where that is not empty.
+ZoneChoice systemChoice(const std::string &unknown)
 {
-    return QTimeZone::systemTimeZoneId().toStdString();
+    const auto system = systemZone();
+    const std::string used = system.value_or("UTC");
+    if (!unknown.empty())
+        return {used, noticeOf("The time zone \"" + unknown + "\" is not known on this computer.", used)};
+    if (system)
+        return {used};
+    if (system.error().empty())
+        return {used, noticeOf("This computer does not say which time zone it is in.", used)};
+    return {used, noticeOf("This computer's time zone \"" + system.error() + "\" is not known.", used)};
+}
+
+ZoneChoice choice(const std::string &asked, const std::string &ofAccount)
+{
+    const std::string &wanted = asked.empty() ? ofAccount : asked;
+    if (!ZoneRules::find(wanted))
+        return systemChoice(wanted);
+    // An account made where the computer's zone is not known has this one; nobody may have chosen it.
+    if (asked.empty() && wanted == "UTC") {
+        if (auto system = systemChoice({}); !system.notice.empty())
+            return system;
+    }
+    return {wanted};
+}
+
+PreferredTime timeOf(const ZoneChoice &zone, int weekStart, bool hour12, Durations::Format format)
+{
+    const auto time = UserTime::make(zone.identifier, weekStart, hour12, format);
+    return {time.value_or(UserTime::utc()), zone.notice};
 }
 
 /// The file of the account in use; empty when there is none yet.
@@ -42,7 +71,7 @@ std::string storePath(const Installation &installation, const std::optional<std:
     return std::filesystem::is_regular_file(path, error) ? path : std::string();
 }
 
-Task<UserTime> timeFromStore(std::string path, std::optional<std::string> zone)
+Task<PreferredTime> timeFromStore(std::string path, std::optional<std::string> zone)
 {
     if (!path.empty()) {
         if (const auto store = co_await LocalStore::open(path)) {
@@ -52,21 +81,21 @@ Task<UserTime> timeFromStore(std::string path, std::optional<std::string> zone)
         }
     }
     constexpr int monday = 1;
-    co_return timeOf({zone.value_or(""), systemZone(), "UTC"}, monday, false, Durations::Format::hms);
+    co_return timeOf(choice(zone.value_or(""), {}), monday, false, Durations::Format::hms);
 }
 
 } // namespace
 
-UserTime preferredTime(const MeResponse &me, const std::optional<std::string> &zone)
+PreferredTime preferredTime(const MeResponse &me, const std::optional<std::string> &zone)
 {
     const auto format =
         Durations::formatFromText(me.preferences.durationFormat).value_or(Durations::Format::hm);
-    return timeOf({zone.value_or(""), me.timeZone, systemZone()}, static_cast<int>(me.preferences.weekStart),
+    return timeOf(choice(zone.value_or(""), me.timeZone), static_cast<int>(me.preferences.weekStart),
                   me.preferences.timeFormat == "12h", format);
 }
 
-Task<UserTime> storedTime(const Installation &installation, const std::optional<std::string> &server,
-                          std::optional<std::string> zone)
+Task<PreferredTime> storedTime(const Installation &installation, const std::optional<std::string> &server,
+                               std::optional<std::string> zone)
 {
     return timeFromStore(storePath(installation, server), std::move(zone));
 }

@@ -12,14 +12,23 @@ namespace orvane {
 
 class Installation;
 
-/// The account's choices about time. `zone` stands in for the account's zone; a zone that this computer does
-/// not know gives way to the system's.
-UserTime preferredTime(const MeResponse &me, const std::optional<std::string> &zone);
+/// The user's choices about time. A value.
+struct PreferredTime {
+    UserTime time;
+    /// A sentence or two for the user when another zone had to stand in for the one that was meant; empty
+    /// when all is well.
+    std::string notice;
+};
+
+/// The account's choices about time. `zone` stands in for the account's zone. A zone that this computer does
+/// not know gives way to the computer's own, and one that the computer does not know of itself to UTC; the
+/// notice says so.
+PreferredTime preferredTime(const MeResponse &me, const std::optional<std::string> &zone);
 
 /// The same as far as it is known on this computer: from the profile kept for the account in use, else the
 /// system's zone with usual choices. Asks nobody, starts nothing and makes no file. `server`: another one
 /// than the one signed in to. Call and resumption on a thread with an event loop.
-Task<UserTime> storedTime(const Installation &installation, const std::optional<std::string> &server,
-                          std::optional<std::string> zone);
+Task<PreferredTime> storedTime(const Installation &installation, const std::optional<std::string> &server,
+                               std::optional<std::string> zone);
 
 } // namespace orvane

@@ -8,6 +8,7 @@
 #include "Input/MomentText.h"
 #include "Output/ActivityPicture.h"
 #include "Output/ActivityShapes.h"
+#include "Terminal/StandardStreams.h"
 #include "Terminal/TextWidth.h"
 
 #include <QDir>
@@ -90,7 +91,10 @@ std::string picture(const AgentActivityLoader::Request &request, const AgentActi
 CommandTask activity(Context context, ActivityOptions options)
 {
     const GlobalOptions &global = context->options();
-    const UserTime time = co_await storedTime(context->installation(), global.server, global.zone);
+    const auto preferred = co_await storedTime(context->installation(), global.server, global.zone);
+    if (!preferred.notice.empty())
+        writeMessage(printable(preferred.notice));
+    const UserTime &time = preferred.time;
     const auto days = daysOf(options, time);
     if (!days)
         co_return failure(days.error());
