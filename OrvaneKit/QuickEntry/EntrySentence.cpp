@@ -200,6 +200,7 @@ EntrySentence::Reading EntrySentence::read(std::string_view text, const Sentence
     reading.taskID = std::move(mentions.taskID);
     reading.clientID = std::move(mentions.clientID);
     reading.tagIDs = std::move(mentions.tagIDs);
+    reading.unreadMentions = std::move(mentions.unread);
 
     const auto phrase = TimePhrase::atEndOf(words, options, now, calendar);
     const std::size_t described = words.size() - (phrase ? phrase->words : 0);

@@ -3,6 +3,7 @@
 
 #include "OrvaneAPI/Schemas.h"
 #include "QuickEntry/SentenceCatalog.h"
+#include "QuickEntry/SentenceMentions.h"
 #include "QuickEntry/TextRange.h"
 #include "Time/ClockTime.h"
 #include "Time/UserTime.h"
@@ -22,14 +23,15 @@ namespace orvane {
 ///
 /// Mentions. "@" names a project, a task or a client, "#" a tag; the name is found as in the palette. Names
 /// with spaces are written in quotes (@"Big Project"), or joined or hyphened (@bigproject, @big-project), and
-/// @project/task names a task in its project, @client/project a project of its client. Only what is active is
-/// found.
+/// @project/task names a task in its project, @client/project a project of its client, unless a name has the
+/// slash itself. Only what is active is found.
 ///  - The best match is taken if it is a good one (a whole name, the beginning of a word, or initials, but
 ///    not letters in the middle of a word) and no other of its kind is as good. Two names that match equally
 ///    are told apart by letter case and accents, two projects by a client that was named before.
 ///  - Where a project, a client and a task match equally well, the project is meant, then the client.
 ///  - A sentence has one project, one task and one client: the first that is named of each. Once a project is
 ///    known, a task is looked for in that project alone, wherever in the line it stands.
+///  - A number behind "#" is a tag only as its whole name: "Review #2" means an issue.
 ///  - No more than 64 mentions are looked at.
 ///
 /// Billable: each word that is just "$" says so and is left out.
@@ -130,6 +132,7 @@ public:
         std::optional<std::string> taskID; ///< of that project
         std::optional<std::string> clientID;
         std::vector<std::string> tagIDs; ///< in the order typed, each once
+        std::vector<UnreadMention> unreadMentions;
         bool isBillable = false;
         std::optional<Time> time;
         std::optional<DayRef> day;         ///< says something only beside a time

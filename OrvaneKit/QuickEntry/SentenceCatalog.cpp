@@ -14,6 +14,7 @@ constexpr std::size_t none = static_cast<std::size_t>(-1);
 
 /// The least score that is taken: that of initials.
 constexpr double goodEnough = 55;
+constexpr double wholeName = 100;
 /// A name that only matches without what parts its words counts a little less than one that matches as it is.
 constexpr double joinedWhole = 90;
 constexpr double joinedBeginning = 72;
@@ -26,16 +27,19 @@ std::string joinedForm(const FoldedText &folded)
 }
 
 struct MentionQuery {
-    explicit MentionQuery(std::string_view name)
+    explicit MentionQuery(std::string_view name,
+                          SentenceCatalog::Spelling spelling = SentenceCatalog::Spelling::free)
         : text(name), query(name), joined(FoldedText::of(name).joined()), joinedLetters(lettersOf(joined))
     {
+        if (spelling == SentenceCatalog::Spelling::literal)
+            joined.clear();
     }
 
     static std::uint64_t lettersOf(std::string_view text) { return FoldedText::of(text).letters(); }
 
     std::string_view text;
     PaletteQuery query;
-    std::string joined;
+    std::string joined;          ///< empty when the name has to be spelled as it is
     std::uint64_t joinedLetters; ///< those that a name must have to match in either way
 };
 
@@ -141,6 +145,36 @@ struct SentenceCatalog::Lists {
             mention, [](const Named &) { return true; }, firstTasks[project], firstTasks[project + 1]);
     }
 
+    /// Of the project, the client and the task that match best, the one that is meant.
+    std::pair<Kind, Best> meant(const MentionQuery &mention, const std::optional<std::string> &clientID) const
+    {
+        std::pair<Kind, Best> meant{Kind::project, projects.best(mention)};
+        preferClient(meant.second, clientID);
+        const auto compare = [&meant](Kind kind, Best other) {
+            const bool isBetter = meant.second.numbers.empty() || other.score > meant.second.score;
+            if (!other.numbers.empty() && isBetter)
+                meant = {kind, std::move(other)};
+        };
+        compare(Kind::client, clients.best(mention));
+        compare(Kind::task, tasks.best(mention));
+        return meant;
+    }
+
+    /// A number behind a "#" ("Review #2") is rather an issue's than the beginning of a tag.
+    Best tag(std::string_view name) const
+    {
+        const std::string_view number = name.substr(0, name.find_last_not_of(".,;:!?)") + 1);
+        const bool isNumber =
+            !number.empty() && number.find_first_not_of("0123456789") == std::string_view::npos;
+        const MentionQuery mention = isNumber ? MentionQuery(number, Spelling::literal) : MentionQuery(name);
+        if (mention.query.isEmpty())
+            return {};
+        Best best = tags.best(mention);
+        if (isNumber && best.score < wholeName)
+            best.numbers.clear();
+        return best;
+    }
+
     /// Of several projects the only one of the client.
     void preferClient(Best &best, const std::optional<std::string> &clientID) const
     {
@@ -185,27 +219,15 @@ SentenceCatalog::SentenceCatalog(const std::vector<ProjectResponse> &projects,
     m_lists = std::move(lists);
 }
 
-std::optional<SentenceCatalog::Meaning>
-SentenceCatalog::meaning(std::string_view name, const std::optional<std::string> &clientID) const
+std::optional<SentenceCatalog::Meaning> SentenceCatalog::meaning(std::string_view name,
+                                                                 const std::optional<std::string> &clientID,
+                                                                 Spelling spelling) const
 {
-    const MentionQuery mention(name);
+    const MentionQuery mention(name, spelling);
     if (mention.query.isEmpty())
         return std::nullopt;
-    Best projects = m_lists->projects.best(mention);
-    m_lists->preferClient(projects, clientID);
-    const Best clients = m_lists->clients.best(mention);
-    const Best tasks = m_lists->tasks.best(mention);
-
-    Kind kind = Kind::project;
-    const Best *best = &projects;
-    for (const auto &[otherKind, other] :
-         {std::pair{Kind::client, &clients}, std::pair{Kind::task, &tasks}}) {
-        if (!other->numbers.empty() && (best->numbers.empty() || other->score > best->score)) {
-            kind = otherKind;
-            best = other;
-        }
-    }
-    const std::size_t number = best->only();
+    const auto [kind, best] = m_lists->meant(mention, clientID);
+    const std::size_t number = best.only();
     if (number == none)
         return std::nullopt;
     switch (kind) {
@@ -253,11 +275,16 @@ std::optional<SentenceCatalog::Place> SentenceCatalog::place(std::string_view ou
 
 std::optional<std::string> SentenceCatalog::tag(std::string_view name) const
 {
-    const MentionQuery mention(name);
-    if (mention.query.isEmpty())
-        return std::nullopt;
-    const std::size_t number = m_lists->tags.best(mention).only();
+    const std::size_t number = m_lists->tag(name).only();
     return number == none ? std::nullopt : std::optional(m_lists->tags[number].id);
+}
+
+bool SentenceCatalog::isAmbiguous(char sign, std::string_view name) const
+{
+    if (sign == '#')
+        return m_lists->tag(name).numbers.size() > 1;
+    const MentionQuery mention(name);
+    return !mention.query.isEmpty() && m_lists->meant(mention, {}).second.numbers.size() > 1;
 }
 
 } // namespace orvane

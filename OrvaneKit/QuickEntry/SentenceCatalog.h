@@ -36,14 +36,20 @@ public:
     SentenceCatalog(const std::vector<ProjectResponse> &projects, const std::vector<ClientResponse> &clients,
                     const std::vector<TagResponse> &tags);
 
+    /// Whether what parts the words of a name may be typed otherwise, or left out.
+    enum class Spelling { free, literal };
+
     /// What these words mean, by the rules of EntrySentence; nothing when nothing matches well, or several
     /// things equally. A known client tells projects of one name apart.
-    std::optional<Meaning> meaning(std::string_view name, const std::optional<std::string> &clientID) const;
+    std::optional<Meaning> meaning(std::string_view name, const std::optional<std::string> &clientID,
+                                   Spelling spelling = Spelling::free) const;
     /// The task of this project alone.
     std::optional<std::string> task(std::string_view name, const std::string &projectID) const;
     /// A task in a project, or a project of a client.
     std::optional<Place> place(std::string_view outer, std::string_view inner) const;
     std::optional<std::string> tag(std::string_view name) const;
+    /// Whether several things match these words equally well, behind this sign.
+    bool isAmbiguous(char sign, std::string_view name) const;
 
 private:
     struct Lists;

@@ -88,12 +88,14 @@ public:
         for (MentionText &mention : mentions()) {
             if (mention.sign == '#' ? takeTag(mention) : takeProjectOrClient(mention))
                 markTaken(mention);
-            else if (mention.sign == '@')
+            else
                 left.push_back(std::move(mention));
         }
         for (const MentionText &mention : left) {
-            if (!m_found.taskID && takeTask(mention))
+            if (mention.sign == '@' && !m_found.taskID && takeTask(mention))
                 markTaken(mention);
+            else
+                m_found.unread.push_back(unread(mention));
         }
         return std::move(m_found);
     }
@@ -170,23 +172,51 @@ private:
         return true;
     }
 
+    /// A slash parts two names, unless a name has it itself. Only where it parts none may it stand for the
+    /// space of a name.
     bool takeProjectOrClient(const MentionText &mention)
     {
+        using enum SentenceCatalog::Spelling;
+        const Part part = partOf(mention.text);
+        const bool hasSlash = !part.isQuoted && part.name.find('/') != std::string_view::npos;
+        const auto meaning = [&](SentenceCatalog::Spelling spelling) {
+            return isPunctuation(part.rest) ? m_catalog.meaning(part.name, m_found.clientID, spelling)
+                                            : std::nullopt;
+        };
+        if (const auto meant = meaning(hasSlash ? literal : free))
+            return take(*meant);
+        if (!m_found.projectID && takePlace(mention.text, part))
+            return true;
+        const auto meant = hasSlash ? meaning(free) : std::nullopt;
+        return meant && take(*meant);
+    }
+
+    /// False for a task, and for a second project or client.
+    bool take(const SentenceCatalog::Meaning &meaning)
+    {
+        if (meaning.kind == SentenceCatalog::Kind::task)
+            return false;
+        auto &target = meaning.kind == SentenceCatalog::Kind::project ? m_found.projectID : m_found.clientID;
+        if (target)
+            return false;
+        target = meaning.id;
+        return true;
+    }
+
+    UnreadMention unread(const MentionText &mention) const
+    {
+        UnreadMention unread{mention.sign + mention.text, UnreadMention::Why::unknown};
         const Part part = partOf(mention.text);
         if (isPunctuation(part.rest)) {
-            const auto meaning = m_catalog.meaning(part.name, m_found.clientID);
-            if (meaning && meaning->kind == SentenceCatalog::Kind::project && !m_found.projectID) {
-                m_found.projectID = meaning->id;
-                return true;
-            }
-            if (meaning && meaning->kind == SentenceCatalog::Kind::client && !m_found.clientID) {
-                m_found.clientID = meaning->id;
-                return true;
-            }
-            if (meaning)
-                return false;
+            if (m_catalog.isAmbiguous(mention.sign, part.name))
+                unread.why = UnreadMention::Why::ambiguous;
+            else if (mention.sign == '@' && m_catalog.meaning(part.name, m_found.clientID))
+                unread.why = UnreadMention::Why::surplus;
         }
-        return !m_found.projectID && takePlace(mention.text, part);
+        while (unread.text.size() > 2 &&
+               isPunctuation(std::string_view(unread.text).substr(unread.text.size() - 1)))
+            unread.text.pop_back();
+        return unread;
     }
 
     /// "outer/inner", either of them in quotes or not.

@@ -137,6 +137,51 @@ TEST_F(SentenceMentionsTest, TakesOnlyWhatIsUnambiguous)
     EXPECT_EQ(summary("@gone @lost @shut @old x"), "-/- - [] @gone @lost @shut @old x");
 }
 
+TEST_F(SentenceMentionsTest, ASlashPartsNamesUnlessANameHasIt)
+{
+    addProject("api", "API", "acme", {{"docs", "Docs"}, {"cd", "CD"}});
+    addProject("apidocs", "API docs");
+    addProject("cicd", "CI/CD");
+    addProject("ci", "CI", {}, {{"cdtask", "CD"}});
+    addProject("acmeapi", "Acme API");
+    clients = {{"acme", "w", "Acme", false}};
+
+    EXPECT_EQ(summary("@api/docs x"), "api/docs - [] x");
+    EXPECT_EQ(summary("@\"api\"/docs x"), "api/docs - [] x");
+    EXPECT_EQ(summary("@acme/api x"), "api/- - [] x");
+    EXPECT_EQ(summary("@api-docs x"), "apidocs/- - [] x");
+    EXPECT_EQ(summary("@ci/cd x"), "cicd/- - [] x");
+    EXPECT_EQ(summary("@\"ci\"/cd x"), "ci/cdtask - [] x");
+}
+
+TEST_F(SentenceMentionsTest, ANumberIsATagAsAWholeAlone)
+{
+    tags = {{"year", "w", "2024"}, {"two", "w", "Sprint 2"}, {"version", "w", "3.0"}, {"q1", "w", "2024-q1"}};
+    EXPECT_EQ(summary("Review #2"), "-/- - [] Review #2");
+    EXPECT_EQ(summary("Review #202, #30"), "-/- - [] Review #202, #30");
+    EXPECT_EQ(summary("Review #2024."), "-/- - [year] Review");
+    EXPECT_EQ(summary("Review #2024-q"), "-/- - [q1] Review");
+    EXPECT_EQ(summary("Review #sprint"), "-/- - [two] Review");
+}
+
+TEST_F(SentenceMentionsTest, SaysWhichMentionsAreText)
+{
+    addProject("site", "Web site", {}, {{"design", "Design"}});
+    addProject("shop", "Web shop");
+    addProject("api", "API");
+    tags = {{"one", "w", "call in"}, {"two", "w", "call out"}};
+    using enum UnreadMention::Why;
+    EXPECT_EQ(read("@nobody, @web #call @api @web-shop @design #? @\"No one\" x").unreadMentions,
+              (std::vector<UnreadMention>{{"@nobody", unknown},
+                                          {"@web", ambiguous},
+                                          {"#call", ambiguous},
+                                          {"@web-shop", surplus},
+                                          {"@design", surplus},
+                                          {"#?", unknown},
+                                          {"@\"No one\"", unknown}}));
+    EXPECT_TRUE(read("@api me@web C# @ # x").unreadMentions.empty());
+}
+
 TEST_F(SentenceMentionsTest, ListsItsChips)
 {
     addProject("api", "API", {}, {{"t", "Tests"}});
