@@ -3,6 +3,7 @@
 
 #include "Commands/Commands.h"
 #include "HelpText.h"
+#include "QuickEntry/FoldedText.h"
 #include "Support/Require.h"
 #include "Terminal/TextWidth.h"
 #include "Time/UserTime.h"
@@ -29,23 +30,26 @@ std::string unmarked(const std::string &argument)
     return argument.starts_with(mark) ? argument.substr(1) : argument;
 }
 
-/// `--name=` is an empty value; the library would take the next argument for it.
-std::vector<std::string> prepared(const std::vector<std::string> &arguments)
+bool hasValueOption(const CLI::App *command, std::string_view name)
 {
-    std::vector<std::string> out;
-    bool onlyWords = false;
-    for (const std::string &argument : arguments) {
-        const bool isEmptyValue = !onlyWords && argument.size() > 3 && argument.starts_with("--") &&
-                                  argument.find('=') == argument.size() - 1;
-        if (isEmptyValue) {
-            out.push_back(argument.substr(0, argument.size() - 1));
-            out.emplace_back();
-        } else {
-            out.push_back(isMangled(argument) ? mark + argument : argument);
-        }
-        onlyWords = onlyWords || argument == "--";
-    }
-    return out;
+    const auto isIt = [&](const CLI::Option *option) {
+        return option->get_expected_max() > 0 && option->check_lname(std::string(name));
+    };
+    return std::ranges::any_of(command->get_options(), isIt) ||
+           std::ranges::any_of(CommandTree::commandsOf(command),
+                               [&](const CLI::App *below) { return hasValueOption(below, name); });
+}
+
+/// A word with white space in it is a sentence, whatever it begins with ("-h meeting 9-10"), but for the
+/// value that an option has in the same word (--description=Fix it).
+bool isDashedSentence(const std::string &argument, const CLI::App &root)
+{
+    const auto words = wordsOf(argument);
+    if (!argument.starts_with('-') || (words.size() == 1 && words.front().size() == argument.size()))
+        return false;
+    const std::size_t equals = argument.find('=');
+    return !argument.starts_with("--") || equals == std::string::npos ||
+           !hasValueOption(&root, std::string_view(argument).substr(2, equals - 2));
 }
 
 std::string commandLine(const CLI::App *command)
@@ -114,6 +118,26 @@ std::optional<CommandFailure> folderProblem(const char *option, const std::optio
 }
 
 } // namespace
+
+/// `--name=` is an empty value; the library would take the next argument for it.
+std::vector<std::string> CommandTree::prepared(const std::vector<std::string> &arguments) const
+{
+    std::vector<std::string> out;
+    bool onlyWords = false;
+    for (const std::string &argument : arguments) {
+        const bool isEmptyValue = !onlyWords && argument.size() > 3 && argument.starts_with("--") &&
+                                  argument.find('=') == argument.size() - 1;
+        if (isEmptyValue) {
+            out.push_back(argument.substr(0, argument.size() - 1));
+            out.emplace_back();
+        } else {
+            const bool isOnlyWord = isMangled(argument) || isDashedSentence(argument, m_root);
+            out.push_back(isOnlyWord ? mark + argument : argument);
+        }
+        onlyWords = onlyWords || argument == "--";
+    }
+    return out;
+}
 
 CommandTree::CommandTree() : m_root("Track time from the terminal.", "orvane")
 {
@@ -210,6 +234,12 @@ CLI::Option *CommandTree::addTexts(CLI::App *command, const std::string &name,
             description)
         ->type_name(type)
         ->allow_extra_args(false);
+}
+
+std::vector<std::string> CommandTree::asTyped(std::vector<std::string> values)
+{
+    std::ranges::transform(values, values.begin(), unmarked);
+    return values;
 }
 
 CLI::Option *CommandTree::addSentence(CLI::App *command, const std::string &name,

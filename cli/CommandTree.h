@@ -56,6 +56,8 @@ public:
     /// An option that may be given several times, one value each time.
     static CLI::Option *addTexts(CLI::App *command, const std::string &name, std::vector<std::string> &target,
                                  const std::string &type, const std::string &description);
+    /// The values of an option as they were typed, for one that is added without the calls above.
+    static std::vector<std::string> asTyped(std::vector<std::string> values);
     /// All remaining words, as one text with single spaces.
     static CLI::Option *addSentence(CLI::App *command, const std::string &name,
                                     std::optional<std::string> &target, const std::string &description);
@@ -73,6 +75,7 @@ public:
 
 private:
     void addGlobalOptions();
+    std::vector<std::string> prepared(const std::vector<std::string> &arguments) const;
     Result<std::monostate, CommandFailure> checkGlobalOptions();
 
     CLI::App m_root;

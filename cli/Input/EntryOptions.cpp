@@ -84,7 +84,8 @@ void addEntryOptions(CLI::App *command, EntryOptions &options)
     CommandTree::addText(command, "--task", options.task, "TASK", "A name or an identifier; \"\" for none");
     command
         ->add_option_function<std::vector<std::string>>(
-            "--tag", [&options](const std::vector<std::string> &tags) { options.tags = tags; },
+            "--tag",
+            [&options](const std::vector<std::string> &tags) { options.tags = CommandTree::asTyped(tags); },
             "A name or an identifier; once for each tag, \"\" for none")
         ->type_name("TAG")
         ->allow_extra_args(false);

@@ -64,6 +64,30 @@ TEST(CommandTree, RefusesWhatItDoesNotUnderstand)
     EXPECT_THAT(usageError({"--data-dir", ""}), HasSubstr("--data-dir"));
 }
 
+TEST(CommandTree, AWordWithSpacesIsASentenceWhateverItBeginsWith)
+{
+    for (const char *sentence : {"-h meeting 9-10", "--foo bar 15m", "--help me 15m", "--json=x y",
+                                 "-- x 15m", "-\u00A0x", "--not a=b"}) {
+        CommandTree tree;
+        ASSERT_TRUE(tree.parse({"help", sentence, "--zone", "UTC"})) << sentence;
+        EXPECT_FALSE(tree.wantsHelp()) << sentence;
+        EXPECT_FALSE(tree.options().json) << sentence;
+        EXPECT_EQ(tree.options().zone, "UTC");
+    }
+    // An option's value is one too, beside its name or in the same word.
+    for (const std::vector<std::string> &call :
+         std::vector<std::vector<std::string>>{{"start", "--description", "-h meeting"},
+                                               {"start", "--description=Fix it", "--tag=deep work"}}) {
+        CommandTree tree;
+        ASSERT_TRUE(tree.parse(call));
+        EXPECT_FALSE(tree.wantsHelp());
+    }
+    CommandTree help;
+    ASSERT_TRUE(help.parse({"add", "-h"}));
+    EXPECT_TRUE(help.wantsHelp());
+    EXPECT_THAT(usageError({"add", "--foo", "bar"}), HasSubstr("has no option \"--foo\""));
+}
+
 TEST(CommandTree, EveryCommandHasAnActionAndAHelpText)
 {
     CommandTree tree;
