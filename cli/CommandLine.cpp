@@ -39,7 +39,8 @@ std::string failureText(const CommandFailure &failure, FailureForm form)
 {
     const shapes::Error error = shapes::error(failure);
     if (form == FailureForm::Outcome && failure.exitStatus == ExitStatus::failed)
-        return shapes::text(shapes::FailedOutcome{SaveOutcome::failed, false, {}, failure.message, error});
+        return shapes::text(
+            shapes::FailedOutcome{SaveOutcome::failed, false, {}, failure.message, {}, error});
     return shapes::text(shapes::Failure{error});
 }
 

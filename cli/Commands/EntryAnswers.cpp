@@ -8,6 +8,9 @@
 #include "Terminal/TextWidth.h"
 #include "Time/AppClock.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace orvane {
 
 namespace {
@@ -94,8 +97,14 @@ std::optional<std::string> refusedStart(Instant at, TypedMoment named, const Ent
 
 } // namespace
 
+void addNotes(CommandAnswer &answer, const std::vector<std::string> &notes)
+{
+    for (const std::string &note : notes)
+        answer.messages.push_back("Note: " + note);
+}
+
 CommandAnswer answerTo(const CommandContext &context, const SaveResult &result, std::string_view verb,
-                       const std::optional<TimeEntryResponse> &before)
+                       const std::optional<TimeEntryResponse> &before, const std::vector<std::string> &notes)
 {
     const bool done = isDone(result.outcome);
     CommandAnswer answer;
@@ -107,16 +116,20 @@ CommandAnswer answerTo(const CommandContext &context, const SaveResult &result, 
         answer.messages.push_back(result.message);
     else if (!done)
         answer.messages.emplace_back("That could not be done.");
+    if (done && !context.json())
+        addNotes(answer, notes);
     if (context.json()) {
-        const shapes::Outcome outcome{result.outcome, result.isQueued, result.entry, text(result.message)};
+        const shapes::Outcome outcome{result.outcome, result.isQueued, result.entry, text(result.message),
+                                      notes};
         if (done) {
             answer.output = shapes::text(outcome);
         } else {
             const CommandFailure failure = result.error
                                                ? CommandFailure::of(*result.error, answer.messages.front())
                                                : CommandFailure::of(answer.messages.front());
-            answer.output = shapes::text(shapes::FailedOutcome{outcome.outcome, outcome.queued, outcome.entry,
-                                                               failure.message, shapes::error(failure)});
+            answer.output =
+                shapes::text(shapes::FailedOutcome{outcome.outcome, outcome.queued, outcome.entry,
+                                                   failure.message, notes, shapes::error(failure)});
         }
     } else if (const auto &shown = result.entry ? result.entry : before; done && shown) {
         answer.output = EntryWriter(context.account()->tracker(), context.style()).done(verb, *shown);
@@ -199,7 +212,8 @@ CommandTask record(Context context, EntryOptions options, TypedSentence typed, N
         if (!span)
             co_return failure(CommandFailure::of(span.error()));
         EntryRequest request{.details = std::move(*details), .start = span->start, .stop = span->stop};
-        CommandAnswer answer = answerTo(*context, co_await tracker.create(std::move(request)), "Added");
+        CommandAnswer answer = answerTo(*context, co_await tracker.create(std::move(request)), "Added", {},
+                                        typed.leftOut(tracker.catalog()));
         rememberPicks(*context, typed, answer);
         co_return answer;
     }
@@ -212,20 +226,20 @@ CommandTask record(Context context, EntryOptions options, TypedSentence typed, N
         co_return refusalAhead(*context, "Another timer is set already.");
     const std::optional<TimeEntryResponse> before = tracker.running();
     const SaveResult result = co_await tracker.start(std::move(*details), at);
-    CommandAnswer answer = withStopped(answerTo(*context, result, "Started"), *context, before);
-    if (answer.exitStatus == ExitStatus::done && times.start && at > AppClock::now())
-        answer.messages.push_back("Note: " + time.clockLabel(at) + " is still to come.");
+    std::vector<std::string> notes;
+    if (times.start && at > AppClock::now())
+        notes.push_back(time.clockLabel(at) + " is still to come.");
+    std::ranges::move(typed.leftOut(tracker.catalog()), std::back_inserter(notes));
+    CommandAnswer answer = withStopped(answerTo(*context, result, "Started", {}, notes), *context, before);
     rememberPicks(*context, typed, answer);
     co_return answer;
 }
 
-void rememberPicks(CommandContext &context, const TypedSentence &typed, CommandAnswer &answer)
+void rememberPicks(CommandContext &context, const TypedSentence &typed, const CommandAnswer &answer)
 {
     if (answer.exitStatus != ExitStatus::done)
         return;
     const Tracker &tracker = context.account()->tracker();
-    for (std::string &note : typed.leftOut(tracker.catalog()))
-        answer.messages.push_back(std::move(note));
     const std::vector<std::string> keys = typed.usageKeys();
     if (keys.empty())
         return;

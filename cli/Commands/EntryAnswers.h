@@ -11,10 +11,14 @@
 /// What the commands that act on entries share.
 namespace orvane {
 
+/// Adds what people should know beside the answer.
+void addNotes(CommandAnswer &answer, const std::vector<std::string> &notes);
+
 /// The answer to a change of an entry. `verb` heads the line for people ("Started"); `before` is the entry to
-/// show when the change left none.
+/// show when the change left none; `notes` are told when the change was done, and to programs in any case.
 CommandAnswer answerTo(const CommandContext &context, const SaveResult &result, std::string_view verb,
-                       const std::optional<TimeEntryResponse> &before = {});
+                       const std::optional<TimeEntryResponse> &before = {},
+                       const std::vector<std::string> &notes = {});
 
 /// The entry that a (cut) identifier means, in the account that this opens and brings up to date. Looks among
 /// the entries of the last weeks, and asks the server for one that is older when the whole identifier was
@@ -59,8 +63,7 @@ CommandTask record(Context context, EntryOptions options, TypedSentence typed, N
 CommandAnswer withStopped(CommandAnswer answer, const CommandContext &context,
                           const std::optional<TimeEntryResponse> &before);
 
-/// After a change that was done: what the sentence picked counts as used, and what of it has no place is
-/// told.
-void rememberPicks(CommandContext &context, const TypedSentence &typed, CommandAnswer &answer);
+/// After a change that was done: what the sentence picked counts as used.
+void rememberPicks(CommandContext &context, const TypedSentence &typed, const CommandAnswer &answer);
 
 } // namespace orvane

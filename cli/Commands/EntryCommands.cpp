@@ -33,7 +33,7 @@ CommandTask add(Context context, EntryOptions options)
     if (!times)
         co_return failure(times.error());
     if (!times->start)
-        co_return failure(CommandFailure::usage(needsTimes));
+        co_return failure(CommandFailure::usage(typed.withNotes(needsTimes, tracker.catalog())));
     co_return co_await record(context, options, typed, *times);
 }
 
@@ -62,8 +62,8 @@ CommandTask edit(Context context, EditOptions options)
     request.details = std::move(*details);
     request.start = times->start;
     request.stop = times->stop;
-    CommandAnswer answer =
-        answerTo(*context, co_await tracker.update(entry->id, std::move(request)), "Changed");
+    CommandAnswer answer = answerTo(*context, co_await tracker.update(entry->id, std::move(request)),
+                                    "Changed", {}, typed.leftOut(tracker.catalog()));
     rememberPicks(*context, typed, answer);
     co_return answer;
 }

@@ -2,6 +2,7 @@
 #include "Commands/Commands.h"
 
 #include "CommandTree.h"
+#include "Commands/EntryAnswers.h"
 #include "Input/TypedSentence.h"
 #include "Output/QuickEntryShapes.h"
 #include "Terminal/TextTable.h"
@@ -9,7 +10,6 @@
 #include "Time/AppClock.h"
 
 #include <QString>
-#include <sstream>
 
 namespace orvane {
 
@@ -34,18 +34,6 @@ std::string spanText(const EntrySentence::Span &span, const UserTime &time)
            time.timeLabel(*span.stop) + "  " + time.duration(secondsBetween(span.start, *span.stop));
 }
 
-/// The mentions in a description: names that nothing here has, or that several things have.
-std::string unmatchedMentions(const std::string &description)
-{
-    std::string out;
-    std::istringstream words(description);
-    for (std::string one; words >> one;) {
-        if (one.size() > 1 && (one.front() == '@' || one.front() == '#'))
-            out += (out.empty() ? "" : " ") + one;
-    }
-    return out;
-}
-
 /// What was understood, a line for each part.
 std::string explained(const TypedSentence &typed, const Tracker &tracker, const TerminalStyle &style)
 {
@@ -67,11 +55,8 @@ std::string explained(const TypedSentence &typed, const Tracker &tracker, const 
         add("Tag", nameOf(tag, catalog.tag(tag)));
     if (reading.isBillable)
         add("Billable", TextCell("yes"));
-    if (const std::string left = unmatchedMentions(reading.description); !left.empty()) {
-        TextCell cell(printable(left));
-        cell.runs.push_back({"  kept as text: no name here matches for sure", quiet});
-        add("Unknown", std::move(cell));
-    }
+    for (const UnreadMention &mention : reading.unreadMentions)
+        add("Unknown", TextCell(printable(mention.text)));
     if (typed.span) {
         TextCell cell(spanText(*typed.span, tracker.time()));
         cell.runs.push_back({"  from \"" + printable(reading.timeText) + "\"", quiet});
@@ -87,11 +72,13 @@ CommandTask parse(Context context, std::string sentence)
         co_return failure(opened.error());
     co_await context->bringUpToDate();
     const TypedSentence typed = TypedSentence::read(sentence, **opened);
-    if (context->json())
-        co_return CommandAnswer{.output = shapes::text(shapes::sentence(typed.reading, typed.span))};
     const Tracker &tracker = (*opened)->tracker();
-    co_return CommandAnswer{.output = explained(typed, tracker, context->style()),
-                            .messages = typed.leftOut(tracker.catalog())};
+    const std::vector<std::string> notes = typed.leftOut(tracker.catalog());
+    if (context->json())
+        co_return CommandAnswer{.output = shapes::text(shapes::sentence(typed.reading, typed.span, notes))};
+    CommandAnswer answer{.output = explained(typed, tracker, context->style())};
+    addNotes(answer, notes);
+    co_return answer;
 }
 
 Palette paletteOf(const Tracker &tracker)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Input/TypedSentence.h"
 
+#include "QuickEntry/UnreadWords.h"
+#include "Terminal/TextWidth.h"
 #include "Time/AppClock.h"
 
 #include <cmath>
@@ -8,6 +10,53 @@
 namespace orvane {
 
 namespace {
+
+/// A line with more that was not understood is no sentence, and one note says as much as ten.
+constexpr std::size_t mostNotes = 5;
+
+std::string quoted(std::string_view text)
+{
+    return "\"" + printable(text) + "\"";
+}
+
+std::string noteOn(const UnreadMention &mention)
+{
+    const std::string text = quoted(mention.text);
+    switch (mention.why) {
+    case UnreadMention::Why::ambiguous:
+        return "Several names match " + text +
+               ", so it stays in the description; type more of the one you mean.";
+    case UnreadMention::Why::surplus:
+        return text + " does not go with what else is named, so it stays in the description.";
+    case UnreadMention::Why::unknown:
+        break;
+    }
+    return (mention.text.front() == '#' ? "No tag matches " : "No project, task or client matches ") + text +
+           ", so it stays in the description.";
+}
+
+std::string noteOn(const UnreadWords &words, bool hasTime)
+{
+    const std::string text = quoted(words.text);
+    switch (words.kind) {
+    case UnreadWords::Kind::hours:
+        return text + " was not read as a time, since it may be any two numbers; write " + words.asRange() +
+               " for one.";
+    case UnreadWords::Kind::day:
+        return text + " was not read as a day" +
+               (hasTime ? std::string(".") : "; a day needs its time beside it, as in: yesterday 9-10:30");
+    case UnreadWords::Kind::time:
+        break;
+    }
+    return text + " was not read as a time; it stays in the description.";
+}
+
+/// The number of an issue (#2) looks like a tag only to us.
+bool isNumber(const UnreadMention &mention)
+{
+    return mention.text.front() == '#' &&
+           mention.text.find_first_not_of("0123456789", 1) == std::string::npos;
+}
 
 std::chrono::milliseconds length(double seconds)
 {
@@ -82,12 +131,28 @@ EditedTimes TypedSentence::edited(EditedTimes before, const UserTime &time) cons
 
 std::vector<std::string> TypedSentence::leftOut(const Catalog &catalog) const
 {
+    std::vector<std::string> notes;
     const ClientResponse *client =
         reading.clientID && !reading.projectID ? catalog.client(*reading.clientID) : nullptr;
-    if (client == nullptr)
-        return {};
-    return {"Note: an entry belongs to a project, and \"" + client->name +
-            "\" is a client. Name one of its projects to put it there."};
+    if (client != nullptr)
+        notes.push_back("An entry belongs to a project, and " + quoted(client->name) +
+                        " is a client. Name one of its projects to put it there.");
+    for (const UnreadMention &mention : reading.unreadMentions) {
+        if (!isNumber(mention))
+            notes.push_back(noteOn(mention));
+    }
+    for (const UnreadWords &words : UnreadWords::of(reading))
+        notes.push_back(noteOn(words, reading.time.has_value()));
+    if (notes.size() > mostNotes)
+        notes.resize(mostNotes);
+    return notes;
+}
+
+std::string TypedSentence::withNotes(std::string message, const Catalog &catalog) const
+{
+    for (const std::string &note : leftOut(catalog))
+        message += "\nNote: " + note;
+    return message;
 }
 
 std::vector<std::string> TypedSentence::usageKeys() const

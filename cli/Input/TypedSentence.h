@@ -28,8 +28,11 @@ struct TypedSentence {
     /// The times of an entry that the sentence changes. A time of day is on the entry's own day unless one is
     /// named; a duration keeps the entry's start, or of a running one its now.
     EditedTimes edited(EditedTimes before, const UserTime &time) const;
-    /// What was understood but has no place in an entry, as sentences for people.
+    /// What was understood but has no place in an entry, and what looks like a name, a time or a day and was
+    /// not read as one: sentences for people.
     std::vector<std::string> leftOut(const Catalog &catalog) const;
+    /// A message and these sentences, for a sentence that says too little.
+    std::string withNotes(std::string message, const Catalog &catalog) const;
     /// What the palette remembers these picks by.
     std::vector<std::string> usageKeys() const;
 };

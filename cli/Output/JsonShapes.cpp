@@ -58,7 +58,8 @@ template <>
 struct JsonFields<shapes::Outcome> {
     static constexpr auto list = JsonFieldList{
         jsonField<"outcome">(&shapes::Outcome::outcome), jsonField<"queued">(&shapes::Outcome::queued),
-        jsonField<"entry">(&shapes::Outcome::entry), jsonField<"message">(&shapes::Outcome::message)};
+        jsonField<"entry">(&shapes::Outcome::entry), jsonField<"message">(&shapes::Outcome::message),
+        jsonField<"notes">(&shapes::Outcome::notes)};
 };
 template <>
 struct JsonFields<shapes::Error> {
@@ -79,6 +80,7 @@ struct JsonFields<shapes::FailedOutcome> {
                                                jsonField<"queued">(&shapes::FailedOutcome::queued),
                                                jsonField<"entry">(&shapes::FailedOutcome::entry),
                                                jsonField<"message">(&shapes::FailedOutcome::message),
+                                               jsonField<"notes">(&shapes::FailedOutcome::notes),
                                                jsonField<"error">(&shapes::FailedOutcome::error)};
 };
 template <>

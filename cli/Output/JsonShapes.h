@@ -74,6 +74,7 @@ struct Outcome {
     bool queued = false;
     std::optional<TimeEntryResponse> entry;
     std::optional<std::string> message;
+    std::vector<std::string> notes = {};
 };
 
 struct Error {
@@ -95,6 +96,7 @@ struct FailedOutcome {
     bool queued = false;
     std::optional<TimeEntryResponse> entry;
     std::optional<std::string> message;
+    std::vector<std::string> notes = {};
     Error error;
 };
 

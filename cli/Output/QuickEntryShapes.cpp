@@ -44,15 +44,17 @@ struct JsonFields<SentenceSpan> {
 template <>
 struct JsonFields<Sentence> {
     static constexpr auto list = JsonFieldList{jsonField<"description">(&Sentence::description),
-                                               jsonField<"projectID">(&Sentence::projectID),
-                                               jsonField<"taskID">(&Sentence::taskID),
-                                               jsonField<"clientID">(&Sentence::clientID),
-                                               jsonField<"tagIDs">(&Sentence::tagIDs),
-                                               jsonField<"billable">(&Sentence::billable),
+                                               jsonField<"projectId">(&Sentence::projectId),
+                                               jsonField<"taskId">(&Sentence::taskId),
+                                               jsonField<"clientId">(&Sentence::clientId),
+                                               jsonField<"tagIds">(&Sentence::tagIds),
+                                               jsonField<"isBillable">(&Sentence::isBillable),
                                                jsonField<"time">(&Sentence::time),
                                                jsonField<"day">(&Sentence::day),
                                                jsonField<"timeText">(&Sentence::timeText),
-                                               jsonField<"span">(&Sentence::span)};
+                                               jsonField<"span">(&Sentence::span),
+                                               jsonField<"notes">(&Sentence::notes),
+                                               jsonField<"unknown">(&Sentence::unknown)};
 };
 template <>
 struct JsonFields<PaletteRow> {
@@ -128,18 +130,23 @@ struct DayShape {
 
 } // namespace
 
-Sentence sentence(const EntrySentence::Reading &reading, const std::optional<EntrySentence::Span> &span)
+Sentence sentence(const EntrySentence::Reading &reading, const std::optional<EntrySentence::Span> &span,
+                  std::vector<std::string> notes)
 {
     Sentence sentence{.description = reading.description,
-                      .projectID = reading.projectID,
-                      .taskID = reading.taskID,
-                      .clientID = reading.clientID,
-                      .tagIDs = reading.tagIDs,
-                      .billable = reading.isBillable,
+                      .projectId = reading.projectID,
+                      .taskId = reading.taskID,
+                      .clientId = reading.clientID,
+                      .tagIds = reading.tagIDs,
+                      .isBillable = reading.isBillable,
                       .time = {},
                       .day = {},
                       .timeText = reading.timeText,
-                      .span = {}};
+                      .span = {},
+                      .notes = std::move(notes),
+                      .unknown = {}};
+    for (const UnreadMention &mention : reading.unreadMentions)
+        sentence.unknown.push_back(mention.text);
     if (reading.time)
         sentence.time = std::visit(TimeShape{}, *reading.time);
     if (reading.day)

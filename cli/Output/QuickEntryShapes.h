@@ -38,17 +38,20 @@ struct SentenceSpan {
 
 struct Sentence {
     std::string description;
-    std::optional<std::string> projectID;
-    std::optional<std::string> taskID;
-    std::optional<std::string> clientID;
-    std::vector<std::string> tagIDs;
-    bool billable = false;
+    std::optional<std::string> projectId;
+    std::optional<std::string> taskId;
+    std::optional<std::string> clientId;
+    std::vector<std::string> tagIds;
+    bool isBillable = false;
     std::optional<RawJson> time; ///< one of the shapes above
     std::optional<SentenceDay> day;
     std::string timeText;
     std::optional<SentenceSpan> span;
+    std::vector<std::string> notes;
+    std::vector<std::string> unknown; ///< the mentions that name nothing, as they were typed
 };
-Sentence sentence(const EntrySentence::Reading &reading, const std::optional<EntrySentence::Span> &span);
+Sentence sentence(const EntrySentence::Reading &reading, const std::optional<EntrySentence::Span> &span,
+                  std::vector<std::string> notes);
 
 struct PaletteRow {
     std::string kind;

@@ -18,7 +18,7 @@ TEST_F(Command, TracksADay)
 {
     setNow("2026-03-04T09:00:00Z");
     const QJsonObject started = done({"--zone", "Europe/Paris", "start", "Write", "the", "README"});
-    EXPECT_EQ(keys(started), (Names{"entry", "message", "outcome", "queued"}));
+    EXPECT_EQ(keys(started), (Names{"entry", "message", "notes", "outcome", "queued"}));
     EXPECT_EQ(text(started[u"outcome"]), "saved");
     EXPECT_FALSE(started[u"queued"].toBool(true));
     const QJsonObject first = started[u"entry"].toObject();
@@ -94,10 +94,10 @@ TEST_F(Command, TakesSentences)
     EXPECT_THAT(installation.run(utc({"start", "call @acme"})).errors, HasSubstr("\"Acme\" is a client"));
 
     const QJsonObject parsed = done(utc({"parse", "call @acme #deep-work yesterday 9-10:30pm $"}));
-    EXPECT_EQ(keys(parsed), (Names{"billable", "clientID", "day", "description", "projectID", "span",
-                                   "tagIDs", "taskID", "time", "timeText"}));
-    EXPECT_EQ(text(parsed[u"clientID"]), client);
-    EXPECT_TRUE(parsed[u"projectID"].isNull());
+    EXPECT_EQ(keys(parsed), (Names{"clientId", "day", "description", "isBillable", "notes", "projectId",
+                                   "span", "tagIds", "taskId", "time", "timeText", "unknown"}));
+    EXPECT_EQ(text(parsed[u"clientId"]), client);
+    EXPECT_TRUE(parsed[u"projectId"].isNull());
     EXPECT_EQ(compact(parsed[u"day"]), R"({"date":null,"kind":"yesterday","weekday":null})");
     EXPECT_EQ(compact(parsed[u"time"]), R"({"end":{"hours":10,"meridiem":"pm","minutes":30},"kind":"range",)"
                                         R"("start":{"hours":9,"meridiem":"pm","minutes":0}})");
@@ -105,8 +105,49 @@ TEST_F(Command, TakesSentences)
               R"({"start":"2026-03-05T21:00:00.000Z","stop":"2026-03-05T22:30:00.000Z"})");
     EXPECT_TRUE(done(utc({"parse", "just words"}))[u"time"].isNull());
     EXPECT_THAT(installation.run(utc({"parse", "call @acme 45m ago"})).output, HasSubstr("11:15 – now"));
-    EXPECT_THAT(installation.run(utc({"parse", "call @nobody C#"})).output,
-                HasSubstr("Unknown      @nobody  kept as text"));
+    EXPECT_EQ(text(entry(utc({"add", "-h meeting 9-10:30"}))[u"description"]), "-h meeting");
+}
+
+TEST_F(Command, SaysWhatItDidNotTakeForATimeADayOrAName)
+{
+    setNow("2026-03-04T12:00:00Z");
+    done({"projects", "add", "Web site"});
+    done({"projects", "add", "Web shop"});
+    const auto notes = [](const QJsonObject &answer) {
+        Names notes;
+        for (const QJsonValue &note : answer[u"notes"].toArray())
+            notes.push_back(text(note));
+        return notes;
+    };
+    const Names hours{
+        "\"9-17\" was not read as a time, since it may be any two numbers; write 9:00-17:00 for one."};
+    const Names unknown{"No project, task or client matches \"@acme\", so it stays in the description."};
+    const Names several{
+        "Several names match \"@web\", so it stays in the description; type more of the one you mean."};
+    EXPECT_EQ(notes(done({"start", "work 9-17"})), hours);
+    EXPECT_EQ(notes(done({"add", "call @acme 9-9:30"})), unknown);
+    EXPECT_EQ(notes(done({"add", "call tomorrow with #2 9-9:30"})),
+              Names{"\"tomorrow\" was not read as a day."});
+    const QJsonObject first = done({"add", "mail 15m"});
+    EXPECT_EQ(notes(first), Names{});
+    const QJsonObject edited = done({"edit", id(first[u"entry"].toObject()), "mail @web"});
+    EXPECT_EQ(notes(edited), several);
+    EXPECT_EQ(text(edited[u"entry"].toObject()[u"description"]), "mail @web");
+    EXPECT_EQ(notes(done({"stop"})), Names{});
+    EXPECT_EQ(notes(done({"continue"})), Names{});
+
+    const QJsonObject parsed = done({"parse", "@acme, #2 C# #none"});
+    EXPECT_EQ(notes(parsed),
+              (Names{unknown.front(), "No tag matches \"#none\", so it stays in the description."}));
+    EXPECT_EQ(QJsonDocument(parsed[u"unknown"].toArray()).toJson(QJsonDocument::Compact).toStdString(),
+              R"(["@acme","#2","#none"])");
+
+    // People are told beside what was recorded, and why nothing was.
+    const CommandRun started = installation.run({"start", "call @acme"});
+    EXPECT_THAT(started.output, HasSubstr("Started"));
+    EXPECT_THAT(started.errors, HasSubstr("Note: " + unknown.front()));
+    EXPECT_THAT(installation.run({"parse", "call @acme"}).errors, HasSubstr("Note: " + unknown.front()));
+    EXPECT_THAT(text(failed(2, {"add", "work 9-17"})[u"message"]), HasSubstr("Note: " + hours.front()));
 }
 
 TEST_F(Command, FindsByAFewLetters)
@@ -218,7 +259,7 @@ TEST_F(Command, SaysWhatIsWrongWithACall)
 
     const CommandRun stop = installation.json({"stop"});
     EXPECT_EQ(stop.exitStatus, 1);
-    EXPECT_EQ(keys(stop.object()), (Names{"entry", "error", "message", "outcome", "queued"}));
+    EXPECT_EQ(keys(stop.object()), (Names{"entry", "error", "message", "notes", "outcome", "queued"}));
     EXPECT_EQ(text(stop.object()[u"outcome"]), "failed");
 
     for (const char *now : {"yesterday", "2026-03-04", "10:00"}) {

@@ -10,7 +10,7 @@ TEST(JsonShapes, WriteEveryMemberInItsPlace)
 {
     using namespace std::chrono;
     EXPECT_EQ(shapes::text(shapes::Outcome{SaveOutcome::waiting, true, {}, {}}),
-              "{\"outcome\":\"waiting\",\"queued\":true,\"entry\":null,\"message\":null}\n");
+              "{\"outcome\":\"waiting\",\"queued\":true,\"entry\":null,\"message\":null,\"notes\":[]}\n");
     EXPECT_EQ(shapes::text(shapes::Days{{{year{2026} / 3 / 1, 90, {}}}}),
               "{\"days\":[{\"day\":\"2026-03-01\",\"seconds\":90,\"entries\":[]}]}\n");
     EXPECT_EQ(shapes::text(shapes::SignIn{{}, {"http://127.0.0.1:1", true, false}}),
