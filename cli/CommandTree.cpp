@@ -157,6 +157,7 @@ CommandTree::CommandTree() : m_root("Track time from the terminal.", "orvane")
     addSettingsCommands(*this);
     addOutboxCommand(*this);
     addServeCommand(*this);
+    addCompletionCommand(*this);
     addHelpCommands(*this);
 }
 

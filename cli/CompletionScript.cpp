@@ -119,20 +119,19 @@ std::string sentencePaths(const Node &root, std::string_view separator)
     return out;
 }
 
-/// Bash divides words at "@", so that the sign is the word before, or the word itself.
+/// Names come from whoever shares the workspace, so the shell only ever reads them, a line each: it expands
+/// nothing in them and puts them in as the command has quoted them.
 std::string bashNames(const Node &root)
 {
     return "    case $path in\n"
            "        " +
            sentencePaths(root, "|") +
            ")\n"
-           "            word=$current\n"
-           "            [[ $previous == @ ]] && word=@$current\n"
-           "            if [[ $word == [@\\#]* ]]; then\n"
-           "                local IFS=$'\\n'\n"
-           "                COMPREPLY=($(orvane complete-word \"$word\" 2>/dev/null))\n"
-           "                [[ $COMP_WORDBREAKS == *@* ]] && COMPREPLY=(\"${COMPREPLY[@]#@}\")\n"
-           "                return\n"
+           "            if [[ $line == *[@\\#]* ]]; then\n"
+           "                while IFS= read -r word; do COMPREPLY+=(\"$word\"); done < <(\n"
+           "                    orvane complete-word --shell bash \"--replaced=$2\" -- \"$line\" "
+           "2>/dev/null)\n"
+           "                [[ ${#COMPREPLY[@]} -gt 0 ]] && return\n"
            "            fi ;;\n"
            "    esac\n";
 }
@@ -149,13 +148,17 @@ std::string bashScript(const Node &root)
     }
     return "# Completions of orvane for bash; made by orvane completion bash.\n"
            "_orvane() {\n"
-           "    local path='' word='' words='' i\n"
+           "    local path='' word='' words='' i line=${COMP_LINE:0:COMP_POINT}\n"
            "    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD-1]}\n"
            "    COMPREPLY=()\n"
            "    case $previous in\n"
            "        " +
            joined(options, true, "|") +
-           ") COMPREPLY=($(compgen -d -- \"$current\")); return ;;\n"
+           ")\n"
+           "            while IFS= read -r word; do COMPREPLY+=(\"$word\"); done < <(compgen -d -- "
+           "\"$current\")\n"
+           "            compopt -o filenames 2>/dev/null\n"
+           "            return ;;\n"
            "        " +
            joined(options, false, "|") +
            ") return ;;\n"
@@ -197,7 +200,7 @@ std::string zshOptions(const std::vector<OptionWords> &options)
 {
     std::string out;
     for (const OptionWords &option : options) {
-        out += " '" + option.name + "[" + zshText(option.description) + "]";
+        out += " '" + option.name + (option.takesValue ? "=[" : "[") + zshText(option.description) + "]";
         if (option.takesValue)
             out += option.wantsFolder ? ":folder:_files -/" : ":value:";
         out += "'";
@@ -209,8 +212,11 @@ std::string zshFunction(const Node &node)
 {
     std::string name = node.path.empty() ? "_orvane" : "_orvane_" + node.path;
     std::ranges::replace(name, ' ', '_');
-    std::string out = name + "() {\n    local -a options=($_orvane_global" +
-                      zshOptions(node.path.empty() ? std::vector<OptionWords>() : node.options) + ")\n";
+    std::string out =
+        name + "() {\n" +
+        (node.path.empty() ? "    local -a _orvane_typed=(\"${(@)words[1,CURRENT-1]}\")\n" : "") +
+        "    local -a options=($_orvane_global" +
+        zshOptions(node.path.empty() ? std::vector<OptionWords>() : node.options) + ")\n";
     if (node.children.empty())
         return out + "    _arguments -s -S $options '*:" +
                (node.takesSentence ? "word:_orvane_names'\n}\n" : ":word:'\n}\n");
@@ -225,7 +231,7 @@ std::string zshFunction(const Node &node)
     return out + "    local -a commands=(" + described +
            ")\n"
            "    local curcontext=$curcontext state line\n"
-           "    _arguments -C -S $options '1: :->command' '*:: :->rest'\n"
+           "    _arguments -C -S $options '(-): :->command' '(-)*:: :->rest'\n"
            "    case $state in\n"
            "        command) _describe -t commands command commands ;;\n"
            "        rest) case $words[1] in\n" +
@@ -236,14 +242,20 @@ std::string zshFunction(const Node &node)
 
 std::string zshScript(const Node &root)
 {
-    std::string out = "#compdef orvane\n# Completions of orvane for zsh; made by orvane completion zsh.\n"
-                      "typeset -ga _orvane_global\n_orvane_global=(" +
-                      zshOptions(root.options) +
-                      ")\n"
-                      "_orvane_names() {\n"
-                      "    local -a names=(${(f)\"$(orvane complete-word \"$PREFIX\" 2>/dev/null)\"})\n"
-                      "    compadd -U -- $names\n"
-                      "}\n";
+    std::string out =
+        "#compdef orvane\n# Completions of orvane for zsh; made by orvane completion zsh.\n"
+        "typeset -ga _orvane_global\n_orvane_global=(" +
+        zshOptions(root.options) +
+        ")\n"
+        "_orvane_names() {\n"
+        "    local line=\"${(j: :)_orvane_typed} $IPREFIX$QIPREFIX$PREFIX\"\n"
+        "    local -a names=(\"${(@f)$(orvane complete-word --shell zsh -- \"$line\" 2>/dev/null)}\")\n"
+        "    if [[ $names[1] == ' ' ]]; then\n"
+        "        shift names\n"
+        "        compstate[insert]='' compstate[list]='list force'\n"
+        "    fi\n"
+        "    [[ -n $names[1] ]] && compadd -U -- $names\n"
+        "}\n";
     for (const Node *node : allNodes(root))
         out += zshFunction(*node);
     return out + "if [[ $funcstack[1] == _orvane ]]; then\n    _orvane \"$@\"\nelse\n    compdef _orvane "
@@ -298,7 +310,8 @@ std::string fishScript(const Node &root)
                    quoted(child.description) + "\n";
         if (node->takesSentence)
             out += "complete -c orvane -n " + quoted(condition) +
-                   " -a '(orvane complete-word (commandline -ct) 2>/dev/null)'\n";
+                   " -a '(orvane complete-word --shell fish -- (commandline -cp | string collect) "
+                   "2>/dev/null)'\n";
         if (node == &root)
             continue;
         for (const OptionWords &option : node->options)

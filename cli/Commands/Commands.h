@@ -17,6 +17,7 @@ void addSignInCommands(CommandTree &tree);
 void addSettingsCommands(CommandTree &tree);
 void addOutboxCommand(CommandTree &tree);
 void addServeCommand(CommandTree &tree);
+void addCompletionCommand(CommandTree &tree);
 void addHelpCommands(CommandTree &tree);
 
 } // namespace orvane

@@ -154,42 +154,6 @@ CommandTask find(Context context, std::string query)
     co_return CommandAnswer{.output = foundTable(palette, found, context->style())};
 }
 
-/// A name as one word behind the sign; EntrySentence reads hyphens as the spaces of the name.
-std::string word(char sign, const std::string &name)
-{
-    std::string out(1, sign);
-    for (const char c : printable(name))
-        out += c == ' ' ? '-' : c;
-    return out;
-}
-
-/// What a word that begins with "@" or "#" can become, a line each, for the shells' completions. Asks no
-/// server.
-CommandTask words(Context context, std::string begun)
-{
-    const std::string_view quote = "\"'";
-    if (!begun.empty() && quote.find(begun.front()) != std::string_view::npos)
-        begun.erase(0, 1);
-    if (begun.empty() || (begun.front() != '@' && begun.front() != '#'))
-        co_return CommandAnswer{};
-    const auto opened = co_await context->openAccount();
-    if (!opened)
-        co_return CommandAnswer{}; // a completion has nowhere to complain
-    const Tracker &tracker = (*opened)->tracker();
-    const Catalog &catalog = tracker.catalog();
-    const Palette palette(PaletteItem::ofCatalog(catalog.projects(), catalog.clients(), catalog.tags()));
-    const PaletteUsage usage = context->installation().paletteUsage(tracker.workspace().id);
-    std::string query = begun.substr(1);
-    std::ranges::replace(query, '-', ' ');
-    std::string out;
-    for (const Palette::Found &row : palette.find(query, usage, AppClock::now())) {
-        const PaletteItem &item = palette.items()[row.item];
-        if ((item.kind == PaletteItem::Kind::tag) == (begun.front() == '#'))
-            out += word(begun.front(), item.name) + "\n";
-    }
-    co_return CommandAnswer{.output = std::move(out)};
-}
-
 } // namespace
 
 void addQuickEntryCommands(CommandTree &tree)
@@ -216,12 +180,6 @@ void addQuickEntryCommands(CommandTree &tree)
     CommandTree::addSentence(findCommand, "QUERY", *query, "The beginnings or initials of words")->required();
     tree.onRun(findCommand,
                [query](Context context) { return find(std::move(context), query->value_or(std::string())); });
-
-    const auto begun = std::make_shared<std::string>();
-    CLI::App *wordsCommand =
-        tree.add("complete-word", "What a word with @ or # can become, for completions", "");
-    CommandTree::addRequired(wordsCommand, "WORD", *begun, "The word as far as it was typed");
-    tree.onRun(wordsCommand, [begun](Context context) { return words(std::move(context), *begun); });
 }
 
 } // namespace orvane

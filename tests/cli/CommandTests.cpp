@@ -177,8 +177,40 @@ TEST_F(Command, FindsByAFewLetters)
     EXPECT_EQ(text(listed({"find", "bi"})[0].toObject()[u"name"]), "Big Project");
     done({"start", "go on @bipartite"});
     EXPECT_EQ(text(listed({"find", "bi"})[0].toObject()[u"name"]), "Bipartite");
-    EXPECT_EQ(installation.run({"complete-word", "@bi"}).output, "@Bipartite\n@Big-Project\n");
-    EXPECT_EQ(installation.run({"complete-word", "bi"}).output, "");
+    const auto offered = [this](const char *shell, const std::string &line, const std::string &replaced) {
+        const CommandRun run =
+            installation.run({"complete-word", "--shell", shell, "--replaced=" + replaced, "--", line});
+        EXPECT_EQ(run.exitStatus, 0) << run.all();
+        return run.output;
+    };
+    EXPECT_EQ(offered("bash", "orvane start @bi", "@bi"), "@Bipartite\n@Big-Project\n");
+    EXPECT_EQ(offered("bash", "orvane start \"Fix @big", "Fix @big"), "Fix @Big-Project\n");
+    EXPECT_EQ(offered("zsh", "orvane start 'Fix @big", ""), "Fix @Big-Project\n");
+    EXPECT_EQ(offered("fish", "orvane start Fix @\\\"big", ""), "@\"Big Project\"\n");
+    EXPECT_EQ(offered("bash", "orvane start bi", "bi"), "");
+}
+
+TEST_F(Command, CompletesFromWhatTheTypedLineNames)
+{
+    done({"projects", "add", "Here"});
+    const TestInstallation other;
+    ASSERT_EQ(other.run({"projects", "add", "There"}).exitStatus, 0);
+    const auto offered = [this](const std::string &line) {
+        return installation.run({"complete-word", "--shell", "zsh", "--", line}).output;
+    };
+    EXPECT_EQ(offered("orvane start @"), "@Here\n");
+    EXPECT_EQ(offered("orvane --data-dir " + other.folder() + " start @"), "@There\n");
+    EXPECT_EQ(offered("orvane start --data-dir='" + other.folder() + "' x @"), "@There\n");
+    EXPECT_EQ(offered("orvane --server http://127.0.0.1:9 start @"), "") << "nobody is signed in there";
+    EXPECT_EQ(offered("orvane --data-dir \"$(pwd)\" start @"), "") << "only the shell can tell which";
+
+    // It neither makes an installation nor starts a server.
+    const std::string missing = installation.folder() + "/missing";
+    EXPECT_EQ(offered("orvane --data-dir " + missing + " start @"), "");
+    EXPECT_FALSE(QDir(QString::fromStdString(missing)).exists());
+    ASSERT_TRUE(other.killServer());
+    EXPECT_EQ(offered("orvane --data-dir " + other.folder() + " start @"), "@There\n");
+    EXPECT_FALSE(other.hello());
 }
 
 TEST_F(Command, RecordsAndChangesEntries)
