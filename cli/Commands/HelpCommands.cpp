@@ -46,7 +46,8 @@ void addHelpCommands(CommandTree &tree)
     const auto names = std::make_shared<std::vector<std::string>>();
     CLI::App *helpCommand = tree.add("help", "Say what a command does", group);
     helpCommand->add_option("COMMAND", *names, "The command, and the verb of it");
-    tree.onRunPlain(helpCommand, [names](const CommandTree &whole) { return help(whole, *names); });
+    tree.onRunPlain(helpCommand,
+                    [names](const CommandTree &whole) { return help(whole, CommandTree::asTyped(*names)); });
 
     const auto shell = std::make_shared<std::string>();
     CLI::App *completionCommand = tree.add("completion", "Print the completions for a shell", group);
