@@ -190,29 +190,6 @@ TEST_F(Command, FindsByAFewLetters)
     EXPECT_EQ(offered("bash", "orvane start bi", "bi"), "");
 }
 
-TEST_F(Command, CompletesFromWhatTheTypedLineNames)
-{
-    done({"projects", "add", "Here"});
-    const TestInstallation other;
-    ASSERT_EQ(other.run({"projects", "add", "There"}).exitStatus, 0);
-    const auto offered = [this](const std::string &line) {
-        return installation.run({"complete-word", "--shell", "zsh", "--", line}).output;
-    };
-    EXPECT_EQ(offered("orvane start @"), "@Here\n");
-    EXPECT_EQ(offered("orvane --data-dir " + other.folder() + " start @"), "@There\n");
-    EXPECT_EQ(offered("orvane start --data-dir='" + other.folder() + "' x @"), "@There\n");
-    EXPECT_EQ(offered("orvane --server http://127.0.0.1:9 start @"), "") << "nobody is signed in there";
-    EXPECT_EQ(offered("orvane --data-dir \"$(pwd)\" start @"), "") << "only the shell can tell which";
-
-    // It neither makes an installation nor starts a server.
-    const std::string missing = installation.folder() + "/missing";
-    EXPECT_EQ(offered("orvane --data-dir " + missing + " start @"), "");
-    EXPECT_FALSE(QDir(QString::fromStdString(missing)).exists());
-    ASSERT_TRUE(other.killServer());
-    EXPECT_EQ(offered("orvane --data-dir " + other.folder() + " start @"), "@There\n");
-    EXPECT_FALSE(other.hello());
-}
-
 TEST_F(Command, RecordsAndChangesEntries)
 {
     setNow("2026-03-04T12:00:00Z");

@@ -102,5 +102,29 @@ INSTANTIATE_TEST_SUITE_P(Shells, ShellCompletion,
                                          LiveShell{"fish", "fish --no-config -i", "source "}),
                          [](const auto &info) { return std::string(info.param.name); });
 
+TEST(CompleteWord, AsksWhatTheTypedLineNames)
+{
+    const TestInstallation installation;
+    ASSERT_EQ(installation.run({"projects", "add", "Here"}).exitStatus, 0);
+    const TestInstallation other;
+    ASSERT_EQ(other.run({"projects", "add", "There"}).exitStatus, 0);
+    const auto offered = [&installation](const std::string &line) {
+        return installation.run({"complete-word", "--shell", "zsh", "--", line}).output;
+    };
+    EXPECT_EQ(offered("orvane start @"), "@Here\n");
+    EXPECT_EQ(offered("orvane --data-dir " + other.folder() + " start @"), "@There\n");
+    EXPECT_EQ(offered("orvane start --data-dir='" + other.folder() + "' x @"), "@There\n");
+    EXPECT_EQ(offered("orvane --server http://127.0.0.1:9 start @"), "") << "nobody is signed in there";
+    EXPECT_EQ(offered("orvane --data-dir \"$(pwd)\" start @"), "") << "only the shell can tell which";
+
+    // It neither makes an installation nor starts a server.
+    const std::string missing = installation.folder() + "/missing";
+    EXPECT_EQ(offered("orvane --data-dir " + missing + " start @"), "");
+    EXPECT_FALSE(QDir(QString::fromStdString(missing)).exists());
+    ASSERT_TRUE(other.killServer());
+    EXPECT_EQ(offered("orvane --data-dir " + other.folder() + " start @"), "@There\n");
+    EXPECT_FALSE(other.hello());
+}
+
 } // namespace
 } // namespace orvane

@@ -4,6 +4,7 @@
 // choose the options, the zone and the time.
 #include "QuickEntry/EntrySentence.h"
 #include "QuickEntry/FoldedText.h"
+#include "QuickEntry/UnreadWords.h"
 #include "Support/Require.h"
 
 #include <algorithm>
@@ -95,6 +96,14 @@ void checkReading(std::string_view line, const EntrySentence::Options &options, 
         ORVANE_REQUIRE(std::ranges::find(kept, "$") == kept.end(), "a mark was left");
         ORVANE_REQUIRE(areWordsOf(text, words), "words that are not in the line");
     }
+    for (const UnreadMention &mention : reading.unreadMentions)
+        ORVANE_REQUIRE(mention.text.size() > 1 &&
+                           (mention.text.front() == '@' || mention.text.front() == '#'),
+                       "a mention without its sign");
+    for (const UnreadWords &unread : UnreadWords::of(reading))
+        ORVANE_REQUIRE(!unread.text.empty() &&
+                           (unread.kind != UnreadWords::Kind::hours || !unread.asRange().empty()),
+                       "words that say nothing");
     ORVANE_REQUIRE(!reading.taskID || *reading.taskID == "task of " + reading.projectID.value(),
                    "a task elsewhere");
     ORVANE_REQUIRE(reading.time.has_value() == !reading.timeText.empty(), "a time without its text");
