@@ -247,8 +247,7 @@ LocalServerLink::Answer<HttpResponse> LocalServerLink::passOnHere(Self self, Htt
 {
     // A password is hashed slowly on purpose, and more so on a busy computer.
     constexpr milliseconds patience{10'000};
-    auto socket = co_await LocalSocket::connectTo(self->m_options.folder,
-                                                  std::max(patience, self->m_options.stepLimit));
+    auto socket = co_await LocalSocket::connectTo(self->m_options.folder, self->stepLimit());
     if (!socket)
         co_return failure(std::move(socket.error()));
     LinkRequest passed{.command = "request"};
@@ -258,7 +257,8 @@ LocalServerLink::Answer<HttpResponse> LocalServerLink::passOnHere(Self self, Htt
     for (const auto &[name, value] : request.headers.all())
         passed.headers->emplace(name, value);
     passed.body = std::move(request.body);
-    auto answer = co_await LocalSocket::ask(*socket, std::move(passed));
+    auto answer =
+        co_await LocalSocket::ask(*socket, std::move(passed), std::max(patience, self->m_options.stepLimit));
     if (!answer)
         co_return failure(std::move(answer.error()));
     if (!answer->status)

@@ -283,7 +283,7 @@ Task<Outbox::Step> Outbox::sendNext(StoredRow stored)
         const std::optional<TimeEntryResponse> stopped = std::move(stored.stopped);
         Pending row{stored.row.seq, stored.row.change, std::nullopt};
         row.change = row.change.withVersion(stopped->version);
-        co_return co_await handleAccepted({std::move(row), stopped, {}}, stopped, true);
+        co_return co_await handleAccepted({std::move(row), stopped, stored.carried, {}}, stopped, true);
     }
     auto sending = co_await prepared(std::move(stored));
     if (!self)
@@ -298,7 +298,10 @@ Task<Outbox::Step> Outbox::sendNext(StoredRow stored)
 Task<Result<Outbox::Sending, StoreError>> Outbox::prepared(StoredRow stored)
 {
     const QPointer<Outbox> self(this);
-    Sending sending{{stored.row.seq, std::move(stored.row.change), {}}, std::move(stored.base), {}};
+    Sending sending{{stored.row.seq, std::move(stored.row.change), {}},
+                    std::move(stored.base),
+                    std::move(stored.carried),
+                    {}};
     const auto *create = std::get_if<EntryChange::Create>(&sending.row.change.action);
     if (create == nullptr || create->request.stop)
         co_return sending;
@@ -365,8 +368,8 @@ Task<Outbox::Step> Outbox::handleAccepted(Sending sending, std::optional<TimeEnt
     std::vector<PendingChange> rows;
     for (const Pending &row : accepted)
         rows.push_back({row.seq, row.change});
-    const auto settled =
-        co_await settleAccepted(m_parts.store, std::move(rows), {sending.base, entry, isOursAlone});
+    const auto settled = co_await settleAccepted(m_parts.store, std::move(rows),
+                                                 {sending.base, sending.carried, entry, isOursAlone});
     if (!self)
         co_return Step::Stop;
     m_failures = 0;

@@ -144,6 +144,7 @@ private:
     struct Sending {
         Pending row;
         std::optional<TimeEntryResponse> base;
+        std::optional<std::string> carried;
         std::optional<Pending> stop;
     };
 

@@ -143,17 +143,21 @@ void contest(Submission &submission)
     submission.change = submission.change.withVersion(unseenVersion);
 }
 
-void place(Submission &submission, const TimeEntryResponse &head)
+void place(Submission &submission, const TimeEntryResponse &head, const std::optional<std::string> &version)
 {
+    // All that is queued for an entry carries one version, so that a long queue needs no other to be
+    // remembered.
+    if (version)
+        submission.change = submission.change.withVersion(*version);
     if (saysTheSame(*submission.base, head))
         return;
     Rebased rebased = putOnTop(submission.change, *submission.base, head);
     if (rebased.isContested)
         return contest(submission);
     submission.change = std::move(rebased.change);
-    const std::string version = submission.base->version;
+    const std::string seen = submission.base->version;
     submission.base = head;
-    submission.base->version = version;
+    submission.base->version = seen;
 }
 
 /// Puts a change on top of what this store's queue has made of its entry and still wants to make of it.
@@ -166,7 +170,7 @@ void placeOnTop(Steps &steps, Submission &submission)
     const auto seen = versionOf(*submission.base);
     if (rows.empty()) {
         if (head && isLineOfOurs(*head, seen))
-            place(submission, head->entry);
+            place(submission, head->entry, head->entry.version);
         else if (!head && !seen)
             contest(submission); // what has become of the entry meanwhile is not known
         return;
@@ -177,8 +181,9 @@ void placeOnTop(Steps &steps, Submission &submission)
     const bool isSameGround =
         currentVersion(head, seen) == currentVersion(head, versionOf(*outcome)) &&
         (rows.front().change.version() != unseenVersion || saysTheSame(*submission.base, *outcome));
+    const auto carried = rows.front().change.version();
     if (isSameGround)
-        place(submission, *outcome);
+        place(submission, *outcome, carried == unseenVersion ? std::nullopt : carried);
     else if (!saysTheSame(*submission.base, *outcome))
         contest(submission);
 }
@@ -219,9 +224,12 @@ Stored<Rows> restack(Steps &steps, const std::string &entryId, std::int64_t afte
     for (PendingChange &row : rows) {
         std::optional<ChangeBase> base;
         steps.read(ChangeBase::key(row.seq), base);
-        if (!base || !ground || row.change.version() == unseenVersion)
+        if (!ground || row.change.version() == unseenVersion)
             break;
-        Rebased rebased = putOnTop(row.change, base->entry, *ground);
+        // What its user saw was not kept: it stands as it is.
+        Rebased rebased = base ? putOnTop(row.change, base->entry, *ground) : Rebased{row.change, false};
+        if (!base && rule == Contest::AsksAgain)
+            break;
         const bool asks = rebased.isContested && rule == Contest::AsksAgain;
         if (asks)
             row.change = row.change.withVersion(unseenVersion);
@@ -231,7 +239,8 @@ Stored<Rows> restack(Steps &steps, const std::string &entryId, std::int64_t afte
         changed.push_back(row);
         if (asks)
             break;
-        steps.write(ChangeBase::key(row.seq), ChangeBase{*ground});
+        if (base)
+            steps.write(ChangeBase::key(row.seq), ChangeBase{*ground});
         ground = applied(row.change, std::move(*ground));
     }
     if (!steps)
@@ -274,8 +283,13 @@ EntryHead headAfter(std::optional<EntryHead> before, const Rows &accepted, const
     // Only an unbroken line of our own changes counts: a version that somebody else made in between ends it.
     if (isLine)
         head.replaced = std::move(before->replaced);
-    if (sent && *sent != head.entry.version)
-        head.replaced.push_back(*sent);
+    // The newest is kept longest, and what the queue still carries is in use.
+    for (const auto &version : {sent, acceptance.carried}) {
+        if (!version || *version == head.entry.version || *version == unseenVersion)
+            continue;
+        std::erase(head.replaced, *version);
+        head.replaced.push_back(*version);
+    }
     if (head.replaced.size() > keptVersions)
         head.replaced.erase(head.replaced.begin());
     return head;
@@ -429,7 +443,8 @@ Stored<std::optional<StoredRow>> nextOn(Connection &connection, std::int64_t aft
         return failure(std::move(next.error()));
     if (!*next)
         return std::nullopt;
-    StoredRow stored{std::move(**next), {}, {}, {}};
+    StoredRow stored;
+    stored.row = std::move(**next);
     EntryChange &change = stored.row.change;
     Steps steps(connection);
     if (const auto *create = std::get_if<EntryChange::Create>(&change.action)) {
@@ -447,6 +462,7 @@ Stored<std::optional<StoredRow>> nextOn(Connection &connection, std::int64_t aft
     const bool isStop = std::holds_alternative<EntryChange::Stop>(change.action);
     if (isStop && head && head->entry.stop && head->isStoppedByUs && isLineOfOurs(*head, change.version()))
         stored.stopped = head->entry;
+    stored.carried = change.version();
     if (const auto version = currentVersion(head, change.version()))
         change = change.withVersion(*version);
     return stored;

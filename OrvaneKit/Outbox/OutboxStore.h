@@ -85,6 +85,8 @@ Task<Result<std::vector<PendingChange>, StoreError>> enqueueAll(std::shared_ptr<
 /// A row as it is to be sent.
 struct StoredRow {
     PendingChange row;
+    /// The version that the stored row has.
+    std::optional<std::string> carried;
     std::optional<TimeEntryResponse> base;
     std::optional<CreationTry> tried;
     /// The entry, when the row wants to stop it and it was stopped already by a change of this queue.
@@ -107,6 +109,8 @@ Task<Result<CreationTry, StoreError>> noteTry(std::shared_ptr<LocalStore> store,
 struct Acceptance {
     /// What the change's user had seen of the entry.
     std::optional<TimeEntryResponse> base;
+    /// The version that the stored row had, and those behind it may have.
+    std::optional<std::string> carried;
     /// As the server answered; none for a deletion.
     std::optional<TimeEntryResponse> entry;
     /// The answer shows nothing but what our own changes made of the entry, so those queued behind stand on

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Records/NameText.h"
 
+#include <QList>
 #include <QString>
 #include <algorithm>
 #include <utility>
