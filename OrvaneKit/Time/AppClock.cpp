@@ -65,15 +65,16 @@ void AppClock::setSource(Instant (*source)())
     madeUpSource = source;
 }
 
-ClockHold::ClockHold() : m_since(std::chrono::steady_clock::now())
+ClockHold::ClockHold() : m_since(std::chrono::steady_clock::now()), m_isOutermost(heldAt == notHeld)
 {
-    ORVANE_REQUIRE(heldAt == notHeld, "the clock is held already");
-    heldAt = millisecondsSinceEpoch(AppClock::now());
+    if (m_isOutermost)
+        heldAt = millisecondsSinceEpoch(AppClock::now());
 }
 
 ClockHold::~ClockHold()
 {
-    heldAt = notHeld;
+    if (m_isOutermost)
+        heldAt = notHeld;
 }
 
 std::chrono::milliseconds ClockHold::held() const

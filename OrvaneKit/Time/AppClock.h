@@ -45,7 +45,7 @@ public:
 };
 
 /// While one lives, `AppClock::now` stands still: all of one action happens at the moment when it was asked
-/// for, however long its work takes. One at a time, made and ended on one thread.
+/// for, however long its work takes. Made and ended on one thread; one inside another changes nothing.
 class ClockHold {
 public:
     ClockHold();
@@ -58,6 +58,7 @@ public:
 
 private:
     std::chrono::steady_clock::time_point m_since;
+    bool m_isOutermost;
 };
 
 } // namespace orvane
