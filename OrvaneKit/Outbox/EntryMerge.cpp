@@ -41,8 +41,9 @@ struct Split {
 /// Three states of an entry on their way to one.
 class Merge {
 public:
-    Merge(const EntryRequest &base, const EntryRequest &mine, const EntryRequest &head)
-        : m_base(base), m_mine(mine), m_head(head), m_result(head)
+    Merge(const EntryRequest &base, const EntryRequest &mine, const EntryRequest &head,
+          const EntryRequest &seen)
+        : m_base(base), m_mine(mine), m_head(head), m_seen(seen), m_result(head)
     {
         field([](auto &request) -> auto & { return request.details.description; });
         field([](auto &request) -> auto & { return request.details.tagIds; });
@@ -71,12 +72,18 @@ public:
     EntryRequest result() const { return m_isPossible ? m_result : m_mine; }
 
 private:
+    template <class Value>
+    static bool isNews(const Value &head, const Value &base, const Value &mine, const Value &seen)
+    {
+        return head != base && head != mine && head != seen;
+    }
+
     template <class Get>
     void field(Get get)
     {
         if (get(m_mine) == get(m_base))
             return;
-        m_isContested = m_isContested || (get(m_head) != get(m_base) && get(m_head) != get(m_mine));
+        m_isContested = m_isContested || isNews(get(m_head), get(m_base), get(m_mine), get(m_seen));
         get(m_result) = get(m_mine);
     }
 
@@ -88,13 +95,14 @@ private:
         const Value head = get(m_head);
         if (mine == base)
             return;
-        m_isContested = m_isContested || (head != base && head != mine);
+        m_isContested = m_isContested || isNews(head, base, mine, get(m_seen));
         set(m_result, mine);
     }
 
     const EntryRequest &m_base;
     const EntryRequest &m_mine;
     const EntryRequest &m_head;
+    const EntryRequest &m_seen;
     EntryRequest m_result;
     bool m_isContested = false;
     bool m_isPossible = true;
@@ -110,19 +118,21 @@ bool saysTheSame(TimeEntryResponse one, TimeEntryResponse other)
     return one == other;
 }
 
-Rebased putOnTop(const EntryChange &change, const TimeEntryResponse &base, const TimeEntryResponse &head)
+Rebased putOnTop(const EntryChange &change, const TimeEntryResponse &base, const TimeEntryResponse &head,
+                 const std::optional<TimeEntryResponse> &seen)
 {
     if (const auto *update = std::get_if<EntryChange::Update>(&change.action)) {
         const EntryRequest before = plainRequest(base);
         const EntryRequest mine = plain(update->request);
         const EntryRequest now = plainRequest(head);
-        const Merge merge(before, mine, now);
+        const EntryRequest known = plainRequest(seen.value_or(base));
+        const Merge merge(before, mine, now, known);
         EntryChange::Update merged = *update;
         merged.request = merge.result();
         return {EntryChange{std::move(merged)}, merge.isContested()};
     }
     if (std::holds_alternative<EntryChange::Delete>(change.action))
-        return {change, !saysTheSame(base, head)};
+        return {change, !saysTheSame(base, head) && !(seen && saysTheSame(*seen, head))};
     return {change, false};
 }
 

@@ -21,7 +21,9 @@ struct Rebased {
 /// What the change does to `base`, done to `head`: an update writes the fields that its user changed and
 /// keeps the rest of `head`; a stop stays as it is; a deletion is contested unless `head` says what its user
 /// saw. Project and task count as one field, and so do the parts of a split. The change's version stays.
-Rebased putOnTop(const EntryChange &change, const TimeEntryResponse &base, const TimeEntryResponse &head);
+/// With `seen`, a field of `head` that says what `seen` says contradicts nobody: the user knew of it before.
+Rebased putOnTop(const EntryChange &change, const TimeEntryResponse &base, const TimeEntryResponse &head,
+                 const std::optional<TimeEntryResponse> &seen = {});
 
 /// The user's change made again, now that they have seen `current`, which stands against it. `base` is what
 /// they saw when they made it; without it an update writes the whole entry.

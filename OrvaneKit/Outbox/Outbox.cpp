@@ -64,25 +64,8 @@ Task<std::unique_ptr<Outbox>> Outbox::make(Parts parts)
     std::unique_ptr<Outbox> outbox(new Outbox(std::move(parts)));
     std::vector<PendingChange> stored = co_await outbox->m_parts.store->pending();
     for (PendingChange &row : stored)
-        outbox->m_pending.push_back({row.seq, std::move(row.change), std::nullopt});
+        outbox->m_queue.adopt(std::move(row));
     co_return outbox;
-}
-
-std::vector<EntryChange> Outbox::changes() const
-{
-    std::vector<EntryChange> changes;
-    changes.reserve(m_pending.size());
-    for (const Pending &row : m_pending)
-        changes.push_back(row.change);
-    return changes;
-}
-
-std::vector<Outbox::Pending> Outbox::conflicts() const
-{
-    std::vector<Pending> conflicts;
-    std::ranges::copy_if(m_pending, std::back_inserter(conflicts),
-                         [](const Pending &row) { return row.conflict.has_value(); });
-    return conflicts;
 }
 
 // Submitting
@@ -123,7 +106,7 @@ Task<Result<std::vector<Outbox::Outcome>, StoreError>> Outbox::submit(std::vecto
         m_waiters[(*rows)[i].seq] = [answer = answers[i]](Outcome outcome) {
             answer.set(std::move(outcome));
         };
-    adopt(*rows);
+    m_queue.adopt(*rows);
     Q_EMIT pendingChanged();
     if (m_isClosing)
         resumeAllQueued();
@@ -229,7 +212,7 @@ Task<Outbox::Step> Outbox::sendAll()
             co_return Step::GoOn;
         StoredRow stored = std::move(**next);
         cursor = stored.row.seq;
-        if (isBlocked(adopt(Pending{cursor, stored.row.change, std::nullopt}))) {
+        if (m_queue.isBlocked(m_queue.adopt(stored.row))) {
             resume(cursor, Queued{cursor});
             continue;
         }
@@ -246,7 +229,7 @@ Task<Outbox::Step> Outbox::sendAll()
 Task<bool> Outbox::readNewRows()
 {
     const QPointer<Outbox> self(this);
-    const auto rows = co_await storedAbove(m_parts.store, m_pending.empty() ? 0 : m_pending.back().seq);
+    const auto rows = co_await storedAbove(m_parts.store, m_queue.lastSeq());
     if (!self)
         co_return false;
     if (!rows) {
@@ -254,7 +237,7 @@ Task<bool> Outbox::readNewRows()
         co_return false;
     }
     if (!rows->empty()) {
-        adopt(*rows);
+        m_queue.adopt(*rows);
         Q_EMIT pendingChanged();
     }
     co_return true;
@@ -306,16 +289,15 @@ Task<Result<Outbox::Sending, StoreError>> Outbox::prepared(StoredRow stored)
     if (create == nullptr || create->request.stop)
         co_return sending;
     if (!stored.tried) {
-        const Pending *stop = stopBehind(sending.row);
         const auto tried = co_await noteTry(m_parts.store, {sending.row.seq, sending.row.change},
-                                            stop != nullptr ? std::optional{stop->seq} : std::nullopt);
+                                            m_queue.stopBehind(sending.row));
         if (!tried)
             co_return failure(tried.error());
         stored.tried = *tried;
     }
     if (!self || !stored.tried->stop)
         co_return sending;
-    if (const Pending *stop = find(*stored.tried->stop))
+    if (const Pending *stop = m_queue.find(*stored.tried->stop))
         sending.stop = *stop;
     co_return sending;
 }
@@ -376,8 +358,8 @@ Task<Outbox::Step> Outbox::handleAccepted(Sending sending, std::optional<TimeEnt
     setOffline(false);
     if (settled) {
         for (const Pending &row : accepted)
-            remove(row.seq);
-        adopt(*settled);
+            m_queue.remove(row.seq);
+        m_queue.adopt(*settled);
     }
     // Without the disk the row stays, and sending it again does no harm; what is behind it waits.
     for (const Pending &row : accepted) {
@@ -427,10 +409,7 @@ Outbox::Step Outbox::handleConflict(Pending row, const TimeEntryResponse &curren
 {
     m_failures = 0;
     setOffline(false);
-    if (Pending *queued = find(row.seq)) {
-        queued->conflict = current;
-        m_conflicts.insert(row.seq);
-    }
+    m_queue.setConflict(row.seq, current);
     if (onConflict)
         onConflict(row, current);
     Q_EMIT pendingChanged();
@@ -459,8 +438,8 @@ Task<Outbox::Step> Outbox::handleRefusal(Pending row, CallError error)
     setOffline(false);
     if (!settled)
         co_return stopForStore(settled.error());
-    remove(row.seq);
-    adopt(*settled);
+    m_queue.remove(row.seq);
+    m_queue.adopt(*settled);
     if (onRejected)
         onRejected(row, error, callerWaits);
     Q_EMIT pendingChanged();
@@ -481,7 +460,7 @@ Outbox::Step Outbox::stopForStore(const StoreError &error)
 Task<> Outbox::catchUp(std::int64_t after, std::int64_t before)
 {
     const QPointer<Outbox> self(this);
-    const std::vector<Pending> gone(firstAbove(after), firstAbove(before - 1));
+    const std::vector<Pending> gone = m_queue.between(after, before);
     if (gone.empty())
         co_return;
     std::vector<PendingChange> rows;
@@ -498,7 +477,7 @@ Task<> Outbox::catchUp(std::int64_t after, std::int64_t before)
 void Outbox::reportSettledElsewhere(const Pending &row, const SettledElsewhere &settled)
 {
     const bool callerWaits = m_waiters.contains(row.seq);
-    remove(row.seq);
+    m_queue.remove(row.seq);
     const auto refusal = std::ranges::find(settled.refusals, row.seq, &Refusal::seq);
     if (refusal == settled.refusals.end()) {
         const auto entry = std::ranges::find(settled.entries, row.change.entryId(), &TimeEntryResponse::id);
@@ -530,7 +509,7 @@ Task<Result<bool, StoreError>> Outbox::keepTheirs(std::int64_t seq)
 Task<Result<bool, StoreError>> Outbox::settle(std::int64_t seq, bool keepsMine)
 {
     const QPointer<Outbox> self(this);
-    const Pending *row = find(seq);
+    const Pending *row = m_queue.find(seq);
     if (row == nullptr || !row->conflict)
         co_return false;
     const auto changed = co_await settleConflict(m_parts.store, seq, *row->conflict, keepsMine);
@@ -538,13 +517,11 @@ Task<Result<bool, StoreError>> Outbox::settle(std::int64_t seq, bool keepsMine)
         co_return failure(changed.error());
     if (!self)
         co_return changed->has_value();
-    if (Pending *settled = find(seq))
-        settled->conflict.reset();
-    m_conflicts.erase(seq);
+    m_queue.setConflict(seq, std::nullopt);
     if (!keepsMine && *changed)
-        remove(seq);
+        m_queue.remove(seq);
     if (*changed)
-        adopt(**changed);
+        m_queue.adopt(**changed);
     Q_EMIT pendingChanged();
     co_await flush();
     co_return changed->has_value();
@@ -566,63 +543,6 @@ Task<StoreStatus> Outbox::markShown(std::vector<Refusal> refusals)
 }
 
 // Small pieces
-
-bool Outbox::isBlocked(const Pending &row) const
-{
-    return std::ranges::any_of(m_conflicts, [&](std::int64_t seq) {
-        const auto found = std::ranges::lower_bound(m_pending, seq, {}, &Pending::seq);
-        return found != m_pending.end() && found->seq == seq && seq <= row.seq &&
-               found->change.entryId() == row.change.entryId();
-    });
-}
-
-/// The stop of a creation's entry, when it is the next change of it.
-const Outbox::Pending *Outbox::stopBehind(const Pending &creation) const
-{
-    const auto behind = std::ranges::upper_bound(m_pending, creation.seq, {}, &Pending::seq);
-    const auto next = std::find_if(behind, m_pending.end(), [&](const Pending &row) {
-        return row.change.entryId() == creation.change.entryId();
-    });
-    const bool isStop =
-        next != m_pending.end() && std::holds_alternative<EntryChange::Stop>(next->change.action);
-    return isStop ? &*next : nullptr;
-}
-
-std::deque<Outbox::Pending>::iterator Outbox::firstAbove(std::int64_t seq)
-{
-    return std::ranges::upper_bound(m_pending, seq, {}, &Pending::seq);
-}
-
-Outbox::Pending *Outbox::find(std::int64_t seq)
-{
-    const auto found = std::ranges::lower_bound(m_pending, seq, {}, &Pending::seq);
-    return found != m_pending.end() && found->seq == seq ? &*found : nullptr;
-}
-
-/// Puts a stored row into the list, or brings the one that is there up to date. Its conflict stays, unless it
-/// is another change by now.
-Outbox::Pending Outbox::adopt(Pending row)
-{
-    if (Pending *known = find(row.seq)) {
-        known->change = std::move(row.change);
-        return *known;
-    }
-    return *m_pending.insert(firstAbove(row.seq), std::move(row));
-}
-
-void Outbox::adopt(const std::vector<PendingChange> &rows)
-{
-    for (const PendingChange &row : rows)
-        adopt(Pending{row.seq, row.change, std::nullopt});
-}
-
-void Outbox::remove(std::int64_t seq)
-{
-    m_conflicts.erase(seq);
-    const auto found = std::ranges::lower_bound(m_pending, seq, {}, &Pending::seq);
-    if (found != m_pending.end() && found->seq == seq)
-        m_pending.erase(found);
-}
 
 void Outbox::resume(std::int64_t seq, const Outcome &outcome)
 {

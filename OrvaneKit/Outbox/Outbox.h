@@ -6,17 +6,16 @@
 #include "LocalStore/LocalStore.h"
 #include "OrvaneAPI/Schemas.h"
 #include "Outbox/OutboxStore.h"
+#include "Outbox/QueuedChanges.h"
 #include "Outbox/Refusal.h"
 #include "Support/FileLock.h"
 #include "Support/RetryTimer.h"
 #include "Support/Task.h"
 
 #include <QObject>
-#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
-#include <set>
 #include <variant>
 #include <vector>
 
@@ -36,13 +35,7 @@ class Outbox final : public QObject {
     Q_PROPERTY(bool isOffline READ isOffline NOTIFY isOfflineChanged)
 
 public:
-    /// One queued change. `conflict` is the server's current entry once the server has reported that the
-    /// entry was changed elsewhere; it lives in memory only.
-    struct Pending {
-        std::int64_t seq = 0;
-        EntryChange change;
-        std::optional<TimeEntryResponse> conflict;
-    };
+    using Pending = QueuedChange;
 
     /// What became of one submitted change; `seq` is its number in the queue.
     struct Sent {
@@ -105,9 +98,9 @@ public:
     /// answered.
     Task<> close();
 
-    const std::deque<Pending> &pending() const { return m_pending; }
-    std::vector<EntryChange> changes() const;
-    std::vector<Pending> conflicts() const;
+    const std::deque<Pending> &pending() const { return m_queue.rows(); }
+    std::vector<EntryChange> changes() const { return m_queue.changes(); }
+    std::vector<Pending> conflicts() const { return m_queue.conflicts(); }
     bool isOffline() const { return m_isOffline; }
     bool isFlushing() const { return m_isFlushing; }
     /// True when the last pass was held back because the server says this is another account than the
@@ -169,22 +162,13 @@ private:
     Task<> catchUp(std::int64_t after, std::int64_t before);
     void reportSettledElsewhere(const Pending &row, const SettledElsewhere &settled);
     Task<Result<bool, StoreError>> settle(std::int64_t seq, bool keepsMine);
-    bool isBlocked(const Pending &row) const;
-    const Pending *stopBehind(const Pending &creation) const;
-    std::deque<Pending>::iterator firstAbove(std::int64_t seq);
-    Pending *find(std::int64_t seq);
-    Pending adopt(Pending row);
-    void adopt(const std::vector<PendingChange> &rows);
-    void remove(std::int64_t seq);
     void resume(std::int64_t seq, const Outcome &outcome);
     void resumeAllQueued();
     void scheduleRetry();
     void setOffline(bool isOffline);
 
     Parts m_parts;
-    /// In order of their numbers.
-    std::deque<Pending> m_pending;
-    std::set<std::int64_t> m_conflicts;
+    QueuedChanges m_queue;
     std::map<std::int64_t, Answer> m_waiters;
     std::optional<std::int64_t> m_sending;
     bool m_isOffline = false;

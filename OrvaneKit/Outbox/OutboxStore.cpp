@@ -138,6 +138,21 @@ std::optional<TimeEntryResponse> outcomeOf(Steps &steps, const Rows &rows)
     return entry;
 }
 
+/// What a change stands on once it is put on top of `head`: that, with what its user saw in the fields that
+/// they changed.
+TimeEntryResponse groundOf(const Submission &submission, const TimeEntryResponse &head)
+{
+    const TimeEntryResponse &base = *submission.base;
+    const auto mine = applied(submission.change, base);
+    TimeEntryResponse ground = head;
+    if (mine && submission.change.request() != nullptr) {
+        const EntryChange back{EntryChange::Update{entryRequest(base), base.id, base.workspaceId, {}}};
+        ground = *applied(putOnTop(back, *mine, head).change, head);
+    }
+    ground.version = base.version;
+    return ground;
+}
+
 void contest(Submission &submission)
 {
     submission.change = submission.change.withVersion(unseenVersion);
@@ -154,10 +169,8 @@ void place(Submission &submission, const TimeEntryResponse &head, const std::opt
     Rebased rebased = putOnTop(submission.change, *submission.base, head);
     if (rebased.isContested)
         return contest(submission);
+    submission.base = groundOf(submission, head);
     submission.change = std::move(rebased.change);
-    const std::string seen = submission.base->version;
-    submission.base = head;
-    submission.base->version = seen;
 }
 
 /// Puts a change on top of what this store's queue has made of its entry and still wants to make of it.
@@ -178,14 +191,10 @@ void placeOnTop(Steps &steps, Submission &submission)
     const auto outcome = outcomeOf(steps, rows);
     if (!outcome)
         return;
-    const bool isSameGround =
-        currentVersion(head, seen) == currentVersion(head, versionOf(*outcome)) &&
-        (rows.front().change.version() != unseenVersion || saysTheSame(*submission.base, *outcome));
+    // Whatever server's version it was made against: those before it are sent first, and when that version
+    // stands against them, settling their conflict decides about this change too.
     const auto carried = rows.front().change.version();
-    if (isSameGround)
-        place(submission, *outcome, carried == unseenVersion ? std::nullopt : carried);
-    else if (!saysTheSame(*submission.base, *outcome))
-        contest(submission);
+    place(submission, *outcome, carried == unseenVersion ? std::nullopt : carried);
 }
 
 Stored<Rows> enqueueOn(Connection &connection, std::vector<Submission> &submissions)
@@ -209,32 +218,38 @@ Stored<Rows> enqueueOn(Connection &connection, std::vector<Submission> &submissi
 
 // Rewriting what stands behind a change
 
-enum class Contest { AsksAgain, IsWon };
+/// What became of a change, and so of the ground that others stand on.
+struct Settled {
+    std::string entryId;
+    std::int64_t seq = 0;
+    enum { KeptMine, KeptTheirs, Refused } how = Refused;
+    /// What its user had seen of the entry.
+    std::optional<TimeEntryResponse> seen;
+    /// The version that the rows behind it are made against from now on; none: as before.
+    std::optional<std::string> version;
+};
 
-/// Puts the rows of an entry above `after` on top of `ground`, which is no longer what they were made on.
-/// With `version`, that is what they are made against from now on. A contested row ends it: those behind it
-/// stand on what it says, and wait until it is settled.
-Stored<Rows> restack(Steps &steps, const std::string &entryId, std::int64_t after,
-                     std::optional<TimeEntryResponse> ground, const std::optional<std::string> &version,
-                     Contest rule)
+/// Puts the rows behind a settled one on top of `ground`, which is no longer what they were made on. A
+/// contested row ends it: those behind it stand on what it says, and wait until it is settled.
+Stored<Rows> restack(Steps &steps, const Settled &settled, std::optional<TimeEntryResponse> ground)
 {
     Rows rows;
     Rows changed;
-    readRowsOf(steps, entryId, after, rows);
+    readRowsOf(steps, settled.entryId, settled.seq, rows);
     for (PendingChange &row : rows) {
         std::optional<ChangeBase> base;
         steps.read(ChangeBase::key(row.seq), base);
-        if (!ground || row.change.version() == unseenVersion)
+        if (!ground || row.change.version() == unseenVersion || (!base && settled.how == Settled::KeptTheirs))
             break;
-        // What its user saw was not kept: it stands as it is.
-        Rebased rebased = base ? putOnTop(row.change, base->entry, *ground) : Rebased{row.change, false};
-        if (!base && rule == Contest::AsksAgain)
-            break;
-        const bool asks = rebased.isContested && rule == Contest::AsksAgain;
+        // What was made without keeping what its user saw stands as it is.
+        Rebased rebased =
+            base ? putOnTop(row.change, base->entry, *ground, settled.seen) : Rebased{row.change, false};
+        const bool asks = rebased.isContested && settled.how != Settled::Refused;
         if (asks)
             row.change = row.change.withVersion(unseenVersion);
         else
-            row.change = version ? rebased.change.withVersion(*version) : std::move(rebased.change);
+            row.change =
+                settled.version ? rebased.change.withVersion(*settled.version) : std::move(rebased.change);
         steps.writeRow(row);
         changed.push_back(row);
         if (asks)
@@ -353,8 +368,13 @@ Stored<Rows> refuseOn(Connection &connection, const PendingChange &refused,
         return steps ? Stored<Rows>(Rows{}) : steps.error();
     // What a contested change stood against was never seen by those behind it either.
     const bool isContested = refused.change.version() == unseenVersion;
-    return restack(steps, refused.change.entryId(), refused.seq, base->entry,
-                   isContested ? std::optional<std::string>(unseenVersion) : std::nullopt, Contest::IsWon);
+    return restack(steps,
+                   {refused.change.entryId(),
+                    refused.seq,
+                    Settled::Refused,
+                    {},
+                    isContested ? std::optional<std::string>(unseenVersion) : std::nullopt},
+                   base->entry);
 }
 
 Stored<std::optional<Rows>> settleOn(Connection &connection, std::int64_t seq,
@@ -369,19 +389,21 @@ Stored<std::optional<Rows>> settleOn(Connection &connection, std::int64_t seq,
     if (!row)
         return std::nullopt;
     Rows changed;
+    std::optional<ChangeBase> base;
+    steps.read(ChangeBase::key(seq), base);
+    const auto seen = base ? std::optional{base->entry} : std::nullopt;
     std::optional<TimeEntryResponse> ground = current;
     if (keepsMine) {
-        std::optional<ChangeBase> base;
-        steps.read(ChangeBase::key(seq), base);
-        row->change = madeAnew(row->change, base ? std::optional{base->entry} : std::nullopt, current);
+        row->change = madeAnew(row->change, seen, current);
         steps.writeRow(*row).write(ChangeBase::key(seq), ChangeBase{current});
         changed.push_back(*row);
         ground = applied(row->change, current);
     } else {
         steps.removeRow(seq);
     }
-    auto behind = restack(steps, current.id, seq, ground, current.version,
-                          keepsMine ? Contest::IsWon : Contest::AsksAgain);
+    auto behind = restack(
+        steps, {current.id, seq, keepsMine ? Settled::KeptMine : Settled::KeptTheirs, seen, current.version},
+        ground);
     if (!behind)
         return failure(std::move(behind.error()));
     std::ranges::move(*behind, std::back_inserter(changed));

@@ -59,6 +59,16 @@ std::optional<int> Oracle::deedAt(const std::string &device, std::int64_t seq) c
     return found == m_bySeq.end() ? std::nullopt : std::optional{found->second};
 }
 
+/// What was made on top of a settled change may ask again, in the light of how it was settled; and a second
+/// window may still show the conflict itself.
+void Oracle::settled(int id)
+{
+    for (Deed &other : m_deeds) {
+        if (other.device == deed(id).device && other.entry == deed(id).entry)
+            other.mayAskAgain = true;
+    }
+}
+
 /// The deeds that made what is shown, and those that they knew of.
 std::set<int> Oracle::behind(const std::string &entry, const Contents &shown) const
 {
@@ -117,8 +127,9 @@ std::optional<std::string> Oracle::judgeConflict(int id, const TimeEntryResponse
     const Deed &mine = deed(id);
     const auto isNews = [&](const auto &item) {
         const auto writer = m_writer.find({mine.entry, item.first, item.second});
-        if (writer == m_writer.end())
-            return true; // the server's own doing, as when another timer's start ends this one
+        // The server's own doing, as when another timer's start ends this one.
+        if (writer == m_writer.end() || (item.first == Field::Stop && isAnothersStart(item.second)))
+            return true;
         const Deed &other = deed(writer->second);
         if (other.id == mine.id || mine.seen.contains(other.id))
             return false;
@@ -136,6 +147,7 @@ std::optional<std::string> Oracle::judgeConflict(int id, const TimeEntryResponse
 void Oracle::keptMine(int id, const TimeEntryResponse &current)
 {
     const std::set<int> known = behind(current.id, contentsOf(current));
+    settled(id);
     Deed &deed = m_deeds.at(static_cast<std::size_t>(id));
     deed.seen.insert(known.begin(), known.end());
     deed.seen.erase(id);
@@ -182,9 +194,7 @@ void Oracle::judgeAbsent(const std::string &entry, std::vector<std::string> &fau
         if (lost->kind == Kind::Remove || !isIn(lost->fate))
             continue;
         const bool isKnown = std::ranges::any_of(deeds, [&](const Deed *other) {
-            // Of two stops by one hand only the first one's was to be seen.
-            return mayHaveRemoved(other) &&
-                   (knows(*other, *lost) || (lost->kind == Kind::Stop && other->device == lost->device));
+            return mayHaveRemoved(other) && (knows(*other, *lost) || sawOtherStop(*lost, *other));
         });
         if (!isKnown)
             faults.push_back(entry + " was removed over " + textOf(*lost) + ", which no remover had seen");
@@ -203,17 +213,21 @@ void Oracle::judgePresent(const TimeEntryResponse &held, std::vector<std::string
         judgeField(held, field, faults);
 }
 
+/// Of two stops by one hand the first one's time stands, and whoever saw that could not see the second.
+bool Oracle::sawOtherStop(const Deed &lost, const Deed &seer) const
+{
+    return lost.kind == Kind::Stop && std::ranges::any_of(on(lost.entry), [&](const Deed *other) {
+               return other->kind != Kind::Create && other->device == lost.device && other->id != lost.id &&
+                      other->writes.contains(Field::Stop) && knows(seer, *other);
+           });
+}
+
 /// Whether a deed's value may be missing because another's stands.
 bool Oracle::mayGiveWay(const Deed &lost, const Deed &standing, Field field) const
 {
     if (knows(standing, lost))
         return true;
-    // Two stops by one hand: the first one's time stands, and whoever saw that could not see the second.
-    return field == Field::Stop && lost.kind == Kind::Stop &&
-           std::ranges::any_of(on(lost.entry), [&](const Deed *other) {
-               return other->kind != Kind::Create && other->device == lost.device &&
-                      other->writes.contains(field) && other->id != lost.id && knows(standing, *other);
-           });
+    return field == Field::Stop && sawOtherStop(lost, standing);
 }
 
 void Oracle::judgeField(const TimeEntryResponse &held, Field field, std::vector<std::string> &faults) const

@@ -56,7 +56,11 @@ public:
     /// A conflict is shown: the fault when there is none to show.
     std::optional<std::string> judgeConflict(int deed, const TimeEntryResponse &current) const;
     /// The user kept theirs: the deed is given up.
-    void keptTheirs(int deed) { tell(deed, Fate::Dropped); }
+    void keptTheirs(int deed)
+    {
+        settled(deed);
+        tell(deed, Fate::Dropped);
+    }
     void mayAskAgain(int deed) { m_deeds.at(static_cast<std::size_t>(deed)).mayAskAgain = true; }
     /// What the user wanted turned out to be settled already.
     void restore(int deed, Deed before) { m_deeds.at(static_cast<std::size_t>(deed)) = std::move(before); }
@@ -68,6 +72,7 @@ public:
     std::vector<std::string> judge(const std::vector<TimeEntryResponse> &held) const;
 
 private:
+    void settled(int id);
     std::set<int> behind(const std::string &entry, const Contents &shown) const;
     bool knows(const Deed &deed, const Deed &other) const;
     bool isAnothersStart(const std::string &value) const;
@@ -75,6 +80,7 @@ private:
     void judgeAbsent(const std::string &entry, std::vector<std::string> &faults) const;
     void judgePresent(const TimeEntryResponse &held, std::vector<std::string> &faults) const;
     void judgeField(const TimeEntryResponse &held, Field field, std::vector<std::string> &faults) const;
+    bool sawOtherStop(const Deed &lost, const Deed &seer) const;
     bool mayGiveWay(const Deed &lost, const Deed &standing, Field field) const;
 
     std::vector<Deed> m_deeds;

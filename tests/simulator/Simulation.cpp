@@ -107,6 +107,8 @@ void Simulation::startProcess(Device &device, bool isCommand)
 {
     const auto process = std::make_shared<Process>(m_world, m_server, device, ++m_programs);
     m_processes.push_back(process);
+    if (isCommand)
+        m_commands.insert(process.get());
     process->onRefused = [this, name = device.name, who = process->name()](std::int64_t seq) {
         m_world.note(who, "told: change " + std::to_string(seq) + " was refused");
         if (const auto deed = m_oracle.deedAt(name, seq))
@@ -154,7 +156,9 @@ void Simulation::planUsers()
         m_world.post(m_world.newLane(), at, [this] {
             Random &chance = m_world.random();
             Device &device = *m_devices[chance.below(m_devices.size())];
-            const auto running = open(&device);
+            auto running = open(&device);
+            std::erase_if(running,
+                          [this](const ProcessPtr &process) { return m_commands.contains(process.get()); });
             if (running.empty() || chance.chance(30))
                 startProcess(device, !running.empty() || chance.chance(50));
             else
@@ -348,10 +352,10 @@ Task<> Simulation::settle(ProcessPtr process, std::int64_t seq, bool keepsMine)
     m_world.note(process->name(), "keeps " + std::string(keepsMine ? "mine" : "theirs") + " for change " +
                                       std::to_string(seq) + " of " + current.id);
     Oracle::Deed before;
+    std::optional<std::string> wrong;
     if (deed) {
         before = m_oracle.deed(*deed);
-        if (auto wrong = m_oracle.judgeConflict(*deed, current))
-            fault(*wrong);
+        wrong = m_oracle.judgeConflict(*deed, current);
         if (keepsMine) {
             m_oracle.keptMine(*deed, current);
         } else {
@@ -366,6 +370,9 @@ Task<> Simulation::settle(ProcessPtr process, std::int64_t seq, bool keepsMine)
         m_oracle.mayAskAgain(*deed);
         co_return;
     }
+    // Another program may have settled it meanwhile.
+    if (*settled && wrong)
+        fault(*wrong);
     if (!*settled)
         m_oracle.restore(*deed, before);
     else if (!keepsMine)

@@ -79,6 +79,9 @@ private:
     WorkspaceSummary m_workspace;
     std::vector<std::unique_ptr<Device>> m_devices;
     std::vector<ProcessPtr> m_processes;
+    /// Those of them that do one thing and end.
+    std::set<const Process *> m_commands;
+
     /// Actions that wait for their answer: deed to who waits.
     std::map<int, ProcessPtr> m_waiting;
     std::vector<std::string> m_faults;

@@ -1,5 +1,5 @@
-#!/usr/bin/env python3
-# SPDX-License-Identifier: GPL-3.0-or-later
+#!/ usr / bin / env python3
+#SPDX - License - Identifier : GPL - 3.0 - or -later
 """Puts one fault after the other into the code and looks whether the simulator finds it: mutants.py BUILD [NAME...]
 
 Each fault is one line. The file that gets it is compiled apart, from a copy, and linked in front of the library in the
@@ -19,7 +19,7 @@ OUTBOX = "OrvaneKit/Outbox/Outbox.cpp"
 STORE = "OrvaneKit/Outbox/OutboxStore.cpp"
 RULES = "OrvaneKit/Outbox/OutboxRules.cpp"
 
-# name: (file, what stands there once, what stands there instead)
+#name : (file, what stands there once, what stands there instead)
 MUTANTS = {
     "a version handed to everybody": (STORE, "return !version || version->empty() || ", "return true || !version || "),
     "a row removed before the answer": (OUTBOX, "    m_sending = sending.row.seq;\n",
@@ -36,8 +36,8 @@ MUTANTS = {
     "a creation's echo taken for its answer": (RULES, "    return saysTheSame(entryResponse(create.request, create.id, create.workspaceId), answer);",
                                                "    return create.id == answer.id;"),
     "a creation's form forgotten": (STORE, "            steps.write(CreationTry::key(creation.seq), tried);\n", ""),
-    "a change sent behind its conflict": (OUTBOX, "        return found != m_pending.end() && found->seq == seq && seq <= row.seq &&",
-                                          "        return found == m_pending.end() && found->seq == seq && seq <= row.seq &&"),
+    "a change sent behind its conflict": ("OrvaneKit/Outbox/QueuedChanges.cpp", "        return seq <= row.seq && find(seq)",
+                                          "        return seq > row.seq && find(seq)"),
     "what stands on a dropped change": (STORE, "        steps.writeRow(row);\n        changed.push_back(row);\n",
                                         "        changed.push_back(row);\n"),
     "another device's stop taken for one's own": (STORE, "head->entry.stop && head->isStoppedByUs &&", "head->entry.stop &&"),
@@ -66,7 +66,7 @@ def compile_command(build: pathlib.Path, file: str, source: pathlib.Path, output
     words = shlex.split(entry["command"])
     words[words.index("-o") + 1] = str(output)
     words[words.index(str(ROOT / file))] = str(source)
-    # What the change makes superfluous is no fault of its own.
+#What the change makes superfluous is no fault of its own.
     return [*words, "-w"]
 
 
