@@ -49,7 +49,7 @@ public:
         field([](auto &request) -> auto & { return request.details.tagIds; });
         field([](auto &request) -> auto & { return request.details.isBillable; });
         field([](auto &request) -> auto & { return request.start; });
-        field([](auto &request) -> auto & { return request.stop; });
+
         group<Project>(
             [](const EntryRequest &request) {
                 return Project{request.details.projectId, request.details.taskId};
@@ -64,6 +64,7 @@ public:
                 request.details.shares = std::move(split.shares);
                 request.describeParts = split.describeParts;
             });
+        mergeStop();
         m_isPossible = !m_result.stop || *m_result.stop >= m_result.start;
     }
 
@@ -72,6 +73,18 @@ public:
     EntryRequest result() const { return m_isPossible ? m_result : m_mine; }
 
 private:
+    /// An entry that runs contradicts no end that is given to it: it was seen as ended when another timer's
+    /// start
+    /// was shown to end it.
+    void mergeStop()
+    {
+        if (m_mine.stop == m_base.stop)
+            return;
+        m_isContested =
+            m_isContested || (m_head.stop && isNews(m_head.stop, m_base.stop, m_mine.stop, m_seen.stop));
+        m_result.stop = m_mine.stop;
+    }
+
     template <class Value>
     static bool isNews(const Value &head, const Value &base, const Value &mine, const Value &seen)
     {
