@@ -469,9 +469,16 @@ Task<> Outbox::catchUp(std::int64_t after, std::int64_t before)
     const auto settled = co_await settledElsewhere(m_parts.store, std::move(rows));
     if (!self)
         co_return;
-    for (const Pending &row : gone)
+    std::vector<std::int64_t> told;
+    for (const Pending &row : gone) {
+        if (m_waiters.contains(row.seq))
+            told.push_back(row.seq);
         reportSettledElsewhere(row, settled ? *settled : SettledElsewhere{});
+    }
     Q_EMIT pendingChanged();
+    const bool isRefused = settled && !settled->refusals.empty();
+    if (isRefused && !told.empty())
+        co_await noteShown(m_parts.store, std::move(told));
 }
 
 void Outbox::reportSettledElsewhere(const Pending &row, const SettledElsewhere &settled)
@@ -489,7 +496,8 @@ void Outbox::reportSettledElsewhere(const Pending &row, const SettledElsewhere &
         return;
     }
     const CallError error = APIError{.status = refusal->status, .title = refusal->message};
-    if (onRejected)
+    // Who did not ask for it learns of it where refusals are shown.
+    if (onRejected && callerWaits)
         onRejected(row, error, callerWaits);
     resume(row.seq, Rejected{row.seq, error});
 }
@@ -530,7 +538,9 @@ Task<Result<bool, StoreError>> Outbox::settle(std::int64_t seq, bool keepsMine)
 Task<std::vector<Refusal>> Outbox::unshownRefusals()
 {
     auto document = co_await m_parts.store->load<RefusalDocument>(RefusalDocument::key);
-    co_return document ? std::move(document->refusals) : std::vector<Refusal>{};
+    std::vector<Refusal> refusals = document ? std::move(document->refusals) : std::vector<Refusal>{};
+    std::erase_if(refusals, &Refusal::isShown);
+    co_return refusals;
 }
 
 Task<StoreStatus> Outbox::markShown(std::vector<Refusal> refusals)
@@ -539,7 +549,7 @@ Task<StoreStatus> Outbox::markShown(std::vector<Refusal> refusals)
     seqs.reserve(refusals.size());
     for (const Refusal &refusal : refusals)
         seqs.push_back(refusal.seq);
-    return dropRefusals(m_parts.store, std::move(seqs));
+    return noteShown(m_parts.store, std::move(seqs));
 }
 
 // Small pieces

@@ -23,6 +23,8 @@ namespace {
 constexpr std::size_t keptVersions = 16;
 /// How many entries are remembered once nothing is queued any more.
 constexpr std::int64_t keptHeads = 64;
+/// How many refusals that were shown are remembered.
+constexpr std::ptrdiff_t keptRefusals = 32;
 
 using Values = std::vector<StoreValue>;
 using Rows = std::vector<PendingChange>;
@@ -419,21 +421,17 @@ Steps &readRefusals(Steps &steps, std::vector<Refusal> &refusals)
     return steps;
 }
 
-/// Takes the refusals of those numbers out of the document.
-std::vector<Refusal> takeRefusals(Steps &steps, const std::vector<std::int64_t> &seqs)
+/// Marks refusals as shown, and forgets those that were long ago.
+Steps &markShown(Steps &steps, const std::vector<std::int64_t> &seqs)
 {
-    std::vector<Refusal> kept;
-    readRefusals(steps, kept);
-    const auto isTaken = [&](const Refusal &refusal) {
-        return std::ranges::find(seqs, refusal.seq) != seqs.end();
-    };
-    std::vector<Refusal> taken;
-    std::ranges::copy_if(kept, std::back_inserter(taken), isTaken);
-    if (taken.empty())
-        return taken;
-    std::erase_if(kept, isTaken);
-    steps.write(RefusalDocument::key, RefusalDocument{std::move(kept)});
-    return taken;
+    std::vector<Refusal> refusals;
+    readRefusals(steps, refusals);
+    for (Refusal &refusal : refusals)
+        refusal.isShown = refusal.isShown || std::ranges::find(seqs, refusal.seq) != seqs.end();
+    auto shown = std::ranges::count_if(refusals, &Refusal::isShown);
+    std::erase_if(refusals,
+                  [&](const Refusal &refusal) { return refusal.isShown && shown-- > keptRefusals; });
+    return steps.write(RefusalDocument::key, RefusalDocument{std::move(refusals)});
 }
 
 /// The first row above `after` that holds a change.
@@ -590,17 +588,19 @@ Task<Result<SettledElsewhere, StoreError>> settledElsewhere(std::shared_ptr<Loca
                 if (head)
                     settled.entries.push_back(std::move(head->entry));
             }
-            settled.refusals = takeRefusals(steps, seqs);
+            readRefusals(steps, settled.refusals);
+            std::erase_if(settled.refusals, [&](const Refusal &refusal) {
+                return std::ranges::find(seqs, refusal.seq) == seqs.end();
+            });
             return steps ? Stored<SettledElsewhere>(std::move(settled)) : steps.error();
         });
 }
 
-Task<StoreStatus> dropRefusals(std::shared_ptr<LocalStore> store, std::vector<std::int64_t> seqs)
+Task<StoreStatus> noteShown(std::shared_ptr<LocalStore> store, std::vector<std::int64_t> seqs)
 {
     co_return co_await store->transact([seqs = std::move(seqs)](Connection &connection) -> StoreStatus {
         Steps steps(connection);
-        takeRefusals(steps, seqs);
-        return steps.status();
+        return markShown(steps, seqs).status();
     });
 }
 

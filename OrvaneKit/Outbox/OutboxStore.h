@@ -135,8 +135,7 @@ Task<Result<std::optional<std::vector<PendingChange>>, StoreError>>
 settleConflict(std::shared_ptr<LocalStore> store, std::int64_t seq, TimeEntryResponse current,
                bool keepsMine);
 
-/// What became of rows that another process settled: the refusals, which are removed, and the entries as its
-/// answers left them.
+/// What became of rows that another process settled: the refusals, and the entries as its answers left them.
 struct SettledElsewhere {
     std::vector<Refusal> refusals;
     std::vector<TimeEntryResponse> entries;
@@ -144,7 +143,7 @@ struct SettledElsewhere {
 Task<Result<SettledElsewhere, StoreError>> settledElsewhere(std::shared_ptr<LocalStore> store,
                                                             std::vector<PendingChange> rows);
 
-/// Removes refusals from the store.
-Task<StoreStatus> dropRefusals(std::shared_ptr<LocalStore> store, std::vector<std::int64_t> seqs);
+/// Notes that refusals have been shown.
+Task<StoreStatus> noteShown(std::shared_ptr<LocalStore> store, std::vector<std::int64_t> seqs);
 
 } // namespace orvane

@@ -19,6 +19,8 @@ struct Refusal {
     /// The server's reason, ready to show.
     std::string message;
     std::int64_t status = 0;
+    /// It is kept on for a while: a process that still waits for its change has to learn what became of it.
+    bool isShown = false;
 
     bool operator==(const Refusal &) const = default;
 };
@@ -33,7 +35,8 @@ template <>
 struct JsonFields<Refusal> {
     static constexpr auto list =
         std::tuple{jsonField<"seq">(&Refusal::seq), jsonField<"change">(&Refusal::change),
-                   jsonField<"message">(&Refusal::message), jsonField<"status">(&Refusal::status)};
+                   jsonField<"message">(&Refusal::message), jsonField<"status">(&Refusal::status),
+                   jsonField<"isShown">(&Refusal::isShown, JsonPresence::Defaulted)};
 };
 
 template <>

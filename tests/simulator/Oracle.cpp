@@ -59,6 +59,14 @@ std::optional<int> Oracle::deedAt(const std::string &device, std::int64_t seq) c
     return found == m_bySeq.end() ? std::nullopt : std::optional{found->second};
 }
 
+void Oracle::keptTheirs(int id, const TimeEntryResponse &current)
+{
+    settled(id);
+    // Theirs may show the deed itself, when its answer was lost and others went on from it.
+    const bool isInTheirs = behind(current.id, contentsOf(current)).contains(id);
+    tell(id, isInTheirs ? Fate::Unknown : Fate::Dropped);
+}
+
 /// What was made on top of a settled change may ask again, in the light of how it was settled; and a second
 /// window may still show the conflict itself.
 void Oracle::settled(int id)
@@ -95,7 +103,14 @@ bool Oracle::knows(const Deed &deed, const Deed &other) const
         open.pop_back();
         if (next == other.id)
             return true;
-        for (const int seen : this->deed(next).seen) {
+        std::set<int> more = this->deed(next).seen;
+        // The stops of one hand are one.
+        for (const Deed *stop : on(this->deed(next).entry)) {
+            if (stop->kind == Kind::Stop && this->deed(next).kind == Kind::Stop &&
+                stop->device == this->deed(next).device)
+                more.insert(stop->id);
+        }
+        for (const int seen : more) {
             if (known.insert(seen).second)
                 open.push_back(seen);
         }
@@ -139,7 +154,11 @@ std::optional<std::string> Oracle::judgeConflict(int id, const TimeEntryResponse
                                                  !(mine.kind == Kind::Stop && other.kind == Kind::Stop));
         return true;
     };
-    if (mine.mayAskAgain || std::ranges::any_of(contentsOf(current), isNews))
+    const auto isForeign = [&](int other) {
+        return deed(other).device != mine.device && !mine.seen.contains(other);
+    };
+    if (mine.mayAskAgain || std::ranges::any_of(contentsOf(current), isNews) ||
+        std::ranges::any_of(behind(mine.entry, contentsOf(current)), isForeign))
         return std::nullopt;
     return "a conflict was made up for " + textOf(mine) + ": the user had seen all of what stands against it";
 }

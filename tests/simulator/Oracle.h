@@ -56,11 +56,7 @@ public:
     /// A conflict is shown: the fault when there is none to show.
     std::optional<std::string> judgeConflict(int deed, const TimeEntryResponse &current) const;
     /// The user kept theirs: the deed is given up.
-    void keptTheirs(int deed)
-    {
-        settled(deed);
-        tell(deed, Fate::Dropped);
-    }
+    void keptTheirs(int deed, const TimeEntryResponse &current);
     void mayAskAgain(int deed) { m_deeds.at(static_cast<std::size_t>(deed)).mayAskAgain = true; }
     /// What the user wanted turned out to be settled already.
     void restore(int deed, Deed before) { m_deeds.at(static_cast<std::size_t>(deed)) = std::move(before); }

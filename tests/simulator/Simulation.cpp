@@ -373,10 +373,10 @@ Task<> Simulation::settle(ProcessPtr process, std::int64_t seq, bool keepsMine)
     // Another program may have settled it meanwhile.
     if (*settled && wrong)
         fault(*wrong);
-    if (!*settled)
+    if (!*settled && m_oracle.deed(*deed).fate != Oracle::Fate::Dropped)
         m_oracle.restore(*deed, before);
     else if (!keepsMine)
-        m_oracle.keptTheirs(*deed);
+        m_oracle.keptTheirs(*deed, current);
 }
 
 Task<> Simulation::reload(ProcessPtr process, bool flushes)
