@@ -168,6 +168,8 @@ struct Words {
     {
         return isAmong(days, lower[i]) || isAmong(shortDays, lower[i]) || dateShape(lower[i]).isDate;
     }
+    /// Such as "@acme" that names nothing: it stands where a mention would, beside the time.
+    bool isMention(std::size_t i) const { return lower[i].starts_with('@') || lower[i].starts_with('#'); }
     std::string text(std::size_t from, std::size_t to) const
     {
         std::string text;
@@ -213,7 +215,7 @@ std::vector<UnreadWords> UnreadWords::of(const EntrySentence::Reading &reading)
     const Words words(reading.description);
     std::size_t end = words.size(); ///< where the words at the end begin that are looked at closely
     if (!reading.time) {
-        while (end > 0 && words.isDay(end - 1))
+        while (end > 0 && (words.isDay(end - 1) || words.isMention(end - 1)))
             --end;
     }
     const std::size_t lastDays = end;
@@ -233,8 +235,10 @@ std::vector<UnreadWords> UnreadWords::of(const EntrySentence::Reading &reading)
         const bool areHours = timeWords == 1 || (timeWords == 3 && words.lower[lastDays - 1] != "ago");
         add({areHours ? Kind::hours : Kind::time, words.text(end, lastDays)});
     }
-    for (std::size_t i = lastDays; i < words.size(); ++i)
-        add({Kind::day, std::string(words.typed[i])});
+    for (std::size_t i = lastDays; i < words.size(); ++i) {
+        if (words.isDay(i))
+            add({Kind::day, std::string(words.typed[i])});
+    }
     return found;
 }
 

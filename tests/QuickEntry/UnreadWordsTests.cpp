@@ -28,6 +28,7 @@ TEST(UnreadWords, FindsTimesThatWereNotRead)
     EXPECT_EQ(unread("Work 9-17"), "hours 9-17");
     EXPECT_EQ(unread("Work 9 to 17"), "hours 9 to 17");
     EXPECT_EQ(unread("Work 9 \u2013 17 yesterday"), "hours 9 \u2013 17, day yesterday");
+    EXPECT_EQ(unread("Work 9-17 @acme tomorrow #nope"), "hours 9-17, day tomorrow");
     EXPECT_EQ(unread("stand-up 9:30-9:45 with Bob"), "time 9:30-9:45");
     EXPECT_EQ(unread("Lunch 9:00-9:00"), "time 9:00-9:00");
     EXPECT_EQ(unread("Call (10am), then write"), "time 10am");
@@ -52,7 +53,7 @@ TEST(UnreadWords, LeavesAloneWhatIsNoTimeForSure)
     for (const char *line :
          {"", "Fix the sync bug", "Read 3-4 pages", "Chapters 3-4 30m", "Draw the sun on a mat 15m",
           "Ratio 16:9 of 1/2 each", "Version 1.2.3-4", "Sat with Bob 9-10:30", "A 5 star at-9 mix",
-          "Fix #2 for 90", "Work yesterday 9-10:30", "Port 8080-9090", "Meeting -"})
+          "Fix #2 for 90", "Work yesterday 9-10:30", "Port 8080-9090", "Meeting -", "Chapters 3-4 of @acme"})
         EXPECT_EQ(unread(line), "") << line;
 }
 
