@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Account/Installation.h"
 
+#include "Support/FolderSafety.h"
+
 #include <QDir>
 #include <QFile>
 #include <QSettings>
@@ -40,8 +42,12 @@ Installation::~Installation() = default;
 bool Installation::makeFolder(std::string &problem) const
 {
     std::error_code error;
-    if (std::filesystem::is_directory(m_root, error))
-        return true;
+    if (std::filesystem::is_directory(m_root, error)) {
+        const std::string fault = folderFault(m_root);
+        if (!fault.empty())
+            problem = "The folder " + m_root + " is not safe to keep your time in. " + fault;
+        return fault.empty();
+    }
     std::filesystem::create_directories(m_root, error);
     if (!error)
         std::filesystem::permissions(m_root, std::filesystem::perms::owner_all, error);

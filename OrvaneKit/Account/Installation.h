@@ -22,8 +22,8 @@ public:
 
     const std::string &root() const { return m_root; }
     bool hasOwnFolder() const { return m_hasOwnFolder; }
-    /// Makes the folder, for its user alone, when it is missing; on failure `problem` is a sentence for the
-    /// user.
+    /// Makes the folder, for its user alone, when it is missing. One that others can write to is refused,
+    /// since files are opened there by names that they know. On failure `problem` is a sentence for the user.
     bool makeFolder(std::string &problem) const;
     std::string serverFolder() const { return m_root + "/server"; }
 

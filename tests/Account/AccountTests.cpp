@@ -5,6 +5,7 @@
 #include "support/TokenServer.h"
 
 #include <QTemporaryDir>
+#include <filesystem>
 #include <gtest/gtest.h>
 
 namespace orvane {
@@ -87,6 +88,19 @@ TEST_F(AccountTest, LeavesASessionThatIsOver)
     EXPECT_EQ(installation.currentServer(), server.url());
     EXPECT_TRUE(await(Account::leaveEndedSession(options())));
     EXPECT_EQ(installation.currentServer(), std::nullopt);
+}
+
+TEST(InstallationFolder, IsRefusedWhenOthersCanWriteToIt)
+{
+    const QTemporaryDir folder;
+    const Installation installation(folder.path().toStdString());
+    std::string problem;
+    EXPECT_TRUE(installation.makeFolder(problem)) << problem;
+    // A sticky one, like /tmp, keeps nobody from planting links there.
+    using enum std::filesystem::perms;
+    std::filesystem::permissions(installation.root(), all | sticky_bit);
+    EXPECT_FALSE(installation.makeFolder(problem));
+    EXPECT_NE(problem.find("chmod 700"), std::string::npos) << problem;
 }
 
 } // namespace
