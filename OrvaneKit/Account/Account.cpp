@@ -271,10 +271,20 @@ Task<Result<void, AccountError>> Account::openKnown()
     if (m_hasFreshMe)
         co_return co_await finishOpening();
     if (!known || !m_hasProfile || isSessionOver())
-        co_return failure(m_meError ? refusedBy(*m_meError)
-                                    : AccountError{AccountError::Kind::Unreachable, m_unreachableReason, {}});
+        co_return failure(co_await whyUnknown());
     makeTracker();
     co_return selectWorkspace();
+}
+
+/// Why there is no account to go on with. A store that cannot be read is not one that lacks the profile.
+Task<AccountError> Account::whyUnknown()
+{
+    if (m_store && !m_hasProfile && !isSessionOver()) {
+        if (const auto readable = co_await readThrough(*m_store); !readable)
+            co_return AccountError{AccountError::Kind::Store, describe(readable.error()), {}};
+    }
+    co_return m_meError ? refusedBy(*m_meError)
+                        : AccountError{AccountError::Kind::Unreachable, m_unreachableReason, {}};
 }
 
 Task<Result<void, AccountError>> Account::openWith(Credentials credentials)

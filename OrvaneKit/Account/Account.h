@@ -131,6 +131,7 @@ private:
     Result<void, AccountError> moveLocalStores(const std::string &before);
     Task<> makeClient();
     Task<Result<void, AccountError>> openKnown();
+    Task<AccountError> whyUnknown();
     Task<Result<void, AccountError>> openWith(Credentials credentials);
     Task<Result<void, AccountError>> finishOpening();
     Task<Result<void, AccountError>> openStore(std::string accountId);

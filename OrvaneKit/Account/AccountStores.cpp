@@ -82,6 +82,15 @@ Task<Result<std::int64_t, StoreError>> queuedRows(LocalStore &store)
     });
 }
 
+Task<StoreStatus> readThrough(LocalStore &store)
+{
+    return store.inspect([](Connection &connection) -> StoreStatus {
+        const auto read = [](const Connection::Row &row) { row.blob(0); };
+        const StoreStatus documents = connection.run("SELECT value FROM document", {}, read);
+        return documents ? connection.run("SELECT change FROM outbox", {}, read) : documents;
+    });
+}
+
 Task<Result<std::vector<std::int64_t>, StoreError>> unreadableRows(LocalStore &store)
 {
     using Answer = Result<std::vector<std::int64_t>, StoreError>;

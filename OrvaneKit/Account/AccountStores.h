@@ -35,6 +35,9 @@ Task<std::vector<WaitingStore>> waitingBeside(std::string root, std::string serv
 /// `LocalStore::pending` reads as empty.
 Task<Result<std::int64_t, StoreError>> queuedRows(LocalStore &store);
 
+/// Why the store's documents or its queue cannot be read, where loading them answers that there are none.
+Task<StoreStatus> readThrough(LocalStore &store);
+
 /// The numbers of the rows that hold no change that can be read; they stay where they are and are never sent.
 Task<Result<std::vector<std::int64_t>, StoreError>> unreadableRows(LocalStore &store);
 

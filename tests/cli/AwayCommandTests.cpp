@@ -183,6 +183,12 @@ TEST_F(AwayCommand, TellsAStoreThatCannotBeReadFromAnEmptyOne)
     runSql("ALTER TABLE outbox RENAME TO lost");
     for (const Arguments &command : {Arguments{"outbox"}, {"outbox", "flush"}, {"status"}, {"start", "x"}})
         EXPECT_THAT(text(failed(1, command)[u"message"]), HasSubstr("could not be read or written"));
+
+    // With the server away nothing but the store knows the account.
+    ASSERT_TRUE(installation.killServer());
+    runSql("ALTER TABLE document RENAME TO lostToo");
+    EXPECT_THAT(text(failed(1, {"--no-start-server", "outbox"})[u"message"]),
+                HasSubstr("could not be read or written"));
 }
 
 TEST_F(AwayCommand, KeepsTheQueueOfAnAccountWhoseServerIsAwayUntilItIsBack)
