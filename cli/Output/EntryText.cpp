@@ -282,8 +282,9 @@ std::string EntryWriter::timerAhead(const TimeEntryResponse &running) const
     // The next whole minute, which is what can be typed.
     const Instant end = std::chrono::ceil<std::chrono::minutes>(running.start);
     const std::string id = shortId(running.id);
-    return "The timer " + id + " (" + quoted(running.description) + ") begins only at " +
-           clock(running.start) + ", " + m_time.dayLabel(m_time.dayKey(running.start)) +
+    const DayKey day = m_time.dayKey(running.start);
+    const std::string when = clock(running.start) + (day == m_time.today() ? "" : " on " + day.description());
+    return "The timer " + id + " (" + quoted(running.description) + ") begins only at " + when +
            ". End it with: orvane stop --at \"" + m_time.dayKey(end).description() + " " + clock(end) +
            "\", or take it back with: orvane delete " + id;
 }

@@ -61,7 +61,8 @@ TEST_F(Command, NamesTheWaysOutOfATimerThatBeginsLater)
         const CommandRun run = installation.json(arguments);
         EXPECT_EQ(run.exitStatus, 1) << run.all();
         EXPECT_EQ(text(run.object()[u"outcome"]), "rejected");
-        EXPECT_THAT(text(run.object()[u"message"]), AllOf(HasSubstr("orvane stop --at \"2026-03-05 10:01\""),
+        EXPECT_THAT(text(run.object()[u"message"]), AllOf(HasSubstr(" on 2026-03-05. End it"),
+                                                          HasSubstr("orvane stop --at \"2026-03-05 10:01\""),
                                                           HasSubstr("orvane delete " + ahead.substr(0, 6))));
     }
     EXPECT_EQ(text(done({"--zone", "UTC", "stop", "--at", "2026-03-05 10:01"})[u"outcome"]), "stopped");
