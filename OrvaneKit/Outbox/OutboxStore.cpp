@@ -204,6 +204,7 @@ Stored<Rows> enqueueOn(Connection &connection, std::vector<Submission> &submissi
     Rows rows;
     for (Submission &submission : submissions) {
         Steps steps(connection);
+        const auto seen = submission.base;
         if (submission.base)
             placeOnTop(steps, submission);
         if (!steps)
@@ -211,7 +212,7 @@ Stored<Rows> enqueueOn(Connection &connection, std::vector<Submission> &submissi
         const auto seq = LocalStore::enqueueOn(connection, submission.change);
         if (!seq)
             return failure(seq.error());
-        if (submission.base && !steps.write(ChangeBase::key(*seq), ChangeBase{*submission.base}))
+        if (submission.base && !steps.write(ChangeBase::key(*seq), ChangeBase{*submission.base, *seen}))
             return steps.error();
         rows.push_back({*seq, submission.change});
     }
@@ -257,7 +258,7 @@ Stored<Rows> restack(Steps &steps, const Settled &settled, std::optional<TimeEnt
         if (asks)
             break;
         if (base)
-            steps.write(ChangeBase::key(row.seq), ChangeBase{*ground});
+            steps.write(ChangeBase::key(row.seq), ChangeBase{*ground, base->seen});
         ground = applied(row.change, std::move(*ground));
     }
     if (!steps)
@@ -393,11 +394,11 @@ Stored<std::optional<Rows>> settleOn(Connection &connection, std::int64_t seq,
     Rows changed;
     std::optional<ChangeBase> base;
     steps.read(ChangeBase::key(seq), base);
-    const auto seen = base ? std::optional{base->entry} : std::nullopt;
+    const auto seen = base ? std::optional{base->seen} : std::nullopt;
     std::optional<TimeEntryResponse> ground = current;
     if (keepsMine) {
-        row->change = madeAnew(row->change, seen, current);
-        steps.writeRow(*row).write(ChangeBase::key(seq), ChangeBase{current});
+        row->change = madeAnew(row->change, base ? std::optional{base->entry} : std::nullopt, current);
+        steps.writeRow(*row).write(ChangeBase::key(seq), ChangeBase{current, current});
         changed.push_back(*row);
         ground = applied(row->change, current);
     } else {

@@ -40,9 +40,11 @@ struct EntryHead {
     static std::string key(const std::string &entryId) { return "head:" + entryId; }
 };
 
-/// What the user saw of the entry when they made a queued change. Kept by the row's number.
+/// What a queued change stands on, and what its user saw of the entry when they made it: the same, until the
+/// change is put on top of something else. Kept by the row's number.
 struct ChangeBase {
     TimeEntryResponse entry;
+    TimeEntryResponse seen;
 
     static std::string key(std::int64_t seq) { return "base:" + std::to_string(seq); }
 };
@@ -65,7 +67,8 @@ struct JsonFields<EntryHead> {
 
 template <>
 struct JsonFields<ChangeBase> {
-    static constexpr auto list = std::tuple{jsonField<"entry">(&ChangeBase::entry)};
+    static constexpr auto list =
+        std::tuple{jsonField<"entry">(&ChangeBase::entry), jsonField<"seen">(&ChangeBase::seen)};
 };
 
 template <>

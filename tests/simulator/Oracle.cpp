@@ -47,6 +47,8 @@ int Oracle::begin(const std::string &device, Kind kind, const std::string &entry
               .kind = kind,
               .writes = std::move(writes),
               .seen = shown ? behind(entry, contentsOf(*shown)) : std::set<int>{}};
+    if (shown)
+        deed.shown = contentsOf(*shown);
     for (const auto &[field, value] : deed.writes)
         m_writer[{entry, field, value}] = deed.id;
     m_deeds.push_back(std::move(deed));
@@ -64,7 +66,7 @@ void Oracle::keptTheirs(int id, const TimeEntryResponse &current)
     settled(id);
     // Theirs may show the deed itself, when its answer was lost and others went on from it.
     const bool isInTheirs = behind(current.id, contentsOf(current)).contains(id);
-    tell(id, isInTheirs ? Fate::Unknown : Fate::Dropped);
+    tell(id, isInTheirs || deed(id).isMadeAnew ? Fate::Unknown : Fate::Dropped);
 }
 
 /// What was made on top of a settled change may ask again, in the light of how it was settled; and a second
@@ -146,6 +148,9 @@ std::optional<std::string> Oracle::judgeConflict(int id, const TimeEntryResponse
         if (writer == m_writer.end() || (item.first == Field::Stop && isAnothersStart(item.second)))
             return true;
         const Deed &other = deed(writer->second);
+        // Whoever edits an end has seen one: the server had ended it.
+        if (item.first == Field::Stop && other.kind == Kind::Edit && !mine.shown.contains(Field::Stop))
+            return true;
         if (other.id == mine.id || mine.seen.contains(other.id))
             return false;
         // Of two programs on one device only the same field twice is a conflict, and never two stops.
@@ -170,6 +175,7 @@ void Oracle::keptMine(int id, const TimeEntryResponse &current)
     Deed &deed = m_deeds.at(static_cast<std::size_t>(id));
     deed.seen.insert(known.begin(), known.end());
     deed.seen.erase(id);
+    deed.isMadeAnew = true;
     if (deed.fate == Fate::Dropped)
         deed.fate = Fate::Taken;
 }

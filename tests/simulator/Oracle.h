@@ -42,6 +42,10 @@ public:
         Fate fate = Fate::Unknown;
         /// The program ended before it said that a conflict is settled.
         bool mayAskAgain = false;
+        /// What was on the screen.
+        Contents shown = {};
+        /// It was done again over what stood against it; another window may still be asked.
+        bool isMadeAnew = false;
     };
 
     /// Notes an action, made while `shown` was on the screen (nothing for a creation). Answers its number.
