@@ -47,8 +47,7 @@ int Oracle::begin(const std::string &device, Kind kind, const std::string &entry
               .kind = kind,
               .writes = std::move(writes),
               .seen = shown ? behind(entry, contentsOf(*shown)) : std::set<int>{}};
-    if (shown)
-        deed.shown = contentsOf(*shown);
+
     for (const auto &[field, value] : deed.writes)
         m_writer[{entry, field, value}] = deed.id;
     m_deeds.push_back(std::move(deed));
@@ -77,6 +76,21 @@ void Oracle::settled(int id)
         if (other.device == deed(id).device && other.entry == deed(id).entry)
             other.mayAskAgain = true;
     }
+}
+
+std::optional<int> Oracle::deedLike(const std::string &device, const std::string &entry, Kind kind,
+                                    const Contents &contents) const
+{
+    const auto isLike = [&](const Deed *deed) {
+        return deed->device == device && deed->kind == kind && deed->fate == Fate::Unknown &&
+               std::ranges::all_of(deed->writes, [&](const auto &item) {
+                   const auto found = contents.find(item.first);
+                   return found != contents.end() && found->second == item.second;
+               });
+    };
+    const std::vector<const Deed *> deeds = on(entry);
+    const auto found = std::ranges::find_if(deeds, isLike);
+    return found == deeds.end() ? std::nullopt : std::optional{(*found)->id};
 }
 
 /// The deeds that made what is shown, and those that they knew of.
@@ -148,8 +162,10 @@ std::optional<std::string> Oracle::judgeConflict(int id, const TimeEntryResponse
         if (writer == m_writer.end() || (item.first == Field::Stop && isAnothersStart(item.second)))
             return true;
         const Deed &other = deed(writer->second);
-        // Whoever edits an end has seen one: the server had ended it.
-        if (item.first == Field::Stop && other.kind == Kind::Edit && !mine.shown.contains(Field::Stop))
+        // Whoever edits an end has seen one, which may have been the server's doing; and what was made anew
+        // stood
+        // against something that is hidden by it now.
+        if (other.isMadeAnew || (item.first == Field::Stop && other.kind == Kind::Edit))
             return true;
         if (other.id == mine.id || mine.seen.contains(other.id))
             return false;

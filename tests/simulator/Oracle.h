@@ -42,8 +42,7 @@ public:
         Fate fate = Fate::Unknown;
         /// The program ended before it said that a conflict is settled.
         bool mayAskAgain = false;
-        /// What was on the screen.
-        Contents shown = {};
+
         /// It was done again over what stood against it; another window may still be asked.
         bool isMadeAnew = false;
     };
@@ -55,6 +54,9 @@ public:
     /// The user was told where the change is in the queue, so that later news of it are understood.
     void number(int deed, const std::string &device, std::int64_t seq) { m_bySeq[{device, seq}] = deed; }
     std::optional<int> deedAt(const std::string &device, std::int64_t seq) const;
+    /// A deed whose answer was never heard, by what it asks for.
+    std::optional<int> deedLike(const std::string &device, const std::string &entry, Kind kind,
+                                const Contents &contents) const;
     const Deed &deed(int id) const { return m_deeds.at(static_cast<std::size_t>(id)); }
 
     /// A conflict is shown: the fault when there is none to show.

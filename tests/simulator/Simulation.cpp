@@ -341,6 +341,23 @@ void Simulation::settleOne(const ProcessPtr &process)
     settle(process, row.seq, m_world.random().chance(50));
 }
 
+std::optional<int> Simulation::deedOf(Process &process, const Outbox::Pending &row) const
+{
+    const std::string &device = process.device().name;
+    if (const auto deed = m_oracle.deedAt(device, row.seq))
+        return deed;
+    Contents contents;
+    Oracle::Kind kind = Oracle::Kind::Remove;
+    if (const EntryRequest *request = row.change.request()) {
+        contents = contentsOf(entryResponse(*request, row.change.entryId(), row.change.workspaceId()));
+        kind = Oracle::Kind::Edit;
+    } else if (const auto *stop = std::get_if<EntryChange::Stop>(&row.change.action)) {
+        contents[Field::Stop] = value(stop->at);
+        kind = Oracle::Kind::Stop;
+    }
+    return m_oracle.deedLike(device, row.change.entryId(), kind, contents);
+}
+
 Task<> Simulation::settle(ProcessPtr process, std::int64_t seq, bool keepsMine)
 {
     const auto conflicts = process->outbox().conflicts();
@@ -348,7 +365,7 @@ Task<> Simulation::settle(ProcessPtr process, std::int64_t seq, bool keepsMine)
     if (row == conflicts.end())
         co_return;
     const TimeEntryResponse current = *row->conflict;
-    const auto deed = m_oracle.deedAt(process->device().name, seq);
+    const auto deed = deedOf(*process, *row);
     m_world.note(process->name(), "keeps " + std::string(keepsMine ? "mine" : "theirs") + " for change " +
                                       std::to_string(seq) + " of " + current.id);
     Oracle::Deed before;

@@ -45,6 +45,7 @@ private:
     void remove(const ProcessPtr &process);
     void settleOne(const ProcessPtr &process);
     Task<> await(ProcessPtr process, std::vector<int> deeds, Task<SaveResult> action);
+    std::optional<int> deedOf(Process &process, const Outbox::Pending &row) const;
     Task<> settle(ProcessPtr process, std::int64_t seq, bool keepsMine);
     Task<> reload(ProcessPtr process, bool flushes);
     void learn(const ProcessPtr &process, const std::vector<int> &deeds, const SaveResult &result);
@@ -54,7 +55,7 @@ private:
     Instant moment(const Process &process);
     /// A length or distance that nobody used before.
     World::Millis distance(std::int64_t from, std::int64_t to);
-    std::string value(Instant instant) { return std::to_string(millisecondsSinceEpoch(instant)); }
+    static std::string value(Instant instant) { return std::to_string(millisecondsSinceEpoch(instant)); }
 
     // What goes wrong
     void planTroubles();
