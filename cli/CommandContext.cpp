@@ -197,6 +197,10 @@ Task<> CommandContext::finish()
 {
     if (!m_account)
         co_return;
+    // A pass that still runs sends what other commands have queued meanwhile, which is then no longer
+    // waiting.
+    if (m_account->outbox().isFlushing() && m_account->isReachable())
+        co_await m_account->outbox().flush();
     co_await showRefusals();
     showQueue();
     for (const std::string &message : m_besides)

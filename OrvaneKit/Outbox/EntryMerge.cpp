@@ -144,8 +144,12 @@ Rebased putOnTop(const EntryChange &change, const TimeEntryResponse &base, const
         merged.request = merge.result();
         return {EntryChange{std::move(merged)}, merge.isContested()};
     }
-    if (std::holds_alternative<EntryChange::Delete>(change.action))
-        return {change, !saysTheSame(base, head) && !(seen && saysTheSame(*seen, head))};
+    if (std::holds_alternative<EntryChange::Delete>(change.action)) {
+        TimeEntryResponse now = head;
+        if (!now.stop)
+            now.stop = base.stop; // as with an end that is edited
+        return {change, !saysTheSame(base, now) && !(seen && saysTheSame(*seen, head))};
+    }
     return {change, false};
 }
 

@@ -147,6 +147,7 @@ Task<> Outbox::pass()
     // What comes while a pass is under way may lie behind it, or come when its end is decided.
     while (m_isWanted && step == Step::GoOn && !m_isClosing) {
         m_isWanted = false;
+        m_startsOver = false;
         step = co_await takeTurnAndSend();
         if (!self)
             co_return;
@@ -220,6 +221,10 @@ Task<Outbox::Step> Outbox::sendAll()
             isChecked = co_await isAllowed();
         if (!isChecked || !self || m_isClosing)
             co_return Step::Stop;
+        if (std::exchange(m_startsOver, false)) {
+            cursor = 0;
+            continue;
+        }
         if (co_await sendNext(std::move(stored)) == Step::Stop || !self)
             co_return Step::Stop;
     }
@@ -525,6 +530,7 @@ Task<Result<bool, StoreError>> Outbox::settle(std::int64_t seq, bool keepsMine)
         co_return failure(changed.error());
     if (!self)
         co_return changed->has_value();
+    m_startsOver = m_isFlushing;
     m_queue.setConflict(seq, std::nullopt);
     if (!keepsMine && *changed)
         m_queue.remove(seq);

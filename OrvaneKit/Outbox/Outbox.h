@@ -175,6 +175,10 @@ private:
     bool m_isFlushing = false;
     /// Something came while a pass ran that it may have passed by already.
     bool m_isWanted = false;
+    /// A conflict was settled while a pass ran: its row lies behind the pass, and goes before those that
+    /// waited.
+    bool m_startsOver = false;
+
     bool m_isHeldBack = false;
     bool m_isClosing = false;
     int m_failures = 0;

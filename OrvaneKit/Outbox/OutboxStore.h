@@ -26,6 +26,9 @@ inline constexpr const char *unseenVersion = "unseen";
 struct Submission {
     EntryChange change;
     std::optional<TimeEntryResponse> base;
+    /// The entry without the changes that were queued as far as its user's process knew; one of them may have
+    /// been given up in another process. None: not known apart.
+    std::optional<TimeEntryResponse> server = {};
 };
 
 /// The entry as the server gave it in answer to the last change of it that this store's queue delivered, and

@@ -141,6 +141,7 @@ private:
     void dropServerEntry(const std::string &id);
     void handleSent(const Outbox::Pending &row, const std::optional<TimeEntryResponse> &entry);
     Task<SaveResult> submit(std::vector<Submission> changes, std::string id, SaveOutcome whenDone);
+    Submission made(EntryChange change, const TimeEntryResponse &shown) const;
     SaveResult refusedHere(SaveOutcome outcome, std::string message) const;
     std::optional<SaveResult> checkRules(const EntryRequest &request) const;
     bool isLackingDetails(const TimeEntryResponse &running) const;

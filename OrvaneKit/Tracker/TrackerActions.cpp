@@ -39,6 +39,18 @@ constexpr const char *stopNeedsDetails = "Add the details this workspace require
 
 } // namespace
 
+/// A change with what its user sees of the entry, and with what the server last said of it.
+Submission Tracker::made(EntryChange change, const TimeEntryResponse &shown) const
+{
+    Submission submission{std::move(change), shown, {}};
+    const auto known = std::ranges::find(m_serverEntries, shown.id, &TimeEntryResponse::id);
+    if (known != m_serverEntries.end())
+        submission.server = *known;
+    else if (m_serverRunning && m_serverRunning->id == shown.id)
+        submission.server = m_serverRunning;
+    return submission;
+}
+
 SaveResult Tracker::refusedHere(SaveOutcome outcome, std::string message) const
 {
     return {.outcome = outcome,
@@ -128,7 +140,7 @@ Task<SaveResult> Tracker::create(EntryRequest request)
                                       ", which is later than that. Stop or change it first.");
         if (isLackingDetails(running))
             co_return refusedHere(SaveOutcome::needsDetails, stopNeedsDetails);
-        changes.push_back({stopChange(running, request.start), running});
+        changes.push_back(made(stopChange(running, request.start), running));
     }
     const std::string id = m_parts.newIdentifier ? m_parts.newIdentifier() : newIdentifier();
     changes.push_back({EntryChange{EntryChange::Create{std::move(request), id, m_parts.workspace.id}}, {}});
@@ -154,7 +166,7 @@ Task<SaveResult> Tracker::stop(Instant at)
     if (isLackingDetails(running))
         co_return refusedHere(SaveOutcome::needsDetails, stopNeedsDetails);
     std::vector<Submission> changes;
-    changes.push_back({stopChange(running, end), running});
+    changes.push_back(made(stopChange(running, end), running));
     SaveResult result = co_await submit(std::move(changes), running.id, SaveOutcome::stopped);
     if (!result.entry)
         result.entry = applied(stopChange(running, end), running);
@@ -201,8 +213,8 @@ Task<SaveResult> Tracker::update(std::string id, EntryRequest request)
         co_return refusedHere(SaveOutcome::rejected, "This entry lies in a locked period of the workspace.");
     std::vector<Submission> changes;
     changes.push_back(
-        {EntryChange{EntryChange::Update{std::move(request), id, known->workspaceId, versionOf(*known)}},
-         known});
+        made(EntryChange{EntryChange::Update{std::move(request), id, known->workspaceId, versionOf(*known)}},
+             *known));
     co_return co_await submit(std::move(changes), id, SaveOutcome::saved);
 }
 
@@ -237,7 +249,8 @@ Task<SaveResult> Tracker::remove(std::string id)
     if (m_settings && rules().isLocked(known->start))
         co_return refusedHere(SaveOutcome::rejected, "This entry lies in a locked period of the workspace.");
     std::vector<Submission> changes;
-    changes.push_back({EntryChange{EntryChange::Delete{id, known->workspaceId, versionOf(*known)}}, known});
+    changes.push_back(
+        made(EntryChange{EntryChange::Delete{id, known->workspaceId, versionOf(*known)}}, *known));
     SaveResult result = co_await submit(std::move(changes), id, SaveOutcome::saved);
     if (result.outcome != SaveOutcome::rejected)
         result.entry.reset();

@@ -142,7 +142,9 @@ TEST_F(KillJourney, CommandsAtOnceShareTheQueue)
                                           "0:0" + std::to_string(i), "--stop", "0:1" + std::to_string(i)}));
     for (const auto &process : processes) {
         ASSERT_TRUE(process->waitForFinished(60'000));
-        EXPECT_EQ(process->exitCode(), 0) << process->readAllStandardError().toStdString();
+        const std::string said = process->readAllStandardError().toStdString();
+        EXPECT_EQ(process->exitCode(), 0) << said;
+        EXPECT_EQ(said, "") << "what another command sends is not told as waiting";
     }
     const CommandRun status = folder.json({"status"});
     EXPECT_EQ(status.object()[QLatin1String("outbox")][QLatin1String("pending")].toInt(), 0) << status.all();
