@@ -55,6 +55,8 @@ private:
     Instant moment(const Process &process);
     /// A length or distance that nobody used before.
     World::Millis distance(std::int64_t from, std::int64_t to);
+    /// As it stands in the history.
+    static std::string clock(Instant instant);
     static std::string value(Instant instant) { return std::to_string(millisecondsSinceEpoch(instant)); }
 
     // What goes wrong
