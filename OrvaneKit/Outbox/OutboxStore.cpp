@@ -134,7 +134,10 @@ std::optional<TimeEntryResponse> outcomeOf(Steps &steps, const Rows &rows)
         entry = applied(first, std::move(base->entry));
     }
     for (const PendingChange &row : rows | std::views::drop(1)) {
-        if (entry)
+        // The first of two stops stands.
+        const bool isLateStop =
+            entry && entry->stop && std::holds_alternative<EntryChange::Stop>(row.change.action);
+        if (entry && !isLateStop)
             entry = applied(row.change, std::move(*entry));
     }
     return entry;

@@ -64,8 +64,6 @@ public:
     /// The user kept theirs: the deed is given up.
     void keptTheirs(int deed, const TimeEntryResponse &current);
     void mayAskAgain(int deed) { m_deeds.at(static_cast<std::size_t>(deed)).mayAskAgain = true; }
-    /// What the user wanted turned out to be settled already.
-    void restore(int deed, Deed before) { m_deeds.at(static_cast<std::size_t>(deed)) = std::move(before); }
     /// The user kept mine, with `current` on the screen: the deed is done again, knowing of all that was
     /// shown.
     void keptMine(int deed, const TimeEntryResponse &current);

@@ -109,6 +109,12 @@ void Simulation::startTimer(const ProcessPtr &process)
     EntryDetails details;
     details.description = text;
     await(process, deeds, process->tracker().start(std::move(details), at));
+    // Often it was a short thing, or a slip.
+    if (m_world.random().chance(40))
+        m_world.post(m_world.newLane(), Millis(m_world.random().between(100, 20'000)), [this, process] {
+            if (process->isOpen() && !m_commands.contains(process.get()))
+                stopTimer(process);
+        });
 }
 
 void Simulation::stopTimer(const ProcessPtr &process)
@@ -244,10 +250,10 @@ Task<> Simulation::settle(ProcessPtr process, std::int64_t seq, bool keepsMine)
     const auto deed = deedOf(*process, *row);
     m_world.note(process->name(), "keeps " + std::string(keepsMine ? "mine" : "theirs") + " for change " +
                                       std::to_string(seq) + " of " + current.id);
-    Oracle::Deed before;
+
     std::optional<std::string> wrong;
     if (deed) {
-        before = m_oracle.deed(*deed);
+
         wrong = m_oracle.judgeConflict(*deed, current);
         if (keepsMine) {
             m_oracle.keptMine(*deed, current);
@@ -266,8 +272,8 @@ Task<> Simulation::settle(ProcessPtr process, std::int64_t seq, bool keepsMine)
     // Another program may have settled it meanwhile.
     if (*settled && wrong)
         fault(*wrong);
-    if (!*settled && m_oracle.deed(*deed).fate != Oracle::Fate::Dropped)
-        m_oracle.restore(*deed, before);
+    if (!*settled)
+        m_oracle.tell(*deed, Oracle::Fate::Unknown);
     else if (!keepsMine)
         m_oracle.keptTheirs(*deed, current);
 }
