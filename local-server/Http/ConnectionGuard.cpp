@@ -6,10 +6,12 @@
 #include "Http/RequestGate.h"
 
 #include <algorithm>
-#include <map>
+#include <iterator>
 #include <sys/ioctl.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
+#include <utility>
+#include <vector>
 
 namespace orvane::server {
 
@@ -34,6 +36,9 @@ constexpr std::chrono::seconds sweepInterval{1};
 /// Many clients may come back in one moment, after the network was away.
 constexpr int backlog = 1024;
 
+using Arrivals = std::map<std::uint64_t, GuardedSocket *>;
+using Doomed = std::vector<GuardedSocket *>;
+
 SteadyTime steadyNow()
 {
     return std::chrono::floor<SteadyTime>(std::chrono::steady_clock::now().time_since_epoch());
@@ -48,19 +53,25 @@ std::size_t descriptorsForConnections()
     return std::max(all, 2 * descriptorsOfOurs) - descriptorsOfOurs;
 }
 
-/// Drops the first ones of those that `may` go until no more than `most` are left, if there are that many.
-void dropDownTo(std::size_t most, const std::vector<GuardedSocket *> &sockets,
-                bool (GuardedSocket::*may)() const)
+/// The oldest ones beyond `most` of those who have said nothing in the moment that they had.
+Doomed settledBeyond(std::size_t most, const Arrivals &strangers)
 {
-    std::size_t left = sockets.size();
-    for (GuardedSocket *socket : sockets) {
-        if (left <= most)
-            return;
-        if (!(socket->*may)())
-            continue;
-        socket->drop();
-        --left;
+    Doomed doomed;
+    for (const auto &[number, socket] : strangers) {
+        // Whoever came later had even less time.
+        if (strangers.size() - doomed.size() <= most || !socket->hadItsMoment())
+            break;
+        if (socket->isIdle())
+            doomed.push_back(socket);
     }
+    return doomed;
+}
+
+/// Each goes out of the lists as it goes, so these are not walked meanwhile.
+void dropAll(const Doomed &doomed)
+{
+    for (GuardedSocket *socket : doomed)
+        socket->drop();
 }
 
 } // namespace
@@ -153,16 +164,25 @@ void GuardedSocket::beginNextTurn()
     begin();
 }
 
-bool GuardedSocket::isIdle() const
+void GuardedSocket::setSignedIn()
 {
-    int waiting = 0;
-    const bool known = ::ioctl(static_cast<int>(socketDescriptor()), FIONREAD, &waiting) == 0;
-    return !m_isAnswering && !(known && waiting > 0);
+    if (!std::exchange(m_isStranger, false))
+        return;
+    Q_EMIT signedIn();
 }
 
-bool GuardedSocket::hasSettled() const
+bool GuardedSocket::isIdle() const
 {
-    return isIdle() && m_clock() - m_began >= grace;
+    if (m_isAnswering)
+        return false;
+    int waiting = 0;
+    const bool known = ::ioctl(static_cast<int>(socketDescriptor()), FIONREAD, &waiting) == 0;
+    return !(known && waiting > 0);
+}
+
+bool GuardedSocket::hadItsMoment() const
+{
+    return m_clock() - m_began >= grace;
 }
 
 bool GuardedSocket::isStale() const
@@ -186,73 +206,90 @@ ConnectionGuard::ConnectionGuard(Options options)
     m_sweep.start(sweepInterval);
 }
 
+ConnectionGuard::~ConnectionGuard()
+{
+    // They end after the lists out of which they would go.
+    for (auto *socket : findChildren<GuardedSocket *>())
+        socket->disconnect(this);
+}
+
 void ConnectionGuard::incomingConnection(qintptr descriptor)
 {
     auto *socket = new GuardedSocket(m_options.clock, this);
-    socket->setSocketDescriptor(descriptor);
+    if (!socket->setSocketDescriptor(descriptor)) {
+        delete socket;
+        return;
+    }
     if (addressText(socket->peerAddress()) == m_options.trustedProxy)
         socket->setSignedIn();
-    forgetClosed();
-    if (socket->isStranger())
-        keepStrangers(socket->peerAddress(), mostStrangersOfAPeer - 1);
+    const auto known = m_strangersOf.constFind(socket->peerAddress());
+    if (socket->isStranger() && known != m_strangersOf.cend())
+        dropAll(settledBeyond(mostStrangersOfAPeer - 1, *known));
     keepConnections(m_most - 1);
-    if (m_sockets.size() >= m_most) {
+    if (m_connections.size() >= m_most) {
         socket->drop();
         return;
     }
-    m_sockets.emplace_back(socket);
+    take(socket);
     addPendingConnection(socket);
 }
 
-void ConnectionGuard::forgetClosed()
+void ConnectionGuard::take(GuardedSocket *socket)
 {
-    std::erase_if(m_sockets, [](const auto &socket) {
-        return !socket || socket->state() == QAbstractSocket::UnconnectedState;
-    });
+    const std::uint64_t number = ++m_lastNumber;
+    // A closed socket does not say any more whose it was.
+    const QHostAddress peer = socket->peerAddress();
+    m_connections.emplace(number, socket);
+    if (socket->isStranger()) {
+        m_strangers.emplace(number, socket);
+        m_strangersOf[peer].emplace(number, socket);
+    }
+    connect(socket, &GuardedSocket::signedIn, this, [this, number, peer] { forgetStranger(number, peer); });
+    connect(socket, &GuardedSocket::disconnected, this, [this, number, peer] { forget(number, peer); });
+    connect(socket, &QObject::destroyed, this, [this, number, peer] { forget(number, peer); });
 }
 
-void ConnectionGuard::keepStrangers(const QHostAddress &peer, std::size_t most)
+void ConnectionGuard::forget(std::uint64_t number, const QHostAddress &peer)
 {
-    std::vector<GuardedSocket *> strangers;
-    for (const auto &socket : m_sockets) {
-        if (socket->isStranger() && socket->peerAddress() == peer)
-            strangers.push_back(socket);
-    }
-    dropDownTo(most, strangers, &GuardedSocket::hasSettled);
-    forgetClosed();
+    m_connections.erase(number);
+    forgetStranger(number, peer);
+}
+
+void ConnectionGuard::forgetStranger(std::uint64_t number, const QHostAddress &peer)
+{
+    m_strangers.erase(number);
+    const auto of = m_strangersOf.find(peer);
+    if (of == m_strangersOf.end())
+        return;
+    of->erase(number);
+    if (of->empty())
+        m_strangersOf.erase(of);
 }
 
 /// Of all connections together; strangers alone go.
 void ConnectionGuard::keepConnections(std::size_t most)
 {
-    if (m_sockets.size() <= most)
-        return;
-    std::vector<GuardedSocket *> strangers;
-    for (const auto &socket : m_sockets) {
-        if (socket->isStranger())
-            strangers.push_back(socket);
+    Doomed doomed;
+    for (const auto &[number, socket] : m_strangers) {
+        if (m_connections.size() - doomed.size() <= most)
+            break;
+        if (socket->isIdle())
+            doomed.push_back(socket);
     }
-    const std::size_t others = m_sockets.size() - strangers.size();
-    dropDownTo(most > others ? most - others : 0, strangers, &GuardedSocket::isIdle);
-    forgetClosed();
+    dropAll(doomed);
 }
 
 void ConnectionGuard::sweep()
 {
-    forgetClosed();
-    for (const auto &socket : m_sockets) {
+    Doomed doomed;
+    for (const auto &[number, socket] : m_connections) {
         if (socket->isStale())
-            socket->drop();
+            doomed.push_back(socket);
     }
-    forgetClosed();
-    std::map<QString, std::vector<GuardedSocket *>> strangers;
-    for (const auto &socket : m_sockets) {
-        if (socket->isStranger())
-            strangers[socket->peerAddress().toString()].push_back(socket);
-    }
-    for (const auto &[peer, sockets] : strangers)
-        dropDownTo(mostStrangersOfAPeer, sockets, &GuardedSocket::hasSettled);
-    forgetClosed();
+    dropAll(std::exchange(doomed, {}));
+    for (const Arrivals &strangers : std::as_const(m_strangersOf))
+        std::ranges::copy(settledBeyond(mostStrangersOfAPeer, strangers), std::back_inserter(doomed));
+    dropAll(doomed);
 }
 
 } // namespace orvane::server

@@ -1,16 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QPointer>
+#include <QHash>
+#include <QHostAddress>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTimer>
 #include <chrono>
+#include <cstdint>
 #include <deque>
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace orvane::server {
 
@@ -33,17 +35,20 @@ public:
     void requestAnswered();
     /// Whether nothing is being answered, and nothing has come that was not looked at yet.
     bool isIdle() const;
-    /// Whether it is idle and has had a moment to say something.
-    bool hasSettled() const;
+    /// Whether it has had a moment to say something.
+    bool hadItsMoment() const;
 
     /// A stranger is who has not shown a good access token over this connection so far.
     bool isStranger() const { return m_isStranger; }
-    void setSignedIn() { m_isStranger = false; }
+    void setSignedIn();
 
     /// Whether it has been silent, or its request has been arriving, for too long.
     bool isStale() const;
     /// Ends the connection at once, and this object soon.
     void drop();
+
+Q_SIGNALS:
+    void signedIn();
 
 private:
     void arrived();
@@ -67,7 +72,8 @@ private:
 /// Takes connections: those of signed-in users as long as the process has descriptors, and of strangers a
 /// number for each peer. A stranger too many is let in, and that peer's oldest one goes for it, so that those
 /// who hold connections open shut nobody out. Who is being answered does not have to go, and who has only
-/// just come has to for want of descriptors alone.
+/// just come has to for want of descriptors alone. What a new connection costs does not grow with the number
+/// of those that are open.
 class ConnectionGuard : public QTcpServer {
     Q_OBJECT
 
@@ -84,6 +90,7 @@ public:
 
     ConnectionGuard();
     explicit ConnectionGuard(Options options);
+    ~ConnectionGuard() override;
 
     /// Closes the connections that are stale or too many; happens by itself every second.
     void sweep();
@@ -92,14 +99,21 @@ protected:
     void incomingConnection(qintptr descriptor) override;
 
 private:
-    void forgetClosed();
-    void keepStrangers(const QHostAddress &peer, std::size_t most);
+    /// Connections by the number of their coming, so the oldest is first.
+    using Arrivals = std::map<std::uint64_t, GuardedSocket *>;
+
+    void take(GuardedSocket *socket);
+    void forget(std::uint64_t number, const QHostAddress &peer);
+    void forgetStranger(std::uint64_t number, const QHostAddress &peer);
     void keepConnections(std::size_t most);
 
     Options m_options;
     std::size_t m_most;
-    /// In the order of their coming.
-    std::vector<QPointer<GuardedSocket>> m_sockets;
+    std::uint64_t m_lastNumber = 0;
+    /// The open ones, then those of them that are strangers', and these by their peer.
+    Arrivals m_connections;
+    Arrivals m_strangers;
+    QHash<QHostAddress, Arrivals> m_strangersOf;
     QTimer m_sweep;
 };
 

@@ -9,6 +9,7 @@
 #include <QAbstractHttpServer>
 #include <QHttpServerRequest>
 #include <QHttpServerResponder>
+#include <QPointer>
 #include <optional>
 
 namespace orvane::server {
