@@ -57,13 +57,29 @@ std::string_view bareAddress(std::string_view text)
     return colon == text.rfind(':') ? text.substr(0, colon) : text;
 }
 
-std::optional<std::string> fromHeaders(const HttpHeaders &headers, std::string_view own,
-                                       const QByteArray &inForwarded)
+/// The last hop as both headers tell it: a proxy sets one of them and hands on the other as a client wrote
+/// it.
+struct Told {
+    std::optional<std::string> byOwnHeader;
+    std::optional<std::string> byForwarded;
+};
+
+Told told(const HttpHeaders &headers, std::string_view own, const QByteArray &inForwarded)
 {
+    Told out;
     if (const auto value = headers.find(own))
-        return std::string(unquoted(lastMember(*value)));
-    const auto forwarded = headers.find("Forwarded");
-    return forwarded ? parameter(lastMember(*forwarded), inForwarded) : std::nullopt;
+        out.byOwnHeader = std::string(unquoted(lastMember(*value)));
+    if (const auto forwarded = headers.find("Forwarded"))
+        out.byForwarded = parameter(lastMember(*forwarded), inForwarded);
+    return out;
+}
+
+/// Empty for what is no address.
+std::string addressIn(const std::string &hop)
+{
+    const std::string_view bare = bareAddress(hop);
+    const QHostAddress address(QString::fromUtf8(bare.data(), static_cast<qsizetype>(bare.size())));
+    return address.isNull() ? std::string() : addressText(address);
 }
 
 } // namespace
@@ -77,18 +93,20 @@ std::string addressText(const QHostAddress &address)
 
 std::optional<std::string> forwardedPeer(const HttpHeaders &headers)
 {
-    const auto named = fromHeaders(headers, "X-Forwarded-For", "for");
-    if (!named)
+    const Told hop = told(headers, "X-Forwarded-For", "for");
+    const bool both = headers.find("X-Forwarded-For") && headers.find("Forwarded");
+    const std::string one = addressIn(hop.byOwnHeader.value_or(hop.byForwarded.value_or("")));
+    if (one.empty() || (both && one != addressIn(hop.byForwarded.value_or(""))))
         return std::nullopt;
-    const std::string_view bare = bareAddress(*named);
-    const QHostAddress address(QString::fromUtf8(bare.data(), static_cast<qsizetype>(bare.size())));
-    return address.isNull() ? std::nullopt : std::optional{addressText(address)};
+    return one;
 }
 
 std::optional<std::string> forwardedHost(const HttpHeaders &headers)
 {
-    auto host = fromHeaders(headers, "X-Forwarded-Host", "host");
-    return host && host->empty() ? std::nullopt : host;
+    const Told hop = told(headers, "X-Forwarded-Host", "host");
+    auto host = hop.byOwnHeader ? hop.byOwnHeader : hop.byForwarded;
+    const bool disagree = hop.byOwnHeader && hop.byForwarded && *hop.byOwnHeader != *hop.byForwarded;
+    return disagree || (host && host->empty()) ? std::nullopt : host;
 }
 
 } // namespace orvane::server

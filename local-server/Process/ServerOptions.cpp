@@ -111,8 +111,9 @@ std::string serverUsage()
            "                          off loopback it closes registration, and plain HTTP can be read on the "
            "way\n"
            "  --trusted-proxy ADDRESS take that proxy's word for who sends a request and to which name\n"
-           "                          (X-Forwarded-For and X-Forwarded-Host, or Forwarded); it must set or\n"
-           "                          remove them all. Closes registration\n"
+           "                          (X-Forwarded-For and X-Forwarded-Host, or Forwarded). It must set one\n"
+           "                          kind and should remove the other: where they differ, neither\n"
+           "                          counts. Closes registration\n"
            "  --idle-exit SECONDS     end after that long without a request, 0 for never (default 600)\n"
            "  --foreground            stay with the terminal and say what happens\n"
            "  --version, --help\n";

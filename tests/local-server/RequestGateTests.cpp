@@ -106,6 +106,22 @@ TEST_F(BehindAProxy, GuessesCountForWhoeverSentThem)
     EXPECT_EQ(login("grace@example.org", from("192.0.2.9")), 401) << "only the proxy says for whom it speaks";
 }
 
+TEST_F(BehindAProxy, AClientCannotNameItselfInTheHeaderThatTheProxyLeavesAlone)
+{
+    const auto guess = [&](const std::string &theirs, const std::string &proxys) {
+        return login("grace@example.org", {{"X-Forwarded-For", theirs}, {"Forwarded", proxys}});
+    };
+    for (int i = 0; i < 5; ++i)
+        EXPECT_EQ(guess("198.51.100." + std::to_string(i), "for=192.0.2.9"), 401);
+    EXPECT_EQ(guess("198.51.100.9", "for=192.0.2.9"), 429) << "all of them count for the proxy";
+    EXPECT_EQ(guess("192.0.2.9", "proto=https"), 429) << "a hop that names nobody agrees with nobody";
+    EXPECT_EQ(guess("192.0.2.9", "for=\"192.0.2.9:99\""), 401) << "both name the same";
+    EXPECT_EQ(statusWith(GetServer::request({}), {{"X-Forwarded-Host", "time.example.org"},
+                                                  {"Forwarded", "for=192.0.2.9;host=other.example"},
+                                                  {"Host", "upstream"}}),
+              421);
+}
+
 TEST_F(BehindAProxy, RegistrationIsClosed)
 {
     EXPECT_EQ(statusWith(Register::request({registration()}), {}), 403);
