@@ -245,7 +245,8 @@ LocalServerLink::Answer<std::string> LocalServerLink::codeHere(Self self, std::s
 
 LocalServerLink::Answer<HttpResponse> LocalServerLink::passOnHere(Self self, HttpRequest request)
 {
-    // A password is hashed slowly on purpose, and more so on a busy computer.
+    // A password is hashed slowly on purpose, and more so on a busy computer. Not bounded by the deadline:
+    // this is for signing in, which somebody is waiting for, and giving up on it would not undo what it does.
     constexpr milliseconds patience{10'000};
     auto socket = co_await LocalSocket::connectTo(self->m_options.folder, self->stepLimit());
     if (!socket)

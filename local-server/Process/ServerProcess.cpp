@@ -51,9 +51,12 @@ ServerProcess::ServerProcess(ServerOptions options)
               serve(request, peer, std::move(reply));
           },
           m_options.trustedProxy)
-    , m_socket([this](const SocketRequest &request) {
+    , m_socket([this](const SocketRequest &request, const ServerSocket::Reply &reply) {
         restartIdleTimer();
-        return answer(request);
+        if (request.command == "request")
+            passOn(request, reply);
+        else
+            reply(answer(request));
     })
 {
     m_idle.setSingleShot(true);
@@ -173,8 +176,6 @@ SocketAnswer ServerProcess::answer(const SocketRequest &request)
         } else {
             answer.error = std::move(code.error());
         }
-    } else if (request.command == "request") {
-        return passedOn(request);
     } else {
         answer.error = "the command is not known";
     }
@@ -182,26 +183,28 @@ SocketAnswer ServerProcess::answer(const SocketRequest &request)
 }
 
 /// A request that came this way is as good as a proved one: whoever sends it could have asked for the key.
-SocketAnswer ServerProcess::passedOn(const SocketRequest &request)
+void ServerProcess::passOn(const SocketRequest &request, const ServerSocket::Reply &reply)
 {
-    SocketAnswer answer;
     const auto method = methodNamed(request.method.value_or(""));
     if (!method || !request.path) {
-        answer.error = "the request is not understood";
-        return answer;
+        SocketAnswer refusal;
+        refusal.error = "the request is not understood";
+        return reply(refusal);
     }
     HttpRequest passed{*method, *request.path, {}, request.body.value_or("")};
     for (const auto &[name, value] : request.headers.value_or(std::map<std::string, std::string>{}))
         passed.headers.set(name, value);
     passed.headers.set("Host", m_point.url().substr(std::string_view("http://").size()));
     passed.headers.set(linkProofHeader, requestProof(m_linkKey, newProofNonce(), passed));
-    HttpResponse response = m_core->handle(passed, socketPeer);
-    answer.status = response.status;
-    answer.headers.emplace();
-    for (const auto &[name, value] : response.headers.all())
-        answer.headers->emplace(name, value);
-    answer.body = std::move(response.body);
-    return answer;
+    serve(passed, socketPeer, [reply](HttpResponse response, bool) {
+        SocketAnswer answer;
+        answer.status = response.status;
+        answer.headers.emplace();
+        for (const auto &[name, value] : response.headers.all())
+            answer.headers->emplace(name, value);
+        answer.body = std::move(response.body);
+        reply(answer);
+    });
 }
 
 void ServerProcess::restartIdleTimer()

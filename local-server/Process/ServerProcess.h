@@ -40,7 +40,7 @@ private:
     std::string openCore();
     void serve(const HttpRequest &request, const std::string &peer, HttpFront::Reply reply);
     SocketAnswer answer(const SocketRequest &request);
-    SocketAnswer passedOn(const SocketRequest &request);
+    void passOn(const SocketRequest &request, const ServerSocket::Reply &reply);
     void restartIdleTimer();
     std::string file(const char *name) const;
 

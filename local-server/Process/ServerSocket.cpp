@@ -3,6 +3,7 @@
 
 #include "Support/FileDescriptor.h"
 
+#include <QPointer>
 #include <QTimer>
 #include <cerrno>
 #include <cstring>
@@ -170,17 +171,24 @@ void ServerSocket::accept()
 void ServerSocket::read(QLocalSocket *socket)
 {
     while (socket->canReadLine())
-        reply(socket, socket->readLine(longestLine));
+        answer(socket, socket->readLine(longestLine));
     if (socket->bytesAvailable() >= longestLine)
         socket->abort();
 }
 
-void ServerSocket::reply(QLocalSocket *socket, const QByteArray &line)
+void ServerSocket::answer(QLocalSocket *socket, const QByteArray &line)
 {
+    const Reply reply = [socket = QPointer(socket)](const SocketAnswer &answer) {
+        if (!socket)
+            return;
+        socket->write(QByteArray::fromStdString(encodeJson(answer) + "\n"));
+        socket->flush();
+    };
     const auto request = decodeJson<SocketRequest>(line.toStdString());
-    const SocketAnswer answer = request ? m_answer(*request) : refusal("the request is not understood");
-    socket->write(QByteArray::fromStdString(encodeJson(answer) + "\n"));
-    socket->flush();
+    if (request)
+        m_answer(*request, reply);
+    else
+        reply(refusal("the request is not understood"));
 }
 
 bool serverAnswersIn(const std::string &folder)

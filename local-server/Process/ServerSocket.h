@@ -17,7 +17,10 @@ class ServerSocket : public QObject {
     Q_OBJECT
 
 public:
-    using Answer = std::function<SocketAnswer(const SocketRequest &)>;
+    using Reply = std::function<void(const SocketAnswer &)>;
+    /// Calls `reply` once, at once or later, on the same thread; the connection may be gone by then. A
+    /// caller that asks twice without waiting may hear the answers in the other order.
+    using Answer = std::function<void(const SocketRequest &, Reply reply)>;
 
     /// Used on the thread that made it.
     explicit ServerSocket(Answer answer);
@@ -31,7 +34,7 @@ public:
 private:
     void accept();
     void read(QLocalSocket *socket);
-    void reply(QLocalSocket *socket, const QByteArray &line);
+    void answer(QLocalSocket *socket, const QByteArray &line);
 
     Answer m_answer;
     QLocalServer m_server;

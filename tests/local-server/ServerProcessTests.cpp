@@ -108,20 +108,27 @@ protected:
         return exitCode(process);
     }
 
-    std::string ask(const std::string &line)
+    /// A connection to the server's socket, over which that line has gone.
+    std::unique_ptr<QLocalSocket> beginAsking(const std::string &line)
     {
         // Through a descriptor, since the path may be longer than an address has room for.
         const int run = ::open((folder() + "/run").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-        QLocalSocket socket;
-        socket.connectToServer(text("/proc/self/fd/" + std::to_string(run) + "/server.sock"));
+        auto socket = std::make_unique<QLocalSocket>();
+        socket->connectToServer(text("/proc/self/fd/" + std::to_string(run) + "/server.sock"));
         ::close(run);
-        if (!socket.waitForConnected(patience))
-            return {};
-        socket.write(QByteArray::fromStdString(line));
+        if (socket->waitForConnected(patience)) {
+            socket->write(QByteArray::fromStdString(line));
+            socket->flush();
+        }
+        return socket;
+    }
+    static std::string heardFrom(QLocalSocket &socket)
+    {
         while (!socket.canReadLine() && socket.waitForReadyRead(patience)) {
         }
         return socket.readLine().toStdString();
     }
+    std::string ask(const std::string &line) { return heardFrom(*beginAsking(line)); }
     SocketAnswer answer(const std::string &line)
     {
         return decodeJson<SocketAnswer>(ask(line)).value_or(SocketAnswer{});
@@ -535,6 +542,28 @@ TEST_F(ServerRun, AFloodOfStrangersKeepsNobodyWaiting)
     EXPECT_FALSE(hasAnswer(registering.back())) << "the hashes are under way still";
     for (const FileDescriptor &one : registering)
         EXPECT_EQ(statusFrom(one), 201);
+    EXPECT_EQ(endWith(*server, SIGTERM), 0);
+}
+
+TEST_F(ServerRun, APasswordThatCameThroughTheSocketKeepsNobodyWaiting)
+{
+    const auto server = serve();
+    std::vector<std::unique_ptr<QLocalSocket>> registering;
+    for (int i = 0; i < 8; ++i) {
+        RegisterRequest body;
+        body.email = "user" + std::to_string(i) + "@example.org";
+        body.password = "correct horse battery";
+        const SocketRequest request{.command = "request",
+                                    .method = "POST",
+                                    .path = "/api/auth/register",
+                                    .headers = {{{"Content-Type", "application/json"}}},
+                                    .body = encodeJson(body)};
+        registering.push_back(beginAsking(encodeJson(request) + "\n"));
+    }
+    EXPECT_TRUE(answer("{\"command\":\"hello\"}\n").address);
+    EXPECT_FALSE(registering.back()->waitForReadyRead(0)) << "the hashes are under way still";
+    for (const auto &socket : registering)
+        EXPECT_EQ(decodeJson<SocketAnswer>(heardFrom(*socket)).value_or(SocketAnswer{}).status, 201);
     EXPECT_EQ(endWith(*server, SIGTERM), 0);
 }
 
