@@ -65,7 +65,7 @@ def store_round(arguments):
     # runs that nothing else disturbed.
     submit = statistics.median(found["submit.rate"])
     read = min(found["readStore"]) / min(found["readBare"])
-        return submit, read
+    return submit, read
 
 
 def store_rows(arguments):
