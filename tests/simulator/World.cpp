@@ -17,7 +17,7 @@ constexpr Instant dawn{std::chrono::sys_days{std::chrono::year{2026} / std::chro
 
 void runPosted()
 {
-        // What goes may wake somebody who posts again.
+    // What goes may wake somebody who posts again.
     for (int round = 0; round < 3; ++round) {
         QCoreApplication::sendPostedEvents();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
