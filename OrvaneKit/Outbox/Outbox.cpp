@@ -63,6 +63,7 @@ Task<std::unique_ptr<Outbox>> Outbox::make(Parts parts)
 {
     std::unique_ptr<Outbox> outbox(new Outbox(std::move(parts)));
     std::vector<PendingChange> stored = co_await outbox->m_parts.store->pending();
+    outbox->m_readUpTo = stored.empty() ? 0 : stored.back().seq;
     for (PendingChange &row : stored)
         outbox->m_queue.adopt(std::move(row));
     co_return outbox;
@@ -234,7 +235,7 @@ Task<Outbox::Step> Outbox::sendAll()
 Task<bool> Outbox::readNewRows()
 {
     const QPointer<Outbox> self(this);
-    const auto rows = co_await storedAbove(m_parts.store, m_queue.lastSeq());
+    const auto rows = co_await storedAbove(m_parts.store, m_readUpTo);
     if (!self)
         co_return false;
     if (!rows) {
@@ -242,6 +243,8 @@ Task<bool> Outbox::readNewRows()
         co_return false;
     }
     if (!rows->empty()) {
+        // Not as far as this process's own rows: another one's may lie before them.
+        m_readUpTo = rows->back().seq;
         m_queue.adopt(*rows);
         Q_EMIT pendingChanged();
     }

@@ -169,6 +169,9 @@ private:
 
     Parts m_parts;
     QueuedChanges m_queue;
+    /// Every row of the store up to this number has been read.
+    std::int64_t m_readUpTo = 0;
+
     std::map<std::int64_t, Answer> m_waiters;
     std::optional<std::int64_t> m_sending;
     bool m_isOffline = false;

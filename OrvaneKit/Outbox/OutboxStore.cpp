@@ -117,6 +117,14 @@ std::optional<std::string> versionOf(const TimeEntryResponse &entry)
     return entry.version.empty() ? std::nullopt : std::optional{entry.version};
 }
 
+/// What a queued change makes of its entry, as far as others can stand on it: the first of two stops stands,
+/// so a later one is either taken for that or asks the user.
+std::optional<TimeEntryResponse> outcomeAfter(const EntryChange &change, TimeEntryResponse entry)
+{
+    const bool isLateStop = entry.stop && std::holds_alternative<EntryChange::Stop>(change.action);
+    return isLateStop ? std::optional{std::move(entry)} : applied(change, std::move(entry));
+}
+
 // Queuing
 
 /// What is queued for an entry makes of it; none when that cannot be told, or after a deletion.
@@ -131,14 +139,11 @@ std::optional<TimeEntryResponse> outcomeOf(Steps &steps, const Rows &rows)
         steps.read(ChangeBase::key(rows.front().seq), base);
         if (!base)
             return std::nullopt;
-        entry = applied(first, std::move(base->entry));
+        entry = outcomeAfter(first, std::move(base->entry));
     }
     for (const PendingChange &row : rows | std::views::drop(1)) {
-        // The first of two stops stands.
-        const bool isLateStop =
-            entry && entry->stop && std::holds_alternative<EntryChange::Stop>(row.change.action);
-        if (entry && !isLateStop)
-            entry = applied(row.change, std::move(*entry));
+        if (entry)
+            entry = outcomeAfter(row.change, std::move(*entry));
     }
     return entry;
 }
@@ -264,7 +269,7 @@ Stored<Rows> restack(Steps &steps, const Settled &settled, std::optional<TimeEnt
             break;
         if (base)
             steps.write(ChangeBase::key(row.seq), ChangeBase{*ground, base->seen});
-        ground = applied(row.change, std::move(*ground));
+        ground = outcomeAfter(row.change, std::move(*ground));
     }
     if (!steps)
         return steps.error();
@@ -340,9 +345,9 @@ Stored<Rows> acceptOn(Connection &connection, const Rows &accepted, const Accept
     if (acceptance.entry && acceptance.isOursAlone) {
         std::optional<EntryHead> head;
         steps.read(key, head);
-        const EntryHead after = headAfter(std::move(head), accepted, acceptance);
+        const EntryHead newest = headAfter(std::move(head), accepted, acceptance);
         // Written anew, so that the newest has the highest row.
-        steps.remove(key).write(key, after);
+        steps.remove(key).write(key, newest);
     } else {
         steps.remove(key);
         auto hidden = hideVersion(steps, change.entryId(), last);

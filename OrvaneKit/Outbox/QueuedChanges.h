@@ -24,7 +24,7 @@ struct QueuedChange {
 class QueuedChanges {
 public:
     const std::deque<QueuedChange> &rows() const { return m_rows; }
-    std::int64_t lastSeq() const { return m_rows.empty() ? 0 : m_rows.back().seq; }
+
     std::vector<EntryChange> changes() const;
     std::vector<QueuedChange> conflicts() const;
     /// Those above `after` and below `before`.
