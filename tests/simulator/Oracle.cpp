@@ -48,6 +48,8 @@ int Oracle::begin(const std::string &device, Kind kind, const std::string &entry
               .writes = std::move(writes),
               .seen = shown ? behind(entry, contentsOf(*shown)) : std::set<int>{}};
 
+    if (shown)
+        deed.shown = contentsOf(*shown);
     for (const auto &[field, value] : deed.writes)
         m_writer[{entry, field, value}] = deed.id;
     m_deeds.push_back(std::move(deed));
@@ -158,6 +160,11 @@ std::optional<std::string> Oracle::judgeConflict(int id, const TimeEntryResponse
     const Deed &mine = deed(id);
     const auto isNews = [&](const auto &item) {
         const auto writer = m_writer.find({mine.entry, item.first, item.second});
+        // A snapshot can be older than what is queued over it.
+        const auto shown = mine.shown.find(item.first);
+        if (mine.writes.contains(item.first) && (shown == mine.shown.end() || shown->second != item.second) &&
+            mine.kind == Kind::Edit && mine.writes.at(item.first) != item.second)
+            return true;
         // The server's own doing, as when another timer's start ends this one.
         if (writer == m_writer.end() || (item.first == Field::Stop && isAnothersStart(item.second)))
             return true;

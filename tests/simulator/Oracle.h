@@ -39,6 +39,7 @@ public:
         Contents writes;
         /// The deeds whose outcome was on the screen, and those behind them.
         std::set<int> seen;
+        Contents shown = {};
         Fate fate = Fate::Unknown;
         /// The program ended before it said that a conflict is settled.
         bool mayAskAgain = false;
