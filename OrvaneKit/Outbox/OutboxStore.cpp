@@ -408,7 +408,7 @@ Stored<std::optional<Rows>> settleOn(Connection &connection, std::int64_t seq,
     std::optional<TimeEntryResponse> ground = current;
     if (keepsMine) {
         row->change = madeAnew(row->change, base ? std::optional{base->entry} : std::nullopt, current);
-        steps.writeRow(*row).write(ChangeBase::key(seq), ChangeBase{current, current});
+        steps.writeRow(*row).write(ChangeBase::key(seq), ChangeBase{current, seen.value_or(current)});
         changed.push_back(*row);
         ground = applied(row->change, current);
     } else {

@@ -201,7 +201,9 @@ void Simulation::learn(const ProcessPtr &process, const std::vector<int> &deeds,
         if (i < result.seqs.size())
             m_oracle.number(deeds[i], process->device().name, result.seqs[i]);
         const bool isLast = i + 1 == deeds.size();
-        if (m_oracle.deed(deeds[i]).fate == Oracle::Fate::Refused)
+        const Oracle::Fate fate = m_oracle.deed(deeds[i]).fate;
+        // Told already, or given up in another window before the answer came.
+        if (fate == Oracle::Fate::Refused || fate == Oracle::Fate::Dropped)
             continue;
         if (result.outcome == SaveOutcome::failed)
             m_oracle.tell(deeds[i], m_hasDiskFaults ? Oracle::Fate::Unknown : Oracle::Fate::Refused);
