@@ -283,8 +283,9 @@ Task<AccountError> Account::whyUnknown()
         if (const auto readable = co_await readThrough(*m_store); !readable)
             co_return AccountError{AccountError::Kind::Store, describe(readable.error()), {}};
     }
-    co_return m_meError ? refusedBy(*m_meError)
-                        : AccountError{AccountError::Kind::Unreachable, m_unreachableReason, {}};
+    if (m_meError)
+        co_return refusedBy(*m_meError);
+    co_return AccountError{AccountError::Kind::Unreachable, m_unreachableReason, {}};
 }
 
 Task<Result<void, AccountError>> Account::openWith(Credentials credentials)

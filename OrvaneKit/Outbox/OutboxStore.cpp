@@ -3,12 +3,12 @@
 
 #include "Catalog/EntryConversions.h"
 #include "OrvaneAPI/SchemaFields.h"
+#include "Outbox/ChangeStack.h"
 #include "Outbox/EntryMerge.h"
+#include "Outbox/OutboxSteps.h"
 #include "Support/JsonImpl.h"
 
 #include <algorithm>
-#include <limits>
-#include <ranges>
 
 ORVANE_JSON(orvane::RefusalDocument)
 ORVANE_JSON(orvane::EntryHead)
@@ -26,188 +26,10 @@ constexpr std::int64_t keptHeads = 64;
 /// How many refusals that were shown are remembered.
 constexpr std::ptrdiff_t keptRefusals = 32;
 
-using Values = std::vector<StoreValue>;
-using Rows = std::vector<PendingChange>;
+using namespace outbox;
+
 template <class T>
 using Stored = Result<T, StoreError>;
-
-constexpr JsonReading storeReading{.dates = DateCoding::SecondsSince2001};
-constexpr JsonStyle storeStyle{.dates = DateCoding::SecondsSince2001};
-
-/// The first failure of several statements; nothing is run after it.
-class Steps {
-public:
-    explicit Steps(Connection &connection) : m_connection(connection) {}
-
-    Steps &run(const std::string &sql, const Values &values, const Connection::OnRow &onRow = {})
-    {
-        if (m_status)
-            m_status = m_connection.run(sql, values, onRow);
-        return *this;
-    }
-    template <class Document>
-    Steps &read(const std::string &key, std::optional<Document> &into)
-    {
-        return run("SELECT value FROM document WHERE key = ?", {key}, [&](const Connection::Row &row) {
-            if (auto read = decodeJson<Document>(row.blob(0).value_or(""), storeReading))
-                into = std::move(*read);
-        });
-    }
-    template <class Document>
-    Steps &write(const std::string &key, const Document &document)
-    {
-        return run("INSERT INTO document (key, value) VALUES (?, ?) "
-                   "ON CONFLICT(key) DO UPDATE SET value = excluded.value",
-                   {key, StoreBlob{encodeJson(document, storeStyle)}});
-    }
-    Steps &remove(const std::string &key) { return run("DELETE FROM document WHERE key = ?", {key}); }
-    Steps &writeRow(const PendingChange &row)
-    {
-        return run("UPDATE outbox SET change = ? WHERE seq = ?",
-                   {StoreBlob{encodeJson(row.change, storeStyle)}, row.seq});
-    }
-    Steps &removeRow(std::int64_t seq)
-    {
-        return run("DELETE FROM outbox WHERE seq = ?", {seq})
-            .remove(ChangeBase::key(seq))
-            .remove(CreationTry::key(seq));
-    }
-
-    explicit operator bool() const { return m_status.has_value(); }
-    const StoreStatus &status() const { return m_status; }
-    tl::unexpected<StoreError> error() const { return failure(m_status.error()); }
-
-private:
-    Connection &m_connection;
-    StoreStatus m_status;
-};
-
-std::optional<PendingChange> pendingOf(const Connection::Row &row)
-{
-    const auto seq = row.integer(0);
-    const auto blob = row.blob(1);
-    if (!seq || !blob)
-        return std::nullopt;
-    auto change = decodeJson<EntryChange>(*blob, storeReading);
-    return change ? std::optional{PendingChange{*seq, std::move(*change)}} : std::nullopt;
-}
-
-/// The rows above `after` that change the entry. Its identifier stands in them as it is, which is quick to
-/// look for in a long queue.
-Steps &readRowsOf(Steps &steps, const std::string &entryId, std::int64_t after, Rows &rows,
-                  std::int64_t last = std::numeric_limits<std::int64_t>::max())
-{
-    return steps.run(
-        "SELECT seq, change FROM outbox WHERE seq > ? AND seq <= ? AND instr(change, ?) > 0 ORDER BY seq",
-        {after, last, StoreBlob{entryId}}, [&](const Connection::Row &row) {
-            auto pending = pendingOf(row);
-            if (pending && pending->change.entryId() == entryId)
-                rows.push_back(std::move(*pending));
-        });
-}
-
-bool isLineOfOurs(const EntryHead &head, const std::optional<std::string> &version)
-{
-    return !version || version->empty() || *version == head.entry.version ||
-           std::ranges::find(head.replaced, *version) != head.replaced.end();
-}
-
-std::optional<std::string> versionOf(const TimeEntryResponse &entry)
-{
-    return entry.version.empty() ? std::nullopt : std::optional{entry.version};
-}
-
-/// What a queued change makes of its entry, as far as others can stand on it: the first of two stops stands,
-/// so a later one is either taken for that or asks the user.
-std::optional<TimeEntryResponse> outcomeAfter(const EntryChange &change, TimeEntryResponse entry)
-{
-    const bool isLateStop = entry.stop && std::holds_alternative<EntryChange::Stop>(change.action);
-    return isLateStop ? std::optional{std::move(entry)} : applied(change, std::move(entry));
-}
-
-// Queuing
-
-/// What is queued for an entry makes of it; none when that cannot be told, or after a deletion.
-std::optional<TimeEntryResponse> outcomeOf(Steps &steps, const Rows &rows)
-{
-    std::optional<TimeEntryResponse> entry;
-    const EntryChange &first = rows.front().change;
-    if (const auto *create = std::get_if<EntryChange::Create>(&first.action)) {
-        entry = entryResponse(create->request, create->id, create->workspaceId);
-    } else {
-        std::optional<ChangeBase> base;
-        steps.read(ChangeBase::key(rows.front().seq), base);
-        if (!base)
-            return std::nullopt;
-        entry = outcomeAfter(first, std::move(base->entry));
-    }
-    for (const PendingChange &row : rows | std::views::drop(1)) {
-        if (entry)
-            entry = outcomeAfter(row.change, std::move(*entry));
-    }
-    return entry;
-}
-
-/// What a change stands on once it is put on top of `head`: that, with what its user saw in the fields that
-/// they changed.
-TimeEntryResponse groundOf(const Submission &submission, const TimeEntryResponse &head)
-{
-    const TimeEntryResponse &base = *submission.base;
-    const auto mine = applied(submission.change, base);
-    TimeEntryResponse ground = head;
-    if (mine && submission.change.request() != nullptr) {
-        const EntryChange back{EntryChange::Update{entryRequest(base), base.id, base.workspaceId, {}}};
-        ground = *applied(putOnTop(back, *mine, head).change, head);
-    }
-    ground.version = base.version;
-    return ground;
-}
-
-void contest(Submission &submission)
-{
-    submission.change = submission.change.withVersion(unseenVersion);
-}
-
-void place(Submission &submission, const TimeEntryResponse &head, const std::optional<std::string> &version)
-{
-    // All that is queued for an entry carries one version, so that a long queue needs no other to be
-    // remembered.
-    if (version)
-        submission.change = submission.change.withVersion(*version);
-    if (saysTheSame(*submission.base, head))
-        return;
-    Rebased rebased = putOnTop(submission.change, *submission.base, head);
-    if (rebased.isContested)
-        return contest(submission);
-    submission.base = groundOf(submission, head);
-    submission.change = std::move(rebased.change);
-}
-
-/// Puts a change on top of what this store's queue has made of its entry and still wants to make of it.
-void placeOnTop(Steps &steps, Submission &submission)
-{
-    const std::string id = submission.change.entryId();
-    Rows rows;
-    std::optional<EntryHead> head;
-    readRowsOf(steps, id, 0, rows).read(EntryHead::key(id), head);
-    const auto seen = versionOf(*submission.base);
-    if (rows.empty()) {
-        if (head && isLineOfOurs(*head, seen))
-            place(submission, head->entry, head->entry.version);
-        else if (submission.server && submission.server->version == submission.base->version)
-            place(submission, TimeEntryResponse(*submission.server), {});
-        else if (!head && !seen)
-            contest(submission); // what has become of the entry meanwhile is not known
-        return;
-    }
-    const auto outcome = outcomeOf(steps, rows);
-    if (!outcome)
-        return;
-    // Whatever server's version it was made against: those before it are sent first, and when that version
-    // stands against them, settling their conflict decides about this change too.
-    const auto carried = rows.front().change.version();
-    place(submission, *outcome, carried == unseenVersion ? std::nullopt : carried);
-}
 
 Stored<Rows> enqueueOn(Connection &connection, std::vector<Submission> &submissions)
 {
@@ -226,68 +48,6 @@ Stored<Rows> enqueueOn(Connection &connection, std::vector<Submission> &submissi
             return steps.error();
         rows.push_back({*seq, submission.change});
     }
-    return rows;
-}
-
-// Rewriting what stands behind a change
-
-/// What became of a change, and so of the ground that others stand on.
-struct Settled {
-    std::string entryId;
-    std::int64_t seq = 0;
-    enum { KeptMine, KeptTheirs, Refused } how = Refused;
-    /// What its user had seen of the entry.
-    std::optional<TimeEntryResponse> seen;
-    /// The version that the rows behind it are made against from now on; none: as before.
-    std::optional<std::string> version;
-};
-
-/// Puts the rows behind a settled one on top of `ground`, which is no longer what they were made on. A
-/// contested row ends it: those behind it stand on what it says, and wait until it is settled.
-Stored<Rows> restack(Steps &steps, const Settled &settled, std::optional<TimeEntryResponse> ground)
-{
-    Rows rows;
-    Rows changed;
-    readRowsOf(steps, settled.entryId, settled.seq, rows);
-    for (PendingChange &row : rows) {
-        std::optional<ChangeBase> base;
-        steps.read(ChangeBase::key(row.seq), base);
-        if (!ground || row.change.version() == unseenVersion || (!base && settled.how == Settled::KeptTheirs))
-            break;
-        // What was made without keeping what its user saw stands as it is.
-        Rebased rebased =
-            base ? putOnTop(row.change, base->entry, *ground, settled.seen) : Rebased{row.change, false};
-        const bool asks = rebased.isContested && settled.how != Settled::Refused;
-        if (asks)
-            row.change = row.change.withVersion(unseenVersion);
-        else
-            row.change =
-                settled.version ? rebased.change.withVersion(*settled.version) : std::move(rebased.change);
-        steps.writeRow(row);
-        changed.push_back(row);
-        if (asks)
-            break;
-        if (base)
-            steps.write(ChangeBase::key(row.seq), ChangeBase{*ground, base->seen});
-        ground = outcomeAfter(row.change, std::move(*ground));
-    }
-    if (!steps)
-        return steps.error();
-    return changed;
-}
-
-/// Changes that were made before the entry had a version and did not see what it has become.
-Stored<Rows> hideVersion(Steps &steps, const std::string &entryId, std::int64_t after)
-{
-    Rows rows;
-    readRowsOf(steps, entryId, after, rows);
-    std::erase_if(rows, [](const PendingChange &row) { return row.change.version().has_value(); });
-    for (PendingChange &row : rows) {
-        row.change = row.change.withVersion(unseenVersion);
-        steps.writeRow(row);
-    }
-    if (!steps)
-        return steps.error();
     return rows;
 }
 
@@ -350,10 +110,7 @@ Stored<Rows> acceptOn(Connection &connection, const Rows &accepted, const Accept
         steps.remove(key).write(key, newest);
     } else {
         steps.remove(key);
-        auto hidden = hideVersion(steps, change.entryId(), last);
-        if (!hidden)
-            return hidden;
-        changed = std::move(*hidden);
+        changed = hideVersion(steps, change.entryId(), last);
     }
     for (const PendingChange &row : accepted)
         steps.removeRow(row.seq);
@@ -381,13 +138,11 @@ Stored<Rows> refuseOn(Connection &connection, const PendingChange &refused,
         return steps ? Stored<Rows>(Rows{}) : steps.error();
     // What a contested change stood against was never seen by those behind it either.
     const bool isContested = refused.change.version() == unseenVersion;
-    return restack(steps,
-                   {refused.change.entryId(),
-                    refused.seq,
-                    Settled::Refused,
-                    {},
-                    isContested ? std::optional<std::string>(unseenVersion) : std::nullopt},
-                   base->entry);
+    Settled settled{.entryId = refused.change.entryId(), .seq = refused.seq, .seen = {}, .version = {}};
+    if (isContested)
+        settled.version = unseenVersion;
+    Rows changed = restack(steps, settled, base->entry);
+    return steps ? Stored<Rows>(std::move(changed)) : steps.error();
 }
 
 Stored<std::optional<Rows>> settleOn(Connection &connection, std::int64_t seq,
@@ -414,12 +169,11 @@ Stored<std::optional<Rows>> settleOn(Connection &connection, std::int64_t seq,
     } else {
         steps.removeRow(seq);
     }
-    auto behind = restack(
-        steps, {current.id, seq, keepsMine ? Settled::KeptMine : Settled::KeptTheirs, seen, current.version},
-        ground);
-    if (!behind)
-        return failure(std::move(behind.error()));
-    std::ranges::move(*behind, std::back_inserter(changed));
+    const auto how = keepsMine ? Settled::KeptMine : Settled::KeptTheirs;
+    std::ranges::move(restack(steps, {current.id, seq, how, seen, current.version}, ground),
+                      std::back_inserter(changed));
+    if (!steps)
+        return steps.error();
     return changed;
 }
 
@@ -550,7 +304,7 @@ Task<Result<CreationTry, StoreError>> noteTry(std::shared_ptr<LocalStore> store,
             CreationTry tried{stop};
             Rows behind;
             if (stop)
-                readRowsOf(steps, creation.change.entryId(), creation.seq, behind, *stop);
+                steps.readRowsOf(creation.change.entryId(), creation.seq, behind, *stop);
             if (stop && (behind.size() != 1 || behind.front().seq != *stop))
                 tried.stop.reset();
             steps.write(CreationTry::key(creation.seq), tried);

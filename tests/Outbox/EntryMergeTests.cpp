@@ -95,6 +95,15 @@ TEST_F(EntryMergeTest, TellsTheSameFieldTwice)
     EXPECT_FALSE(putOn(removal, head).isContested);
     head.description = "Theirs";
     EXPECT_TRUE(putOn(removal, head).isContested) << "what was never seen is not deleted in silence";
+    EXPECT_FALSE(putOnTop(removal, base, head, head).isContested);
+    // Another timer's start was shown to end it, and did not.
+    TimeEntryResponse running = base;
+    running.stop.reset();
+    EXPECT_FALSE(putOn(removal, running).isContested);
+    EXPECT_FALSE(putOn(edit([](auto &r) { *r.stop += std::chrono::minutes{1}; }), running).isContested);
+    const EntryChange words = edit([](auto &r) { r.details.description = "Mine"; });
+    EXPECT_TRUE(putOn(words, head).isContested);
+    EXPECT_FALSE(putOnTop(words, base, head, head).isContested) << "the user knew of it before";
 }
 
 TEST_F(EntryMergeTest, MakesAChangeAnewOverWhatStandsAgainstIt)

@@ -141,11 +141,18 @@ TEST_F(OutboxSharingTest, WhatIsSettledDuringAPassIsSentByIt)
         if (!settling)
             settling = one.outbox->keepMine(conflict);
     };
-    await(one.outbox->submit(std::vector{create(newId(), "a", 120), create(newId(), "b", 180)}));
+    TimeEntryResponse shown = seen;
+    shown.description = "mine";
+    seen = shown;
+    std::vector<Submission> more;
+    more.push_back({create(newId(), "a", 120), {}});
+    more.push_back({create(newId(), "b", 180), {}});
+    more.push_back(edit([](auto &mine) { mine.details.description = "mine, later"; }));
+    await(one.outbox->submit(std::move(more)));
     ASSERT_TRUE(settling);
     ASSERT_TRUE(*await(std::move(*settling)));
     EXPECT_TRUE(one.outbox->pending().empty());
-    EXPECT_EQ(held(id).description, "mine");
+    EXPECT_EQ(held(id).description, "mine, later") << "what waited behind it does not overtake it";
 }
 
 TEST_F(OutboxSharingTest, WhatWasMadeOnTopOfADroppedChangeLosesIt)
@@ -225,6 +232,59 @@ TEST_F(OutboxSharingTest, ACreationThatMayHaveArrivedGoesAgainAsItWas)
         await(one.outbox->flush());
     EXPECT_TRUE(one.outbox->pending().empty());
     EXPECT_EQ(held(mine).stop, shown.start + std::chrono::minutes{20});
+}
+
+TEST_F(OutboxSharingTest, AnotherProcessSendsACreationInTheFormInWhichItWasTried)
+{
+    const std::string mine = newId();
+    const EntryChange creation = create(mine, "started", 100, {});
+    std::vector<Submission> both;
+    both.push_back({creation, {}});
+    both.push_back(stop(entryResponse(*creation.request(), mine, stack.workspaceId()), 20));
+    stack.proxy().setPlan(
+        plans::inOrder({Fault::dropReply(), Fault::dropReply(), Fault::refuse(), Fault::refuse()}));
+    await(two.outbox->submit(std::move(both)));
+    int refusals = 0;
+    one.outbox->onRejected = [&](const Outbox::Pending &, const CallError &, bool) { ++refusals; };
+    // Its own row lies behind rows that it has not read.
+    await(one.outbox->submit(create(newId(), "another", 200)));
+    for (int i = 0; i < 4; ++i)
+        await(one.outbox->flush());
+    EXPECT_EQ(refusals, 0) << "the server tells a repeated creation by its contents";
+    EXPECT_TRUE(one.outbox->pending().empty());
+    EXPECT_EQ(held(mine).description, "started");
+}
+
+TEST_F(OutboxSharingTest, ARefusalIsKeptForWhoWaitsAfterItWasShown)
+{
+    const auto store = *await(LocalStore::open(stack.storePath()));
+    const PendingChange refused{*await(store->enqueue(create(newId(), "x", 0))), create(newId(), "x", 0)};
+    ASSERT_TRUE(await(settleRefused(store, refused, Refusal{refused.seq, refused.change, "No.", 422})));
+    ASSERT_EQ(await(one.outbox->unshownRefusals()).size(), 1U);
+    ASSERT_TRUE(await(one.outbox->markShown(await(one.outbox->unshownRefusals()))));
+    EXPECT_TRUE(await(one.outbox->unshownRefusals()).empty());
+    const auto settled = await(settledElsewhere(store, {refused}));
+    ASSERT_TRUE(settled);
+    ASSERT_EQ(settled->refusals.size(), 1U) << "a process that waits for it is not told that it was taken";
+    EXPECT_EQ(settled->refusals.front().message, "No.");
+}
+
+TEST_F(OutboxSharingTest, WhatWasGivenUpElsewhereIsNotCarriedOn)
+{
+    changeElsewhere(seen, "theirs");
+    EXPECT_FALSE(
+        isSent(await(submit(one.outbox.get(), edit([](auto &mine) { mine.details.description = "mine"; })))));
+    await(two.outbox->flush());
+    ASSERT_TRUE(*await(two.outbox->keepTheirs(two.outbox->conflicts().front().seq)));
+    // The first process still shows its words over the entry as the server has it.
+    const TimeEntryResponse known = held(id);
+    seen = known;
+    seen.description = "mine";
+    Submission later = edit([](auto &mine) { mine.details.isBillable = true; });
+    later.server = known;
+    EXPECT_TRUE(isSent(await(submit(one.outbox.get(), std::move(later)))));
+    EXPECT_EQ(held(id).description, "theirs");
+    EXPECT_TRUE(held(id).isBillable);
 }
 
 TEST_F(OutboxSharingTest, ALostAnswerToAStopHandsNobodyElsesVersionOn)
