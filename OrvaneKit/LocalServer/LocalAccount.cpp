@@ -18,16 +18,6 @@ using Answered = Result<HttpResponse, ConnectionError>;
 using Link = std::shared_ptr<LocalServerLink>;
 using Transport = std::shared_ptr<HttpTransport>;
 
-/// Whether the body holds a password, which is worth as much after the server's end as before.
-bool holdsPassword(const HttpRequest &request)
-{
-    using namespace operations;
-    constexpr std::array names{Login::name,          Register::name,      ResetPassword::name,
-                               ChangePassword::name, DeleteAccount::name, PasskeyCreationOptions::name};
-    const auto match = matchRoute(request.method, request.path);
-    return match && std::ranges::find(names, match->operation->name) != names.end();
-}
-
 /// The path as it goes out: the URL's own form of it, which the proof has to be about.
 std::string pathSent(const std::string &address, const std::string &path)
 {
@@ -96,6 +86,16 @@ Task<CallResult<ExternalExchangeRequest>> codeFor(std::shared_ptr<LocalServerLin
 }
 
 } // namespace
+
+bool holdsPassword(const HttpRequest &request)
+{
+    using namespace operations;
+    constexpr std::array names{
+        Login::name,         Register::name,       WebLogin::name,      WebRegister::name,
+        ResetPassword::name, ChangePassword::name, DeleteAccount::name, PasskeyCreationOptions::name};
+    const auto match = matchRoute(request.method, request.path);
+    return match && std::ranges::find(names, match->operation->name) != names.end();
+}
 
 LocalServerTransport::LocalServerTransport(std::shared_ptr<LocalServerLink> link,
                                            std::shared_ptr<HttpTransport> transport, bool start)

@@ -30,6 +30,10 @@ private:
     bool m_start;
 };
 
+/// Whether the body of a request holds a password, which is worth as much after the server's end as before:
+/// such a request goes through the server's socket.
+bool holdsPassword(const HttpRequest &request);
+
 /// Signs in to that account with a fresh one-time code each time. `timeZone` is an IANA name, for an account
 /// that is made by this; `start` as above.
 Reauthenticator localReauthenticator(std::shared_ptr<LocalServerLink> link, std::string timeZone, bool start);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Every schema and every operation of the document, by samples that were derived from it separately.
+#include "LocalServer/LocalAccount.h"
 #include "OrvaneAPI/Routes.h"
 #include "server-api/Samples.h"
 
@@ -41,6 +42,18 @@ TEST(Document, theTableListsEveryOperationInOrder)
         EXPECT_EQ(operation.order, ++order);
         EXPECT_EQ(operation.name, operationSamples()[static_cast<std::size_t>(order - 1)].name);
     }
+}
+
+TEST(Document, everyRequestWithAPasswordIsKnownAsOne)
+{
+    int withPassword = 0;
+    for (const auto &sample : operationSamples()) {
+        const HttpRequest request = sample.request();
+        const bool isWith = request.body.contains("assword\":\"") || request.body.contains("assword\": \"");
+        withPassword += isWith ? 1 : 0;
+        EXPECT_EQ(holdsPassword(request), isWith) << sample.name;
+    }
+    EXPECT_GE(withPassword, 6);
 }
 
 TEST(Document, everyRequestFindsItsOperationAndReadsBack)
