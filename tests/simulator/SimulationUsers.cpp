@@ -255,7 +255,8 @@ Task<> Simulation::settle(ProcessPtr process, std::int64_t seq, bool keepsMine)
 
     std::optional<std::string> wrong;
     if (deed) {
-
+        // A stop whose number was never heard comes back as an edit of the end.
+        m_oracle.number(*deed, process->device().name, seq);
         wrong = m_oracle.judgeConflict(*deed, current);
         if (keepsMine) {
             m_oracle.keptMine(*deed, current);
