@@ -328,6 +328,7 @@ bool Account::isSessionOver() const
 Task<Result<void, AccountError>> Account::finishOpening()
 {
     if (m_accountId != m_freshMe.id) {
+        m_outcomes.reset();
         m_outbox.reset();
         if (auto opened = co_await openStore(m_freshMe.id); !opened)
             co_return failure(std::move(opened.error()));
@@ -359,6 +360,7 @@ Task<Result<void, AccountError>> Account::openStore(std::string accountId)
     if (m_options.patience.count() > 0)
         parts.lockPatience = m_options.patience;
     m_outbox = co_await Outbox::make(std::move(parts));
+    m_outcomes = std::make_unique<OutboxOutcomes>(*m_outbox);
     co_return Result<void, AccountError>{};
 }
 
@@ -428,8 +430,8 @@ void Account::makeTracker()
     const PreferredTime preferred = preferredTime(m_me, m_options.zone);
     m_timeNotice = preferred.notice;
     if (const WorkspaceSummary *workspace = chosenWorkspace())
-        m_tracker = std::make_unique<Tracker>(
-            Tracker::Parts{*workspace, preferred.time, m_client, m_store, m_outbox.get()});
+        m_tracker = std::make_unique<Tracker>(Tracker::Parts{
+            *workspace, preferred.time, m_client, m_store, m_outbox.get(), m_outcomes.get(), {}});
 }
 
 bool Account::useWorkspace(const std::string &id)

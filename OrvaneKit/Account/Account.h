@@ -174,6 +174,7 @@ private:
     std::shared_ptr<OrvaneClient> m_client;
     std::shared_ptr<LocalStore> m_store;
     std::unique_ptr<Outbox> m_outbox;
+    std::unique_ptr<OutboxOutcomes> m_outcomes;
     std::unique_ptr<Tracker> m_tracker;
 };
 

@@ -65,6 +65,11 @@ void contest(Submission &submission)
     submission.change = submission.change.withVersion(unseenVersion);
 }
 
+bool isRemoval(const PendingChange &row)
+{
+    return std::holds_alternative<EntryChange::Delete>(row.change.action);
+}
+
 void place(Submission &submission, const TimeEntryResponse &head, const std::optional<std::string> &version)
 {
     // All that is queued for an entry carries one version, so that a long queue needs no other to be
@@ -105,8 +110,12 @@ void placeOnTop(Steps &steps, Submission &submission)
         return;
     }
     const auto outcome = outcomeOf(steps, rows);
-    if (!outcome)
+    if (!outcome) {
+        // Made by who did not see the removal, and perhaps not what the removal's user saw.
+        if (std::ranges::any_of(rows, isRemoval))
+            contest(submission);
         return;
+    }
     // Whatever server's version it was made against: those before it are sent first, and when that version
     // stands against them, settling their conflict decides about this change too.
     const auto carried = rows.front().change.version();

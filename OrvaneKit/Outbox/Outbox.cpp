@@ -6,6 +6,7 @@
 #include "Outbox/OutboxRules.h"
 #include "Outbox/OutboxStore.h"
 #include "Support/Eventual.h"
+#include "Time/AppClock.h"
 
 #include <QCoro/QCoroSignal>
 #include <QLoggingCategory>
@@ -66,6 +67,7 @@ Task<std::unique_ptr<Outbox>> Outbox::make(Parts parts)
     outbox->m_readUpTo = stored.empty() ? 0 : stored.back().seq;
     for (PendingChange &row : stored)
         outbox->m_queue.adopt(std::move(row));
+    outbox->m_queue.takeTouched();
     co_return outbox;
 }
 
@@ -108,7 +110,7 @@ Task<Result<std::vector<Outbox::Outcome>, StoreError>> Outbox::submit(std::vecto
             answer.set(std::move(outcome));
         };
     m_queue.adopt(*rows);
-    Q_EMIT pendingChanged();
+    tellPending();
     if (m_isClosing)
         resumeAllQueued();
     pass();
@@ -129,7 +131,7 @@ Task<> Outbox::flush()
 Task<> Outbox::close()
 {
     m_isClosing = true;
-    m_parts.retry->cancel();
+    cancelRetry();
     if (m_isFlushing)
         co_await qCoro(this, &Outbox::passEnded);
 }
@@ -142,7 +144,7 @@ Task<> Outbox::pass()
     if (m_isFlushing || m_isClosing)
         co_return;
     m_isFlushing = true;
-    m_parts.retry->cancel();
+    cancelRetry();
     const QPointer<Outbox> self(this);
     Step step = Step::GoOn;
     // What comes while a pass is under way may lie behind it, or come when its end is decided.
@@ -246,7 +248,7 @@ Task<bool> Outbox::readNewRows()
         // Not as far as this process's own rows: another one's may lie before them.
         m_readUpTo = rows->back().seq;
         m_queue.adopt(*rows);
-        Q_EMIT pendingChanged();
+        tellPending();
     }
     co_return true;
 }
@@ -260,7 +262,7 @@ Task<bool> Outbox::isAllowed()
     const SendVerdict verdict = co_await m_parts.mayBeSent();
     if (!self)
         co_return false;
-    m_isHeldBack = verdict == SendVerdict::NotOurs;
+    setHeldBack(verdict == SendVerdict::NotOurs);
     if (verdict == SendVerdict::Away)
         handleTransient();
     co_return verdict == SendVerdict::Allowed;
@@ -377,7 +379,7 @@ Task<Outbox::Step> Outbox::handleAccepted(Sending sending, std::optional<TimeEnt
     }
     if (!settled)
         co_return stopForStore(settled.error());
-    Q_EMIT pendingChanged();
+    tellPending();
     co_return Step::GoOn;
 }
 
@@ -420,7 +422,7 @@ Outbox::Step Outbox::handleConflict(Pending row, const TimeEntryResponse &curren
     m_queue.setConflict(row.seq, current);
     if (onConflict)
         onConflict(row, current);
-    Q_EMIT pendingChanged();
+    tellPending();
     resume(row.seq, Queued{row.seq});
     return Step::GoOn;
 }
@@ -450,7 +452,7 @@ Task<Outbox::Step> Outbox::handleRefusal(Pending row, CallError error)
     m_queue.adopt(*settled);
     if (onRejected)
         onRejected(row, error, callerWaits);
-    Q_EMIT pendingChanged();
+    tellPending();
     resume(row.seq, Rejected{row.seq, std::move(error)});
     co_return Step::GoOn;
 }
@@ -483,7 +485,7 @@ Task<> Outbox::catchUp(std::int64_t after, std::int64_t before)
             told.push_back(row.seq);
         reportSettledElsewhere(row, settled ? *settled : SettledElsewhere{});
     }
-    Q_EMIT pendingChanged();
+    tellPending();
     const bool isRefused = settled && !settled->refusals.empty();
     if (isRefused && !told.empty())
         co_await noteShown(m_parts.store, std::move(told));
@@ -539,7 +541,7 @@ Task<Result<bool, StoreError>> Outbox::settle(std::int64_t seq, bool keepsMine)
         m_queue.remove(seq);
     if (*changed)
         m_queue.adopt(**changed);
-    Q_EMIT pendingChanged();
+    tellPending();
     co_await flush();
     co_return changed->has_value();
 }
@@ -577,8 +579,34 @@ void Outbox::resumeAllQueued()
 
 void Outbox::scheduleRetry()
 {
-    if (!m_isClosing)
-        m_parts.retry->schedule(retryDelay(m_failures), [this] { pass(); });
+    if (m_isClosing)
+        return;
+    const auto delay = retryDelay(m_failures);
+    m_parts.retry->schedule(delay, [this] { pass(); });
+    setNextTry(AppClock::now() + delay);
+}
+
+void Outbox::cancelRetry()
+{
+    m_parts.retry->cancel();
+    setNextTry(std::nullopt);
+}
+
+void Outbox::setNextTry(std::optional<Instant> nextTry)
+{
+    if (std::exchange(m_nextTry, nextTry) != nextTry)
+        Q_EMIT nextTryChanged();
+}
+
+void Outbox::setHeldBack(bool isHeldBack)
+{
+    if (std::exchange(m_isHeldBack, isHeldBack) != isHeldBack)
+        Q_EMIT isHeldBackChanged();
+}
+
+void Outbox::tellPending()
+{
+    Q_EMIT pendingChanged(m_queue.takeTouched());
 }
 
 void Outbox::setOffline(bool isOffline)

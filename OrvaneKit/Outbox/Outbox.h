@@ -9,6 +9,7 @@
 #include "Outbox/QueuedChanges.h"
 #include "Outbox/Refusal.h"
 #include "Support/FileLock.h"
+#include "Support/Instant.h"
 #include "Support/RetryTimer.h"
 #include "Support/Task.h"
 
@@ -33,6 +34,7 @@ class OrvaneClient;
 class Outbox final : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool isOffline READ isOffline NOTIFY isOfflineChanged)
+    Q_PROPERTY(bool isHeldBack READ isHeldBack NOTIFY isHeldBackChanged)
 
 public:
     using Pending = QueuedChange;
@@ -103,6 +105,8 @@ public:
     std::vector<Pending> conflicts() const { return m_queue.conflicts(); }
     bool isOffline() const { return m_isOffline; }
     bool isFlushing() const { return m_isFlushing; }
+    /// The number of the change that is in flight.
+    const std::optional<std::int64_t> &sending() const { return m_sending; }
     /// True when the last pass was held back because the server says this is another account than the
     /// store's.
     bool isHeldBack() const { return m_isHeldBack; }
@@ -119,14 +123,21 @@ public:
     Task<std::vector<Refusal>> unshownRefusals();
     Task<StoreStatus> markShown(std::vector<Refusal> refusals);
 
-    /// The handlers through which outcomes reach the tracker.
+    /// When the next pass starts by itself; none while nothing is scheduled.
+    const std::optional<Instant> &nextTry() const { return m_nextTry; }
+
+    /// The handlers through which outcomes leave; `OutboxOutcomes` takes them and passes each outcome on to
+    /// everybody who listens.
     std::function<void(const Pending &, const std::optional<TimeEntryResponse> &)> onSent;
     std::function<void(const Pending &, const CallError &, bool callerWaits)> onRejected;
     std::function<void(const Pending &, const TimeEntryResponse &current)> onConflict;
 
 Q_SIGNALS:
-    void pendingChanged();
+    /// The queue is another one. The entries whose changes came, went, or got or lost a conflict.
+    void pendingChanged(const orvane::TouchedEntries &touched);
     void isOfflineChanged();
+    void isHeldBackChanged();
+    void nextTryChanged();
     void passEnded();
 
 private:
@@ -165,7 +176,11 @@ private:
     void resume(std::int64_t seq, const Outcome &outcome);
     void resumeAllQueued();
     void scheduleRetry();
+    void cancelRetry();
     void setOffline(bool isOffline);
+    void setHeldBack(bool isHeldBack);
+    void setNextTry(std::optional<Instant> nextTry);
+    void tellPending();
 
     Parts m_parts;
     QueuedChanges m_queue;
@@ -173,7 +188,6 @@ private:
     std::int64_t m_readUpTo = 0;
 
     std::map<std::int64_t, Answer> m_waiters;
-    std::optional<std::int64_t> m_sending;
     bool m_isOffline = false;
     bool m_isFlushing = false;
     /// Something came while a pass ran that it may have passed by already.
@@ -182,7 +196,9 @@ private:
     /// waited.
     bool m_startsOver = false;
 
+    std::optional<std::int64_t> m_sending;
     bool m_isHeldBack = false;
+    std::optional<Instant> m_nextTry;
     bool m_isClosing = false;
     int m_failures = 0;
 };

@@ -43,11 +43,17 @@ QueuedChange *QueuedChanges::at(std::int64_t seq)
 const QueuedChange &QueuedChanges::adopt(PendingChange row)
 {
     if (QueuedChange *known = at(row.seq)) {
+        touch(*known);
         known->change = std::move(row.change);
+        touch(*known);
         return *known;
     }
     const auto place = std::ranges::upper_bound(m_rows, row.seq, {}, &QueuedChange::seq);
-    return *m_rows.insert(place, QueuedChange{row.seq, std::move(row.change), std::nullopt});
+    const QueuedChange &added =
+        *m_rows.insert(place, QueuedChange{row.seq, std::move(row.change), std::nullopt});
+    ++m_entries[added.change.entryId()].rows;
+    touch(added);
+    return added;
 }
 
 void QueuedChanges::adopt(const std::vector<PendingChange> &rows)
@@ -60,8 +66,13 @@ void QueuedChanges::remove(std::int64_t seq)
 {
     m_conflicts.erase(seq);
     const auto found = std::ranges::lower_bound(m_rows, seq, {}, &QueuedChange::seq);
-    if (found != m_rows.end() && found->seq == seq)
-        m_rows.erase(found);
+    if (found == m_rows.end() || found->seq != seq)
+        return;
+    touch(*found);
+    const auto queued = m_entries.find(found->change.entryId());
+    if (--queued->second.rows == 0)
+        m_entries.erase(queued);
+    m_rows.erase(found);
 }
 
 void QueuedChanges::setConflict(std::int64_t seq, std::optional<TimeEntryResponse> current)
@@ -74,6 +85,38 @@ void QueuedChanges::setConflict(std::int64_t seq, std::optional<TimeEntryRespons
     else
         m_conflicts.erase(seq);
     row->conflict = std::move(current);
+    touch(*row);
+}
+
+/// A row's own start, and the one that another row gave the entry; one that runs also ends what ran before.
+void QueuedChanges::touch(const QueuedChange &row)
+{
+    const std::string id = row.change.entryId();
+    std::optional<Instant> &start = m_entries[id].start;
+    const EntryRequest *request = row.change.request();
+    if (start)
+        m_touched.push_back({id, *start});
+    if (request != nullptr && start != request->start) {
+        m_touched.push_back({id, request->start});
+        start = request->start;
+    }
+    if (!start)
+        m_touched.push_back({id, std::nullopt});
+    if (request != nullptr && !request->stop)
+        touchRunningBefore(row.seq);
+}
+
+void QueuedChanges::touchRunningBefore(std::int64_t seq)
+{
+    auto row = std::ranges::lower_bound(m_rows, seq, {}, &QueuedChange::seq);
+    while (row != m_rows.begin()) {
+        --row;
+        const EntryRequest *request = row->change.request();
+        if (request == nullptr || request->stop)
+            continue;
+        m_touched.push_back({row->change.entryId(), request->start});
+        return;
+    }
 }
 
 bool QueuedChanges::isBlocked(const QueuedChange &row) const

@@ -2,12 +2,16 @@
 #pragma once
 
 #include "Catalog/EntryChange.h"
+#include "Catalog/TouchedEntry.h"
 #include "LocalStore/LocalStore.h"
 #include "OrvaneAPI/Schemas.h"
 
 #include <deque>
 #include <optional>
 #include <set>
+#include <string>
+#include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace orvane {
@@ -44,11 +48,24 @@ public:
     /// The number of the stop of a creation's entry, when that is the next change of it.
     std::optional<std::int64_t> stopBehind(const QueuedChange &creation) const;
 
+    /// The entries whose rows came, went or changed since this was last asked.
+    TouchedEntries takeTouched() { return std::exchange(m_touched, {}); }
+
 private:
+    /// What is queued of one entry: how many rows, and the start that the newest of them gives it.
+    struct Queued {
+        int rows = 0;
+        std::optional<Instant> start;
+    };
+
+    void touch(const QueuedChange &row);
+    void touchRunningBefore(std::int64_t seq);
     QueuedChange *at(std::int64_t seq);
 
     std::deque<QueuedChange> m_rows;
     std::set<std::int64_t> m_conflicts;
+    std::unordered_map<std::string, Queued> m_entries;
+    TouchedEntries m_touched;
 };
 
 } // namespace orvane

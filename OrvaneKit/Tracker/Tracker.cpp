@@ -5,76 +5,53 @@
 #include "Support/Require.h"
 #include "Tracker/Overlay.h"
 
+#include <QMetaMethod>
 #include <QPointer>
 #include <algorithm>
-#include <ranges>
-#include <unordered_set>
 
 namespace orvane {
 
 namespace {
 
-/// Fetches are repeated when a change was accepted meanwhile, since their answer may be from before it.
+/// Lists are asked for again when a change was accepted meanwhile, since their answer may be from before it.
 constexpr int fetchTries = 3;
 
-template <class T>
-bool take(T &into, CallResult<T> result, std::optional<CallError> &error)
+CallError trackerIsGone()
 {
-    if (!result) {
-        error = std::move(result.error());
-        return false;
-    }
-    into = std::move(*result);
-    return true;
+    return ConnectionError{"nobody waits for the answer any more"};
 }
 
-/// Tells one set of entries from another, whatever their order. The server gives an entry another version
-/// with each change; what is shown before the server answered differs in the rest.
-template <std::ranges::input_range Entries>
-std::uint64_t digest(Entries &&entries)
+template <class T>
+Task<> await(std::optional<Task<CallResult<T>>> &task, std::optional<T> &into,
+             std::optional<CallError> &error)
 {
-    const auto text = [](const std::string &value) { return std::uint64_t{std::hash<std::string>{}(value)}; };
-    std::uint64_t sum = 0;
-    for (const TimeEntryResponse &entry : entries) {
-        std::uint64_t one = text(entry.id);
-        for (const std::uint64_t part :
-             {text(entry.version), text(entry.description),
-              static_cast<std::uint64_t>(millisecondsSinceEpoch(entry.start)),
-              entry.stop ? static_cast<std::uint64_t>(millisecondsSinceEpoch(*entry.stop)) : 0})
-            one = (one ^ part) * 0x9E37'79B9'7F4A'7C15U;
-        sum += one ^ (one >> 29U);
-    }
-    return sum;
+    if (!task)
+        co_return;
+    auto result = co_await *task;
+    if (result)
+        into = std::move(*result);
+    else
+        error = std::move(result.error());
 }
 
 } // namespace
 
-Tracker::Tracker(Parts parts) : m_parts(std::move(parts))
+Tracker::Tracker(Parts parts) : m_parts(std::move(parts)), m_known(m_parts.workspace.id)
 {
-    Outbox *outbox = m_parts.outbox;
-    ORVANE_REQUIRE(outbox != nullptr, "a tracker needs an outbox");
-    outbox->onSent = [this](const Outbox::Pending &row, const auto &entry) { handleSent(row, entry); };
-    outbox->onConflict = [this](const Outbox::Pending &, const TimeEntryResponse &current) {
-        takeServerEntry(current);
-    };
-    outbox->onRejected = [this](const Outbox::Pending &row, const CallError &error, bool callerWaits) {
-        if (!callerWaits)
-            Q_EMIT refused(row.change, QString::fromStdString(describe(error)));
-    };
-    connect(outbox, &Outbox::pendingChanged, this, &Tracker::show);
-    connect(outbox, &Outbox::passEnded, this, [this] {
-        if (m_isSnapshotStale && (m_hasServerState || m_saved))
+    ORVANE_REQUIRE(m_parts.outbox != nullptr && m_parts.outcomes != nullptr,
+                   "a tracker needs an outbox and its outcomes");
+    connect(m_parts.outcomes, &OutboxOutcomes::sent, this, &Tracker::handleSent);
+    connect(m_parts.outcomes, &OutboxOutcomes::rejected, this, &Tracker::handleRejected);
+    connect(m_parts.outcomes, &OutboxOutcomes::conflicted, this,
+            [this](const QueuedChange &, const TimeEntryResponse &current) { show(m_known.take(current)); });
+    connect(m_parts.outbox, &Outbox::pendingChanged, this, &Tracker::showQueued);
+    connect(m_parts.outbox, &Outbox::passEnded, this, [this] {
+        if (m_known.isUnsaved())
             saveSnapshot();
     });
-    show();
 }
 
-Tracker::~Tracker()
-{
-    m_parts.outbox->onSent = {};
-    m_parts.outbox->onConflict = {};
-    m_parts.outbox->onRejected = {};
-}
+Tracker::~Tracker() = default;
 
 // Loading
 
@@ -85,217 +62,285 @@ Task<bool> Tracker::loadSnapshot()
     if (!self)
         co_return false;
     m_isSnapshotRead = true;
-    if (!snapshot || m_hasServerState)
+    if (!snapshot || m_known.hasAnswer())
         co_return snapshot.has_value();
-    m_savedEntries = digest(snapshot->entries);
-    m_serverEntries = std::exchange(snapshot->entries, {});
-    m_saved = std::move(*snapshot);
-    m_serverRunning = m_saved->running;
-    m_settings = m_saved->settings;
-    m_catalog.replace(m_saved->projects, m_saved->clients, m_saved->tags);
-    show();
+    const TouchedEntries touched = m_known.takeSnapshot(*snapshot);
+    m_catalog.replace(std::move(snapshot->projects), std::move(snapshot->clients), std::move(snapshot->tags));
+    if (snapshot->settings)
+        setSettings(std::move(*snapshot->settings));
+    if (self)
+        show(touched);
     co_return true;
-}
-
-struct Tracker::Fetched {
-    std::vector<TimeEntryResponse> entries;
-    std::optional<TimeEntryResponse> running;
-    std::optional<WorkspaceSettingsResponse> settings;
-    std::vector<ProjectResponse> projects;
-    std::vector<ClientResponse> clients;
-    std::vector<TagResponse> tags;
-};
-
-/// All of a workspace that the screens show; the requests are under way together.
-Task<Result<Tracker::Fetched, CallError>> Tracker::fetch(Instant from, Instant to)
-{
-    const auto api = m_parts.api;
-    const std::string workspace = m_parts.workspace.id;
-    auto entries = api->listTimeEntries(workspace, from, to);
-    auto running = api->getCurrentTimeEntry();
-    auto settings = api->getWorkspaceSettings(workspace);
-    auto projects = api->listProjects(workspace, true);
-    auto clients = api->listClients(workspace, true);
-    auto tags = api->listTags(workspace);
-    Fetched fetched;
-    WorkspaceSettingsResponse fetchedSettings;
-    std::optional<CallError> error;
-    // Each is awaited even after a failure: a task is never left behind.
-    bool isWhole = take(fetched.entries, co_await entries, error);
-    isWhole &= take(fetched.running, co_await running, error);
-    isWhole &= take(fetchedSettings, co_await settings, error);
-    isWhole &= take(fetched.projects, co_await projects, error);
-    isWhole &= take(fetched.clients, co_await clients, error);
-    isWhole &= take(fetched.tags, co_await tags, error);
-    if (!isWhole)
-        co_return failure(std::move(*error));
-    fetched.settings = std::move(fetchedSettings);
-    co_return fetched;
 }
 
 Task<> Tracker::load()
 {
     const QPointer<Tracker> self(this);
     setState(LoadState::Loading);
-    if (!m_isSnapshotRead)
+    if (self && !m_isSnapshotRead)
         co_await loadSnapshot();
-    for (int tried = 1; self; ++tried) {
-        const InstantInterval window = this->window();
-        const std::uint64_t generation = m_generation;
-        auto fetched = co_await fetch(window.from, window.to);
+    if (!self)
+        co_return;
+    auto refreshed = co_await refresh(allTopics);
+    if (!self)
+        co_return;
+    m_loadError.reset();
+    if (!refreshed)
+        m_loadError = std::move(refreshed.error());
+    setState(refreshed ? LoadState::Loaded : LoadState::Failed);
+}
+
+Task<CallResult<void>> Tracker::refresh(Topics topics)
+{
+    m_asked |= topics;
+    if (const auto running = m_refreshing)
+        co_return co_await *running;
+    Pending<CallResult<void>> running;
+    m_refreshing = running;
+    runRefreshes(running);
+    co_return co_await running;
+}
+
+Task<> Tracker::runRefreshes(Pending<CallResult<void>> running)
+{
+    const QPointer<Tracker> self(this);
+    CallResult<void> result;
+    while (m_asked && result) {
+        const Topics topics = std::exchange(m_asked, {});
+        result = co_await fetchAndApply(topics);
         if (!self)
-            co_return;
-        if (!fetched) {
-            m_loadError = std::move(fetched.error());
-            setState(LoadState::Failed);
-            co_return;
+            break;
+        if (result)
+            m_missed &= ~topics;
+        else
+            m_missed |= topics | std::exchange(m_asked, {});
+    }
+    if (self) {
+        m_refreshing.reset();
+        // A load that failed is made good.
+        if (m_state == LoadState::Failed && result && !m_missed) {
+            m_loadError.reset();
+            setState(LoadState::Loaded);
         }
-        if (generation != m_generation && tried < fetchTries)
+    }
+    running.finish(std::move(result));
+}
+
+Task<> Tracker::refreshMissed()
+{
+    if (m_missed)
+        co_await refresh(m_missed);
+}
+
+Task<CallResult<void>> Tracker::reloadCatalog()
+{
+    return refresh(Topic::catalog);
+}
+
+/// What one refresh asks for.
+struct Tracker::Wanted {
+    Topics topics;
+    DaySpan window;
+    std::vector<DaySpan> beside;
+};
+
+struct Tracker::Fetched {
+    Wanted wanted;
+    std::optional<std::vector<TimeEntryResponse>> window;
+    std::vector<std::vector<TimeEntryResponse>> beside;
+    std::optional<std::optional<TimeEntryResponse>> running;
+    std::optional<WorkspaceSettingsResponse> settings;
+    std::optional<std::vector<ProjectResponse>> projects;
+    std::optional<std::vector<ClientResponse>> clients;
+    std::optional<std::vector<TagResponse>> tags;
+};
+
+DaySpan Tracker::currentWeeks() const
+{
+    return DaySpan::weeks(m_parts.time, m_parts.time.today(), m_weeksLoaded);
+}
+
+Tracker::Wanted Tracker::wanted(Topics topics) const
+{
+    Wanted wanted{topics, currentWeeks(), {}};
+    for (const KnownDays::Asked &asked : m_known.days().beside()) {
+        const DayKey last = asked.days.first.adding(asked.days.count - 1);
+        if (!wanted.window.contains(asked.days.first) || !wanted.window.contains(last))
+            wanted.beside.push_back(asked.days);
+    }
+    return wanted;
+}
+
+/// The requests are under way together.
+Task<CallResult<Tracker::Fetched>> Tracker::fetch(std::shared_ptr<OrvaneClient> api, std::string workspaceId,
+                                                  Wanted wanted)
+{
+    const auto entriesOf = [&](const DaySpan &days) {
+        return api->listTimeEntries(workspaceId, days.interval.from, days.interval.to);
+    };
+    const auto list = [&](Topic topic, auto ask) {
+        return wanted.topics.testFlag(topic) ? std::optional{ask()} : std::nullopt;
+    };
+    auto window = list(Topic::entries, [&] { return entriesOf(wanted.window); });
+    std::vector<Task<CallResult<std::vector<TimeEntryResponse>>>> beside;
+    if (wanted.topics.testFlag(Topic::entries))
+        std::ranges::transform(wanted.beside, std::back_inserter(beside), entriesOf);
+    auto running = list(Topic::running, [&] { return api->getCurrentTimeEntry(); });
+    auto settings = list(Topic::settings, [&] { return api->getWorkspaceSettings(workspaceId); });
+    auto projects = list(Topic::catalog, [&] { return api->listProjects(workspaceId, true); });
+    auto clients = list(Topic::catalog, [&] { return api->listClients(workspaceId, true); });
+    auto tags = list(Topic::catalog, [&] { return api->listTags(workspaceId); });
+    Fetched fetched;
+    std::optional<CallError> error;
+    // Each is awaited even after a failure: a task is never left behind.
+    co_await await(window, fetched.window, error);
+    for (auto &task : beside) {
+        auto entries = co_await task;
+        if (entries)
+            fetched.beside.push_back(std::move(*entries));
+        else
+            error = std::move(entries.error());
+    }
+    co_await await(running, fetched.running, error);
+    co_await await(settings, fetched.settings, error);
+    co_await await(projects, fetched.projects, error);
+    co_await await(clients, fetched.clients, error);
+    co_await await(tags, fetched.tags, error);
+    if (error)
+        co_return failure(std::move(*error));
+    fetched.wanted = std::move(wanted);
+    co_return fetched;
+}
+
+Task<CallResult<void>> Tracker::fetchAndApply(Topics topics)
+{
+    const QPointer<Tracker> self(this);
+    for (int tried = 1;; ++tried) {
+        const std::uint64_t generation = m_known.generation();
+        auto fetched = co_await fetch(m_parts.api, m_parts.workspace.id, wanted(topics));
+        if (!self)
+            co_return failure(trackerIsGone());
+        if (!fetched)
+            co_return failure(std::move(fetched.error()));
+        if (generation != m_known.generation() && tried < fetchTries)
             continue;
-        apply(std::move(*fetched), window);
+        apply(std::move(*fetched));
         break;
     }
-    co_await saveSnapshot();
-    if (self)
-        setState(LoadState::Loaded);
-}
-
-Task<bool> Tracker::loadWeekBefore()
-{
-    if (m_isLoadingMore)
-        co_return false;
-    const QPointer<Tracker> self(this);
-    m_isLoadingMore = true;
-    Q_EMIT stateChanged();
-    const Instant end = window().from;
-    const Instant from = m_parts.time.startOfDay(windowStart().adding(-7));
-    auto entries = co_await m_parts.api->listTimeEntries(m_parts.workspace.id, from, end);
     if (!self)
-        co_return false;
-    m_isLoadingMore = false;
-    if (entries) {
-        ++m_weeksLoaded;
-        replaceServerEntries({from, end}, std::move(*entries));
-        m_isSnapshotStale = true;
-        show();
-    }
-    Q_EMIT stateChanged();
-    co_return entries.has_value();
-}
-
-Task<bool> Tracker::loadDays(DayKey first, int count)
-{
-    const QPointer<Tracker> self(this);
-    bool isKnown = m_hasServerState && m_state == LoadState::Loaded;
-    for (int i = 0; i < count; ++i)
-        isKnown = isKnown && (isInWindow(first.adding(i)) || m_calendarDays.contains(first.adding(i)));
-    if (isKnown)
-        co_return true;
-    const InstantInterval range{m_parts.time.startOfDay(first), m_parts.time.startOfDay(first.adding(count))};
-    auto entries = co_await m_parts.api->listTimeEntries(m_parts.workspace.id, range.from, range.to);
-    if (!self || !entries)
-        co_return false;
-    for (int i = 0; i < count; ++i)
-        m_calendarDays.insert(first.adding(i));
-    replaceServerEntries(range, std::move(*entries));
-    show();
-    co_return true;
-}
-
-Task<bool> Tracker::reloadCatalog()
-{
-    const QPointer<Tracker> self(this);
-    const std::string workspace = m_parts.workspace.id;
-    auto projects = m_parts.api->listProjects(workspace, true);
-    auto clients = m_parts.api->listClients(workspace, true);
-    auto tags = m_parts.api->listTags(workspace);
-    auto projectList = co_await projects;
-    auto clientList = co_await clients;
-    auto tagList = co_await tags;
-    if (!self || !projectList || !clientList || !tagList)
-        co_return false;
-    m_catalog.replace(std::move(*projectList), std::move(*clientList), std::move(*tagList));
+        co_return failure(trackerIsGone());
     co_await saveSnapshot();
-    co_return true;
+    co_return CallResult<void>{};
 }
 
-void Tracker::apply(Fetched fetched, InstantInterval window)
+void Tracker::apply(Fetched fetched)
 {
-    m_hasServerState = true;
-    m_loadError.reset();
-    m_settings = std::move(fetched.settings);
-    m_catalog.replace(std::move(fetched.projects), std::move(fetched.clients), std::move(fetched.tags));
-    // What the snapshot held outside the window is not known to be so any more.
-    std::erase_if(m_serverEntries, [&](const TimeEntryResponse &entry) {
-        return !window.contains(entry.start) && !m_calendarDays.contains(m_parts.time.dayKey(entry.start));
-    });
-    m_serverRunning = std::move(fetched.running);
-    replaceServerEntries(window, std::move(fetched.entries));
-    show();
+    const QPointer<Tracker> self(this);
+    TouchedEntries touched;
+    const auto take = [&](TouchedEntries more) {
+        touched.insert(touched.end(), std::make_move_iterator(more.begin()),
+                       std::make_move_iterator(more.end()));
+    };
+    if (fetched.running)
+        take(m_known.takeRunning(std::move(*fetched.running)));
+    for (std::size_t i = 0; i < fetched.beside.size(); ++i)
+        take(m_known.takeDays(fetched.wanted.beside[i], std::move(fetched.beside[i])));
+    if (fetched.window)
+        take(m_known.takeWindow(fetched.wanted.window, std::move(*fetched.window)));
+    if (fetched.projects)
+        m_catalog.replace(std::move(*fetched.projects), std::move(*fetched.clients),
+                          std::move(*fetched.tags));
+    if (self && fetched.settings)
+        setSettings(std::move(*fetched.settings));
+    if (self)
+        show(touched);
 }
 
-/// Takes the server's word for all entries that start in the range.
-void Tracker::replaceServerEntries(InstantInterval range, std::vector<TimeEntryResponse> entries)
+void Tracker::setSettings(WorkspaceSettingsResponse settings)
 {
-    std::erase_if(m_serverEntries,
-                  [&](const TimeEntryResponse &entry) { return range.contains(entry.start); });
-    std::unordered_set<std::string> kept;
-    kept.reserve(m_serverEntries.size() + entries.size());
-    for (const TimeEntryResponse &entry : m_serverEntries)
-        kept.insert(entry.id);
-    m_serverEntries.reserve(m_serverEntries.size() + entries.size());
-    for (TimeEntryResponse &entry : entries) {
-        if (kept.insert(entry.id).second)
-            m_serverEntries.push_back(std::move(entry));
+    if (m_settings == settings)
+        return;
+    m_settings = std::move(settings);
+    Q_EMIT settingsChanged();
+}
+
+Task<CallResult<void>> Tracker::loadWeekBefore()
+{
+    if (const auto other = m_loadingMore)
+        co_return co_await *other;
+    const QPointer<Tracker> self(this);
+    Pending<CallResult<void>> loading;
+    m_loadingMore = loading;
+    Q_EMIT stateChanged();
+    const auto &window = m_known.days().window();
+    const DaySpan before =
+        DaySpan::of(m_parts.time, (window ? window->days : currentWeeks()).first.adding(-7), 7);
+    auto entries = co_await listDays(before);
+    CallResult<void> result;
+    if (!entries)
+        result = failure(std::move(entries.error()));
+    if (self) {
+        m_loadingMore.reset();
+        if (entries) {
+            ++m_weeksLoaded;
+            show(m_known.takeWeekBefore(before, std::move(*entries)));
+        }
+        Q_EMIT stateChanged();
+    }
+    loading.finish(result);
+    co_return result;
+}
+
+Task<CallResult<void>> Tracker::loadDays(DayKey first, int count)
+{
+    if (m_known.days().contains(first, count))
+        co_return CallResult<void>{};
+    const QPointer<Tracker> self(this);
+    const DaySpan days = DaySpan::of(m_parts.time, first, count);
+    auto entries = co_await listDays(days);
+    if (!entries)
+        co_return failure(std::move(entries.error()));
+    if (self)
+        show(m_known.takeDays(days, std::move(*entries)));
+    co_return CallResult<void>{};
+}
+
+/// The entries of some days as they are after everything that was accepted until the answer came.
+Task<CallResult<std::vector<TimeEntryResponse>>> Tracker::listDays(DaySpan days)
+{
+    const QPointer<Tracker> self(this);
+    for (int tried = 1;; ++tried) {
+        const std::uint64_t generation = m_known.generation();
+        auto entries =
+            co_await m_parts.api->listTimeEntries(m_parts.workspace.id, days.interval.from, days.interval.to);
+        if (!self)
+            co_return failure(trackerIsGone());
+        if (!entries || generation == m_known.generation() || tried == fetchTries)
+            co_return entries;
     }
 }
 
 Task<> Tracker::saveSnapshot()
 {
-    m_isSnapshotStale = false;
-    const InstantInterval window = this->window();
-    Snapshot snapshot{
-        window.from,     {}, m_serverRunning, m_settings, m_catalog.projects(), m_catalog.clients(),
-        m_catalog.tags()};
-    const auto isInWindow = [&](const TimeEntryResponse &entry) { return window.contains(entry.start); };
-    const std::uint64_t entries = digest(m_serverEntries | std::views::filter(isInWindow));
-    if (m_saved == snapshot && m_savedEntries == entries)
+    auto snapshot = m_known.unsaved(m_settings, m_catalog, currentWeeks().interval.from);
+    if (!snapshot)
         co_return;
-    m_saved = snapshot;
-    m_savedEntries = entries;
-    std::ranges::copy_if(m_serverEntries, std::back_inserter(snapshot.entries), isInWindow);
-    sortNewestFirst(snapshot.entries);
     const QPointer<Tracker> self(this);
-    const auto saved = co_await m_parts.store->save(Snapshot::key(m_parts.workspace.id), std::move(snapshot));
+    const auto saved =
+        co_await m_parts.store->save(Snapshot::key(m_parts.workspace.id), std::move(*snapshot));
     // A snapshot is a convenience: without it the next start waits for the server. What must not be lost is
     // the outbox's.
     if (self && !saved)
-        m_saved.reset();
+        m_known.forgetSaved();
 }
 
 Task<> Tracker::close()
 {
-    if (m_isSnapshotStale && (m_hasServerState || m_saved))
+    const auto store = m_parts.store;
+    if (m_known.isUnsaved())
         co_await saveSnapshot();
     // A snapshot that a pass left under way ends too: the store answers in the order in which it was asked.
-    co_await m_parts.store->inspect([](Connection &) { return true; });
-}
-
-InstantInterval Tracker::window() const
-{
-    const DayKey today = m_parts.time.weekStartContaining(m_parts.time.today());
-    return {m_parts.time.startOfDay(windowStart()), m_parts.time.startOfDay(today.adding(7))};
-}
-
-DayKey Tracker::windowStart() const
-{
-    return m_parts.time.weekStartContaining(m_parts.time.today()).adding(std::int64_t{-7} * m_weeksLoaded);
-}
-
-bool Tracker::isInWindow(DayKey day) const
-{
-    const DayKey start = windowStart();
-    return day >= start && day < start.adding(std::int64_t{7} * (m_weeksLoaded + 1));
+    co_await store->inspect([](Connection &) { return true; });
 }
 
 void Tracker::setState(LoadState state)
@@ -304,18 +349,87 @@ void Tracker::setState(LoadState state)
     Q_EMIT stateChanged();
 }
 
+std::set<DayKey> Tracker::calendarDays() const
+{
+    std::set<DayKey> days;
+    for (const KnownDays::Asked &asked : m_known.days().beside()) {
+        for (int i = 0; i < asked.days.count; ++i)
+            days.insert(asked.days.first.adding(i));
+    }
+    return days;
+}
+
+// What its owner tells
+
+void Tracker::setTime(UserTime time)
+{
+    if (m_parts.time == time)
+        return;
+    const bool areDaysOthers =
+        m_parts.time.timeZone() != time.timeZone() || m_parts.time.weekStart() != time.weekStart();
+    m_parts.time = std::move(time);
+    if (areDaysOthers) {
+        m_known.forgetDays();
+        if (m_known.hasAnswer())
+            refresh(Topics(Topic::entries) | Topic::running);
+    }
+    Q_EMIT timeChanged();
+}
+
+void Tracker::setWorkspace(WorkspaceSummary workspace)
+{
+    ORVANE_REQUIRE(workspace.id == m_parts.workspace.id, "a tracker serves one workspace");
+    if (m_parts.workspace == workspace)
+        return;
+    m_parts.workspace = std::move(workspace);
+    Q_EMIT workspaceChanged();
+}
+
+void Tracker::turnDay()
+{
+    refresh(allTopics);
+    Q_EMIT dayTurned();
+}
+
 // What is shown
 
-void Tracker::show()
+/// Tells who looks; that nothing is known to be otherwise is no news.
+void Tracker::show(const TouchedEntries &touched)
 {
     m_isShownStale = true;
-    Q_EMIT entriesChanged();
+    if (touched.empty() || !isSignalConnected(QMetaMethod::fromSignal(&Tracker::entriesChanged)))
+        return;
+    EntriesChange change;
+    for (const TouchedEntry &entry : touched) {
+        change.entries.insert(entry.id);
+        if (entry.start)
+            change.days.insert(m_parts.time.dayKey(*entry.start));
+    }
+    Q_EMIT entriesChanged(change);
+}
+
+/// The queue knows of entries what its changes say; a start ends what was shown to run.
+void Tracker::showQueued(const TouchedEntries &touched)
+{
+    m_isShownStale = true;
+    if (touched.empty() || !isSignalConnected(QMetaMethod::fromSignal(&Tracker::entriesChanged)))
+        return;
+    TouchedEntries all = touched;
+    for (const TouchedEntry &entry : touched) {
+        if (const TimeEntryResponse *known = m_known.find(entry.id))
+            all.push_back({known->id, known->start});
+    }
+    for (const auto &running : {m_known.running(), m_shownRunning}) {
+        if (running)
+            all.push_back({running->id, running->start});
+    }
+    show(all);
 }
 
 const std::vector<TimeEntryResponse> &Tracker::entries() const
 {
     workOutShown();
-    return m_showsServerEntries ? m_serverEntries : m_shown;
+    return m_showsServerEntries ? m_known.entries() : m_shown;
 }
 
 const std::optional<TimeEntryResponse> &Tracker::running() const
@@ -329,15 +443,15 @@ void Tracker::workOutShown() const
     if (!std::exchange(m_isShownStale, false))
         return;
     const std::vector<EntryChange> changes = m_parts.outbox->changes();
+    const std::vector<TimeEntryResponse> &entries = m_known.entries();
     m_showsServerEntries = changes.empty() && !isRunningElsewhere();
     if (m_showsServerEntries) {
         m_shown = {};
-        sortNewestFirst(m_serverEntries);
         const auto running = std::ranges::find_if(
-            m_serverEntries, [](const TimeEntryResponse &entry) { return !entry.stop.has_value(); });
-        m_shownRunning = running == m_serverEntries.end() ? std::nullopt : std::optional{*running};
+            entries, [](const TimeEntryResponse &entry) { return !entry.stop.has_value(); });
+        m_shownRunning = running == entries.end() ? std::nullopt : std::optional{*running};
     } else {
-        ShownEntries shown = overlay(m_serverEntries, m_serverRunning, changes, m_parts.workspace.id);
+        ShownEntries shown = overlay(entries, m_known.running(), changes, m_parts.workspace.id);
         m_shown = std::move(shown.entries);
         m_shownRunning = std::move(shown.running);
     }
@@ -346,8 +460,9 @@ void Tracker::workOutShown() const
 /// Whether the running entry is none of those that are known, but of another workspace or long ago.
 bool Tracker::isRunningElsewhere() const
 {
-    return m_serverRunning && std::ranges::find(m_serverEntries, m_serverRunning->id,
-                                                &TimeEntryResponse::id) == m_serverEntries.end();
+    const auto &running = m_known.running();
+    return running && std::ranges::find(m_known.entries(), running->id, &TimeEntryResponse::id) ==
+                          m_known.entries().end();
 }
 
 std::optional<TimeEntryResponse> Tracker::entry(const std::string &id) const
@@ -384,70 +499,32 @@ EntryRules Tracker::rules() const
     return EntryRules{m_settings.value_or(WorkspaceSettingsResponse{}), isAdmin};
 }
 
-void Tracker::takeServerEntry(const TimeEntryResponse &entry)
+// What became of changes
+
+void Tracker::handleSent(const QueuedChange &row, const std::optional<TimeEntryResponse> &entry)
 {
-    ++m_generation;
-    m_isSnapshotStale = true;
-    m_isShownStale = true;
-    const auto known = std::ranges::find(m_serverEntries, entry.id, &TimeEntryResponse::id);
-    if (entry.workspaceId != m_parts.workspace.id) {
-        if (known != m_serverEntries.end())
-            m_serverEntries.erase(known);
-    } else if (known != m_serverEntries.end()) {
-        *known = entry;
-    } else {
-        m_serverEntries.push_back(entry);
-    }
-    if (entry.stop) {
-        if (m_serverRunning && m_serverRunning->id == entry.id)
-            m_serverRunning.reset();
-        return;
-    }
-    // The server lets one entry run: whatever ran before ended where this one starts.
-    for (TimeEntryResponse &other : m_serverEntries) {
-        if (other.id != entry.id && !other.stop)
-            other.stop = std::max(entry.start, other.start);
-    }
-    m_serverRunning = entry;
+    if (entry)
+        return show(m_known.take(*entry));
+    if (std::holds_alternative<EntryChange::Delete>(row.change.action))
+        return show(m_known.drop(row.change.entryId()));
+    const std::string workspaceId = row.change.workspaceId();
+    const std::string id = row.change.entryId();
+    refreshEntry(workspaceId, id);
+    show(m_known.takeSent(row.change));
 }
 
-void Tracker::dropServerEntry(const std::string &id)
+void Tracker::handleRejected(const QueuedChange &row, const CallError &error, bool callerWaits)
 {
-    ++m_generation;
-    m_isSnapshotStale = true;
-    m_isShownStale = true;
-    std::erase_if(m_serverEntries, [&](const TimeEntryResponse &known) { return known.id == id; });
-    if (m_serverRunning && m_serverRunning->id == id)
-        m_serverRunning.reset();
+    if (!callerWaits && row.change.workspaceId() == m_parts.workspace.id)
+        Q_EMIT refused(row.change, QString::fromStdString(describe(error)));
 }
 
-void Tracker::handleSent(const Outbox::Pending &row, const std::optional<TimeEntryResponse> &entry)
-{
-    if (entry) {
-        takeServerEntry(*entry);
-        return;
-    }
-    if (std::holds_alternative<EntryChange::Delete>(row.change.action)) {
-        dropServerEntry(row.change.entryId());
-        return;
-    }
-    // Another process sent it: shown as it was asked for until the server says how it is.
-    const std::vector<EntryChange> change{row.change};
-    const ShownEntries after = overlay(m_serverEntries, m_serverRunning, change, m_parts.workspace.id);
-    const auto found = std::ranges::find(after.entries, row.change.entryId(), &TimeEntryResponse::id);
-    if (found != after.entries.end())
-        takeServerEntry(*found);
-    refresh(row.change.workspaceId(), row.change.entryId());
-}
-
-Task<> Tracker::refresh(std::string workspaceId, std::string id)
+Task<> Tracker::refreshEntry(std::string workspaceId, std::string id)
 {
     const QPointer<Tracker> self(this);
     auto entry = co_await m_parts.api->getTimeEntry(std::move(workspaceId), std::move(id));
-    if (!self || !entry)
-        co_return;
-    takeServerEntry(*entry);
-    show();
+    if (self && entry)
+        show(m_known.take(*entry));
 }
 
 } // namespace orvane

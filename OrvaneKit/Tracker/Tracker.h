@@ -6,11 +6,15 @@
 #include "Catalog/EntryChange.h"
 #include "Catalog/EntryDetails.h"
 #include "Catalog/EntryRules.h"
+#include "Client/Pending.h"
+#include "Client/WantedAnswer.h"
 #include "LocalStore/LocalStore.h"
 #include "OrvaneAPI/Schemas.h"
 #include "Outbox/Outbox.h"
+#include "Outbox/OutboxOutcomes.h"
 #include "Time/UserTime.h"
-#include "Tracker/Snapshot.h"
+#include "Tracker/EntriesChange.h"
+#include "Tracker/KnownEntries.h"
 
 #include <QObject>
 #include <functional>
@@ -46,14 +50,27 @@ struct SaveResult {
     std::vector<std::int64_t> seqs;
 };
 
+/// What a quiet refresh asks the server for.
+enum class Topic { entries = 1, running = 2, settings = 4, catalog = 8 };
+Q_DECLARE_FLAGS(Topics, Topic)
+Q_DECLARE_OPERATORS_FOR_FLAGS(Topics)
+inline constexpr Topics allTopics =
+    Topics(Topic::entries) | Topic::running | Topic::settings | Topic::catalog;
+
 /// One workspace's entries of the signed-in user: the weeks loaded so far, the running entry, the workspace's
-/// settings and catalog. What the server said is kept apart from what is shown, which also reflects the
-/// changes waiting in the outbox, in order. Every change of the user goes through here: it shows at once and
-/// is handed to the outbox.
+/// settings and catalog. What the server said is kept apart (`KnownEntries`) from what is shown, which also
+/// reflects the changes waiting in the outbox, in order. Every change of the user goes through here: it shows
+/// at once and is handed to the outbox.
 ///
-/// Owner: the account. Thread: the main thread.
+/// It may live for weeks: what is known changes with the server's answers and never by the clock, and its
+/// owner tells it when a day turns or the user's choices about time change.
+///
+/// Owner: the account. Thread: the main thread. A call whose tracker goes meanwhile ends with a
+/// ConnectionError.
 class Tracker final : public QObject {
     Q_OBJECT
+    Q_PROPERTY(bool isLoadingMore READ isLoadingMore NOTIFY stateChanged)
+    Q_PROPERTY(int weeksLoaded READ weeksLoaded NOTIFY stateChanged)
 
 public:
     struct Parts {
@@ -61,8 +78,9 @@ public:
         UserTime time;
         std::shared_ptr<OrvaneClient> api;
         std::shared_ptr<LocalStore> store;
-        /// Outlives the tracker.
+        /// Outlives the tracker, and so do its outcomes.
         Outbox *outbox = nullptr;
+        OutboxOutcomes *outcomes = nullptr;
         /// Names new entries; empty: with random identifiers.
         std::function<std::string()> newIdentifier = {};
     };
@@ -76,23 +94,43 @@ public:
     const Catalog &catalog() const { return m_catalog; }
     Outbox &outbox() { return *m_parts.outbox; }
     const std::optional<WorkspaceSettingsResponse> &settings() const { return m_settings; }
+    /// How many weeks before the current one are kept loaded.
     int weeksLoaded() const { return m_weeksLoaded; }
     LoadState state() const { return m_state; }
-    bool isLoadingMore() const { return m_isLoadingMore; }
+    bool isLoadingMore() const { return m_loadingMore.has_value(); }
     /// Why the last load failed; none while it has not.
     const std::optional<CallError> &loadError() const { return m_loadError; }
+
+    /// As the server last said.
+    const std::vector<TimeEntryResponse> &serverEntries() const { return m_known.entries(); }
+    const std::optional<TimeEntryResponse> &serverRunning() const { return m_known.running(); }
+    const KnownDays &knownDays() const { return m_known.days(); }
+    /// The days that were asked for beside the loaded weeks.
+    std::set<DayKey> calendarDays() const;
 
     /// Reads the snapshot and shows it. True when there was one.
     Task<bool> loadSnapshot();
     /// Snapshot first (unless it was read already), then the server's current week, running entry, settings
     /// and catalog, and a new snapshot. Ends with `state` Loaded or Failed.
     Task<> load();
-    /// One more week before the window; false leaves the window as it was.
-    Task<bool> loadWeekBefore();
-    /// Makes the entries of any days known, outside the window too. False when the server could not be asked.
-    Task<bool> loadDays(DayKey first, int count);
+    /// The same topics without a word: `state` stays. One refresh at a time; who asks meanwhile gets the next
+    /// one's answer. What could not be had is asked for again by `refreshMissed`.
+    Task<CallResult<void>> refresh(Topics topics);
+    /// What earlier refreshes, or a turn of the day, still lack. Nothing is asked when nothing lacks.
+    Task<> refreshMissed();
+    Topics missed() const { return m_missed; }
+    /// One more week before the loaded ones; a failure leaves them as they were.
+    Task<CallResult<void>> loadWeekBefore();
+    /// Makes the entries of any days known, beside the loaded weeks too.
+    Task<CallResult<void>> loadDays(DayKey first, int count);
     /// The catalog alone, after it was changed.
-    Task<bool> reloadCatalog();
+    Task<CallResult<void>> reloadCatalog();
+
+    /// Takes over other choices about time, or another summary of the workspace (its name, the user's role).
+    void setTime(UserTime time);
+    void setWorkspace(WorkspaceSummary workspace);
+    /// A new day has begun, or the clock was set: what depends on the current day is asked for anew.
+    void turnDay();
 
     /// What is shown, newest start first; the running entry included.
     const std::vector<TimeEntryResponse> &entries() const;
@@ -122,42 +160,50 @@ public:
     Task<> close();
 
 Q_SIGNALS:
-    void entriesChanged();
+    /// What is shown may be otherwise: which entries, and on which days.
+    void entriesChanged(const orvane::EntriesChange &change);
+    /// `state`, `loadError`, `isLoadingMore` or `weeksLoaded`.
     void stateChanged();
+    void settingsChanged();
+    void workspaceChanged();
+    /// The user's choices about time: every label, day and week may be another.
+    void timeChanged();
+    /// Today is another day.
+    void dayTurned();
     /// A change that nobody waits for any more was refused.
     void refused(const orvane::EntryChange &change, const QString &message);
 
 private:
     struct Fetched;
-    Task<Result<Fetched, CallError>> fetch(Instant from, Instant to);
-    void apply(Fetched fetched, InstantInterval window);
-    void replaceServerEntries(InstantInterval range, std::vector<TimeEntryResponse> entries);
+    struct Wanted;
+    Task<> runRefreshes(Pending<CallResult<void>> running);
+    Task<CallResult<void>> fetchAndApply(Topics topics);
+    static Task<CallResult<Fetched>> fetch(std::shared_ptr<OrvaneClient> api, std::string workspaceId,
+                                           Wanted wanted);
+    Wanted wanted(Topics topics) const;
+    void apply(Fetched fetched);
+    Task<CallResult<std::vector<TimeEntryResponse>>> listDays(DaySpan days);
+    void setSettings(WorkspaceSettingsResponse settings);
     Task<> saveSnapshot();
-    Task<> refresh(std::string workspaceId, std::string id);
-    void show();
+    Task<> refreshEntry(std::string workspaceId, std::string id);
+    void show(const TouchedEntries &touched);
+    void showQueued(const TouchedEntries &touched);
     void workOutShown() const;
     bool isRunningElsewhere() const;
-    void takeServerEntry(const TimeEntryResponse &entry);
-    void dropServerEntry(const std::string &id);
-    void handleSent(const Outbox::Pending &row, const std::optional<TimeEntryResponse> &entry);
+    void handleSent(const QueuedChange &row, const std::optional<TimeEntryResponse> &entry);
+    void handleRejected(const QueuedChange &row, const CallError &error, bool callerWaits);
     Task<SaveResult> submit(std::vector<Submission> changes, std::string id, SaveOutcome whenDone);
     Submission made(EntryChange change, const TimeEntryResponse &shown) const;
     SaveResult refusedHere(SaveOutcome outcome, std::string message) const;
     std::optional<SaveResult> checkRules(const EntryRequest &request) const;
     bool isLackingDetails(const TimeEntryResponse &running) const;
-    InstantInterval window() const;
-    DayKey windowStart() const;
-    bool isInWindow(DayKey day) const;
+    DaySpan currentWeeks() const;
     void setState(LoadState state);
 
     Parts m_parts;
     Catalog m_catalog;
     std::optional<WorkspaceSettingsResponse> m_settings;
-    /// Of the window and of the days asked for; of the snapshot before the first load.
-    mutable std::vector<TimeEntryResponse> m_serverEntries; ///< sorted when somebody looks
-    std::optional<TimeEntryResponse> m_serverRunning;
-    /// Days outside the window that were asked for and whose entries are known.
-    std::set<DayKey> m_calendarDays;
+    KnownEntries m_known;
     /// The server's entries with the pending changes over them; empty while there is no change, when the
     /// server's are shown as they are. Worked out when somebody looks, since a long queue is drained by
     /// thousands of steps.
@@ -166,19 +212,14 @@ private:
     mutable std::optional<TimeEntryResponse> m_shownRunning;
     mutable bool m_isShownStale = true;
     std::optional<CallError> m_loadError;
-    /// What the store holds, as far as this process knows; the entries only as their digest, since a week can
-    /// have thousands.
-    std::optional<Snapshot> m_saved;
-    std::uint64_t m_savedEntries = 0;
-    /// Counts the changes that were accepted, so that an answer from before one of them is not taken for the
-    /// last word.
-    std::uint64_t m_generation = 0;
+    Topics m_asked;
+    Topics m_missed;
+    /// The refreshes that are under way.
+    std::optional<Pending<CallResult<void>>> m_refreshing;
+    std::optional<Pending<CallResult<void>>> m_loadingMore;
     int m_weeksLoaded = 0;
     LoadState m_state = LoadState::Loading;
-    bool m_isLoadingMore = false;
     bool m_isSnapshotRead = false;
-    bool m_isSnapshotStale = false;
-    bool m_hasServerState = false;
 };
 
 } // namespace orvane

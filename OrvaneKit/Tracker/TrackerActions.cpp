@@ -43,11 +43,8 @@ constexpr const char *stopNeedsDetails = "Add the details this workspace require
 Submission Tracker::made(EntryChange change, const TimeEntryResponse &shown) const
 {
     Submission submission{std::move(change), shown, {}};
-    const auto known = std::ranges::find(m_serverEntries, shown.id, &TimeEntryResponse::id);
-    if (known != m_serverEntries.end())
+    if (const TimeEntryResponse *known = m_known.find(shown.id))
         submission.server = *known;
-    else if (m_serverRunning && m_serverRunning->id == shown.id)
-        submission.server = m_serverRunning;
     return submission;
 }
 
@@ -184,7 +181,7 @@ Task<SaveResult> Tracker::continueLast(Instant at)
     auto last = lastStopped();
     bool isLoaded = true;
     while (!last && isLoaded && m_weeksLoaded < weeksSearched) {
-        isLoaded = co_await loadWeekBefore();
+        isLoaded = (co_await loadWeekBefore()).has_value();
         if (!self)
             co_return refusedHere(SaveOutcome::failed, {});
         last = lastStopped();

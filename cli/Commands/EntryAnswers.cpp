@@ -59,9 +59,10 @@ Task<Search> askForEntry(Context context, std::string typed)
     Search search = Search::Nowhere;
     if (typed.size() == wholeIdLength) {
         const auto entry = co_await account->client().getTimeEntry(tracker.workspace().id, typed);
-        const bool isAnswered = entry ? co_await tracker.loadDays(tracker.time().dayKey(entry->start), 1)
-                                      : std::holds_alternative<APIError>(entry.error()) &&
-                                            std::get<APIError>(entry.error()).status < firstServerFault;
+        const bool isAnswered =
+            entry ? (co_await tracker.loadDays(tracker.time().dayKey(entry->start), 1)).has_value()
+                  : std::holds_alternative<APIError>(entry.error()) &&
+                        std::get<APIError>(entry.error()).status < firstServerFault;
         search = isAnswered ? Search::Everywhere : Search::Nowhere;
     } else {
         const DayKey first = tracker.time()

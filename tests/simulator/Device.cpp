@@ -106,21 +106,20 @@ Task<bool> Process::open(WorkspaceSummary workspace, std::function<std::string()
     if (m_isGone)
         co_return false;
     m_outbox = std::move(outbox);
+    m_outcomes = std::make_unique<OutboxOutcomes>(*m_outbox);
     auto time = UserTime::make("Europe/Paris");
     m_tracker = std::make_unique<Tracker>(Tracker::Parts{.workspace = std::move(workspace),
                                                          .time = std::move(*time),
                                                          .api = m_client,
                                                          .store = m_store,
                                                          .outbox = m_outbox.get(),
+                                                         .outcomes = m_outcomes.get(),
                                                          .newIdentifier = std::move(newIdentifier)});
-    const auto before = m_outbox->onRejected;
-    m_outbox->onRejected = [this, before](const Outbox::Pending &row, const CallError &error,
-                                          bool callerWaits) {
-        if (before)
-            before(row, error, callerWaits);
-        if (!m_isGone && onRefused)
-            onRefused(row.seq);
-    };
+    QObject::connect(m_outcomes.get(), &OutboxOutcomes::rejected, m_outcomes.get(),
+                     [this](const QueuedChange &row) {
+                         if (!m_isGone && onRefused)
+                             onRefused(row.seq);
+                     });
     co_await m_tracker->loadSnapshot();
     co_return isOpen();
 }
@@ -159,6 +158,7 @@ Task<> Process::close()
 void Process::destroy()
 {
     m_tracker.reset();
+    m_outcomes.reset();
     m_outbox.reset();
     m_store.reset();
     m_client.reset();
