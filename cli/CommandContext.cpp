@@ -13,7 +13,7 @@ namespace orvane {
 namespace {
 
 /// How long a command waits for the server before it goes on without it; it is over within 3 s then.
-constexpr std::chrono::milliseconds patience{2800};
+constexpr std::chrono::milliseconds patienceLength{2800};
 
 } // namespace
 
@@ -21,21 +21,52 @@ CommandContext::CommandContext(GlobalOptions options)
     : m_options(std::move(options))
     , m_style(TerminalStyle::of(STDOUT_FILENO))
     , m_installation(m_options.dataFolder)
+    , m_patience(patienceLength)
 {
+    connect(&m_patience, &Patience::windingDown, this, [this] {
+        if (m_account)
+            m_account->outbox().close();
+    });
 }
 
 CommandContext::~CommandContext() = default;
 
-Account::Options CommandContext::accountOptions()
+/// The server that the options name, with the patience counting.
+Task<Result<std::shared_ptr<ServerAccess>, AccountError>> CommandContext::findServer(Patience &patience,
+                                                                                     bool isForSignIn)
 {
-    Account::Options options;
-    options.installation = &m_installation;
-    options.server = m_options.server;
-    options.startsServer = m_options.startsServer;
-    options.workspace = m_options.workspace;
-    options.zone = m_options.zone;
-    options.patience = patience;
-    return options;
+    const auto access =
+        std::make_shared<ServerAccess>(ServerAccess::Options{.installation = &m_installation,
+                                                             .server = m_options.server,
+                                                             .startsServer = m_options.startsServer,
+                                                             .isForSignIn = isForSignIn});
+    const bool isKnown = access->isKnown();
+    if (isKnown)
+        patience.begin(access);
+    if (auto found = co_await access->find(); !found)
+        co_return failure(std::move(found.error()));
+    if (!isKnown)
+        patience.begin(access);
+    co_return access;
+}
+
+Task<Account::Opened> CommandContext::openWithin(Patience &patience, std::optional<SignIn> way)
+{
+    auto access = co_await findServer(patience, way.has_value());
+    if (!access)
+        co_return failure(std::move(access.error()));
+    Account::Options options{.workspace = m_options.workspace,
+                             .zone = m_options.zone,
+                             .livesOn = false,
+                             .lockPatience = patience.length()};
+    if (way)
+        co_return co_await Account::signIn(*access, std::move(options), std::move(*way));
+    co_return co_await Account::open(*access, std::move(options));
+}
+
+Task<Account::Opened> CommandContext::openApart(Patience &patience)
+{
+    return openWithin(patience, std::nullopt);
 }
 
 Task<Result<Account *, CommandFailure>> CommandContext::openAccount()
@@ -46,47 +77,51 @@ Task<Result<Account *, CommandFailure>> CommandContext::openAccount()
         !m_options.server && !m_installation.currentServer() && !m_installation.localServer();
     m_progress.begin(isFirst && m_options.startsServer ? "Starting the server on this computer …"
                                                        : "Waiting for the server …");
-    auto opened = co_await Account::open(accountOptions());
+    auto opened = co_await openWithin(m_patience, std::nullopt);
     m_progress.finish();
     co_return co_await adopt(std::move(opened), false);
 }
 
-Task<Result<Account *, CommandFailure>> CommandContext::signIn(Account::Credentials credentials)
+Task<Result<Account *, CommandFailure>> CommandContext::signIn(SignIn way)
 {
     m_progress.begin("Signing in …");
-    auto opened = co_await Account::signIn(accountOptions(), std::move(credentials));
+    auto opened = co_await openWithin(m_patience, std::move(way));
     m_progress.finish();
     co_return co_await adopt(std::move(opened), true);
 }
 
 Task<Result<void, CommandFailure>> CommandContext::leaveEndedSession()
 {
-    const auto left = co_await Account::leaveEndedSession(accountOptions());
+    auto access = co_await findServer(m_patience, false);
+    if (!access)
+        co_return failure(CommandFailure::of(access.error()));
+    const auto left = co_await (*access)->signOut();
+    (*access)->close();
+    co_await (*access)->settle();
     if (!left)
         co_return failure(CommandFailure::of(left.error()));
     co_return Result<void, CommandFailure>{};
 }
 
-Task<Result<Account *, CommandFailure>>
-CommandContext::adopt(Result<std::unique_ptr<Account>, AccountError> opened, bool isSigningIn)
+Task<Result<Account *, CommandFailure>> CommandContext::adopt(Account::Opened opened, bool isSigningIn)
 {
     if (!opened) {
         m_openError = opened.error().kind;
         auto problem = CommandFailure::of(opened.error());
-        if (m_openError == AccountError::Kind::SignedOut && !isSigningIn)
+        if (m_openError == AccountError::Kind::signedOut && !isSigningIn)
             problem.message +=
                 " To sign in: orvane login. To go back to the account on this computer: orvane logout.";
         co_return failure(std::move(problem));
     }
     m_account = std::move(*opened);
     if (auto readable = co_await checkQueue(); !readable) {
-        m_openError = AccountError::Kind::Store;
+        m_openError = AccountError::Kind::store;
         co_await m_account->close();
         m_account.reset();
         co_return failure(std::move(readable.error()));
     }
     co_await m_account->tracker().loadSnapshot();
-    for (const std::string &notice : {m_account->tokenNotice(), m_account->timeNotice()}) {
+    for (const std::string &notice : {m_account->access().tokenNotice(), m_account->timeNotice()}) {
         if (!notice.empty())
             writeMessage(printable(notice));
     }
@@ -127,7 +162,7 @@ Task<> CommandContext::sendQueue(bool restartsPatience)
         m_progress.setProgress(all - std::min(left, all), all);
         // Each answer shows that the server is there; only silence uses the patience up.
         if (restartsPatience)
-            m_account->restartPatience();
+            m_patience.restart();
     };
     const auto connection = connect(&outbox, &Outbox::pendingChanged, this, advance);
     co_await outbox.flush();
@@ -143,7 +178,7 @@ Task<> CommandContext::bringUpToDate()
     const std::size_t before = m_account->outbox().pending().size();
     co_await sendQueue(false);
     // What was sent may have done more at the server than to the entries themselves.
-    if (m_account->outbox().pending().size() < before && m_account->hasPatience())
+    if (m_account->outbox().pending().size() < before && m_patience.lasts())
         co_await loadState();
 }
 
@@ -205,6 +240,7 @@ Task<> CommandContext::finish()
     showQueue();
     for (const std::string &message : m_besides)
         writeMessage(message);
+    m_patience.end();
     co_await m_account->close();
 }
 

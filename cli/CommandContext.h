@@ -4,6 +4,7 @@
 #include "Account/Account.h"
 #include "Account/Installation.h"
 #include "Output/CommandFailure.h"
+#include "Patience.h"
 #include "Terminal/ProgressLine.h"
 #include "Terminal/TerminalStyle.h"
 #include "Time/AppClock.h"
@@ -43,11 +44,13 @@ public:
     const TerminalStyle &style() const { return m_style; }
     ProgressLine &progress() { return m_progress; }
     Installation &installation() { return m_installation; }
-    Account::Options accountOptions();
 
     /// The signed-in account with its snapshot read; the same one at each call. The account stays owned here.
     Task<Result<Account *, CommandFailure>> openAccount();
-    Task<Result<Account *, CommandFailure>> signIn(Account::Credentials credentials);
+    Task<Result<Account *, CommandFailure>> signIn(SignIn way);
+    /// Another one, for what is not to show or change anything of the command's; `patience` outlives the
+    /// call.
+    Task<Account::Opened> openApart(Patience &patience);
     /// Forgets what is left of a session that is over, and goes back to the account on this computer.
     Task<Result<void, CommandFailure>> leaveEndedSession();
     /// Why the account could not be opened.
@@ -74,8 +77,10 @@ public:
     Task<> finish();
 
 private:
-    Task<Result<Account *, CommandFailure>> adopt(Result<std::unique_ptr<Account>, AccountError> opened,
-                                                  bool isSigningIn);
+    Task<Account::Opened> openWithin(Patience &patience, std::optional<SignIn> way);
+    Task<Result<std::shared_ptr<ServerAccess>, AccountError>> findServer(Patience &patience,
+                                                                         bool isForSignIn);
+    Task<Result<Account *, CommandFailure>> adopt(Account::Opened opened, bool isSigningIn);
     Task<Result<void, CommandFailure>> checkQueue();
     Task<> sendQueue(bool restartsPatience);
     Task<> showRefusals();
@@ -87,6 +92,7 @@ private:
     TerminalStyle m_style;
     Installation m_installation;
     ProgressLine m_progress;
+    Patience m_patience;
     std::unique_ptr<Account> m_account;
     std::optional<AccountError::Kind> m_openError;
     std::vector<std::int64_t> m_unreadable;

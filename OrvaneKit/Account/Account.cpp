@@ -4,276 +4,77 @@
 #include "Account/AccountStores.h"
 #include "Account/PreferredTime.h"
 #include "Account/ProfileDocument.h"
-#include "Client/NetworkThread.h"
+#include "Client/Connectivity.h"
 #include "Client/OrvaneClient.h"
-#include "LocalServer/LocalAccount.h"
-#include "LocalServer/LocalServerLink.h"
-#include "LocalStore/LocalStore.h"
 #include "Outbox/OutboxRules.h"
-#include "Session/AuthSession.h"
-#include "Session/MemoryTokenStore.h"
-#include "Session/TokenStoreChoice.h"
-#include "Time/SystemZone.h"
+#include "Time/AppClock.h"
 
-#include <QCoreApplication>
 #include <QPointer>
-#include <QSysInfo>
-#include <QTimer>
 #include <algorithm>
 
 namespace orvane {
 
-namespace {
-
-/// How long before the end of the patience a pass over the queue is asked to end. A server that is only busy
-/// with a long queue answers the request in flight by then, and is not taken for one that is away.
-constexpr std::chrono::milliseconds windDown{300};
-
-AccountError refusedBy(const CallError &error)
+Account::Account(std::shared_ptr<ServerAccess> access, Options options)
+    : m_access(std::move(access)), m_options(std::move(options))
 {
-    const auto *problem = std::get_if<APIError>(&error);
-    if (problem == nullptr)
-        return {AccountError::Kind::Unreachable, describe(error), error};
-    const auto kind = problem->status == 401 ? AccountError::Kind::SignedOut : AccountError::Kind::Refused;
-    return {kind, describe(error), error};
 }
-
-std::string deviceName()
-{
-    return QSysInfo::machineHostName().toStdString();
-}
-
-std::string besideThisProgram(const std::string &program)
-{
-    return (QCoreApplication::applicationDirPath() + QLatin1Char('/')).toStdString() + program;
-}
-
-RegisterRequest registration(const Account::Credentials &credentials)
-{
-    RegisterRequest request;
-    request.email = credentials.email;
-    request.password = credentials.password;
-    if (auto zone = systemZone())
-        request.timeZone = std::move(*zone);
-    return request;
-}
-
-} // namespace
-
-Account::Account(Options options) : m_options(std::move(options)) {}
 
 Account::~Account() = default;
 
-Task<Result<std::unique_ptr<Account>, AccountError>> Account::open(Options options)
+Task<Account::Opened> Account::open(std::shared_ptr<ServerAccess> access, Options options)
 {
-    std::unique_ptr<Account> account(new Account(std::move(options)));
-    if (auto found = co_await account->findServer(); !found)
-        co_return failure(std::move(found.error()));
-    co_await account->makeClient();
-    auto opened = co_await account->openKnown();
-    if (!opened) {
-        co_await account->close();
-        co_return failure(std::move(opened.error()));
+    std::unique_ptr<Account> account(new Account(std::move(access), std::move(options)));
+    auto how = co_await account->openKnown();
+    co_return co_await opened(std::move(account), std::move(how));
+}
+
+Task<Account::Opened> Account::signIn(std::shared_ptr<ServerAccess> access, Options options, SignIn way)
+{
+    std::unique_ptr<Account> account(new Account(std::move(access), std::move(options)));
+    auto how = co_await account->openSignedIn(std::move(way));
+    if (how)
+        account->m_access->installation().setCurrentServer(account->server());
+    co_return co_await opened(std::move(account), std::move(how));
+}
+
+Task<Account::Opened> Account::opened(std::unique_ptr<Account> account, Result<void, AccountError> how)
+{
+    if (how) {
+        account->state().noteOpened();
+        if (account->m_options.livesOn)
+            account->liveOn();
+        co_return std::move(account);
     }
-    co_return account;
+    if (how.error().kind == AccountError::Kind::signedOut &&
+        account->state().kind() == AccountState::Kind::opening)
+        account->state().noteSignedOut();
+    co_await account->close();
+    co_return failure(std::move(how.error()));
 }
 
-Task<Result<std::unique_ptr<Account>, AccountError>> Account::signIn(Options options, Credentials credentials)
-{
-    std::unique_ptr<Account> account(new Account(std::move(options)));
-    if (auto found = co_await account->findServer(); !found)
-        co_return failure(std::move(found.error()));
-    account->m_isAutomatic = false;
-    co_await account->makeClient();
-    auto opened = co_await account->openWith(std::move(credentials));
-    if (!opened) {
-        co_await account->close();
-        co_return failure(std::move(opened.error()));
-    }
-    account->m_options.installation->setCurrentServer(account->m_server);
-    co_return account;
-}
-
-// The server
-
-/// Settles which server this is about, and finds or starts it when it is the one on this computer.
-Task<Result<void, AccountError>> Account::findServer()
-{
-    Installation &installation = *m_options.installation;
-    std::string problem;
-    if (!installation.makeFolder(problem))
-        co_return failure(AccountError{AccountError::Kind::Store, problem, {}});
-    m_network = std::make_shared<NetworkThread>();
-    if (isKnown())
-        startPatience();
-    const auto wanted = m_options.server ? m_options.server : installation.currentServer();
-    const auto local = installation.localServer();
-    m_isLocal = !wanted || wanted == local;
-    // Somebody may also sign in to the server on this computer with an e-mail address; then it is the current
-    // one.
-    m_isAutomatic = m_isLocal && !(local && installation.currentServer() == local);
-    m_server = wanted.value_or(local.value_or(""));
-    m_isReachable = true;
-    if (!m_isLocal)
-        co_return Result<void, AccountError>{};
-    co_return co_await findLocalServer();
-}
-
-Task<Result<void, AccountError>> Account::findLocalServer()
-{
-    Installation &installation = *m_options.installation;
-    const std::string program =
-        m_options.serverProgram.empty() ? besideThisProgram("orvane-server") : m_options.serverProgram;
-    m_link = LocalServerLink::make(*m_network, {.folder = installation.serverFolder(), .program = program});
-    countPatience();
-    auto hello = m_options.startsServer ? co_await m_link->ensureRunning() : co_await m_link->hello();
-    if (!hello) {
-        m_isReachable = false;
-        m_unreachableReason = describe(hello.error());
-        if (m_server.empty())
-            co_return failure(AccountError{AccountError::Kind::Unreachable, m_unreachableReason, {}});
-        co_return Result<void, AccountError>{};
-    }
-    const auto before = installation.localServer();
-    m_server = hello->address;
-    if (before && *before != m_server)
-        co_return moveLocalStores(*before);
-    installation.setLocalServer(m_server);
-    co_return Result<void, AccountError>{};
-}
-
-/// The server on this computer got another port (its folder is a new one, or was put back): the names of its
-/// stores follow, those of accounts that it does not know now included. They are there when it does again.
-Result<void, AccountError> Account::moveLocalStores(const std::string &before)
-{
-    Installation &installation = *m_options.installation;
-    const auto accounts = accountsWithStore(installation.root(), before);
-    if (const auto moved = moveStores(installation.root(), before, m_server); !moved)
-        return failure(AccountError{AccountError::Kind::Store, describe(moved.error()), {}});
-    for (const std::string &account : accounts) {
-        if (const auto workspace = installation.workspace(before, account))
-            installation.setWorkspace(m_server, account, *workspace);
-    }
-    if (const auto account = installation.account(before))
-        installation.setAccount(m_server, account);
-    if (installation.currentServer() == before)
-        installation.setCurrentServer(m_server);
-    installation.setLocalServer(m_server);
-    return {};
-}
-
-Task<> Account::makeClient()
-{
-    const Installation &installation = *m_options.installation;
-    AuthSessionOptions options{.server = m_server, .tokenStore = {}, .deviceName = deviceName()};
-    std::shared_ptr<HttpTransport> transport = m_network->transport();
-    if (m_isLocal)
-        transport =
-            std::make_shared<LocalServerTransport>(m_link, std::move(transport), m_options.startsServer);
-    if (m_isAutomatic) {
-        options.tokenStore = std::make_shared<MemoryTokenStore>();
-        options.reauthenticator =
-            localReauthenticator(m_link, systemZone().value_or("UTC"), m_options.startsServer);
-    } else {
-        auto choice = co_await makeTokenStore(
-            *m_network, installation.hasOwnFolder() ? std::optional{installation.root()} : std::nullopt);
-        options.tokenStore = std::move(choice.store);
-        options.lockPath = installation.root() + "/session.lock";
-        m_tokenNotice = choice.warning.value_or("");
-    }
-    m_session = AuthSession::make(*m_network, transport, std::move(options));
-    m_client = std::make_shared<OrvaneClient>(m_network, m_session, transport);
-    if (!m_patience)
-        startPatience();
-}
-
-/// Whether there is an account to go on with when the server does not answer.
-bool Account::isKnown() const
-{
-    const Installation &installation = *m_options.installation;
-    const auto local = installation.localServer();
-    const auto server = m_options.server ? m_options.server : installation.currentServer();
-    return installation.account(server.value_or(local.value_or(""))).has_value();
-}
-
-void Account::startPatience()
-{
-    if (m_options.patience.count() == 0)
-        return;
-    m_windDown = std::make_unique<QTimer>();
-    m_patience = std::make_unique<QTimer>();
-    for (QTimer *timer : {m_windDown.get(), m_patience.get()}) {
-        timer->setSingleShot(true);
-        timer->setTimerType(Qt::PreciseTimer);
-    }
-    connect(m_windDown.get(), &QTimer::timeout, this, &Account::endPass);
-    connect(m_patience.get(), &QTimer::timeout, this, &Account::giveUp);
-    countPatience();
-}
-
-/// From now on.
-void Account::countPatience()
-{
-    if (!m_patience)
-        return;
-    m_windDown->start(std::max(m_options.patience - windDown, std::chrono::milliseconds{0}));
-    m_patience->start(m_options.patience);
-    if (m_link)
-        m_link->giveUpAt(std::chrono::steady_clock::now() + m_options.patience);
-}
-
-void Account::restartPatience()
-{
-    if (m_patience && m_patience->isActive() && !m_isWindingDown)
-        countPatience();
-}
-
-void Account::endPass()
-{
-    m_isWindingDown = true;
-    if (m_outbox)
-        m_outbox->close();
-}
-
-void Account::giveUp()
-{
-    m_isReachable = false;
-    m_unreachableReason = "The server did not answer in time.";
-    closeTransport();
-}
-
-void Account::closeTransport()
-{
-    QMetaObject::invokeMethod(
-        m_network->executor(), [transport = m_network->transport()] { transport->close(); },
-        Qt::QueuedConnection);
-}
-
-// The account
+// Opening
 
 /// Opens the account that was signed in to before; with the server away it is opened as it was last known.
 Task<Result<void, AccountError>> Account::openKnown()
 {
-    Installation &installation = *m_options.installation;
-    const auto known = installation.account(m_server);
-    if (!known && !m_isReachable)
-        co_return failure(AccountError{AccountError::Kind::Unreachable, m_unreachableReason, {}});
+    const auto known = m_access->installation().account(server());
+    if (!known && !isReachable())
+        co_return failure(AccountError{AccountError::Kind::unreachable, state().reason()});
     // The file and the server are asked at the same time: the account is nearly always the one it was.
     std::optional<Task<Result<void, AccountError>>> opening;
     if (known)
         opening = openStore(*known);
-    if (m_isReachable)
+    if (isReachable())
         co_await fetchMe();
     if (opening) {
         if (auto opened = co_await *opening; !opened)
             co_return failure(std::move(opened.error()));
     }
-    if (m_hasFreshMe)
+    if (m_freshMe)
         co_return co_await finishOpening();
     if (!known || !m_hasProfile || isSessionOver())
         co_return failure(co_await whyUnknown());
-    makeTracker();
-    co_return selectWorkspace();
+    co_return co_await startTracking();
 }
 
 /// Why there is no account to go on with. A store that cannot be read is not one that lacks the profile.
@@ -281,41 +82,34 @@ Task<AccountError> Account::whyUnknown()
 {
     if (m_store && !m_hasProfile && !isSessionOver()) {
         if (const auto readable = co_await readThrough(*m_store); !readable)
-            co_return AccountError{AccountError::Kind::Store, describe(readable.error()), {}};
+            co_return AccountError{AccountError::Kind::store, describe(readable.error())};
     }
     if (m_meError)
-        co_return refusedBy(*m_meError);
-    co_return AccountError{AccountError::Kind::Unreachable, m_unreachableReason, {}};
+        co_return AccountError::of(*m_meError);
+    co_return AccountError{AccountError::Kind::unreachable, state().reason()};
 }
 
-Task<Result<void, AccountError>> Account::openWith(Credentials credentials)
+Task<Result<void, AccountError>> Account::openSignedIn(SignIn way)
 {
-    auto signedIn = credentials.registers
-                        ? co_await m_session->registerAccount(registration(credentials))
-                        : co_await m_session->login(credentials.email, credentials.password);
+    auto signedIn = co_await orvane::signIn(std::move(way), m_access->session());
     if (!signedIn)
-        co_return failure(refusedBy(signedIn.error()));
+        co_return failure(AccountError::of(signedIn.error()));
     co_await fetchMe();
-    if (!m_hasFreshMe)
-        co_return failure(refusedBy(*m_meError));
+    if (!m_freshMe)
+        co_return failure(AccountError::of(*m_meError));
     co_return co_await finishOpening();
 }
 
 Task<> Account::fetchMe()
 {
-    auto me = co_await m_client->getMe();
-    if (me) {
-        m_isReachable = true;
-        m_hasFreshMe = true;
-        m_freshMe = std::move(*me);
+    const QPointer<Account> self(this);
+    auto me = co_await m_access->client()->getMe();
+    if (!self)
         co_return;
-    }
-    m_meError = std::move(me.error());
-    // A refusal is an answer; a server that says to try later counts as away like one that says nothing.
-    if (!isSessionOver() && classify(*m_meError) == FailureKind::Transient) {
-        m_isReachable = false;
-        m_unreachableReason = describe(*m_meError);
-    }
+    if (me)
+        m_freshMe = std::move(*me);
+    else
+        m_meError = std::move(me.error());
 }
 
 bool Account::isSessionOver() const
@@ -327,25 +121,24 @@ bool Account::isSessionOver() const
 /// With the server's word on who this is: the store is that account's, and the profile is kept for later.
 Task<Result<void, AccountError>> Account::finishOpening()
 {
-    if (m_accountId != m_freshMe.id) {
+    if (m_accountId != m_freshMe->id) {
         m_outcomes.reset();
         m_outbox.reset();
-        if (auto opened = co_await openStore(m_freshMe.id); !opened)
+        if (auto opened = co_await openStore(m_freshMe->id); !opened)
             co_return failure(std::move(opened.error()));
     }
-    m_options.installation->setAccount(m_server, m_freshMe.id);
-    if (!m_hasProfile || m_me != m_freshMe)
-        co_await updateMe(m_freshMe);
-    makeTracker();
-    co_return selectWorkspace();
+    m_access->installation().setAccount(server(), m_freshMe->id);
+    if (!m_hasProfile || m_me != *m_freshMe)
+        co_await updateMe(*m_freshMe);
+    co_return co_await startTracking();
 }
 
 Task<Result<void, AccountError>> Account::openStore(std::string accountId)
 {
-    auto opened =
-        co_await LocalStore::open(LocalStore::filePath(m_options.installation->root(), m_server, accountId));
+    auto opened = co_await LocalStore::open(
+        LocalStore::filePath(m_access->installation().root(), server(), accountId), m_options.store);
     if (!opened)
-        co_return failure(AccountError{AccountError::Kind::Store, describe(opened.error()), {}});
+        co_return failure(AccountError{AccountError::Kind::store, describe(opened.error())});
     m_store = std::move(*opened);
     m_accountId = std::move(accountId);
     auto profile = co_await m_store->load<ProfileDocument>(ProfileDocument::key);
@@ -353,59 +146,108 @@ Task<Result<void, AccountError>> Account::openStore(std::string accountId)
     if (profile)
         m_me = std::move(profile->me);
     Outbox::Parts parts;
-    parts.api = m_client;
+    parts.api = m_access->client();
     parts.store = m_store;
     parts.lockPath = storePath() + ".lock";
     parts.mayBeSent = [this] { return checkAccount(); };
-    if (m_options.patience.count() > 0)
-        parts.lockPatience = m_options.patience;
+    parts.lockPatience = m_options.lockPatience;
+    parts.retry = makeRetryTimer();
     m_outbox = co_await Outbox::make(std::move(parts));
     m_outcomes = std::make_unique<OutboxOutcomes>(*m_outbox);
+    connect(m_outbox.get(), &Outbox::isHeldBackChanged, this,
+            [this] { state().setHeldBack(m_outbox->isHeldBack()); });
+    connect(m_outbox.get(), &Outbox::isOfflineChanged, this, [this] {
+        // It goes offline for what every request hears as well, and for a session that is over, which is none
+        // of it.
+        if (!m_outbox->isOffline())
+            state().noteAnswer();
+    });
+    connect(m_outbox.get(), &Outbox::nextTryChanged, this, &Account::tellNextTry);
     co_return Result<void, AccountError>{};
 }
 
 std::string Account::storePath() const
 {
-    return LocalStore::filePath(m_options.installation->root(), m_server, m_accountId);
+    return LocalStore::filePath(m_access->installation().root(), server(), m_accountId);
+}
+
+std::unique_ptr<RetryTimer> Account::makeRetryTimer() const
+{
+    return m_options.retryTimer ? m_options.retryTimer() : std::make_unique<SystemRetryTimer>();
 }
 
 /// Nothing of a queue goes to an account that is not the store's.
 Task<Outbox::SendVerdict> Account::checkAccount()
 {
     const QPointer<Account> self(this);
-    if (!m_hasFreshMe) {
-        // Who waits only so long has asked once; asking again would use up the rest.
-        if (m_patience && !m_isReachable)
+    if (!m_freshMe) {
+        // A process that ends soon has asked once; asking again would use up its time.
+        if (!m_options.livesOn && !isReachable())
             co_return Outbox::SendVerdict::Away;
         co_await fetchMe();
         if (!self)
             co_return Outbox::SendVerdict::NotOurs;
-        if (!m_hasFreshMe)
+        if (!m_freshMe)
             co_return Outbox::SendVerdict::Away;
     }
-    if (m_freshMe.id != m_accountId)
+    if (m_freshMe->id != m_accountId)
         co_return Outbox::SendVerdict::NotOurs;
     co_return Outbox::SendVerdict::Allowed;
 }
 
+// The profile and the workspace
+
 Task<> Account::updateMe(MeResponse me)
 {
+    const QPointer<Account> self(this);
     m_me = std::move(me);
+    followTime();
+    Q_EMIT meChanged();
     // Only a convenience for times without the server; a failure shows when something that matters is stored.
-    co_await m_store->save(ProfileDocument::key, ProfileDocument{m_me});
+    if (self)
+        co_await m_store->save(ProfileDocument::key, ProfileDocument{m_me});
 }
 
-// The workspace
-
-Result<void, AccountError> Account::selectWorkspace()
+Task<CallResult<void>> Account::refreshMe()
 {
-    if (m_tracker)
-        return {};
+    const QPointer<Account> self(this);
+    m_isMeMissed = true;
+    auto me = co_await m_access->client()->getMe();
+    if (!me)
+        co_return failure(std::move(me.error()));
+    if (!self)
+        co_return CallResult<void>{};
+    m_isMeMissed = false;
+    m_freshMe = *me;
+    // Of another account nothing is shown; the outbox holds what waits back.
+    if (me->id == m_accountId && m_me != *me)
+        co_await updateMe(std::move(*me));
+    co_return CallResult<void>{};
+}
+
+/// The profile's choices about time, wherever they count.
+void Account::followTime()
+{
+    if (!m_tracker)
+        return;
+    PreferredTime preferred = preferredTime(m_me, m_options.zone);
+    m_timeNotice = std::move(preferred.notice);
+    if (m_dayTurn)
+        m_dayTurn->setTime(preferred.time);
+    m_tracker->setTime(std::move(preferred.time));
+    const auto summary = std::ranges::find(m_me.workspaces, m_tracker->workspace().id, &WorkspaceSummary::id);
+    if (summary != m_me.workspaces.end())
+        m_tracker->setWorkspace(*summary);
+}
+
+Task<Result<void, AccountError>> Account::startTracking()
+{
+    if (makeTracker())
+        co_return Result<void, AccountError>{};
     const std::string asked = m_options.workspace.value_or("");
-    return failure(AccountError{AccountError::Kind::Refused,
-                                asked.empty() ? std::string("This account has no workspace.")
-                                              : "This account has no workspace " + asked + ".",
-                                {}});
+    co_return failure(AccountError{AccountError::Kind::refused,
+                                   asked.empty() ? std::string("This account has no workspace.")
+                                                 : "This account has no workspace " + asked + "."});
 }
 
 /// The workspace asked for, else the one used last, else the account's default, else its first.
@@ -417,92 +259,137 @@ const WorkspaceSummary *Account::chosenWorkspace() const
     };
     if (m_options.workspace)
         return named(m_options.workspace);
-    if (const auto *last = named(m_options.installation->workspace(m_server, m_accountId)))
+    if (const auto *last = named(m_access->installation().workspace(server(), m_accountId)))
         return last;
     if (const auto *usual = named(m_me.defaultWorkspaceId))
         return usual;
     return m_me.workspaces.empty() ? nullptr : &m_me.workspaces.front();
 }
 
-void Account::makeTracker()
+bool Account::makeTracker()
 {
-    m_tracker.reset();
-    const PreferredTime preferred = preferredTime(m_me, m_options.zone);
-    m_timeNotice = preferred.notice;
-    if (const WorkspaceSummary *workspace = chosenWorkspace())
-        m_tracker = std::make_unique<Tracker>(Tracker::Parts{
-            *workspace, preferred.time, m_client, m_store, m_outbox.get(), m_outcomes.get(), {}});
+    const WorkspaceSummary *workspace = chosenWorkspace();
+    if (workspace == nullptr)
+        return false;
+    PreferredTime preferred = preferredTime(m_me, m_options.zone);
+    m_timeNotice = std::move(preferred.notice);
+    const std::unique_ptr<Tracker> before = std::move(m_tracker);
+    m_tracker = std::make_unique<Tracker>(Tracker::Parts{.workspace = *workspace,
+                                                         .time = std::move(preferred.time),
+                                                         .api = m_access->client(),
+                                                         .store = m_store,
+                                                         .outbox = m_outbox.get(),
+                                                         .outcomes = m_outcomes.get(),
+                                                         .newIdentifier = m_options.newIdentifier});
+    if (before)
+        Q_EMIT trackerChanged();
+    return true;
 }
 
 bool Account::useWorkspace(const std::string &id)
 {
     if (std::ranges::find(m_me.workspaces, id, &WorkspaceSummary::id) == m_me.workspaces.end())
         return false;
-    m_options.installation->setWorkspace(m_server, m_accountId, id);
+    m_access->installation().setWorkspace(server(), m_accountId, id);
     m_options.workspace = id;
-    makeTracker();
-    return true;
+    return makeTracker();
+}
+
+// Living on
+
+void Account::liveOn()
+{
+    m_dayTurn =
+        std::make_unique<DayTurn>(time(), m_options.wallTimer ? m_options.wallTimer() : makeWallTimer());
+    connect(m_dayTurn.get(), &DayTurn::turned, this, [this] {
+        m_tracker->turnDay();
+        refreshMe();
+    });
+    m_retry = makeRetryTimer();
+    m_connectivity = std::make_unique<Connectivity>();
+    m_connectivity->onOnline = [this] { catchUp(); };
+    connect(m_connectivity.get(), &Connectivity::isOnlineChanged, this, [this] {
+        // The server on this computer needs no network.
+        if (!m_connectivity->isOnline() && !isLocal())
+            state().noteSilence("This computer is not connected to a network.");
+    });
+    connect(&state(), &AccountState::cameBack, this, &Account::catchUp);
+    connect(&state(), &AccountState::changed, this, &Account::tryAgainLater);
+    tryAgainLater();
+}
+
+/// The server may be back, or is: what waits is sent, and what could not be had is asked for.
+void Account::catchUp()
+{
+    m_outbox->flush();
+    if (!m_freshMe || m_isMeMissed)
+        refreshMe();
+    m_tracker->refreshMissed();
+}
+
+/// While the server is away and no change waits, which the outbox would try again, somebody has to ask
+/// whether it is back.
+void Account::tryAgainLater()
+{
+    if (!m_retry)
+        return; // closing
+    if (isReachable()) {
+        m_failures = 0;
+        m_retry->cancel();
+        m_nextTry.reset();
+    } else if (!m_nextTry) {
+        const auto delay = retryDelay(++m_failures);
+        m_nextTry = AppClock::now() + delay;
+        m_retry->schedule(delay, [this] {
+            m_nextTry.reset();
+            tryOnce();
+        });
+    }
+    tellNextTry();
+}
+
+Task<> Account::tryOnce()
+{
+    const QPointer<Account> self(this);
+    if (!m_outbox->nextTry())
+        co_await refreshMe();
+    if (self && !isReachable())
+        tryAgainLater();
+}
+
+void Account::tellNextTry()
+{
+    const auto &sending = m_outbox->nextTry();
+    state().setNextTry(sending && (!m_nextTry || *sending < *m_nextTry) ? sending : m_nextTry);
 }
 
 // The end
 
 Task<Result<void, AccountError>> Account::signOut()
 {
-    if (m_isAutomatic)
+    if (!isAutomatic())
+        return m_access->signOut();
+    const auto refuse = []() -> Task<Result<void, AccountError>> {
         co_return failure(
-            AccountError{AccountError::Kind::Refused,
-                         "The account on this computer signs in by itself; there is no sign-in to end.",
-                         {}});
-    if (auto ended = co_await endSession(); !ended)
-        co_return failure(std::move(ended.error()));
-    leaveServer();
-    co_return Result<void, AccountError>{};
-}
-
-Task<Result<void, AccountError>> Account::leaveEndedSession(Options options)
-{
-    std::unique_ptr<Account> account(new Account(std::move(options)));
-    if (auto found = co_await account->findServer(); !found)
-        co_return failure(std::move(found.error()));
-    co_await account->makeClient();
-    auto ended = account->m_isAutomatic ? Result<void, AccountError>{} : co_await account->endSession();
-    if (ended)
-        account->leaveServer();
-    co_await account->close();
-    co_return std::move(ended);
-}
-
-/// As long as the server has not been told, the session goes on: what is recorded next would otherwise go to
-/// an account that nobody asked for.
-Task<Result<void, AccountError>> Account::endSession()
-{
-    const auto ended = co_await m_session->signOut();
-    if (ended)
-        co_return Result<void, AccountError>{};
-    AccountError error = refusedBy(ended.error());
-    error.message += " You are still signed in.";
-    co_return failure(std::move(error));
-}
-
-void Account::leaveServer()
-{
-    if (m_options.installation->currentServer() == m_server)
-        m_options.installation->setCurrentServer(std::nullopt);
+            AccountError{AccountError::Kind::refused,
+                         "The account on this computer signs in by itself; there is no sign-in to end."});
+    };
+    return refuse();
 }
 
 Task<> Account::close()
 {
-    m_windDown.reset();
-    m_patience.reset();
-    if (!m_network)
-        co_return;
-    closeTransport();
+    disconnect(&state(), nullptr, this, nullptr);
+    m_dayTurn.reset();
+    m_connectivity.reset();
+    m_retry.reset();
+    m_access->close();
     if (m_outbox)
         co_await m_outbox->close();
     if (m_tracker)
         co_await m_tracker->close();
     // Answers that were on their way back are taken before their receivers go.
-    co_await m_network->run([]() -> Task<bool> { co_return true; });
+    co_await m_access->settle();
 }
 
 } // namespace orvane

@@ -29,11 +29,9 @@ std::string pathSent(const std::string &address, const std::string &path)
 
 Task<Answered> sendWithProof(Transport transport, LocalServerHello server, HttpRequest request)
 {
-    const std::string nonce = newProofNonce();
-    request.path = pathSent(server.address, request.path);
-    request.headers.set(linkProofHeader, requestProof(server.key, nonce, request));
-    auto answer = co_await transport->send(std::move(request), server.address);
-    if (answer && !isAnswerProved(server.key, nonce, *answer))
+    ProvenRequest proven = withProof(server, std::move(request));
+    auto answer = co_await transport->send(std::move(proven.request), server.address);
+    if (answer && !isAnswerProved(server.key, proven.nonce, *answer))
         co_return failure(ConnectionError{"the answer is not the server's own"});
     co_return std::move(answer);
 }
@@ -86,6 +84,14 @@ Task<CallResult<ExternalExchangeRequest>> codeFor(std::shared_ptr<LocalServerLin
 }
 
 } // namespace
+
+ProvenRequest withProof(const LocalServerHello &server, HttpRequest request)
+{
+    ProvenRequest proven{std::move(request), newProofNonce()};
+    proven.request.path = pathSent(server.address, proven.request.path);
+    proven.request.headers.set(linkProofHeader, requestProof(server.key, proven.nonce, proven.request));
+    return proven;
+}
 
 bool holdsPassword(const HttpRequest &request)
 {

@@ -30,6 +30,14 @@ private:
     bool m_start;
 };
 
+/// A request with the proof that it comes from who asked the server at its socket; its answer's proof is made
+/// with the same nonce.
+struct ProvenRequest {
+    HttpRequest request;
+    std::string nonce;
+};
+ProvenRequest withProof(const LocalServerHello &server, HttpRequest request);
+
 /// Whether the body of a request holds a password, which is worth as much after the server's end as before:
 /// such a request goes through the server's socket.
 bool holdsPassword(const HttpRequest &request);

@@ -11,7 +11,7 @@ Task<Result<Account *, CommandFailure>> openOnline(Context context)
     if (!(*opened)->isReachable())
         co_return failure(
             CommandFailure::of("The server cannot be reached, and this change cannot wait for it. " +
-                               (*opened)->unreachableReason()));
+                               (*opened)->state().reason()));
     co_await context->flush();
     co_return static_cast<Account *>(*opened);
 }

@@ -15,7 +15,7 @@ namespace orvane {
 namespace {
 
 /// Somebody waits for the key to do something.
-constexpr std::chrono::milliseconds patience{1000};
+constexpr std::chrono::milliseconds patienceLength{1000};
 
 struct CompletionOptions {
     std::optional<std::string> shell;
@@ -100,9 +100,8 @@ std::string replies(const MentionCompletion &completion, std::size_t before, con
 
 Task<CommandAnswer> completed(Context place, std::vector<ShellWord> words, Shell shell, std::string replaced)
 {
-    Account::Options options = place->accountOptions();
-    options.patience = patience;
-    auto opened = co_await Account::open(std::move(options));
+    Patience patience(patienceLength);
+    auto opened = co_await place->openApart(patience);
     if (!opened)
         co_return CommandAnswer{}; // a completion has nowhere to complain
     // Not the context's own account: that one would show what was refused, to nobody, and count it as shown.

@@ -75,8 +75,10 @@ CommandTask login(Context context, LoginOptions options)
     auto password = passwordFor(options);
     if (!password)
         co_return failure(password.error());
-    const auto opened =
-        co_await context->signIn({std::move(*email), std::move(*password), options.registers});
+    SignIn way = PasswordSignIn{*email, *password};
+    if (options.registers)
+        way = Registration{std::move(*email), std::move(*password)};
+    const auto opened = co_await context->signIn(std::move(way));
     if (!opened)
         co_return failure(opened.error());
     const Account &account = **opened;
@@ -104,7 +106,7 @@ CommandTask leaveEndedSession(Context context)
 CommandTask logout(Context context)
 {
     const auto opened = co_await context->openAccount();
-    if (!opened && context->openError() == AccountError::Kind::SignedOut)
+    if (!opened && context->openError() == AccountError::Kind::signedOut)
         co_return co_await leaveEndedSession(context);
     if (!opened)
         co_return failure(opened.error());

@@ -35,17 +35,18 @@ protected:
         workspace.id = "w";
         return me;
     }
-    Account::Options options()
+    std::shared_ptr<ServerAccess> access()
     {
-        Account::Options result;
-        result.installation = &installation;
-        result.server = server.url();
-        result.startsServer = false;
-        return result;
+        const auto access = std::make_shared<ServerAccess>(ServerAccess::Options{
+            .installation = &installation, .server = server.url(), .startsServer = false});
+        const auto found = await(access->find());
+        EXPECT_TRUE(found) << (found ? "" : found.error().message);
+        return access;
     }
     std::unique_ptr<Account> signIn()
     {
-        auto account = await(Account::signIn(options(), {"ada@example.org", "right"}));
+        auto account =
+            await(Account::signIn(access(), {.livesOn = false}, PasswordSignIn{"ada@example.org", "right"}));
         EXPECT_TRUE(account) << account.error().message;
         return account ? std::move(*account) : nullptr;
     }
@@ -63,7 +64,7 @@ TEST_F(AccountTest, StaysWhereItIsWhenItCannotSignOut)
     server.setDown(true);
     const auto away = await(account->signOut());
     ASSERT_FALSE(away);
-    EXPECT_EQ(away.error().kind, AccountError::Kind::Unreachable);
+    EXPECT_EQ(away.error().kind, AccountError::Kind::unreachable);
     EXPECT_TRUE(away.error().message.ends_with("You are still signed in."));
     server.setDown(false);
     server.refuseLogout(403);
@@ -82,11 +83,11 @@ TEST_F(AccountTest, LeavesASessionThatIsOver)
     ASSERT_NE(account, nullptr);
     await(account->close());
     // The token went with the process that had it.
-    const auto opened = await(Account::open(options()));
+    const auto opened = await(Account::open(access(), {.livesOn = false}));
     ASSERT_FALSE(opened);
-    EXPECT_EQ(opened.error().kind, AccountError::Kind::SignedOut);
+    EXPECT_EQ(opened.error().kind, AccountError::Kind::signedOut);
     EXPECT_EQ(installation.currentServer(), server.url());
-    EXPECT_TRUE(await(Account::leaveEndedSession(options())));
+    EXPECT_TRUE(await(access()->signOut()));
     EXPECT_EQ(installation.currentServer(), std::nullopt);
 }
 

@@ -4,6 +4,7 @@
 #include "Catalog/EntryConversions.h"
 #include "Client/OrvaneClient.h"
 #include "Time/AppClock.h"
+#include "support/AccountStack.h"
 #include "support/Await.h"
 #include "support/CommandRun.h"
 
@@ -19,11 +20,7 @@ class TrackerTest : public ::testing::Test {
 protected:
     std::unique_ptr<Account> open(bool startsServer = true)
     {
-        Account::Options options;
-        options.installation = &installation;
-        options.startsServer = startsServer;
-        options.serverProgram = builtProgram("orvane-server");
-        auto account = await(Account::open(std::move(options)));
+        auto account = await(openAccount(installation, startsServer));
         if (!account) {
             ADD_FAILURE() << account.error().message;
             return nullptr;

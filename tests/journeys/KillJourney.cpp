@@ -4,6 +4,7 @@
 #include "Account/Account.h"
 #include "Client/OrvaneClient.h"
 #include "Tracker/Overlay.h"
+#include "support/AccountStack.h"
 #include "support/Await.h"
 #include "support/ClientStack.h"
 #include "support/CommandRun.h"
@@ -33,11 +34,7 @@ protected:
 
     std::unique_ptr<Account> open(bool startsServer)
     {
-        Account::Options options;
-        options.installation = &installation;
-        options.startsServer = startsServer;
-        options.serverProgram = builtProgram("orvane-server");
-        auto account = await(Account::open(std::move(options)));
+        auto account = await(openAccount(installation, startsServer));
         EXPECT_TRUE(account) << (account ? "" : account.error().message);
         return account ? std::move(*account) : nullptr;
     }

@@ -2,26 +2,8 @@
 #include "simulator/Device.h"
 
 #include "Session/MemoryTokenStore.h"
-#include "Session/Pkce.h"
 
 namespace orvane::simulator {
-
-namespace {
-
-Task<CallResult<ExternalExchangeRequest>> codeFrom(Server *server)
-{
-    const Pkce pkce = Pkce::make();
-    auto code = server->signInCode(pkce.challenge);
-    if (!code)
-        co_return failure(CallError(ConnectionError{code.error()}));
-    ExternalExchangeRequest request;
-    request.code = std::move(*code);
-    request.codeVerifier = pkce.verifier;
-    request.timeZone = "Europe/Paris";
-    co_return std::move(request);
-}
-
-} // namespace
 
 // The lock
 
@@ -77,7 +59,7 @@ Process::Process(World &world, Server &server, Device &device, int number)
     AuthSessionOptions options{.server = "http://127.0.0.1",
                                .tokenStore = std::make_shared<MemoryTokenStore>(),
                                .deviceName = device.name};
-    options.reauthenticator = [server = &server] { return codeFrom(server); };
+    options.reauthenticator = [server = &server] { return codeFrom(server, "Europe/Paris"); };
     options.now = [&world] { return world.now(); };
     m_client = std::make_shared<OrvaneClient>(
         m_network, AuthSession::make(*m_network, m_wire, std::move(options)), m_wire);

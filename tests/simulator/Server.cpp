@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "simulator/Server.h"
 
+#include "Session/Pkce.h"
 #include "Support/Require.h"
 
 namespace orvane::simulator {
@@ -25,6 +26,19 @@ Server::Server(World &world)
                                           .userName = "user"});
     ORVANE_REQUIRE(core, "the server's core does not open");
     m_core = std::move(*core);
+}
+
+Task<CallResult<ExternalExchangeRequest>> codeFrom(Server *server, std::string timeZone)
+{
+    const Pkce pkce = Pkce::make();
+    auto code = server->signInCode(pkce.challenge, timeZone);
+    if (!code)
+        co_return failure(CallError(ConnectionError{code.error()}));
+    ExternalExchangeRequest request;
+    request.code = std::move(*code);
+    request.codeVerifier = pkce.verifier;
+    request.timeZone = std::move(timeZone);
+    co_return std::move(request);
 }
 
 Task<Result<HttpResponse, ConnectionError>> Wire::send(HttpRequest request, std::string)

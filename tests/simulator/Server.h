@@ -17,14 +17,17 @@ public:
     explicit Server(World &world);
 
     HttpResponse handle(const HttpRequest &request) { return m_core->handle(request, "127.0.0.1"); }
-    Result<std::string, std::string> signInCode(const std::string &challenge)
+    Result<std::string, std::string> signInCode(const std::string &challenge, const std::string &timeZone)
     {
-        return m_core->localSignInCode(challenge, "Europe/Paris");
+        return m_core->localSignInCode(challenge, timeZone);
     }
 
 private:
     std::unique_ptr<server::ServerCore> m_core;
 };
+
+/// The account on the server's computer signs in with this.
+Task<CallResult<ExternalExchangeRequest>> codeFrom(Server *server, std::string timeZone);
 
 /// How a device's connection fares just now.
 struct Link {

@@ -85,6 +85,16 @@ void World::runFor(Millis limit)
     }
 }
 
+void World::runUntil(Instant moment)
+{
+    const auto isDue = [&](const auto &lane) {
+        return !lane.second.empty() && lane.second.front().due <= moment;
+    };
+    while (std::ranges::any_of(m_lanes, isDue))
+        step();
+    m_now = std::max(m_now, moment);
+}
+
 void World::note(const std::string &who, const std::string &what)
 {
     const auto passed = std::chrono::duration_cast<Millis>(m_now - m_began).count();

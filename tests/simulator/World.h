@@ -4,8 +4,10 @@
 #include "Support/Executor.h"
 #include "Support/Instant.h"
 #include "Support/RetryTimer.h"
+#include "Time/WallTimer.h"
 #include "simulator/Random.h"
 
+#include <algorithm>
 #include <deque>
 #include <functional>
 #include <map>
@@ -44,6 +46,10 @@ public:
     bool step();
     /// Steps until there is nothing to do or `limit` has passed.
     void runFor(Millis limit);
+    /// Runs all that is due until then.
+    void runUntil(Instant moment);
+    /// The computer sleeps: nothing runs, and afterwards it is later.
+    void sleepFor(Millis length) { m_now += length; }
 
     /// Called after each job, for what is to happen between two of them.
     std::function<void()> afterStep;
@@ -99,6 +105,22 @@ public:
 private:
     World &m_world;
     World::LaneId m_lane;
+};
+
+/// A timer of the wall clock in the world.
+class LaneWallTimer final : public WallTimer {
+public:
+    explicit LaneWallTimer(World &world) : m_timer(world), m_world(world) {}
+
+    void schedule(Instant at, std::function<void()> action) override
+    {
+        const auto left = std::chrono::ceil<World::Millis>(at - m_world.now());
+        m_timer.schedule(std::max(left, World::Millis{0}), std::move(action));
+    }
+
+private:
+    LaneTimer m_timer;
+    World &m_world;
 };
 
 /// Runs everything that coroutines have posted to this thread.
