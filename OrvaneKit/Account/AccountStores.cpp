@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Account/AccountStores.h"
 
+#include "LocalStore/StoreSteps.h"
+
 #include <filesystem>
 #include <optional>
 #include <set>
@@ -72,38 +74,29 @@ Task<std::vector<WaitingStore>> waitingBeside(std::string root, std::string serv
 
 Task<Result<std::int64_t, StoreError>> queuedRows(LocalStore &store)
 {
-    using Answer = Result<std::int64_t, StoreError>;
-    return store.inspect([](Connection &connection) -> Answer {
+    return store.inspect([](Connection &connection) -> Result<std::int64_t, StoreError> {
         std::int64_t count = 0;
-        const StoreStatus read =
-            connection.run("SELECT COUNT(*) FROM outbox", {},
-                           [&](const Connection::Row &row) { count = row.integer(0).value_or(0); });
-        return read ? Answer(count) : Answer(failure(read.error()));
+        StoreSteps steps(connection);
+        if (!steps.countRows(count))
+            return steps.error();
+        return count;
     });
 }
 
 Task<StoreStatus> readThrough(LocalStore &store)
 {
-    return store.inspect([](Connection &connection) -> StoreStatus {
-        const auto read = [](const Connection::Row &row) { row.blob(0); };
-        const StoreStatus documents = connection.run("SELECT value FROM document", {}, read);
-        return documents ? connection.run("SELECT change FROM outbox", {}, read) : documents;
-    });
+    return store.inspect(
+        [](Connection &connection) -> StoreStatus { return StoreSteps(connection).readAll().status(); });
 }
 
 Task<Result<std::vector<std::int64_t>, StoreError>> unreadableRows(LocalStore &store)
 {
-    using Answer = Result<std::vector<std::int64_t>, StoreError>;
-    return store.inspect([](Connection &connection) -> Answer {
+    return store.inspect([](Connection &connection) -> Result<std::vector<std::int64_t>, StoreError> {
         std::vector<std::int64_t> seqs;
-        const StoreStatus read = connection.run(
-            "SELECT seq, change FROM outbox ORDER BY seq", {}, [&](const Connection::Row &row) {
-                constexpr JsonReading reading{.dates = DateCoding::SecondsSince2001};
-                const auto text = row.blob(1);
-                if (!text || !decodeJson<EntryChange>(*text, reading))
-                    seqs.push_back(row.integer(0).value_or(0));
-            });
-        return read ? Answer(std::move(seqs)) : Answer(failure(read.error()));
+        StoreSteps steps(connection);
+        if (!steps.readUnreadable(seqs))
+            return steps.error();
+        return seqs;
     });
 }
 

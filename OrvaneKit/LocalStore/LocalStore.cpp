@@ -15,20 +15,6 @@ namespace {
 
 Q_LOGGING_CATEGORY(storeLog, "orvane.store")
 
-const std::string selectDocument = "SELECT value FROM document WHERE key = ?";
-const std::string upsertDocument = "INSERT INTO document (key, value) VALUES (?, ?) "
-                                   "ON CONFLICT(key) DO UPDATE SET value = excluded.value";
-const std::string deleteDocument = "DELETE FROM document WHERE key = ?";
-const std::string selectOutbox = "SELECT seq, change, (SELECT COUNT(*) FROM outbox) FROM outbox ORDER BY seq";
-const std::string insertChange = "INSERT INTO outbox (change, created_at) VALUES (?, ?)";
-const std::string updateChange = "UPDATE outbox SET change = ? WHERE seq = ?";
-const std::string deleteChange = "DELETE FROM outbox WHERE seq = ?";
-
-double secondsNow()
-{
-    return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
-}
-
 /// Letters, digits, "-" and "." stay; every other character becomes "_".
 QString safe(const QString &text)
 {
@@ -106,9 +92,8 @@ Task<LocalStore::Opened> LocalStore::openAt(std::optional<std::string> path, Sto
 
 Task<StoreStatus> LocalStore::remove(std::string key)
 {
-    return runOn(*m_executor, [this, key = std::move(key)] {
-        return m_connection->run(deleteDocument, std::array<Value, 1>{key});
-    });
+    return runOn(*m_executor,
+                 [this, key = std::move(key)] { return StoreSteps(*m_connection).remove(key).status(); });
 }
 
 Task<std::vector<PendingChange>> LocalStore::pending()
@@ -118,38 +103,25 @@ Task<std::vector<PendingChange>> LocalStore::pending()
 
 Task<Result<std::int64_t, StoreError>> LocalStore::enqueue(EntryChange change)
 {
-    return runOn(*m_executor,
-                 [this, change = std::move(change)] { return enqueueOn(*m_connection, change); });
-}
-
-Result<std::int64_t, StoreError> LocalStore::enqueueOn(Connection &connection, const EntryChange &change)
-{
-    const std::array<Value, 2> values{StoreBlob{encodeJson(change, style)}, secondsNow()};
-    return connection.run(insertChange, values).map([&connection] { return connection.lastInsertedRow(); });
+    return runOn(*m_executor, [this, change = std::move(change)]() -> Result<std::int64_t, StoreError> {
+        std::int64_t seq = 0;
+        StoreSteps steps(*m_connection);
+        if (!steps.addRow(change, seq))
+            return steps.error();
+        return seq;
+    });
 }
 
 Task<StoreStatus> LocalStore::replace(std::int64_t seq, EntryChange change)
 {
-    return runOn(*m_executor, [this, seq, change = std::move(change)] { return replaceNow(seq, change); });
+    return runOn(*m_executor, [this, row = PendingChange{seq, std::move(change)}] {
+        return StoreSteps(*m_connection).writeRow(row).status();
+    });
 }
 
 Task<StoreStatus> LocalStore::dequeue(std::int64_t seq)
 {
-    return runOn(*m_executor, [this, seq] { return dequeueNow(seq); });
-}
-
-Task<StoreStatus> LocalStore::dequeueAndReplace(std::int64_t seq, std::vector<PendingChange> replaced)
-{
-    return runOn(*m_executor, [this, seq, replaced = std::move(replaced)] {
-        if (replaced.empty())
-            return dequeueNow(seq);
-        return m_connection->transaction([&] {
-            StoreStatus status = dequeueNow(seq);
-            for (const PendingChange &row : replaced)
-                status = status.and_then([&] { return replaceNow(row.seq, row.change); });
-            return status;
-        });
-    });
+    return runOn(*m_executor, [this, seq] { return StoreSteps(*m_connection).removeRow(seq).status(); });
 }
 
 Task<Result<LocalStore::Rows, StoreError>> LocalStore::query(std::string sql, std::vector<Value> values)
@@ -165,27 +137,12 @@ Task<Result<LocalStore::Rows, StoreError>> LocalStore::query(std::string sql, st
     });
 }
 
-StoreStatus LocalStore::saveText(std::string key, std::string text)
-{
-    return m_connection->run(upsertDocument,
-                             std::array<Value, 2>{std::move(key), StoreBlob{std::move(text)}});
-}
-
-StoreStatus LocalStore::replaceNow(std::int64_t seq, const EntryChange &change)
-{
-    return m_connection->run(updateChange, std::array<Value, 2>{StoreBlob{encodeJson(change, style)}, seq});
-}
-
-StoreStatus LocalStore::dequeueNow(std::int64_t seq)
-{
-    return m_connection->run(deleteChange, std::array<Value, 1>{seq});
-}
-
 std::vector<PendingChange> LocalStore::readPending()
 {
-    QueuedRows rows(reading);
-    const StoreStatus status =
-        m_connection->run(selectOutbox, {}, [&rows](const Connection::Row &row) { rows.add(row); });
+    QueuedRows rows(storeReading);
+    StoreSteps steps(*m_connection);
+    steps.visitRows([&rows](const Connection::Row &row) { rows.add(row); });
+    const StoreStatus &status = steps.status();
     if (!status) {
         qCWarning(storeLog) << "the queue cannot be read:" << status.error().message.c_str();
         return {};
@@ -194,18 +151,6 @@ std::vector<PendingChange> LocalStore::readPending()
     if (rows.unreadable() > 0)
         qCWarning(storeLog) << rows.unreadable() << "queued changes cannot be read and stay where they are";
     return changes;
-}
-
-void LocalStore::readDocument(const std::string &key, const std::function<bool(std::string_view)> &decode)
-{
-    const auto read = [&](const Connection::Row &row) {
-        const std::optional<std::string_view> text = row.blob(0);
-        if (!text || !decode(*text))
-            qCWarning(storeLog) << "a document cannot be read and counts as absent";
-    };
-    const StoreStatus status = m_connection->run(selectDocument, std::array<Value, 1>{key}, read);
-    if (!status)
-        qCWarning(storeLog) << "a document cannot be read:" << status.error().message.c_str();
 }
 
 std::string LocalStore::fileName(const std::string &server, const std::string &account)

@@ -3,6 +3,8 @@
 
 #include "Catalog/EntryChange.h"
 #include "LocalStore/Connection.h"
+#include "LocalStore/PendingChange.h"
+#include "LocalStore/StoreSteps.h"
 #include "Support/AsyncHop.h"
 #include "Support/Json.h"
 
@@ -10,14 +12,6 @@
 #include <memory>
 
 namespace orvane {
-
-/// A change in the queue, under the number that gives its order. Numbers only grow and are never reused.
-struct PendingChange {
-    std::int64_t seq = 0;
-    EntryChange change;
-
-    bool operator==(const PendingChange &) const = default;
-};
 
 /// What must survive between runs, in one SQLite file per server and account: documents by key, so that
 /// screens open with data before the server answers, and the queue of changes that the server has not
@@ -56,9 +50,6 @@ public:
     Task<Result<std::int64_t, StoreError>> enqueue(EntryChange change);
     Task<StoreStatus> replace(std::int64_t seq, EntryChange change);
     Task<StoreStatus> dequeue(std::int64_t seq);
-    /// Takes an accepted change out and puts new content into rows still queued, all of it or nothing.
-    Task<StoreStatus> dequeueAndReplace(std::int64_t seq, std::vector<PendingChange> replaced);
-
     /// Runs one statement with `values` bound to its parameters 1…n and answers its rows.
     Task<Result<Rows, StoreError>> query(std::string sql, std::vector<Value> values);
 
@@ -69,8 +60,6 @@ public:
     /// The same outside a transaction, for reading.
     template <class Work>
     auto inspect(Work work) -> Task<std::invoke_result_t<Work, Connection &>>;
-    /// Adds a change to the end of the queue, for use inside `transact`.
-    static Result<std::int64_t, StoreError> enqueueOn(Connection &connection, const EntryChange &change);
 
     /// "HOST-PORT-ACCOUNT.sqlite" for the server's address and the account's identifier; without the port
     /// where the address names none.
@@ -85,15 +74,7 @@ private:
     explicit LocalStore(std::shared_ptr<Executor> executor);
     static Task<Opened> openAt(std::optional<std::string> path, StoreOptions options);
 
-    StoreStatus saveText(std::string key, std::string text);
-    StoreStatus replaceNow(std::int64_t seq, const EntryChange &change);
-    StoreStatus dequeueNow(std::int64_t seq);
     std::vector<PendingChange> readPending();
-    /// Calls back with the document's text, if there is one.
-    void readDocument(const std::string &key, const std::function<bool(std::string_view)> &decode);
-
-    static constexpr JsonReading reading{.dates = DateCoding::SecondsSince2001};
-    static constexpr JsonStyle style{.dates = DateCoding::SecondsSince2001};
 
     std::unique_ptr<Connection> m_connection; ///< touched on the executor only
     std::shared_ptr<Executor> m_executor;
@@ -107,12 +88,7 @@ Task<std::optional<T>> LocalStore::load(std::string key)
 {
     return runOn(*m_executor, [this, key = std::move(key)] {
         std::optional<T> document;
-        readDocument(key, [&](std::string_view text) {
-            Result<T, JsonError> decoded = decodeJson<T>(text, reading);
-            if (decoded)
-                document = std::move(*decoded);
-            return document.has_value();
-        });
+        StoreSteps(*m_connection).read(key, document);
         return document;
     });
 }
@@ -120,8 +96,8 @@ Task<std::optional<T>> LocalStore::load(std::string key)
 template <class T>
 Task<StoreStatus> LocalStore::save(std::string key, T document)
 {
-    return runOn(*m_executor, [this, key = std::move(key), document = std::move(document)]() mutable {
-        return saveText(std::move(key), encodeJson(document, style));
+    return runOn(*m_executor, [this, key = std::move(key), document = std::move(document)] {
+        return StoreSteps(*m_connection).write(key, document).status();
     });
 }
 

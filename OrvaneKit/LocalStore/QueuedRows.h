@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "LocalStore/LocalStore.h"
+#include "LocalStore/Connection.h"
+#include "LocalStore/PendingChange.h"
 
 #include <condition_variable>
 #include <mutex>

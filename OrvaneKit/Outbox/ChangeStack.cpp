@@ -25,7 +25,7 @@ std::optional<TimeEntryResponse> outcomeAfter(const EntryChange &change, TimeEnt
 }
 
 /// What is queued for an entry makes of it; none when that cannot be told, or after a deletion.
-std::optional<TimeEntryResponse> outcomeOf(Steps &steps, const Rows &rows)
+std::optional<TimeEntryResponse> outcomeOf(StoreSteps &steps, const ChangeRows &rows)
 {
     std::optional<TimeEntryResponse> entry;
     const EntryChange &first = rows.front().change;
@@ -93,10 +93,10 @@ bool isLineOfOurs(const EntryHead &head, const std::optional<std::string> &versi
            std::ranges::find(head.replaced, *version) != head.replaced.end();
 }
 
-void placeOnTop(Steps &steps, Submission &submission)
+void placeOnTop(StoreSteps &steps, Submission &submission)
 {
     const std::string id = submission.change.entryId();
-    Rows rows;
+    ChangeRows rows;
     std::optional<EntryHead> head;
     steps.readRowsOf(id, 0, rows).read(EntryHead::key(id), head);
     const auto seen = versionOf(*submission.base);
@@ -122,10 +122,10 @@ void placeOnTop(Steps &steps, Submission &submission)
     place(submission, *outcome, carried == unseenVersion ? std::nullopt : carried);
 }
 
-Rows restack(Steps &steps, const Settled &settled, std::optional<TimeEntryResponse> ground)
+ChangeRows restack(StoreSteps &steps, const Settled &settled, std::optional<TimeEntryResponse> ground)
 {
-    Rows rows;
-    Rows changed;
+    ChangeRows rows;
+    ChangeRows changed;
     steps.readRowsOf(settled.entryId, settled.seq, rows);
     for (PendingChange &row : rows) {
         std::optional<ChangeBase> base;
@@ -152,9 +152,9 @@ Rows restack(Steps &steps, const Settled &settled, std::optional<TimeEntryRespon
     return changed;
 }
 
-Rows hideVersion(Steps &steps, const std::string &entryId, std::int64_t after)
+ChangeRows hideVersion(StoreSteps &steps, const std::string &entryId, std::int64_t after)
 {
-    Rows rows;
+    ChangeRows rows;
     steps.readRowsOf(entryId, after, rows);
     std::erase_if(rows, [](const PendingChange &row) { return row.change.version().has_value(); });
     for (PendingChange &row : rows) {

@@ -2,10 +2,10 @@
 #include "Outbox/OutboxStore.h"
 
 #include "Catalog/EntryConversions.h"
+#include "LocalStore/StoreSteps.h"
 #include "OrvaneAPI/SchemaFields.h"
 #include "Outbox/ChangeStack.h"
 #include "Outbox/EntryMerge.h"
-#include "Outbox/OutboxSteps.h"
 #include "Support/JsonImpl.h"
 
 #include <algorithm>
@@ -26,7 +26,12 @@ constexpr std::int64_t keptHeads = 64;
 /// How many refusals that were shown are remembered.
 constexpr std::ptrdiff_t keptRefusals = 32;
 
-using namespace outbox;
+using Rows = ChangeRows;
+using outbox::hideVersion;
+using outbox::isLineOfOurs;
+using outbox::placeOnTop;
+using outbox::restack;
+using outbox::Settled;
 
 template <class T>
 using Stored = Result<T, StoreError>;
@@ -35,23 +40,30 @@ Stored<Rows> enqueueOn(Connection &connection, std::vector<Submission> &submissi
 {
     Rows rows;
     for (Submission &submission : submissions) {
-        Steps steps(connection);
+        StoreSteps steps(connection);
         const auto seen = submission.base;
         if (submission.base)
             placeOnTop(steps, submission);
         if (!steps)
             return steps.error();
-        const auto seq = LocalStore::enqueueOn(connection, submission.change);
-        if (!seq)
-            return failure(seq.error());
-        if (submission.base && !steps.write(ChangeBase::key(*seq), ChangeBase{*submission.base, *seen}))
+        std::int64_t seq = 0;
+        steps.addRow(submission.change, seq);
+        if (submission.base)
+            steps.write(ChangeBase::key(seq), ChangeBase{*submission.base, *seen});
+        if (!steps)
             return steps.error();
-        rows.push_back({*seq, submission.change});
+        rows.push_back({seq, submission.change});
     }
     return rows;
 }
 
 // Settling
+
+/// The row and what is kept beside it.
+void removeWhole(StoreSteps &steps, std::int64_t seq)
+{
+    steps.removeRow(seq).remove(ChangeBase::key(seq)).remove(CreationTry::key(seq));
+}
 
 /// Whether the change ended the entry, rather than leaving an end that was there.
 bool ends(const EntryChange &change, const std::optional<TimeEntryResponse> &base)
@@ -84,20 +96,17 @@ EntryHead headAfter(std::optional<EntryHead> before, const Rows &accepted, const
 }
 
 /// Once the queue is empty, only processes that look at an older state still need to know what became of it.
-void forgetOldHeads(Steps &steps)
+void forgetOldHeads(StoreSteps &steps)
 {
-    bool isEmpty = true;
-    steps.run("SELECT 1 FROM outbox LIMIT 1", {}, [&](const Connection::Row &) { isEmpty = false; });
-    if (isEmpty)
-        steps.run(
-            "DELETE FROM document WHERE rowid IN (SELECT rowid FROM document WHERE key >= 'head:' AND key < "
-            "'head;' ORDER BY rowid DESC LIMIT -1 OFFSET ?)",
-            {keptHeads});
+    std::optional<PendingChange> first;
+    steps.readFirstRow(0, first);
+    if (!first)
+        steps.removeOldest(EntryHead::key(""), keptHeads);
 }
 
 Stored<Rows> acceptOn(Connection &connection, const Rows &accepted, const Acceptance &acceptance)
 {
-    Steps steps(connection);
+    StoreSteps steps(connection);
     const EntryChange &change = accepted.front().change;
     const std::string key = EntryHead::key(change.entryId());
     const std::int64_t last = accepted.back().seq;
@@ -113,7 +122,7 @@ Stored<Rows> acceptOn(Connection &connection, const Rows &accepted, const Accept
         changed = hideVersion(steps, change.entryId(), last);
     }
     for (const PendingChange &row : accepted)
-        steps.removeRow(row.seq);
+        removeWhole(steps, row.seq);
     forgetOldHeads(steps);
     if (!steps)
         return steps.error();
@@ -123,17 +132,17 @@ Stored<Rows> acceptOn(Connection &connection, const Rows &accepted, const Accept
 Stored<Rows> refuseOn(Connection &connection, const PendingChange &refused,
                       const std::optional<Refusal> &refusal)
 {
-    Steps steps(connection);
+    StoreSteps steps(connection);
     if (refusal) {
         std::optional<RefusalDocument> document;
-        steps.read(RefusalDocument::key, document);
+        steps.readOrPutAside(RefusalDocument::key, document);
         if (!document)
             document.emplace();
         document->refusals.push_back(*refusal);
         steps.write(RefusalDocument::key, *document);
     }
     std::optional<ChangeBase> base;
-    steps.read(ChangeBase::key(refused.seq), base).removeRow(refused.seq);
+    removeWhole(steps.read(ChangeBase::key(refused.seq), base), refused.seq);
     if (!base)
         return steps ? Stored<Rows>(Rows{}) : steps.error();
     // What a contested change stood against was never seen by those behind it either.
@@ -148,10 +157,9 @@ Stored<Rows> refuseOn(Connection &connection, const PendingChange &refused,
 Stored<std::optional<Rows>> settleOn(Connection &connection, std::int64_t seq,
                                      const TimeEntryResponse &current, bool keepsMine)
 {
-    Steps steps(connection);
+    StoreSteps steps(connection);
     std::optional<PendingChange> row;
-    steps.run("SELECT seq, change FROM outbox WHERE seq = ?", {seq},
-              [&](const Connection::Row &found) { row = pendingOf(found); });
+    steps.readRow(seq, row);
     if (!steps)
         return steps.error();
     if (!row)
@@ -167,7 +175,7 @@ Stored<std::optional<Rows>> settleOn(Connection &connection, std::int64_t seq,
         changed.push_back(*row);
         ground = applied(row->change, current);
     } else {
-        steps.removeRow(seq);
+        removeWhole(steps, seq);
     }
     const auto how = keepsMine ? Settled::KeptMine : Settled::KeptTheirs;
     std::ranges::move(restack(steps, {current.id, seq, how, seen, current.version}, ground),
@@ -177,7 +185,7 @@ Stored<std::optional<Rows>> settleOn(Connection &connection, std::int64_t seq,
     return changed;
 }
 
-Steps &readRefusals(Steps &steps, std::vector<Refusal> &refusals)
+StoreSteps &readRefusals(StoreSteps &steps, std::vector<Refusal> &refusals)
 {
     std::optional<RefusalDocument> document;
     steps.read(RefusalDocument::key, document);
@@ -187,10 +195,12 @@ Steps &readRefusals(Steps &steps, std::vector<Refusal> &refusals)
 }
 
 /// Marks refusals as shown, and forgets those that were long ago.
-Steps &markShown(Steps &steps, const std::vector<std::int64_t> &seqs)
+StoreSteps &markShown(StoreSteps &steps, const std::vector<std::int64_t> &seqs)
 {
     std::vector<Refusal> refusals;
     readRefusals(steps, refusals);
+    if (refusals.empty())
+        return steps; // none, or none that can be read
     for (Refusal &refusal : refusals)
         refusal.isShown = refusal.isShown || std::ranges::find(seqs, refusal.seq) != seqs.end();
     auto shown = std::ranges::count_if(refusals, &Refusal::isShown);
@@ -199,39 +209,17 @@ Steps &markShown(Steps &steps, const std::vector<std::int64_t> &seqs)
     return steps.write(RefusalDocument::key, RefusalDocument{std::move(refusals)});
 }
 
-/// The first row above `after` that holds a change.
-Stored<std::optional<PendingChange>> firstReadable(Connection &connection, std::int64_t after)
-{
-    bool isAtEnd = false;
-    while (!isAtEnd) {
-        isAtEnd = true;
-        std::optional<PendingChange> found;
-        const StoreStatus read =
-            connection.run("SELECT seq, change FROM outbox WHERE seq > ? ORDER BY seq LIMIT 1", Values{after},
-                           [&](const Connection::Row &row) {
-                               isAtEnd = false;
-                               after = row.integer(0).value_or(after + 1);
-                               found = pendingOf(row);
-                           });
-        if (!read)
-            return failure(read.error());
-        if (found)
-            return found;
-    }
-    return std::nullopt;
-}
-
 Stored<std::optional<StoredRow>> nextOn(Connection &connection, std::int64_t after)
 {
-    auto next = firstReadable(connection, after);
+    StoreSteps steps(connection);
+    std::optional<PendingChange> next;
+    if (!steps.readFirstRow(after, next))
+        return steps.error();
     if (!next)
-        return failure(std::move(next.error()));
-    if (!*next)
         return std::nullopt;
     StoredRow stored;
-    stored.row = std::move(**next);
+    stored.row = std::move(*next);
     EntryChange &change = stored.row.change;
-    Steps steps(connection);
     if (const auto *create = std::get_if<EntryChange::Create>(&change.action)) {
         if (!create->request.stop)
             steps.read(CreationTry::key(stored.row.seq), stored.tried);
@@ -285,12 +273,8 @@ Task<Result<Rows, StoreError>> storedAbove(std::shared_ptr<LocalStore> store, st
 {
     co_return co_await store->inspect([after](Connection &connection) -> Stored<Rows> {
         Rows rows;
-        Steps steps(connection);
-        steps.run("SELECT seq, change FROM outbox WHERE seq > ? ORDER BY seq", {after},
-                  [&](const Connection::Row &row) {
-                      if (auto pending = pendingOf(row))
-                          rows.push_back(std::move(*pending));
-                  });
+        StoreSteps steps(connection);
+        steps.readRows(after, rows);
         return steps ? Stored<Rows>(std::move(rows)) : steps.error();
     });
 }
@@ -300,7 +284,7 @@ Task<Result<CreationTry, StoreError>> noteTry(std::shared_ptr<LocalStore> store,
 {
     co_return co_await store->transact(
         [creation = std::move(creation), stop](Connection &connection) -> Stored<CreationTry> {
-            Steps steps(connection);
+            StoreSteps steps(connection);
             CreationTry tried{stop};
             Rows behind;
             if (stop)
@@ -344,7 +328,7 @@ Task<Result<SettledElsewhere, StoreError>> settledElsewhere(std::shared_ptr<Loca
     co_return co_await store->transact(
         [rows = std::move(rows)](Connection &connection) -> Stored<SettledElsewhere> {
             SettledElsewhere settled;
-            Steps steps(connection);
+            StoreSteps steps(connection);
             std::vector<std::int64_t> seqs;
             for (const PendingChange &row : rows) {
                 seqs.push_back(row.seq);
@@ -364,7 +348,7 @@ Task<Result<SettledElsewhere, StoreError>> settledElsewhere(std::shared_ptr<Loca
 Task<StoreStatus> noteShown(std::shared_ptr<LocalStore> store, std::vector<std::int64_t> seqs)
 {
     co_return co_await store->transact([seqs = std::move(seqs)](Connection &connection) -> StoreStatus {
-        Steps steps(connection);
+        StoreSteps steps(connection);
         return markShown(steps, seqs).status();
     });
 }

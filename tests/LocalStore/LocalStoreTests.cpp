@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "Outbox/OutboxStore.h"
 #include "StoreFixture.h"
 
 #include <filesystem>
@@ -134,26 +135,47 @@ TEST_F(LocalStoreTest, runsCallsInTheOrderInWhichTheyWereMade)
     EXPECT_EQ(wait(openStore()->pending()), changes);
 }
 
-TEST_F(LocalStoreTest, replacesRowsWithTheDequeueOrNotAtAll)
+TEST_F(LocalStoreTest, doesTheStepsOfATransactionOrNoneOfThem)
 {
     const auto store = openStore();
     for (const char *id : {"a", "b", "c"})
         ASSERT_TRUE(wait(store->enqueue(sampleChange(id))));
     ASSERT_TRUE(wait(store->replace(2, sampleChange("b2"))));
-    ASSERT_TRUE(wait(store->dequeueAndReplace(1, {{2, sampleChange("b3")}, {3, sampleChange("c2")}})));
+    const auto putInPlace = [&](std::int64_t seq, const ChangeRows &rows) {
+        return wait(store->transact([seq, rows](Connection &connection) {
+            StoreSteps steps(connection);
+            steps.removeRow(seq);
+            for (const PendingChange &row : rows)
+                steps.writeRow(row);
+            return steps.status();
+        }));
+    };
+    ASSERT_TRUE(putInPlace(1, {{2, sampleChange("b3")}, {3, sampleChange("c2")}}));
     EXPECT_EQ(idsOf(wait(store->pending())), (std::vector<std::string>{"b3", "c2"}));
 
     ASSERT_TRUE(wait(store->enqueue(sampleChange("d"))));
     RawDatabase(m_path).execute("CREATE TRIGGER guard BEFORE UPDATE ON outbox WHEN NEW.seq = 4 "
                                 "BEGIN SELECT RAISE(ABORT, 'not this one'); END");
-    const StoreStatus status =
-        wait(store->dequeueAndReplace(2, {{3, sampleChange("c3")}, {4, sampleChange("d2")}}));
+    const StoreStatus status = putInPlace(2, {{3, sampleChange("c3")}, {4, sampleChange("d2")}});
     ASSERT_FALSE(status);
     EXPECT_EQ(status.error().message, "not this one");
     EXPECT_EQ(idsOf(wait(store->pending())), (std::vector<std::string>{"b3", "c2", "d"}));
+}
 
-    ASSERT_TRUE(wait(store->dequeueAndReplace(2, {})));
-    EXPECT_EQ(idsOf(wait(store->pending())), (std::vector<std::string>{"c2", "d"}));
+TEST_F(LocalStoreTest, putsAsideWhatItCannotReadBeforeItWritesThere)
+{
+    const auto store = openStore();
+    const std::string broken = R"({"refusals":[{"seq":"one"}]})";
+    ASSERT_TRUE(wait(store->query("INSERT INTO document (key, value) VALUES (?, ?)",
+                                  {RefusalDocument::key, StoreBlob{broken}})));
+    const Refusal refusal{7, sampleChange("a"), "No.", 403, false};
+    for (int i = 0; i < 2; ++i)
+        ASSERT_TRUE(wait(settleRefused(store, {7, sampleChange("a")}, refusal)));
+    const auto written = wait(store->load<RefusalDocument>(RefusalDocument::key));
+    ASSERT_TRUE(written);
+    EXPECT_EQ(written->refusals, (std::vector{refusal, refusal}));
+    const auto kept = wait(store->query("SELECT value FROM document WHERE key <> ?", {RefusalDocument::key})).value();
+    EXPECT_EQ(kept, (LocalStore::Rows{{Value(StoreBlob{broken})}}));
 }
 
 TEST_F(LocalStoreTest, leavesRowsThatAreNotChangesInPlace)

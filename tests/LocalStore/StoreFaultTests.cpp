@@ -146,7 +146,7 @@ TEST_F(StoreFaultTest, refusesAChangeWhileAnotherWriterIsBusy)
     ASSERT_FALSE(refused);
     EXPECT_EQ(refused.error().kind, Kind::Locked);
     EXPECT_EQ(refused.error().message, "database is locked");
-    EXPECT_FALSE(wait(store->dequeueAndReplace(1, {{1, sampleChange("c")}})));
+    EXPECT_FALSE(wait(store->replace(1, sampleChange("c"))));
     EXPECT_EQ(wait(store->pending()), (std::vector<PendingChange>{{1, sampleChange("a")}}));
     raw.execute("COMMIT");
     EXPECT_EQ(wait(store->enqueue(sampleChange("b"))), 2);

@@ -1,31 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// An account as a window has it, open for three weeks of the world's time, beside what a process shows that
-// was opened just then.
-#include "Account/Account.h"
-#include "Client/NetworkThread.h"
-#include "Client/OrvaneClient.h"
-#include "Session/MemoryTokenStore.h"
-#include "Time/AppClock.h"
-#include "simulator/Server.h"
+// An account as a window has it, open for three weeks of the world's time, beside what a process shows that was
+// opened just then.
+#include "simulator/LivingAccountTest.h"
 #include "support/Memory.h"
-
-#include <QTemporaryDir>
-#include <gtest/gtest.h>
 
 namespace orvane::simulator {
 namespace {
 
 using std::chrono::days;
-using std::chrono::hours;
 using std::chrono::minutes;
 using testing::heapInUse;
-
-World *theWorld = nullptr;
-
-Instant worldsNow()
-{
-    return theWorld->now();
-}
 
 /// What a screen of this moment reads.
 struct Shown {
@@ -54,51 +38,8 @@ struct Shown {
     }
 };
 
-class LongLifeTest : public ::testing::Test {
+class LongLifeTest : public LivingAccountTest {
 protected:
-    LongLifeTest()
-    {
-        theWorld = &world;
-        AppClock::setSource(&worldsNow);
-        server = std::make_unique<Server>(world);
-    }
-    ~LongLifeTest() override { AppClock::setSource(nullptr); }
-
-    /// Lets the world go on until the task has come to its end.
-    template <class T>
-    T run(Task<T> task)
-    {
-        while (!task.isReady()) {
-            runPosted();
-            if (!task.isReady() && !world.step())
-                std::abort(); // it would wait for ever
-        }
-        return QCoro::waitFor(std::move(task));
-    }
-
-    std::unique_ptr<Account> open(bool livesOn)
-    {
-        auto access = std::make_shared<ServerAccess>(ServerAccess::Options{
-            .installation = &installation,
-            .server = "http://127.0.0.1",
-            .network = std::make_shared<NetworkThread>(NetworkThread::OnThisThread()),
-            .transport = std::make_shared<Wire>(world, *server, link),
-            .reauthenticator = [this] { return codeFrom(server.get(), "Europe/Paris"); }});
-        EXPECT_TRUE(run(access->find()));
-        auto account =
-            run(Account::open(access, {.livesOn = livesOn,
-                                       .retryTimer = [this] { return std::make_unique<LaneTimer>(world); },
-                                       .wallTimer = [this] { return std::make_unique<LaneWallTimer>(world); },
-                                       .store = {.executor = std::make_shared<LaneExecutor>(world)}}));
-        EXPECT_TRUE(account) << (account ? "" : account.error().message);
-        if (!account)
-            return nullptr;
-        run((*account)->tracker().load());
-        return std::move(*account);
-    }
-
-    void close(std::unique_ptr<Account> account) { run(account->close()); }
-
     /// A morning's and an afternoon's work in the window, and something that is done on another device.
     void workOn(DayKey day)
     {
@@ -112,12 +53,7 @@ protected:
         world.runUntil(at(12, 30));
         EXPECT_EQ(run(tracker.stop(at(12, 30))).outcome, SaveOutcome::stopped);
         world.runUntil(at(15, 0));
-        CreateTimeEntryRequest entry;
-        entry.id = "elsewhere-" + day.description();
-        entry.description = "on another device";
-        entry.start = at(14, 0);
-        entry.stop = at(15, 0);
-        EXPECT_TRUE(run(phone->createTimeEntry(tracker.workspace().id, entry)));
+        recordElsewhere("elsewhere-" + day.description(), at(14, 0));
         // Every other day the timer is left running over midnight.
         world.runUntil(at(22, 0));
         if (day.day % 2 == 0)
@@ -151,13 +87,6 @@ protected:
         EXPECT_TRUE(run(phone->updateProfile(profile)));
     }
 
-    World world{20260304};
-    std::unique_ptr<Server> server;
-    std::shared_ptr<Link> link = std::make_shared<Link>();
-    QTemporaryDir folder;
-    Installation installation{folder.path().toStdString()};
-    std::unique_ptr<Account> window;
-    std::unique_ptr<OrvaneClient> phone;
     int dayNumber = 0;
 };
 
@@ -165,17 +94,6 @@ TEST_F(LongLifeTest, ShowsAtEveryMidnightWhatAFreshProcessShows)
 {
     window = open(true);
     ASSERT_TRUE(window);
-    const auto network = std::make_shared<NetworkThread>(NetworkThread::OnThisThread());
-    const auto wire = std::make_shared<Wire>(world, *server, std::make_shared<Link>());
-    phone = std::make_unique<OrvaneClient>(
-        network,
-        AuthSession::make(*network, wire,
-                          {.server = "http://127.0.0.1",
-                           .tokenStore = std::make_shared<MemoryTokenStore>(),
-                           .deviceName = "phone",
-                           .reauthenticator = [this] { return codeFrom(server.get(), "Europe/Paris"); },
-                           .now = &worldsNow}),
-        wire);
     int turns = 0;
     QObject::connect(&window->tracker(), &Tracker::dayTurned, [&] { ++turns; });
     std::size_t afterTwoDays = 0;
@@ -211,7 +129,6 @@ TEST_F(LongLifeTest, ShowsAtEveryMidnightWhatAFreshProcessShows)
     EXPECT_GE(turns, 16);
     EXPECT_EQ(window->time().timeZone(), "America/New_York");
     EXPECT_LT(heapInUse(), afterTwoDays + (std::size_t{2} << 20U));
-    close(std::move(window));
 }
 
 } // namespace
