@@ -2,6 +2,7 @@
 #include "CommandLine.h"
 
 #include "CommandTree.h"
+#include "Commands/Commands.h"
 #include "Output/JsonShapes.h"
 #include "Support/DateText.h"
 #include "Terminal/StandardStreams.h"
@@ -148,6 +149,7 @@ int run(const std::vector<std::string> &arguments, int argc, char **argv)
             return end(failure(CommandFailure::usage("The arguments have to be UTF-8 text.")));
     }
     CommandTree tree;
+    addCommands(tree);
     if (const auto parsed = tree.parse(arguments); !parsed)
         return end(failure(parsed.error()));
     if (tree.wantsVersion())

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "CommandTree.h"
 
-#include "Commands/Commands.h"
 #include "HelpText.h"
 #include "QuickEntry/FoldedText.h"
 #include "Support/Require.h"
@@ -146,19 +145,6 @@ CommandTree::CommandTree() : m_root("Track time from the terminal.", "orvane")
     m_root.fallthrough();
     m_root.require_subcommand(0, 1);
     addGlobalOptions();
-    addTimerCommands(*this);
-    addEntryCommands(*this);
-    addQuickEntryCommands(*this);
-    addListCommand(*this);
-    addActivityCommand(*this);
-    addProjectCommands(*this);
-    addCatalogCommands(*this);
-    addSignInCommands(*this);
-    addSettingsCommands(*this);
-    addOutboxCommand(*this);
-    addServeCommand(*this);
-    addCompletionCommand(*this);
-    addHelpCommands(*this);
 }
 
 void CommandTree::addGlobalOptions()

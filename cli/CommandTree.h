@@ -18,8 +18,9 @@ namespace orvane {
 /// Whether a failure is written as such or as an outcome that carries it.
 enum class FailureForm { Error, Outcome };
 
-/// The command's language: the global options and every sub-command with its options, and what each of them
-/// does. Help, completions and parsing all come out of this one tree.
+/// The command's language: the global options, which it has from the start, and the sub-commands that are
+/// added with their options and what each of them does. Help, completions and parsing all come out of this
+/// one tree.
 class CommandTree {
 public:
     /// Runs with an event loop; may open the account.

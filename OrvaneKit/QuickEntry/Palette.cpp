@@ -2,8 +2,10 @@
 #include "QuickEntry/Palette.h"
 
 #include "Catalog/NameOrder.h"
+#include "Support/Require.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <numeric>
 #include <set>
@@ -80,9 +82,9 @@ std::string workOf(const TimeEntryResponse &entry)
     return work;
 }
 
-PaletteItem catalogItem(Kind kind, std::string_view word, const std::string &id, const std::string &name)
+PaletteItem catalogItem(Kind kind, const std::string &id, const std::string &name)
 {
-    return {kind, id, name, {}, std::string(word) + ":" + id};
+    return {kind, id, name, {}, PaletteItem::keyOf(kind, id)};
 }
 
 std::vector<std::size_t> nameRanks(const std::vector<PaletteItem> &items)
@@ -103,6 +105,14 @@ std::vector<std::size_t> nameRanks(const std::vector<PaletteItem> &items)
 
 } // namespace
 
+std::string PaletteItem::keyOf(Kind kind, const std::string &id)
+{
+    static constexpr std::array words{"project", "task", "client", "tag"};
+    const auto place = static_cast<std::size_t>(kind);
+    ORVANE_REQUIRE(place < words.size(), "a recent entry is known by what it says");
+    return std::string(words[place]) + ":" + id;
+}
+
 std::vector<PaletteItem> PaletteItem::ofCatalog(const std::vector<ProjectResponse> &projects,
                                                 const std::vector<ClientResponse> &clients,
                                                 const std::vector<TagResponse> &tags)
@@ -113,23 +123,22 @@ std::vector<PaletteItem> PaletteItem::ofCatalog(const std::vector<ProjectRespons
     for (const ProjectResponse &project : projects) {
         if (project.isArchived)
             continue;
-        PaletteItem &item =
-            items.emplace_back(catalogItem(Kind::project, "project", project.id, project.name));
+        PaletteItem &item = items.emplace_back(catalogItem(Kind::project, project.id, project.name));
         names.add(item.alternatives, project.clientId);
         for (const TaskResponse &task : project.tasks) {
             if (!task.isActive)
                 continue;
-            tasks.push_back(catalogItem(Kind::task, "task", task.id, task.name));
+            tasks.push_back(catalogItem(Kind::task, task.id, task.name));
             names.addProject(tasks.back().alternatives, project.id);
         }
     }
     std::ranges::move(tasks, std::back_inserter(items));
     for (const ClientResponse &client : clients) {
         if (!client.isArchived)
-            items.push_back(catalogItem(Kind::client, "client", client.id, client.name));
+            items.push_back(catalogItem(Kind::client, client.id, client.name));
     }
     for (const TagResponse &tag : tags)
-        items.push_back(catalogItem(Kind::tag, "tag", tag.id, tag.name));
+        items.push_back(catalogItem(Kind::tag, tag.id, tag.name));
     return items;
 }
 

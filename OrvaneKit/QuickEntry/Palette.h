@@ -30,6 +30,9 @@ struct PaletteItem {
 
     bool operator==(const PaletteItem &) const = default;
 
+    /// The key of a thing of the catalog; a recent entry is none.
+    static std::string keyOf(Kind kind, const std::string &id);
+
     /// All projects, then tasks, clients and tags, in the order of the lists. Archived projects with their
     /// tasks, tasks that are not active and archived clients are left out.
     static std::vector<PaletteItem> ofCatalog(const std::vector<ProjectResponse> &projects,

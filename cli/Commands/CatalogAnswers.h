@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Catalog/CatalogLookup.h"
 #include "Client/OrvaneClient.h"
 #include "CommandContext.h"
-#include "Input/Candidates.h"
+#include "Input/LookupText.h"
 #include "Output/EntryText.h"
 #include "Output/JsonShapes.h"
 #include "Terminal/TextTable.h"
+#include "Terminal/TextWidth.h"
+#include "Tracker/CatalogEditor.h"
 
 #include <string>
 #include <utility>
@@ -19,35 +22,48 @@ namespace orvane {
 /// The account, ready for a change that needs the server; a failure when the server is away.
 Task<Result<Account *, CommandFailure>> openOnline(Context context);
 
+/// The editor of the account's workspace.
+inline CatalogEditor catalogEditor(Account &account)
+{
+    return {account.client(), account.tracker()};
+}
+
 /// One thing of the catalog as the server answered it, or the server's refusal. `line` is for people.
 template <class T>
-CommandTask answerWith(Context context, CallResult<T> result, std::string line)
+CommandResult answerWith(const CommandContext &context, const CallResult<T> &result, const std::string &line)
 {
     if (!result)
-        co_return failure(CommandFailure::of(result.error()));
-    // The snapshot learns of it, so that names can be given without the server too.
-    co_await context->account()->tracker().reloadCatalog();
-    co_return CommandAnswer{.output = context->json() ? shapes::text(*result) : line + "\n"};
+        return failure(CommandFailure::of(result.error()));
+    return CommandAnswer{.output = context.json() ? shapes::text(*result) : line + "\n"};
+}
+
+/// One that was made; `what` names it for people ("the client").
+template <class T>
+CommandResult answerMade(const CommandContext &context, const CallResult<T> &made, const std::string &what)
+{
+    return answerWith(context, made,
+                      made ? "Added " + what + " " + printable(made->name) + "  " + made->id.substr(0, 8)
+                           : std::string());
 }
 
 /// A deletion: answers what is gone.
 template <class T>
-CommandTask answerWithout(Context context, CallResult<void> result, T gone, std::string line)
+CommandResult answerWithout(const CommandContext &context, const CallResult<void> &result, const T &gone,
+                            const std::string &line)
 {
     if (!result)
-        co_return failure(CommandFailure::of(result.error()));
-    co_await context->account()->tracker().reloadCatalog();
-    co_return CommandAnswer{.output = context->json() ? shapes::text(gone) : line + "\n"};
+        return failure(CommandFailure::of(result.error()));
+    return CommandAnswer{.output = context.json() ? shapes::text(gone) : line + "\n"};
 }
 
 /// The item that a typed name or identifier means, out of those that the server just listed.
 template <class T>
 Result<T, CommandFailure> chosenOf(const CallResult<std::vector<T>> &items, std::string_view kind,
-                                   const std::string &typed, const std::vector<Candidate> &candidates)
+                                   const std::string &typed, const std::vector<NamedItem> &named)
 {
     if (!items)
         return failure(CommandFailure::of(items.error()));
-    const auto found = choose(kind, typed, candidates);
+    const auto found = choose(kind, typed, named);
     if (!found)
         return failure(CommandFailure::of(found.error()));
     return (*items)[*found];

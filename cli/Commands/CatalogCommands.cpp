@@ -4,8 +4,6 @@
 #include "Catalog/NameOrder.h"
 #include "CommandTree.h"
 #include "Commands/CatalogAnswers.h"
-#include "Input/EntryOptions.h"
-#include "Terminal/TextWidth.h"
 
 #include <algorithm>
 
@@ -61,38 +59,31 @@ CommandTask addClient(Context context, std::string name)
     const auto opened = co_await openOnline(context);
     if (!opened)
         co_return failure(opened.error());
-    ClientRequest request;
-    request.name = name;
-    auto made =
-        co_await (*opened)->client().createClient((*opened)->tracker().workspace().id, std::move(request));
-    std::string line =
-        made ? "Added the client " + printable(made->name) + "  " + made->id.substr(0, 8) : std::string();
-    co_return co_await answerWith(context, std::move(made), std::move(line));
+    co_return answerMade(*context, co_await catalogEditor(**opened).createClient(std::move(name)),
+                         "the client");
 }
 
-enum class ClientVerb { Archive, Restore, Delete };
+enum class ClientVerb { archive, restore, remove };
 
 CommandTask changeClient(Context context, std::string typed, ClientVerb verb)
 {
     const auto opened = co_await openOnline(context);
     if (!opened)
         co_return failure(opened.error());
-    OrvaneClient &api = (*opened)->client();
-    const std::string workspace = (*opened)->tracker().workspace().id;
-    const auto clients = co_await api.listClients(workspace, true);
+    const auto clients = co_await (*opened)->client().listClients((*opened)->tracker().workspace().id, true);
     const auto client =
-        chosenOf(clients, "client", typed, clients ? candidates(*clients) : std::vector<Candidate>());
+        chosenOf(clients, "client", typed, clients ? namedItems(*clients) : std::vector<NamedItem>());
     if (!client)
         co_return failure(client.error());
+    CatalogEditor editor = catalogEditor(**opened);
     const std::string name = printable(client->name);
-    if (verb == ClientVerb::Delete)
-        co_return co_await answerWithout(context, co_await api.deleteClient(workspace, client->id),
-                                         ClientResponse(*client), "Deleted the client " + name);
-    if (verb == ClientVerb::Archive)
-        co_return co_await answerWith(context, co_await api.archiveClient(workspace, client->id),
-                                      "Archived the client " + name);
-    co_return co_await answerWith(context, co_await api.restoreClient(workspace, client->id),
-                                  "Restored the client " + name);
+    if (verb == ClientVerb::remove)
+        co_return answerWithout(*context, co_await editor.deleteClient(client->id), *client,
+                                "Deleted the client " + name);
+    if (verb == ClientVerb::archive)
+        co_return answerWith(*context, co_await editor.archiveClient(client->id),
+                             "Archived the client " + name);
+    co_return answerWith(*context, co_await editor.restoreClient(client->id), "Restored the client " + name);
 }
 
 CommandTask listTags(Context context)
@@ -114,13 +105,7 @@ CommandTask addTag(Context context, std::string name)
     const auto opened = co_await openOnline(context);
     if (!opened)
         co_return failure(opened.error());
-    TagRequest request;
-    request.name = name;
-    auto made =
-        co_await (*opened)->client().createTag((*opened)->tracker().workspace().id, std::move(request));
-    std::string line =
-        made ? "Added the tag " + printable(made->name) + "  " + made->id.substr(0, 8) : std::string();
-    co_return co_await answerWith(context, std::move(made), std::move(line));
+    co_return answerMade(*context, co_await catalogEditor(**opened).createTag(std::move(name)), "the tag");
 }
 
 CommandTask deleteTag(Context context, std::string typed)
@@ -128,14 +113,12 @@ CommandTask deleteTag(Context context, std::string typed)
     const auto opened = co_await openOnline(context);
     if (!opened)
         co_return failure(opened.error());
-    OrvaneClient &api = (*opened)->client();
-    const std::string workspace = (*opened)->tracker().workspace().id;
-    const auto tags = co_await api.listTags(workspace);
-    const auto tag = chosenOf(tags, "tag", typed, tags ? candidates(*tags) : std::vector<Candidate>());
+    const auto tags = co_await (*opened)->client().listTags((*opened)->tracker().workspace().id);
+    const auto tag = chosenOf(tags, "tag", typed, tags ? namedItems(*tags) : std::vector<NamedItem>());
     if (!tag)
         co_return failure(tag.error());
-    co_return co_await answerWithout(context, co_await api.deleteTag(workspace, tag->id), TagResponse(*tag),
-                                     "Deleted the tag " + printable(tag->name));
+    co_return answerWithout(*context, co_await catalogEditor(**opened).deleteTag(tag->id), *tag,
+                            "Deleted the tag " + printable(tag->name));
 }
 
 /// A verb with one argument.
@@ -169,10 +152,10 @@ void addCatalogCommands(CommandTree &tree)
         };
     };
     addVerb(tree, clients, "archive", "Put a client away; its projects stay", "ID", itemText,
-            change(ClientVerb::Archive));
+            change(ClientVerb::archive));
     addVerb(tree, clients, "restore", "Take a client back from the archive", "ID", itemText,
-            change(ClientVerb::Restore));
-    addVerb(tree, clients, "delete", "Delete a client", "ID", itemText, change(ClientVerb::Delete));
+            change(ClientVerb::restore));
+    addVerb(tree, clients, "delete", "Delete a client", "ID", itemText, change(ClientVerb::remove));
 
     CLI::App *tags = tree.add("tags", "List the tags, or change them", group);
     tree.onRun(tags, listTags);

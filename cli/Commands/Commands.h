@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-/// Each adds its sub-commands, with their options and what they do, to the tree.
 namespace orvane {
 
 class CommandTree;
+
+/// Makes the tree the whole language of `orvane`.
+void addCommands(CommandTree &tree);
+
+// Each adds its sub-commands, with their options and what they do.
 
 void addTimerCommands(CommandTree &tree);
 void addEntryCommands(CommandTree &tree);

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Commands/EntryAnswers.h"
 
+#include "Catalog/NameLookup.h"
 #include "Client/OrvaneClient.h"
-#include "Input/Candidates.h"
+#include "CommandTree.h"
+#include "Input/LookupText.h"
 #include "Output/EntryText.h"
 #include "Output/JsonShapes.h"
+#include "QuickEntry/PalettePicks.h"
 #include "Terminal/TextWidth.h"
 #include "Time/AppClock.h"
 
@@ -20,8 +23,6 @@ constexpr int weeksSearched = 8;
 constexpr std::size_t wholeIdLength = 36;
 /// From here on a status says that the server could not tell.
 constexpr std::int64_t firstServerFault = 500;
-/// How far a timer may lie ahead, or be started ahead, without being asked about.
-constexpr std::chrono::minutes tolerance{1};
 
 bool isDone(SaveOutcome outcome)
 {
@@ -84,13 +85,9 @@ std::string notFound(const std::string &typed, Search search)
            " weeks. An older one is found by its whole identifier.";
 }
 
-/// Why the timer may not be started when it was said; nothing when it may.
-std::optional<std::string> refusedStart(Instant at, TypedMoment named, const EntryOptions &options,
-                                        const UserTime &time)
+/// Why the timer is not started at a time that is still to come.
+std::string refusedStart(Instant at, const UserTime &time)
 {
-    const bool saysDay = options.start && !named.clock;
-    if (at <= AppClock::now() + tolerance || saysDay)
-        return std::nullopt;
     const std::string clock = time.clockLabel(at);
     return clock + " is still to come. To start the timer then all the same, say the day too: --start \"" +
            time.dayKey(at).description() + " " + clock + "\"";
@@ -160,34 +157,24 @@ Task<Result<TimeEntryResponse, CommandFailure>> findEntry(Context context, std::
         co_return failure(opened.error());
     co_await context->loadState();
     Tracker &tracker = (*opened)->tracker();
-    auto id = chooseById("entry", typed, knownIds(tracker));
-    if (!id && !id.error().isAmbiguous && !typed.empty()) {
+    auto id = lookUpId(typed, knownIds(tracker));
+    if (!id && !id.error().isAmbiguous() && !typed.empty()) {
         const Search search = co_await askForEntry(context, typed);
-        id = chooseById("entry", typed, knownIds(tracker));
-        if (!id && !id.error().isAmbiguous && search != Search::Everywhere)
+        id = lookUpId(typed, knownIds(tracker));
+        if (!id && !id.error().isAmbiguous() && search != Search::Everywhere)
             co_return failure(CommandFailure::of(notFound(typed, search)));
     }
     if (!id)
-        co_return failure(CommandFailure::of(id.error().message));
+        co_return failure(CommandFailure::of(lookupText("entry", typed, id.error())));
     const auto entry = tracker.entry(*id);
     if (!entry)
         co_return failure(CommandFailure::of("The entry " + *id + " is gone."));
     co_return TimeEntryResponse(*entry);
 }
 
-ActionMoment ActionMoment::of(const std::optional<TimeEntryResponse> &running, Instant asked,
-                              std::chrono::milliseconds waited)
+ActionMoment actionMoment(const CommandContext &context)
 {
-    if (!running || running->start <= asked)
-        return {Kind::Free, asked};
-    if (running->start <= asked + waited)
-        return {Kind::Overtaken, running->start};
-    return {running->start < asked + tolerance ? Kind::Free : Kind::Ahead, running->start};
-}
-
-ActionMoment ActionMoment::of(const CommandContext &context)
-{
-    return of(context.account()->tracker().running(), AppClock::now(), context.waited());
+    return ActionMoment::of(context.account()->tracker().running(), AppClock::now(), context.waited());
 }
 
 CommandAnswer withStopped(CommandAnswer answer, const CommandContext &context,
@@ -201,34 +188,41 @@ CommandAnswer withStopped(CommandAnswer answer, const CommandContext &context,
     return answer;
 }
 
-CommandTask record(Context context, EntryOptions options, TypedSentence typed, NamedTimes times)
+Result<EntryDraft, CommandFailure> draftOf(const TypedSentence &typed, const EntryOptions &options,
+                                           const Tracker &tracker, EntryDraft draft)
+{
+    draft.take(typed.reading, tracker.catalog());
+    return options.timesIn(std::move(draft), tracker.time()).map_error([](const std::string &message) {
+        return CommandFailure::usage(message);
+    });
+}
+
+CommandTask record(Context context, EntryOptions options, TypedSentence typed, EntryDraft draft)
 {
     Tracker &tracker = context->account()->tracker();
     const UserTime &time = tracker.time();
-    auto details = withOptions(typed.appliedTo({}, tracker.catalog()), options, tracker.catalog());
-    if (!details)
-        co_return failure(details.error());
-    if (times.stop) {
-        const auto span = spanOf(*times.start, *times.stop, time);
-        if (!span)
-            co_return failure(CommandFailure::of(span.error()));
-        EntryRequest request{.details = std::move(*details), .start = span->start, .stop = span->stop};
-        CommandAnswer answer = answerTo(*context, co_await tracker.create(std::move(request)), "Added", {},
+    const auto whole = options.detailsIn(std::move(draft), tracker.catalog());
+    if (!whole)
+        co_return failure(CommandFailure::of(whole.error()));
+    auto request = whole->request(time, AppClock::now());
+    if (!request)
+        co_return failure(CommandFailure::of(timesText(request.error())));
+    if (*request && (*request)->stop) {
+        CommandAnswer answer = answerTo(*context, co_await tracker.create(**std::move(request)), "Added", {},
                                         typed.leftOut(tracker.catalog()));
         rememberPicks(*context, typed, answer);
         co_return answer;
     }
-    const ActionMoment moment = ActionMoment::of(*context);
-    const Instant at = times.start ? startOf(*times.start, time) : moment.at;
-    auto reason = times.start ? refusedStart(at, *times.start, options, time) : std::nullopt;
-    if (reason)
-        co_return refusal(*context, std::move(*reason));
-    if (moment.kind == ActionMoment::Kind::Ahead && at <= moment.at)
+    const ActionMoment moment = actionMoment(*context);
+    const Instant at = *request ? (*request)->start : moment.at;
+    if (*request && !ActionMoment::mayStart(at, whole->namesStartDay(), AppClock::now()))
+        co_return refusal(*context, refusedStart(at, time));
+    if (moment.kind == ActionMoment::Kind::ahead && at <= moment.at)
         co_return refusalAhead(*context, "Another timer is set already.");
     const std::optional<TimeEntryResponse> before = tracker.running();
-    const SaveResult result = co_await tracker.start(std::move(*details), at);
+    const SaveResult result = co_await tracker.start(whole->details(), at);
     std::vector<std::string> notes;
-    if (times.start && at > AppClock::now())
+    if (*request && at > AppClock::now())
         notes.push_back(time.clockLabel(at) + " is still to come.");
     std::ranges::move(typed.leftOut(tracker.catalog()), std::back_inserter(notes));
     CommandAnswer answer = withStopped(answerTo(*context, result, "Started", {}, notes), *context, before);
@@ -238,16 +232,38 @@ CommandTask record(Context context, EntryOptions options, TypedSentence typed, N
 
 void rememberPicks(CommandContext &context, const TypedSentence &typed, const CommandAnswer &answer)
 {
-    if (answer.exitStatus != ExitStatus::done)
+    const PalettePicks picks = PalettePicks::of(typed.reading);
+    if (answer.exitStatus != ExitStatus::done || picks.isEmpty())
         return;
-    const Tracker &tracker = context.account()->tracker();
-    const std::vector<std::string> keys = typed.usageKeys();
-    if (keys.empty())
-        return;
-    PaletteUsage usage = context.installation().paletteUsage(tracker.workspace().id);
-    for (const std::string &key : keys)
-        usage.record(key, AppClock::now());
-    context.installation().setPaletteUsage(tracker.workspace().id, usage);
+    const std::string workspace = context.account()->tracker().workspace().id;
+    context.installation().setPaletteUsage(
+        workspace, picks.notedIn(context.installation().paletteUsage(workspace), AppClock::now()));
+}
+
+void addEntryOptions(CLI::App *command, EntryOptions &options)
+{
+    CommandTree::addText(command, "--description", options.description, "TEXT", "What the work is");
+    CommandTree::addText(command, "--start", options.start, "TIME", "When it began");
+    CommandTree::addText(command, "--stop", options.stop, "TIME", "When it ended");
+    CommandTree::addText(command, "--project", options.project, "PROJECT",
+                         "A name or an identifier; \"\" for none");
+    CommandTree::addText(command, "--task", options.task, "TASK", "A name or an identifier; \"\" for none");
+    command
+        ->add_option_function<std::vector<std::string>>(
+            "--tag",
+            [&options](const std::vector<std::string> &tags) { options.tags = CommandTree::asTyped(tags); },
+            "A name or an identifier; once for each tag, \"\" for none")
+        ->type_name("TAG")
+        ->allow_extra_args(false);
+    CLI::Option *billable = command->add_flag_callback(
+        "--billable", [&options] { options.billable = true; }, "The time can be billed");
+    command
+        ->add_flag_callback(
+            "--no-billable", [&options] { options.billable = false; }, "The time cannot be billed")
+        ->excludes(billable);
+    command->footer("A TIME is a time of day (930, 9:30, 9:30pm), \"now\", how long ago (-15, -1h), "
+                    "\"2026-03-01 9:30\" or "
+                    "2026-03-01T09:30:00Z.");
 }
 
 } // namespace orvane

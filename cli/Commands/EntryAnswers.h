@@ -2,11 +2,17 @@
 #pragma once
 
 #include "CommandContext.h"
+#include "Input/EntryOptions.h"
 #include "Input/TypedSentence.h"
+#include "Tracker/ActionMoment.h"
 #include "Tracker/Tracker.h"
 
 #include <string>
 #include <string_view>
+
+namespace CLI {
+class App;
+}
 
 /// What the commands that act on entries share.
 namespace orvane {
@@ -29,41 +35,31 @@ Task<Result<TimeEntryResponse, CommandFailure>> findEntry(Context context, std::
 inline constexpr const char *sentenceText =
     "What the work is, in one line: \"Fix the sync @api #review 9-10:30 $\"; see orvane help parse";
 
-/// What a start or a stop without a time of its own meets: the running timer, the moment it was asked for,
-/// and how long the command has waited since.
-struct ActionMoment {
-    enum class Kind {
-        Free,
-        /// Another device started the timer while this command waited.
-        Overtaken,
-        /// The timer begins only later; nothing can end or follow it yet.
-        Ahead,
-    };
-    Kind kind = Kind::Free;
-    /// When it happens: as asked, or when the timer begins that is just ahead. A clock that was set back a
-    /// little is no reason to refuse what happens now.
-    Instant at;
+/// Adds the options that say what an entry is to a command; `options` outlives the tree's use.
+void addEntryOptions(CLI::App *command, EntryOptions &options);
 
-    static ActionMoment of(const std::optional<TimeEntryResponse> &running, Instant asked,
-                           std::chrono::milliseconds waited);
-    static ActionMoment of(const CommandContext &context);
-    bool operator==(const ActionMoment &) const = default;
-};
+/// When the command's start or stop happens.
+ActionMoment actionMoment(const CommandContext &context);
 
 /// The answer to what the command itself refuses.
 CommandAnswer refusal(const CommandContext &context, std::string message);
 /// The same for a timer that begins only later, with the ways out.
 CommandAnswer refusalAhead(const CommandContext &context, std::string_view what);
 
+/// The draft with what a sentence says and the times that options name; of the options' other words see
+/// `EntryOptions::detailsIn`. A text that is no time is wrong usage.
+Result<EntryDraft, CommandFailure> draftOf(const TypedSentence &typed, const EntryOptions &options,
+                                           const Tracker &tracker, EntryDraft draft = {});
+
 /// Records what a sentence and its options say: a finished entry when they name an end, else the timer
-/// starts, now or when they say.
-CommandTask record(Context context, EntryOptions options, TypedSentence typed, NamedTimes times);
+/// starts, now or when they say. The draft has all of it but the options' details, which are looked up here.
+CommandTask record(Context context, EntryOptions options, TypedSentence typed, EntryDraft draft);
 
 /// The timer that a start stopped, in front of the answer to the start.
 CommandAnswer withStopped(CommandAnswer answer, const CommandContext &context,
                           const std::optional<TimeEntryResponse> &before);
 
-/// After a change that was done: what the sentence picked counts as used.
+/// What the sentence picked counts as used, after a change that was done.
 void rememberPicks(CommandContext &context, const TypedSentence &typed, const CommandAnswer &answer);
 
 } // namespace orvane

@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Commands/Commands.h"
 
-#include "Catalog/EntryConversions.h"
 #include "CommandTree.h"
 #include "Commands/EntryAnswers.h"
-#include "Input/TypedSentence.h"
 #include "Time/AppClock.h"
 
 namespace orvane {
@@ -29,12 +27,13 @@ CommandTask add(Context context, EntryOptions options)
     co_await context->loadState();
     const TypedSentence typed = TypedSentence::read(options.sentence, **opened);
     const Tracker &tracker = (*opened)->tracker();
-    const auto times = typed.times(options, tracker.time());
-    if (!times)
-        co_return failure(times.error());
-    if (!times->start)
+    const auto draft = draftOf(typed, options, tracker);
+    if (!draft)
+        co_return failure(draft.error());
+    const auto times = draft->times(tracker.time(), AppClock::now());
+    if (times ? !*times : times.error() == EntryTimesProblem::endWithoutStart)
         co_return failure(CommandFailure::usage(typed.withNotes(needsTimes, tracker.catalog())));
-    co_return co_await record(context, options, typed, *times);
+    co_return co_await record(context, options, typed, *draft);
 }
 
 CommandTask edit(Context context, EditOptions options)
@@ -46,22 +45,16 @@ CommandTask edit(Context context, EditOptions options)
         co_return failure(entry.error());
     Tracker &tracker = context->account()->tracker();
     const TypedSentence typed = TypedSentence::read(options.entry.sentence, *context->account());
-    EntryRequest request = entryRequest(*entry);
-    const auto named = namedTimes(options.entry, tracker.time());
-    if (!named)
-        co_return failure(named.error());
-    const auto times = editedTimes(typed.edited({request.start, request.stop}, tracker.time()), named->start,
-                                   named->stop, tracker.time());
-    if (!times)
-        co_return failure(CommandFailure::of(times.error()));
-    auto details =
-        withOptions(typed.appliedTo(request.details, tracker.catalog()), options.entry, tracker.catalog());
-    if (!details)
-        co_return failure(details.error());
-    request.describeParts = request.describeParts && !details->shares.empty();
-    request.details = std::move(*details);
-    request.start = times->start;
-    request.stop = times->stop;
+    const auto draft = draftOf(typed, options.entry, tracker, EntryDraft::of(*entry));
+    if (!draft)
+        co_return failure(draft.error());
+    if (const auto times = draft->times(tracker.time(), AppClock::now()); !times)
+        co_return failure(CommandFailure::of(timesText(times.error())));
+    const auto whole = options.entry.detailsIn(*draft, tracker.catalog());
+    if (!whole)
+        co_return failure(CommandFailure::of(whole.error()));
+    // Its times are those that were looked at above.
+    auto request = whole->request(tracker.time(), AppClock::now()).value().value();
     CommandAnswer answer = answerTo(*context, co_await tracker.update(entry->id, std::move(request)),
                                     "Changed", {}, typed.leftOut(tracker.catalog()));
     rememberPicks(*context, typed, answer);

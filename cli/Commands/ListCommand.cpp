@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Commands/Commands.h"
 
+#include "Catalog/EntrySeconds.h"
 #include "CommandTree.h"
 #include "Input/MomentText.h"
 #include "Output/EntryText.h"
@@ -51,7 +52,7 @@ std::optional<std::string> picture(Tracker &tracker, const std::vector<DayGroup>
     std::vector<std::int64_t> seconds;
     seconds.reserve(days.size());
     for (const DayGroup &day : days)
-        seconds.push_back(shapes::secondsOf(day.entries, AppClock::now()));
+        seconds.push_back(entrySeconds(day.entries, AppClock::now()));
     return WeekCalendar(tracker.time(), style, WeekCalendar::labelsFrom(tracker.catalog()))
         .text(columns, seconds);
 }

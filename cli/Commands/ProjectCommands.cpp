@@ -2,28 +2,20 @@
 #include "Commands/Commands.h"
 
 #include "Catalog/NameOrder.h"
+#include "Catalog/ProjectColor.h"
 #include "CommandTree.h"
 #include "Commands/CatalogAnswers.h"
-#include "Input/EntryOptions.h"
-#include "Terminal/TextWidth.h"
 
 #include <algorithm>
-#include <array>
 
 namespace orvane {
 
 namespace {
 
-/// Colours for new projects, told apart easily on light and dark ground; taken in turn.
-constexpr std::array<const char *, 10> palette{"#3b82f6", "#10b981", "#f59e0b", "#ef4444", "#8b5cf6",
-                                               "#ec4899", "#14b8a6", "#f97316", "#6366f1", "#84cc16"};
-
 struct NewProject {
-    std::string name;
-    std::optional<std::string> client;
+    ProjectFields fields;
+    std::optional<std::string> client; ///< as typed
     std::optional<std::string> colour;
-    bool isBillable = false;
-    bool isPrivate = false;
 };
 
 TextCell named(const ProjectResponse &project)
@@ -92,52 +84,50 @@ CommandTask addProject(Context context, NewProject project)
     const auto opened = co_await openOnline(context);
     if (!opened)
         co_return failure(opened.error());
-    OrvaneClient &api = (*opened)->client();
-    const std::string workspace = (*opened)->tracker().workspace().id;
-    ProjectRequest request;
-    request.name = project.name;
-    request.isBillable = project.isBillable;
-    request.isPrivate = project.isPrivate;
     if (project.client) {
-        const auto clients = co_await api.listClients(workspace);
+        const auto clients = co_await (*opened)->client().listClients((*opened)->tracker().workspace().id);
         const auto client = chosenOf(clients, "client", *project.client,
-                                     clients ? candidates(*clients) : std::vector<Candidate>());
+                                     clients ? namedItems(*clients) : std::vector<NamedItem>());
         if (!client)
             co_return failure(client.error());
-        request.clientId = client->id;
+        project.fields.clientId = client->id;
     }
-    const auto known = (*opened)->tracker().catalog().projects().size();
-    request.color = project.colour.value_or(palette[known % palette.size()]);
-    auto made = co_await api.createProject(workspace, std::move(request));
-    std::string line =
-        made ? "Added the project " + printable(made->name) + "  " + made->id.substr(0, 8) : std::string();
-    co_return co_await answerWith(context, std::move(made), std::move(line));
+    const std::size_t known = (*opened)->tracker().catalog().projects().size();
+    project.fields.color = project.colour.value_or(newProjectColor(known));
+    co_return answerMade(*context, co_await catalogEditor(**opened).createProject(std::move(project.fields)),
+                         "the project");
 }
 
-enum class ProjectVerb { Archive, Restore, Delete };
+/// The project that a typed name or identifier means, out of those that the server lists now.
+Task<Result<ProjectResponse, CommandFailure>> projectOf(Context context, std::string typed, bool archivedToo)
+{
+    const Tracker &tracker = context->account()->tracker();
+    const auto projects =
+        co_await context->account()->client().listProjects(tracker.workspace().id, archivedToo);
+    co_return chosenOf(projects, "project", typed,
+                       projects ? namedItems(*projects, tracker.catalog()) : std::vector<NamedItem>());
+}
+
+enum class ProjectVerb { archive, restore, remove };
 
 CommandTask changeProject(Context context, std::string typed, ProjectVerb verb)
 {
     const auto opened = co_await openOnline(context);
     if (!opened)
         co_return failure(opened.error());
-    OrvaneClient &api = (*opened)->client();
-    const std::string workspace = (*opened)->tracker().workspace().id;
-    const auto projects = co_await api.listProjects(workspace, true);
-    const auto project =
-        chosenOf(projects, "project", typed,
-                 projects ? candidates(*projects, (*opened)->tracker().catalog()) : std::vector<Candidate>());
+    const auto project = co_await projectOf(context, typed, true);
     if (!project)
         co_return failure(project.error());
+    CatalogEditor editor = catalogEditor(**opened);
     const std::string name = printable(project->name);
-    if (verb == ProjectVerb::Delete)
-        co_return co_await answerWithout(context, co_await api.deleteProject(workspace, project->id),
-                                         ProjectResponse(*project), "Deleted the project " + name);
-    if (verb == ProjectVerb::Archive)
-        co_return co_await answerWith(context, co_await api.archiveProject(workspace, project->id),
-                                      "Archived the project " + name);
-    co_return co_await answerWith(context, co_await api.restoreProject(workspace, project->id),
-                                  "Restored the project " + name);
+    if (verb == ProjectVerb::remove)
+        co_return answerWithout(*context, co_await editor.deleteProject(project->id), *project,
+                                "Deleted the project " + name);
+    if (verb == ProjectVerb::archive)
+        co_return answerWith(*context, co_await editor.archiveProject(project->id),
+                             "Archived the project " + name);
+    co_return answerWith(*context, co_await editor.restoreProject(project->id),
+                         "Restored the project " + name);
 }
 
 CommandTask listTasks(Context context)
@@ -171,21 +161,14 @@ CommandTask addTask(Context context, std::string typedProject, std::string name)
     const auto opened = co_await openOnline(context);
     if (!opened)
         co_return failure(opened.error());
-    OrvaneClient &api = (*opened)->client();
-    const std::string workspace = (*opened)->tracker().workspace().id;
-    const auto projects = co_await api.listProjects(workspace);
-    const auto project =
-        chosenOf(projects, "project", typedProject,
-                 projects ? candidates(*projects, (*opened)->tracker().catalog()) : std::vector<Candidate>());
+    const auto project = co_await projectOf(context, typedProject, false);
     if (!project)
         co_return failure(project.error());
-    TaskRequest request;
-    request.name = name;
-    auto made = co_await api.createTask(workspace, project->id, std::move(request));
-    std::string line = made ? "Added the task " + printable(made->name) + " to " + printable(project->name) +
-                                  "  " + made->id.substr(0, 8)
-                            : std::string();
-    co_return co_await answerWith(context, std::move(made), std::move(line));
+    const auto made = co_await catalogEditor(**opened).createTask(project->id, std::move(name));
+    co_return answerWith(*context, made,
+                         made ? "Added the task " + printable(made->name) + " to " +
+                                    printable(project->name) + "  " + made->id.substr(0, 8)
+                              : std::string());
 }
 
 CommandTask deleteTask(Context context, std::string typed)
@@ -197,13 +180,11 @@ CommandTask deleteTask(Context context, std::string typed)
     const Catalog &catalog = (*opened)->tracker().catalog();
     const std::vector<TaskResponse> tasks = tasksOf(catalog);
     const auto task = chosenOf<TaskResponse>(CallResult<std::vector<TaskResponse>>(tasks), "task", typed,
-                                             candidates(tasks, catalog));
+                                             namedItems(tasks, catalog));
     if (!task)
         co_return failure(task.error());
-    const std::string workspace = (*opened)->tracker().workspace().id;
-    co_return co_await answerWithout(
-        context, co_await (*opened)->client().deleteTask(workspace, task->projectId, task->id),
-        TaskResponse(*task), "Deleted the task " + printable(task->name));
+    co_return answerWithout(*context, co_await catalogEditor(**opened).deleteTask(task->projectId, task->id),
+                            *task, "Deleted the task " + printable(task->name));
 }
 
 const std::string projectText = "A name or an identifier";
@@ -247,17 +228,17 @@ void addProjectCommands(CommandTree &tree)
 
     const auto project = std::make_shared<NewProject>();
     CLI::App *add = CommandTree::addVerb(projects, "add", "Make a project");
-    CommandTree::addRequired(add, "NAME", project->name, "The project's name");
+    CommandTree::addRequired(add, "NAME", project->fields.name, "The project's name");
     CommandTree::addText(add, "--client", project->client, "CLIENT",
                          "Whom it is for: a name or an identifier");
     CommandTree::addText(add, "--color", project->colour, "#RRGGBB",
                          "Its colour; one is chosen unless it is named");
-    add->add_flag("--billable", project->isBillable, "Its time can be billed");
-    add->add_flag("--private", project->isPrivate, "Only its members see it");
+    add->add_flag("--billable", project->fields.isBillable, "Its time can be billed");
+    add->add_flag("--private", project->fields.isPrivate, "Only its members see it");
     tree.onRun(add, [project](Context context) { return addProject(std::move(context), *project); });
-    addProjectVerb(tree, projects, "archive", "Put a project away; its entries stay", ProjectVerb::Archive);
-    addProjectVerb(tree, projects, "restore", "Take a project back from the archive", ProjectVerb::Restore);
-    addProjectVerb(tree, projects, "delete", "Delete a project", ProjectVerb::Delete);
+    addProjectVerb(tree, projects, "archive", "Put a project away; its entries stay", ProjectVerb::archive);
+    addProjectVerb(tree, projects, "restore", "Take a project back from the archive", ProjectVerb::restore);
+    addProjectVerb(tree, projects, "delete", "Delete a project", ProjectVerb::remove);
     addTaskCommands(tree, group);
 }
 

@@ -3,7 +3,6 @@
 
 #include "CommandTree.h"
 #include "Commands/CatalogAnswers.h"
-#include "Input/Candidates.h"
 #include "Output/JsonShapes.h"
 #include "Terminal/TextWidth.h"
 
@@ -43,10 +42,10 @@ CommandTask useWorkspace(Context context, std::string typed)
     if (!opened)
         co_return failure(opened.error());
     const std::vector<WorkspaceSummary> workspaces = (*opened)->me().workspaces;
-    std::vector<Candidate> candidates;
+    std::vector<NamedItem> named;
     for (const WorkspaceSummary &workspace : workspaces)
-        candidates.push_back({workspace.id, workspace.name});
-    const auto found = choose("workspace", typed, candidates);
+        named.push_back({workspace.id, workspace.name});
+    const auto found = choose("workspace", typed, named);
     if (!found)
         co_return failure(CommandFailure::of(found.error()));
     const WorkspaceSummary workspace = workspaces[*found];

@@ -3,7 +3,7 @@
 
 #include "CommandTree.h"
 #include "Commands/EntryAnswers.h"
-#include "Input/TypedSentence.h"
+#include "Input/MomentText.h"
 #include "Output/EntryText.h"
 #include "Output/JsonShapes.h"
 #include "Time/AppClock.h"
@@ -40,13 +40,15 @@ CommandTask start(Context context, EntryOptions options)
     if (!opened)
         co_return failure(opened.error());
     co_await context->loadState();
+    const Tracker &tracker = (*opened)->tracker();
     const TypedSentence typed = TypedSentence::read(options.sentence, **opened);
-    const auto times = typed.times(options, (*opened)->tracker().time());
-    if (!times)
-        co_return failure(times.error());
-    if (times->stop && !times->start)
-        co_return failure(CommandFailure::usage("An end needs a start; name both with --start and --stop."));
-    co_return co_await record(context, options, typed, *times);
+    const auto draft = draftOf(typed, options, tracker);
+    if (!draft)
+        co_return failure(draft.error());
+    const auto times = draft->times(tracker.time(), AppClock::now());
+    if (!times && times.error() == EntryTimesProblem::endWithoutStart)
+        co_return failure(CommandFailure::usage(timesText(times.error())));
+    co_return co_await record(context, options, typed, *draft);
 }
 
 /// Where a stop ends the running timer.
@@ -58,7 +60,8 @@ Result<Instant, CommandFailure> endOf(const std::optional<std::string> &at, cons
     const auto moment = readMoment(*at, tracker.time());
     if (!moment)
         return failure(CommandFailure::usage(moment.error()));
-    return stopOf(*moment, tracker.running() ? tracker.running()->start : now, tracker.time());
+    return EntryTimes::timerStop(*moment, tracker.running() ? tracker.running()->start : now, tracker.time(),
+                                 AppClock::now());
 }
 
 CommandTask stop(Context context, std::optional<std::string> at)
@@ -68,15 +71,15 @@ CommandTask stop(Context context, std::optional<std::string> at)
         co_return failure(opened.error());
     co_await context->loadState();
     Tracker &tracker = (*opened)->tracker();
-    const ActionMoment moment = ActionMoment::of(*context);
+    const ActionMoment moment = actionMoment(*context);
     const auto end = endOf(at, tracker, moment.at);
     if (!end)
         co_return failure(end.error());
     // What ran when the stop was asked for has ended where the other timer began.
-    if (!at && moment.kind == ActionMoment::Kind::Overtaken)
+    if (!at && moment.kind == ActionMoment::Kind::overtaken)
         co_return refusal(*context, "Another timer was started elsewhere while this command waited, and runs "
                                     "on. To stop that one: orvane stop");
-    if (moment.kind == ActionMoment::Kind::Ahead && (!at || *end < moment.at))
+    if (moment.kind == ActionMoment::Kind::ahead && (!at || *end < moment.at))
         co_return refusalAhead(*context, "That is before the timer's start.");
     const std::optional<TimeEntryResponse> before = tracker.running();
     co_return answerTo(*context, co_await tracker.stop(*end), "Stopped", before);
@@ -89,8 +92,8 @@ CommandTask continueLast(Context context)
         co_return failure(opened.error());
     co_await context->loadState();
     Tracker &tracker = (*opened)->tracker();
-    const ActionMoment moment = ActionMoment::of(*context);
-    if (moment.kind == ActionMoment::Kind::Ahead)
+    const ActionMoment moment = actionMoment(*context);
+    if (moment.kind == ActionMoment::Kind::ahead)
         co_return refusalAhead(*context, "Another timer is set already.");
     const std::optional<TimeEntryResponse> before = tracker.running();
     const SaveResult result = co_await tracker.continueLast(moment.at);

@@ -2,23 +2,16 @@
 #pragma once
 
 #include "Catalog/Catalog.h"
-#include "Catalog/EntryDetails.h"
-#include "Catalog/EntryRequest.h"
-#include "Input/Candidates.h"
-#include "Input/MomentText.h"
-#include "Output/CommandFailure.h"
+#include "EntryInput/EntryDraft.h"
+#include "Support/Result.h"
 
 #include <optional>
 #include <string>
 #include <vector>
 
-namespace CLI {
-class App;
-}
-
 namespace orvane {
 
-/// What the options of `start`, `add` and `edit` say about an entry; what is not named is absent.
+/// What the options of `start`, `add` and `edit` say about an entry, as typed; what is not named is absent.
 struct EntryOptions {
     std::optional<std::string> sentence;
     std::optional<std::string> description;
@@ -31,34 +24,14 @@ struct EntryOptions {
     std::optional<bool> billable;
 
     bool isEmpty() const;
+    /// The draft with the times named. The error is a sentence about a text that is no time: wrong usage.
+    Result<EntryDraft, std::string> timesIn(EntryDraft draft, const UserTime &time) const;
+    /// The draft with the rest, all but the sentence. The error is a sentence about a name that means no
+    /// single thing.
+    Result<EntryDraft, std::string> detailsIn(EntryDraft draft, const Catalog &catalog) const;
 };
 
-/// Adds the options to a command; `options` outlives the tree's use.
-void addEntryOptions(CLI::App *command, EntryOptions &options);
-
-/// `details` with what the options say put in, all but the sentence. A task brings its project along; another
-/// project takes away a task of the one before and the shares of a split, and brings its own choice of
-/// billable unless that is named.
-Result<EntryDetails, CommandFailure> withOptions(EntryDetails details, const EntryOptions &options,
-                                                 const Catalog &catalog);
-
-/// As `withOptions`, what belongs to a project included; for who has the identifiers already.
-void takeProject(EntryDetails &details, std::optional<std::string> projectId, const Catalog &catalog,
-                 bool takesBillable);
-
-/// The named moments; a text that is no time is wrong usage.
-struct NamedTimes {
-    std::optional<TypedMoment> start;
-    std::optional<TypedMoment> stop;
-};
-Result<NamedTimes, CommandFailure> namedTimes(const EntryOptions &options, const UserTime &time);
-
-std::vector<Candidate> candidates(const std::vector<ProjectResponse> &projects, const Catalog &catalog);
-std::vector<Candidate> candidates(const std::vector<ClientResponse> &clients);
-std::vector<Candidate> candidates(const std::vector<TagResponse> &tags);
-/// With the project's name as context.
-std::vector<Candidate> candidates(const std::vector<TaskResponse> &tasks, const Catalog &catalog);
-/// The tasks of every project, or of one.
-std::vector<TaskResponse> tasksOf(const Catalog &catalog, const std::optional<std::string> &projectId = {});
+/// The sentence about times that do not go together.
+std::string timesText(EntryTimesProblem problem);
 
 } // namespace orvane

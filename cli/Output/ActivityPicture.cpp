@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Output/ActivityPicture.h"
 
-#include "Output/ActivityRows.h"
+#include "Activity/RepositoryRows.h"
 #include "Output/EntryText.h"
 #include "Terminal/BlockBar.h"
 #include "Terminal/TextWidth.h"
@@ -110,6 +110,16 @@ std::string axisLabels(const Axis &axis, const UserTime &time)
     return labels;
 }
 
+/// Colours told apart on dark and on light grounds; a terminal without them has all bars green.
+BarStyle barStyle(const RepositoryRow &row)
+{
+    static constexpr std::array<std::uint32_t, 6> palette{0x4C9F70, 0x5B8DEF, 0xD1903F,
+                                                          0xB072D6, 0x3FA7B5, 0xD0606A};
+    const std::uint32_t colour = palette[row.place % palette.size()];
+    return {.solid = {.colour = TextStyle::Colour::green, .ownColour = colour},
+            .light = {.dim = true, .ownColour = colour}};
+}
+
 std::string strips(const ActivityDay &day, const std::vector<RepositoryRow> &rows, const UserTime &time,
                    const TerminalStyle &style)
 {
@@ -117,7 +127,7 @@ std::string strips(const ActivityDay &day, const std::vector<RepositoryRow> &row
     std::vector<double> agent{0};
     int nameWidth = displayWidth("Total");
     for (const RepositoryRow &row : rows) {
-        nameWidth = std::max(nameWidth, displayWidth(row.name));
+        nameWidth = std::max(nameWidth, displayWidth(printable(row.name)));
         attention.push_back(row.attended);
         agent.push_back(row.worked);
         attention.front() += row.attended;
@@ -132,8 +142,8 @@ std::string strips(const ActivityDay &day, const std::vector<RepositoryRow> &row
     table.add({TextCell(), TextCell(axisLabels(axis, time), quiet), TextCell(attentionTitle, quiet),
                TextCell(agentTitle, quiet)});
     for (const RepositoryRow &row : rows)
-        table.add({TextCell(truncatedToWidth(row.name, nameWidth)),
-                   timeStrip(axis.range, axis.cells, row.attention, row.runs, row.barStyle()),
+        table.add({TextCell(truncatedToWidth(printable(row.name), nameWidth)),
+                   timeStrip(axis.range, axis.cells, row.attention, row.runs, barStyle(row)),
                    lengthCell(row.attended, time), lengthCell(row.worked, time)});
     if (rows.size() > 1)
         table.add({TextCell("Total", strong), TextCell(), lengthCell(attention.front(), time, strong),
@@ -152,7 +162,7 @@ TextCell sharesCell(const FocusBlock &block, const RepositoryNames &names, const
 {
     TextCell cell;
     for (const FocusShare &share : block.shares) {
-        cell.runs.push_back({(cell.runs.empty() ? "" : ", ") + names.of(*share.repository)});
+        cell.runs.push_back({(cell.runs.empty() ? "" : ", ") + printable(names.of(*share.repository))});
         if (block.shares.size() > 1)
             cell.runs.push_back({" " + time.duration(share.duration), quiet});
     }
@@ -225,7 +235,7 @@ std::string sessions(const ActivityDay &day, const RepositoryNames &names, const
             counts += (counts.empty() ? "" : ", ") + counted(count, "sub-agent");
         table.add({TextCell(span(trace->second.range, time)),
                    TextCell(std::string(jsonText(session.source)), quiet),
-                   TextCell(names.of(*trace->second.repository)),
+                   TextCell(printable(names.of(*trace->second.repository))),
                    session.title.empty() ? TextCell("(no title)", quiet) : TextCell(printable(session.title)),
                    TextCell(counts, quiet)});
     }
@@ -268,7 +278,7 @@ struct BarColumn {
 class WeekTable {
 public:
     WeekTable(std::span<const ActivityDay> days, const UserTime &time, const TerminalStyle &style)
-        : m_days(days), m_time(time), m_style(style), m_rows(repositoryRows(days))
+        : m_days(days), m_time(time), m_style(style), m_rows(RepositoryRow::of(days))
     {
         for (const ActivityDay &day : days) {
             m_attended.push_back(sumOf(day.totals.attention));
@@ -317,7 +327,7 @@ private:
         const std::size_t most = static_cast<std::size_t>(std::max(room / (leastBar + gap), 1));
         for (const RepositoryRow &row : m_rows) {
             if (m_columns.size() < most)
-                m_columns.push_back({row.name, row.barStyle(), std::vector<double>(m_days.size()),
+                m_columns.push_back({printable(row.name), barStyle(row), std::vector<double>(m_days.size()),
                                      std::vector<double>(m_days.size())});
             add(row.repository->key, m_columns.back());
         }
@@ -399,7 +409,7 @@ ActivityPicture::ActivityPicture(UserTime time, TerminalStyle style) : m_time(st
 
 std::string ActivityPicture::day(const ActivityDay &day) const
 {
-    const auto rows = repositoryRows({&day, 1});
+    const auto rows = RepositoryRow::of({&day, 1});
     const RepositoryNames names(rows);
     return m_style.apply(m_time.dayLabel(day.day), strong) + "\n" + strips(day, rows, m_time, m_style) +
            focus(day, names, m_time, m_style) + sessions(day, names, m_time, m_style) +

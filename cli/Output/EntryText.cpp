@@ -2,8 +2,8 @@
 #include "Output/EntryText.h"
 
 #include "Catalog/EntryConversions.h"
-#include "Input/Candidates.h"
-#include "Output/JsonShapes.h"
+#include "Catalog/EntrySeconds.h"
+#include "Catalog/NameLookup.h"
 #include "Terminal/TextWidth.h"
 #include "Time/AppClock.h"
 
@@ -102,7 +102,7 @@ std::string EntryWriter::span(Instant start, std::optional<Instant> stop) const
 
 std::string EntryWriter::duration(const TimeEntryResponse &entry) const
 {
-    return m_time.duration(static_cast<double>(shapes::secondsOf({entry}, m_now)));
+    return m_time.duration(static_cast<double>(entrySeconds(entry, m_now)));
 }
 
 std::string EntryWriter::shortId(const std::string &id) const
@@ -227,7 +227,7 @@ std::string EntryWriter::dayText(const DayGroup &day, const Layout &layout, std:
 {
     if (day.entries.empty())
         return emptyDay(day.day);
-    std::string out = heading(m_time.dayLabel(day.day), shapes::secondsOf(day.entries, m_now), layout.width);
+    std::string out = heading(m_time.dayLabel(day.day), entrySeconds(day.entries, m_now), layout.width);
     for (std::size_t i = 0; i < day.entries.size(); ++i)
         out += layout.lines[firstLine + i] + "\n";
     return out;
@@ -246,7 +246,7 @@ std::string EntryWriter::days(const std::vector<DayGroup> &days) const
                                                  TextCell("–", quiet), layout.width, m_style)
                                    : dayText(day, layout, line);
         line += day.entries.size();
-        total += shapes::secondsOf(day.entries, m_now);
+        total += entrySeconds(day.entries, m_now);
     }
     return out + heading("Total", total, layout.width);
 }

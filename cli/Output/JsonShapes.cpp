@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Output/JsonShapes.h"
 
+#include "Catalog/EntrySeconds.h"
 #include "OrvaneAPI/SchemaFields.h"
 #include "Support/JsonImpl.h"
 
@@ -140,18 +141,9 @@ std::vector<QueuedChange> queuedChanges(const Outbox &outbox, const std::vector<
     return rows;
 }
 
-std::int64_t secondsOf(const std::vector<TimeEntryResponse> &entries, Instant now)
-{
-    // Summed before it is cut to seconds, so that many short entries do not lose what they add up to.
-    Instant::duration sum{0};
-    for (const TimeEntryResponse &entry : entries)
-        sum += std::max(entry.stop.value_or(now) - entry.start, Instant::duration{0});
-    return std::chrono::floor<std::chrono::seconds>(sum).count();
-}
-
 Day day(const DayGroup &group, Instant now)
 {
-    return {group.day.civil(), secondsOf(group.entries, now), group.entries};
+    return {group.day.civil(), entrySeconds(group.entries, now), group.entries};
 }
 
 Error error(const CommandFailure &failure)

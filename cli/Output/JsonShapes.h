@@ -119,9 +119,6 @@ std::vector<QueuedChange> queuedChanges(const Outbox &outbox, const std::vector<
 Day day(const DayGroup &group, Instant now);
 Error error(const CommandFailure &failure);
 
-/// Whole seconds that the entries last together; a running one until `now`.
-std::int64_t secondsOf(const std::vector<TimeEntryResponse> &entries, Instant now);
-
 /// A value as `--json` prints it: one line, ended by a line break.
 template <class T>
 std::string text(const T &value)

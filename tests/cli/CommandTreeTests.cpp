@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "CommandTree.h"
 
+#include "Commands/Commands.h"
 #include "CompletionScript.h"
 #include "HelpText.h"
 #include "support/CommandRun.h"
@@ -14,9 +15,13 @@ namespace {
 
 using testing::HasSubstr;
 
+struct WholeTree : CommandTree {
+    WholeTree() { addCommands(*this); }
+};
+
 std::string usageError(std::vector<std::string> arguments)
 {
-    CommandTree tree;
+    WholeTree tree;
     const auto parsed = tree.parse(std::move(arguments));
     if (parsed)
         return {};
@@ -26,7 +31,7 @@ std::string usageError(std::vector<std::string> arguments)
 
 TEST(CommandTree, TakesGlobalOptionsBeforeAndAfterTheCommand)
 {
-    CommandTree tree;
+    WholeTree tree;
     ASSERT_TRUE(tree.parse({"--json", "list", "--zone", "Europe/Paris", "--no-start-server", "--server",
                             "https://time.example.com/"}));
     EXPECT_EQ(tree.chosen()->get_name(), "list");
@@ -34,7 +39,7 @@ TEST(CommandTree, TakesGlobalOptionsBeforeAndAfterTheCommand)
     EXPECT_FALSE(tree.options().startsServer);
     EXPECT_EQ(tree.options().zone, "Europe/Paris");
     EXPECT_EQ(tree.options().server, "https://time.example.com");
-    CommandTree nothing;
+    WholeTree nothing;
     ASSERT_TRUE(nothing.parse({}));
     EXPECT_EQ(nothing.chosen(), &nothing.root());
 }
@@ -68,7 +73,7 @@ TEST(CommandTree, AWordWithSpacesIsASentenceWhateverItBeginsWith)
 {
     for (const char *sentence : {"-h meeting 9-10", "--foo bar 15m", "--help me 15m", "--json=x y",
                                  "-- x 15m", "-\u00A0x", "--not a=b"}) {
-        CommandTree tree;
+        WholeTree tree;
         ASSERT_TRUE(tree.parse({"help", sentence, "--zone", "UTC"})) << sentence;
         EXPECT_FALSE(tree.wantsHelp()) << sentence;
         EXPECT_FALSE(tree.options().json) << sentence;
@@ -78,11 +83,11 @@ TEST(CommandTree, AWordWithSpacesIsASentenceWhateverItBeginsWith)
     for (const std::vector<std::string> &call :
          std::vector<std::vector<std::string>>{{"start", "--description", "-h meeting"},
                                                {"start", "--description=Fix it", "--tag=deep work"}}) {
-        CommandTree tree;
+        WholeTree tree;
         ASSERT_TRUE(tree.parse(call));
         EXPECT_FALSE(tree.wantsHelp());
     }
-    CommandTree help;
+    WholeTree help;
     ASSERT_TRUE(help.parse({"add", "-h"}));
     EXPECT_TRUE(help.wantsHelp());
     EXPECT_THAT(usageError({"add", "--foo", "bar"}), HasSubstr("has no option \"--foo\""));
@@ -90,7 +95,7 @@ TEST(CommandTree, AWordWithSpacesIsASentenceWhateverItBeginsWith)
 
 TEST(CommandTree, EveryCommandHasAnActionAndAHelpText)
 {
-    CommandTree tree;
+    WholeTree tree;
     std::vector<const CLI::App *> commands{&tree.root()};
     for (std::size_t i = 0; i < commands.size(); ++i) {
         const std::string help = HelpText().make_help(commands[i], {}, CLI::AppFormatMode::Normal);
@@ -102,7 +107,7 @@ TEST(CommandTree, EveryCommandHasAnActionAndAHelpText)
             if (option->get_positional() && option->get_required())
                 call.emplace_back("1");
         }
-        CommandTree parsed;
+        WholeTree parsed;
         EXPECT_TRUE(parsed.parse(call)) << callOf(commands[i]);
         EXPECT_TRUE(parsed.action().handler || parsed.action().plain) << callOf(commands[i]);
         for (const CLI::App *sub : CommandTree::commandsOf(commands[i]))
@@ -115,7 +120,7 @@ class Completions : public testing::TestWithParam<const char *> {};
 
 TEST_P(Completions, KnowEveryCommandAndOption)
 {
-    CommandTree tree;
+    WholeTree tree;
     const auto script = completionScript(tree.root(), GetParam());
     ASSERT_TRUE(script);
     const bool isFish = std::string_view(GetParam()) == "fish";
@@ -150,7 +155,7 @@ std::string offered(const std::string &script, const std::vector<std::string> &w
 
 TEST(Completions, OfferWhatCanFollow)
 {
-    CommandTree tree;
+    WholeTree tree;
     const std::string script = completionScript(tree.root(), "bash").value();
     EXPECT_EQ(offered(script, {"orvane", "sta"}), "status start ");
     EXPECT_EQ(offered(script, {"orvane", "projects", "a"}), "add archive ");

@@ -46,22 +46,5 @@ TEST(JsonShapes, WriteFailuresWithWhatTheServerSaid)
                   refused.errorDescription() + "\"}}\n");
 }
 
-TEST(JsonShapes, AddUpLengthsBeforeTheyAreCutToSeconds)
-{
-    using std::chrono::milliseconds;
-    const Instant start = instantFromMilliseconds(1'000'000);
-    std::vector<TimeEntryResponse> entries(3);
-    for (TimeEntryResponse &entry : entries) {
-        entry.start = start;
-        entry.stop = start + milliseconds(700);
-    }
-    EXPECT_EQ(shapes::secondsOf(entries, start), 2);
-    entries[0].stop.reset();
-    EXPECT_EQ(shapes::secondsOf(entries, start + milliseconds(10'000)), 11)
-        << "a running one counts until now";
-    EXPECT_EQ(shapes::secondsOf(entries, start - milliseconds(10'000)), 1)
-        << "one that is still to come counts nothing";
-}
-
 } // namespace
 } // namespace orvane

@@ -2,35 +2,11 @@
 // When a start and a stop happen, and what to do about a timer that begins only later.
 #include "CommandFixture.h"
 
-#include "Commands/EntryAnswers.h"
-#include "Support/DateText.h"
-
 namespace orvane {
 namespace {
 
 using testing::AllOf;
 using testing::HasSubstr;
-using namespace std::chrono_literals;
-using Kind = ActionMoment::Kind;
-
-TEST(ActionMoment, IsWhenItWasAskedForUnlessATimerBeginsLater)
-{
-    const Instant asked = instantFromIso8601("2026-03-04T09:00:00Z").value();
-    const auto of = [&](std::chrono::milliseconds after, std::chrono::milliseconds waited) {
-        TimeEntryResponse running;
-        running.start = asked + after;
-        return ActionMoment::of(running, asked, waited);
-    };
-    const auto expected = [&](Kind kind, std::chrono::milliseconds after) {
-        return ActionMoment{kind, asked + after};
-    };
-    EXPECT_EQ(ActionMoment::of({}, asked, 2s), expected(Kind::Free, 0s));
-    EXPECT_EQ(of(-1h, 2s), expected(Kind::Free, 0s));
-    EXPECT_EQ(of(0s, 2s), expected(Kind::Free, 0s));
-    EXPECT_EQ(of(1s, 2s), expected(Kind::Overtaken, 1s)) << "started elsewhere while this one waited";
-    EXPECT_EQ(of(3s, 2s), expected(Kind::Free, 3s)) << "by a clock that is a little ahead";
-    EXPECT_EQ(of(1min, 2s), expected(Kind::Ahead, 1min));
-}
 
 TEST_F(Command, StartsAheadOfTimeOnlyWhenTheDayIsNamed)
 {

@@ -1,27 +1,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Output/ActivityRows.h"
-
-#include "Terminal/TextWidth.h"
+#include "Activity/RepositoryRows.h"
 
 #include <algorithm>
-#include <array>
 #include <tuple>
 
 namespace orvane {
 
 namespace {
 
-/// Told apart on dark and on light grounds; a terminal without them has all bars green.
-constexpr std::array<std::uint32_t, 6> palette{0x4C9F70, 0x5B8DEF, 0xD1903F, 0xB072D6, 0x3FA7B5, 0xD0606A};
-
-/// "website", or "clients/website" for "/home/me/clients/website".
-std::string shortName(const ActivityRepository &repository, bool withFolder)
+/// "clients/website" for "/home/me/clients/website".
+std::string nameWithFolder(const ActivityRepository &repository)
 {
     const auto name = repository.key.rfind('/');
-    if (!withFolder || name == std::string::npos || name == 0)
-        return printable(repository.name);
+    if (name == std::string::npos || name == 0)
+        return repository.name;
     const auto folder = repository.key.rfind('/', name - 1);
-    return printable(repository.key.substr(folder == std::string::npos ? 0 : folder + 1));
+    return repository.key.substr(folder == std::string::npos ? 0 : folder + 1);
 }
 
 void nameRows(std::vector<RepositoryRow> &rows)
@@ -30,19 +24,12 @@ void nameRows(std::vector<RepositoryRow> &rows)
     for (const RepositoryRow &row : rows)
         ++counts[row.repository->name];
     for (RepositoryRow &row : rows)
-        row.name = shortName(*row.repository, counts[row.repository->name] > 1);
+        row.name = counts[row.repository->name] > 1 ? nameWithFolder(*row.repository) : row.repository->name;
 }
 
 } // namespace
 
-BarStyle RepositoryRow::barStyle() const
-{
-    const std::uint32_t colour = palette[place % palette.size()];
-    return {.solid = {.colour = TextStyle::Colour::green, .ownColour = colour},
-            .light = {.dim = true, .ownColour = colour}};
-}
-
-std::vector<RepositoryRow> repositoryRows(std::span<const ActivityDay> days)
+std::vector<RepositoryRow> RepositoryRow::of(std::span<const ActivityDay> days)
 {
     std::map<std::string_view, RepositoryRow> byKey;
     const auto rowOf = [&](const SharedRepository &repository) -> RepositoryRow & {

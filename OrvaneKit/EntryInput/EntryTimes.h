@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "QuickEntry/EntrySentence.h"
+#include "Support/Result.h"
+#include "Time/TypedMoment.h"
+#include "Time/UserTime.h"
+
+#include <optional>
+
+namespace orvane {
+
+/// Why what was said makes no times of an entry.
+enum class EntryTimesProblem {
+    endBeforeStart,  ///< or in the same instant
+    endWithoutStart, ///< of a new entry
+};
+
+/// When an entry lies, and how what people say of it becomes instants. Pure: the zone and what time it is now
+/// are given. A value; any thread.
+///
+/// A time of day that the zone skips or has twice is taken as UserTime takes it, so a day of 23 or 25 hours
+/// needs no rule of its own. An entry by times of day alone lasts less than 24 hours by the clock.
+struct EntryTimes {
+    Instant start;
+    std::optional<Instant> stop; ///< none: it runs
+
+    bool operator==(const EntryTimes &) const = default;
+
+    /// The times of a finished entry that is being made. A bare time of day is today's; an end before its
+    /// start means that the entry began the day before. Next to a full date it is on the day of the other
+    /// time, or over midnight from it.
+    static Result<EntryTimes, EntryTimesProblem> made(TypedMoment start, TypedMoment stop,
+                                                      const UserTime &time, Instant now);
+
+    /// When a timer starts: a bare time of day is today's.
+    static Instant timerStart(TypedMoment start, const UserTime &time, Instant now);
+
+    /// When a timer that runs since then ends: a bare time of day is today's, or yesterday's when today's is
+    /// still to come and the timer was already running then.
+    static Instant timerStop(TypedMoment stop, Instant runningSince, const UserTime &time, Instant now);
+
+    /// These times with others named. A bare time of day is on the entry's own day, and an end before its
+    /// start on the next. What is not named stays, and is not looked at when nothing is named.
+    Result<EntryTimes, EntryTimesProblem>
+    changed(std::optional<TypedMoment> start, std::optional<TypedMoment> stop, const UserTime &time) const;
+
+    /// These times changed by the time phrase of a sentence. A time of day is on the entry's own day unless
+    /// one is named; a duration keeps the entry's start, or of a running one its now. A phrase that lies
+    /// nowhere changes nothing. Whether the end lies after the start is left to whoever writes them.
+    EntryTimes changed(const EntrySentence::Time &said, const std::optional<EntrySentence::DayRef> &day,
+                       const UserTime &time, Instant now) const;
+};
+
+} // namespace orvane

@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Time/DayKey.h"
+
+#include <optional>
+#include <string_view>
+
+namespace orvane {
+
+/// The day that a typed text names: 2026-03-01, "today", "yesterday", or the name of a weekday or its first
+/// three letters or more, which is the last such day up to today. Letter case plays no part. Nothing for
+/// other text. Any thread.
+std::optional<DayKey> parseTypedDay(std::string_view text, DayKey today);
+
+} // namespace orvane

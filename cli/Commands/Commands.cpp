@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Commands/Commands.h"
+
+namespace orvane {
+
+void addCommands(CommandTree &tree)
+{
+    addTimerCommands(tree);
+    addEntryCommands(tree);
+    addQuickEntryCommands(tree);
+    addListCommand(tree);
+    addActivityCommand(tree);
+    addProjectCommands(tree);
+    addCatalogCommands(tree);
+    addSignInCommands(tree);
+    addSettingsCommands(tree);
+    addOutboxCommand(tree);
+    addServeCommand(tree);
+    addCompletionCommand(tree);
+    addHelpCommands(tree);
+}
+
+} // namespace orvane
