@@ -205,7 +205,7 @@ bool changesLockedTime(const WorkspaceAccess &workspace, const TimeEntryResponse
 HttpResponse timeLocked()
 {
     return problem(403, "This time is locked.", "The workspace no longer allows changes to it.",
-                   timeLockedProblem);
+                   timeLockedProblemType);
 }
 
 } // namespace orvane::server

@@ -13,7 +13,7 @@ std::optional<HttpResponse> refusedRelease(Call &call, const WorkspaceAccess &wo
     const auto &lockedBefore = workspace.settings.lockedBefore;
     if (lockedBefore && EntryRecords(call.services.database).isUsedBefore(kind, id, *lockedBefore))
         return problem(403, "This is in use in locked time.", "Locked time keeps its details.",
-                       timeLockedProblem);
+                       timeLockedProblemType);
     return std::nullopt;
 }
 

@@ -85,7 +85,7 @@ HttpResponse tooMany(std::chrono::seconds wait)
 HttpResponse entryChanged(const TimeEntryResponse &current)
 {
     TimeEntryChangedProblem details;
-    details.type = std::string(entryChangedProblem);
+    details.type = std::string(entryChangedProblemType);
     details.title = "This entry was changed meanwhile.";
     details.status = 412;
     details.current = current;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Process/ServerProcess.h"
 
+#include "LinkWire/LinkSocket.h"
 #include "OrvaneAPI/LinkProof.h"
 #include "Process/PortFile.h"
 #include "Process/ProcessSetup.h"
@@ -51,7 +52,7 @@ ServerProcess::ServerProcess(ServerOptions options)
               serve(request, peer, std::move(reply));
           },
           m_options.trustedProxy)
-    , m_socket([this](const SocketRequest &request, const ServerSocket::Reply &reply) {
+    , m_socket([this](const LinkRequest &request, const ServerSocket::Reply &reply) {
         restartIdleTimer();
         if (request.command == "request")
             passOn(request, reply);
@@ -90,7 +91,7 @@ Result<ServerProcess::Outcome, std::string> ServerProcess::start()
         return failure(std::move(fault));
     if (auto fault = openCore(); !fault.empty())
         return failure(std::move(fault));
-    if (auto fault = m_socket.listen(file("run")); !fault.empty())
+    if (auto fault = m_socket.listen(file(linkFolderName)); !fault.empty())
         return failure("the folder of the server's socket cannot be used: " + fault);
     qCInfo(processLog, "serving at %s", m_point.url().c_str());
     if (m_options.trustedProxy)
@@ -108,7 +109,7 @@ bool ServerProcess::takeFolder()
 {
     const QDeadlineTimer deadline(lockPatience);
     while (!m_lock.tryLock()) {
-        if (!m_lock.error().empty() || serverAnswersIn(file("run")) || deadline.hasExpired())
+        if (!m_lock.error().empty() || serverAnswersIn(file(linkFolderName)) || deadline.hasExpired())
             return false;
         QThread::msleep(static_cast<unsigned long>(lockInterval.count()));
     }
@@ -159,9 +160,9 @@ void ServerProcess::serve(const HttpRequest &request, const std::string &peer, H
     });
 }
 
-SocketAnswer ServerProcess::answer(const SocketRequest &request)
+LinkAnswer ServerProcess::answer(const LinkRequest &request)
 {
-    SocketAnswer answer;
+    LinkAnswer answer;
     if (request.command == "hello") {
         answer.address = m_point.url();
         answer.version = ORVANE_VERSION;
@@ -183,11 +184,11 @@ SocketAnswer ServerProcess::answer(const SocketRequest &request)
 }
 
 /// A request that came this way is as good as a proved one: whoever sends it could have asked for the key.
-void ServerProcess::passOn(const SocketRequest &request, const ServerSocket::Reply &reply)
+void ServerProcess::passOn(const LinkRequest &request, const ServerSocket::Reply &reply)
 {
     const auto method = methodNamed(request.method.value_or(""));
     if (!method || !request.path) {
-        SocketAnswer refusal;
+        LinkAnswer refusal;
         refusal.error = "the request is not understood";
         return reply(refusal);
     }
@@ -197,7 +198,7 @@ void ServerProcess::passOn(const SocketRequest &request, const ServerSocket::Rep
     passed.headers.set("Host", m_point.url().substr(std::string_view("http://").size()));
     passed.headers.set(linkProofHeader, requestProof(m_linkKey, newProofNonce(), passed));
     serve(passed, socketPeer, [reply](HttpResponse response, bool) {
-        SocketAnswer answer;
+        LinkAnswer answer;
         answer.status = response.status;
         answer.headers.emplace();
         for (const auto &[name, value] : response.headers.all())

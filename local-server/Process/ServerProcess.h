@@ -39,8 +39,8 @@ private:
     std::string listen();
     std::string openCore();
     void serve(const HttpRequest &request, const std::string &peer, HttpFront::Reply reply);
-    SocketAnswer answer(const SocketRequest &request);
-    void passOn(const SocketRequest &request, const ServerSocket::Reply &reply);
+    LinkAnswer answer(const LinkRequest &request);
+    void passOn(const LinkRequest &request, const ServerSocket::Reply &reply);
     void restartIdleTimer();
     std::string file(const char *name) const;
 

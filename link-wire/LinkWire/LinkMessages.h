@@ -12,7 +12,7 @@
 namespace orvane {
 
 struct LinkRequest {
-    /// "hello", "code", or "request" for one that must not go over a port.
+    /// "hello", "code", or "request" for one that must not go over a port: it holds a password.
     std::string command;
     std::optional<std::string> codeChallenge = {};
     std::optional<std::string> timeZone = {};
@@ -26,6 +26,7 @@ struct LinkAnswer {
     std::optional<std::string> address;
     std::optional<std::string> version;
     std::optional<std::int64_t> pid;
+    /// What requests and answers are proved with as long as this process lives; see LinkProof.h.
     std::optional<std::string> key;
     std::optional<std::string> code;
     std::optional<std::int64_t> status;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "LocalServer/LinkMessages.h"
+#include "LinkWire/LinkMessages.h"
 
 #include "Support/JsonImpl.h"
 
