@@ -30,6 +30,8 @@ HttpResponse forbidden(std::string detail);
 /// `what` as in "There is no such project.".
 HttpResponse noSuch(std::string_view what);
 HttpResponse conflict(std::string detail);
+/// `what` as in "There is already a project of that name.".
+HttpResponse nameTaken(std::string_view what);
 HttpResponse tooMany(std::chrono::seconds wait);
 HttpResponse entryChanged(const TimeEntryResponse &current);
 

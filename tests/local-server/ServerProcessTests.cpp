@@ -448,7 +448,7 @@ TEST_F(ServerRun, WhatCannotBeKeptIsRefused)
     EXPECT_EQ(endWith(*server, SIGTERM), 0);
 }
 
-TEST_F(ServerRun, TheLinkAnswersNonsenseWithAnError)
+TEST_F(ServerRun, TheSocketAnswersNonsenseWithAnError)
 {
     const auto server = serve();
     for (const char *line : {"\n", "x\n", "{}\n", "{\"command\":\"code\"}\n", "{\"command\":\"go\"}\n"})
