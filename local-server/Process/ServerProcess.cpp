@@ -168,8 +168,10 @@ void ServerProcess::serve(const HttpRequest &request, const std::string &peer, H
     const std::uint64_t number = ++m_lastNumber;
     m_waiting.emplace(number, std::move(reply));
     m_core->serve(request, peer, *m_executor, [this, number](Served served) {
-        const auto back = [this, number, served = std::move(served)] { answer(number, served); };
-        QMetaObject::invokeMethod(this, back, Qt::QueuedConnection);
+        auto back = [this, number, served = std::move(served)]() mutable {
+            answer(number, std::move(served));
+        };
+        QMetaObject::invokeMethod(this, std::move(back), Qt::QueuedConnection);
     });
 }
 

@@ -20,6 +20,20 @@ bool isInWorkspace(const OperationInfo &operation)
     return operation.pathTemplate.starts_with(workspacePath);
 }
 
+template <class Operation, class... Arguments>
+concept CanHandle = requires(
+    Router router, HttpResponse (*handler)(Call &, Arguments..., const typename Operation::Input &)) {
+    router.add<Operation>(handler);
+};
+
+// What happens in a workspace cannot be handled without the access to it, and nothing else with one.
+static_assert(CanHandle<ListTags, const WorkspaceAccess &>);
+static_assert(!CanHandle<ListTags>);
+static_assert(!CanHandle<ListTags, const std::string &>);
+static_assert(CanHandle<GetMe> && !CanHandle<GetMe, const WorkspaceAccess &>);
+// There is no access but what entering gives.
+static_assert(!std::is_default_constructible_v<WorkspaceAccess>);
+
 } // namespace
 
 class AccessToOperations : public ServerFixture {
