@@ -165,6 +165,15 @@ TEST_F(Workers, AReadingTransactionIsNotHeldUpByOneThatWrites)
     EXPECT_EQ(waiting.get().status, 201);
 }
 
+TEST(DatabaseDeathTest, ATransactionThatReadsMustNotWrite)
+{
+    const auto database = Database::open(":memory:").value();
+    ASSERT_TRUE(database->begin(Lane::reading));
+    EXPECT_FALSE(database->exists("SELECT 1 FROM users"));
+    EXPECT_DEATH(database->run("DELETE FROM users"), "would write");
+    EXPECT_TRUE(database->commit());
+}
+
 TEST_F(Workers, TheirEndWaitsForWhatIsBeingWorkedOn)
 {
     start(1, 1);
