@@ -18,6 +18,7 @@ import tempfile
 import activity_runs
 import command_runs
 import queue_runs
+import server_runs
 
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
@@ -145,12 +146,32 @@ def activity_rows(arguments):
               2 * (4096 + 64), form="{:.0f}")
 
 
+def server_rows(arguments):
+    seconds = 10 if arguments.quick else 30
+    with tempfile.TemporaryDirectory(dir=arguments.folder) as folder:
+        rounds = [server_runs.beside_registrations(BUILD / "bin", folder) for _ in range(max(1, arguments.repetitions // 3))]
+        load, bare = server_runs.under_load(BUILD / "bin", PROGRAMS, folder, 200, seconds)
+    yield row("a GET beside 16 registrations, beside one alone", statistics.median(busy / idle for idle, busy in rounds), 3)
+    yield row("a GET alone, in ms", 1e3 * statistics.median(idle for idle, _ in rounds))
+    yield row("200 clients that list and change: answers that should not be", load["unexpected"], 0, form="{:.0f}")
+    yield row("the same: changes that were answered and are not there", load["lost"], 0, form="{:.0f}")
+    yield row("the same: requests a second", load["requests"] / load["seconds"], form="{:.0f}")
+    yield row("bare transactions of that work, one after the other, a second", bare["transactions"] / bare["seconds"],
+              form="{:.0f}")
+    yield row("200 clients that list and change: requests a second of processor time", load["requests"] / load["used"], form="{:.0f}")
+    yield row("bare transactions of that work, a second of processor time", bare["transactions"] / bare["used"],
+              form="{:.0f}")
+    yield row("200 clients that list and change: the 99th percentile, in ms", load["p99"])
+    yield row("a bare transaction of that work: the 99th percentile, in ms", bare["p99"])
+
+
 GROUPS = {"store": (store_rows, ["StoreBenchmark"]), "json": (json_rows, ["JsonBenchmark"]),
           "timeline": (timeline_rows, ["TimelineBenchmark"]),
           "calendar": (calendar_rows, ["CalendarBenchmark"]),
           "quickentry": (quick_entry_rows, ["QuickEntryBenchmark"]),
           "activity": (activity_rows, ["orvane", "ActivityRequests"]),
           "queue": (queue_rows, ["orvane", "orvane-server", "BareDrain"]),
+          "server": (server_rows, ["orvane-server", "ServerLoad", "BareTransactions"]),
           "command": (command_rows, ["orvane", "orvane-server", "BareStatus", "BareIdle"])}
 
 
@@ -160,6 +181,7 @@ def main():
     parser.add_argument("--no-build", action="store_true", help="take the programs as they are")
     parser.add_argument("--repetitions", type=int, default=15, help="of each side (default: 15)")
     parser.add_argument("--folder", default=str(PROGRAMS), help="where the stores lie; must be on a real disk")
+    parser.add_argument("--quick", action="store_true", help="load the server for ten seconds instead of thirty")
     arguments = parser.parse_args()
     groups = arguments.groups or list(GROUPS)
     if not arguments.no_build:

@@ -61,10 +61,41 @@ std::optional<std::string> bearerToken(const HttpHeaders &headers)
     return value->substr(std::min(value->find_first_not_of(' ', scheme.size()), value->size()));
 }
 
+HttpResponse failed(const Database &database)
+{
+    switch (database.lastFailure()) {
+    case DatabaseFailure::taken:
+        return conflict("Another request was faster. See what is there now.");
+    case DatabaseFailure::busy:
+        return busy();
+    case DatabaseFailure::broken:
+        break;
+    }
+    return databaseFailed();
+}
+
 bool keepsChanges(const Step &step, const Call &call)
 {
     const auto *response = std::get_if<HttpResponse>(&step);
     return !response || response->status < 400 || call.keepsChanges;
+}
+
+Router allHandlers()
+{
+    Router router;
+    addServerHandlers(router);
+    addSignInHandlers(router);
+    addSessionHandlers(router);
+    addAccountHandlers(router);
+    addWorkspaceHandlers(router);
+    addProjectHandlers(router);
+    addTaskHandlers(router);
+    addClientHandlers(router);
+    addTagHandlers(router);
+    addEntryHandlers(router);
+    addEntryBulkHandlers(router);
+    addSuggestionHandlers(router);
+    return router;
 }
 
 } // namespace
@@ -84,23 +115,12 @@ Result<std::unique_ptr<ServerCore>, std::string> ServerCore::open(Options option
 ServerCore::ServerCore(Options options, std::unique_ptr<Database> database, std::string key)
     : m_options(std::move(options))
     , m_database(std::move(database))
-    , m_services{.database = *m_database,
-                 .tokens = AccessTokens(std::move(key)),
+    , m_services{.tokens = AccessTokens(std::move(key)),
                  .registrationOpen = m_options.listenPoint.isLoopback() && !m_options.trustedProxy}
     , m_gate(m_options.listenPoint, m_options.trustedProxy)
     , m_proofs(m_options.linkKey)
+    , m_router(allHandlers())
 {
-    addServerHandlers(m_router);
-    addSignInHandlers(m_router);
-    addSessionHandlers(m_router);
-    addAccountHandlers(m_router);
-    addWorkspaceHandlers(m_router);
-    addProjectHandlers(m_router);
-    addClientHandlers(m_router);
-    addTagHandlers(m_router);
-    addEntryHandlers(m_router);
-    addEntryBulkHandlers(m_router);
-    addSuggestionHandlers(m_router);
 }
 
 Instant ServerCore::now() const
@@ -113,16 +133,12 @@ Instant ServerCore::now() const
 HttpResponse ServerCore::handle(const HttpRequest &request, const std::string &peer)
 {
     HttpResponse response;
-    const auto inPlace = [](const std::function<void()> &work, const std::function<void()> &done) {
-        work();
-        done();
-        return true;
-    };
+    InPlaceExecutor inPlace(*m_database);
     serve(request, peer, inPlace, [&response](Served served) { response = std::move(served.response); });
     return response;
 }
 
-void ServerCore::serve(const HttpRequest &request, const std::string &peer, const RunAside &runAside,
+void ServerCore::serve(const HttpRequest &request, const std::string &peer, Executor &executor,
                        const Done &done)
 {
     if (auto refusal = m_proofs.refuse(request))
@@ -141,9 +157,11 @@ void ServerCore::serve(const HttpRequest &request, const std::string &peer, cons
     auto routed = route(request, m_gate.senderOf(request, peer));
     if (!routed)
         return finish({std::move(routed.error())});
+    routed->executor = &executor;
+    routed->done = finish;
     const auto exchange = std::make_shared<const Exchange>(std::move(*routed));
-    const auto handle = [&](Call &call) { return exchange->route->handle(call, exchange->parts); };
-    goOn(exchange, transact(*exchange, handle), runAside, finish);
+    transact(exchange, exchange->route->lane,
+             [exchange](Call &call) { return exchange->route->handle(call, exchange->parts); });
 }
 
 Result<ServerCore::Exchange, HttpResponse> ServerCore::route(const HttpRequest &request,
@@ -165,70 +183,120 @@ Result<ServerCore::Exchange, HttpResponse> ServerCore::route(const HttpRequest &
     if (!query)
         return failure(problem(400, "The request was not understood.", "The address is badly encoded."));
     return Exchange{
-        route, {std::move(match->pathArguments), std::move(*query), request.headers, request.body}, peer};
+        .route = route,
+        .parts = {std::move(match->pathArguments), std::move(*query), request.headers, request.body},
+        .peer = peer};
+}
+
+void ServerCore::transact(const SharedExchange &exchange, Lane lane, const Handle &handle)
+{
+    exchange->executor->transact(lane, [this, exchange, lane, handle](Database *database) {
+        if (!database)
+            return exchange->done({databaseFailed()});
+        if (auto transacted = transactHere(*database, *exchange, lane, handle))
+            return goOn(exchange, std::move(*transacted));
+        transact(exchange, Lane::writing, handle);
+    });
 }
 
 /// Answers what the work came to once it is done: by the handler's second half, or third.
-void ServerCore::goOn(const std::shared_ptr<const Exchange> &exchange, Transacted transacted,
-                      const RunAside &runAside, const Done &done)
+void ServerCore::goOn(const SharedExchange &exchange, Transacted transacted)
 {
     if (auto *response = std::get_if<HttpResponse>(&transacted.step))
-        return done({std::move(*response), transacted.isSignedIn});
+        return exchange->done({std::move(*response), transacted.isSignedIn});
     const auto &[work, finish] = std::get<Aside>(transacted.step);
-    const bool isTaken = runAside(work, [this, exchange, finish, runAside, done] {
-        goOn(exchange, transact(*exchange, finish), runAside, done);
-    });
+    const bool isTaken = exchange->executor->compute(
+        work, [this, exchange, finish] { transact(exchange, Lane::writing, finish); });
     if (!isTaken)
-        done({busy(), transacted.isSignedIn});
+        exchange->done({busy(), transacted.isSignedIn});
 }
 
-ServerCore::Transacted ServerCore::transact(const Exchange &exchange,
-                                            const std::function<Step(Call &)> &handle)
+/// Nothing when the request has to begin anew in a transaction that may write.
+std::optional<ServerCore::Transacted> ServerCore::transactHere(Database &database, const Exchange &exchange,
+                                                               Lane lane, const Handle &handle)
 {
-    Call call{m_services, now(), exchange.peer, {}};
+    Call call{.services = m_services, .database = database, .now = now(), .peer = exchange.peer};
     call.isProved = ProofGate::isProved(exchange.parts.headers);
-    m_database->begin();
-    const bool mayEnter = exchange.route->access == Access::Anyone || signIn(call, exchange.parts);
-    Step step = mayEnter ? handle(call) : unauthorized("Your session has ended or its token is not valid.");
+    database.begin(lane);
+    const Entry entry = enter(call, exchange, lane);
+    if (entry == Entry::laterInWriting) {
+        database.rollback();
+        return std::nullopt;
+    }
+    Step step = entry == Entry::granted ? handle(call)
+                                        : unauthorized("Your session has ended or its token is not valid.");
     const bool isSignedIn = !call.caller.userId.empty();
     const bool keeps = keepsChanges(step, call);
-    if (keeps ? m_database->commit() : !m_database->hasFailed()) {
+    if (keeps ? database.commit() : !database.hasFailed()) {
         if (!keeps)
-            m_database->rollback();
-        return {std::move(step), isSignedIn};
+            database.rollback();
+        else if (m_options.onChange && !call.changes.empty())
+            m_options.onChange(call.changes);
+        return Transacted{std::move(step), isSignedIn};
     }
-    qCWarning(serverLog, "the database failed: %s", m_database->lastError().c_str());
-    m_database->rollback();
-    return {databaseFailed(), isSignedIn};
+    if (database.lastFailure() != DatabaseFailure::taken)
+        qCWarning(serverLog, "the database failed: %s", database.lastError().c_str());
+    database.rollback();
+    return Transacted{failed(database), isSignedIn};
 }
 
-bool ServerCore::signIn(Call &call, const RequestParts &parts)
+/// Lets the caller in, if the operation wants that anybody is.
+ServerCore::Entry ServerCore::enter(Call &call, const Exchange &exchange, Lane lane) const
 {
-    const auto token = bearerToken(parts.headers);
+    if (!exchange.route->wantsSignIn)
+        return Entry::granted;
+    const auto token = bearerToken(exchange.parts.headers);
     const auto claims = token ? m_services.tokens.read(*token, call.now) : std::nullopt;
-    if (!claims || !m_services.sessions.touch(claims->sessionId, claims->userId, call.isProved, call.now))
-        return false;
+    const auto lastUse =
+        claims ? call.sessions.lastUse(claims->sessionId, claims->userId, call.isProved, call.now)
+               : std::nullopt;
+    if (!lastUse)
+        return Entry::refused;
+    if (Sessions::isTouchDue(*lastUse, call.now)) {
+        if (lane == Lane::reading)
+            return Entry::laterInWriting;
+        call.sessions.touch(claims->sessionId, call.now);
+    }
     call.caller = {claims->userId, claims->sessionId};
-    return true;
+    return Entry::granted;
 }
 
-Result<std::string, std::string> ServerCore::localSignInCode(const std::string &challenge,
-                                                             const std::string &timeZone)
+ServerCore::Code ServerCore::localSignInCode(const std::string &challenge, const std::string &timeZone)
+{
+    Code code;
+    InPlaceExecutor inPlace(*m_database);
+    localSignInCode(challenge, timeZone, inPlace, [&code](Code made) { code = std::move(made); });
+    return code;
+}
+
+void ServerCore::localSignInCode(const std::string &challenge, const std::string &timeZone,
+                                 Executor &executor, const std::function<void(Code)> &done)
 {
     if (!isCodeChallenge(challenge))
-        return failure(std::string("codeChallenge must be the base64url SHA-256 of the verifier"));
-    m_database->begin();
-    const auto [userId, isNew] = localAccount(timeZone);
-    if (!m_database->commit()) {
-        qCWarning(serverLog, "the database failed: %s", m_database->lastError().c_str());
+        return done(failure(std::string("codeChallenge must be the base64url SHA-256 of the verifier")));
+    executor.transact(Lane::writing, [this, challenge, timeZone, done](Database *database) {
+        done(newCode(database, challenge, timeZone));
+    });
+}
+
+ServerCore::Code ServerCore::newCode(Database *database, const std::string &challenge,
+                                     const std::string &timeZone)
+{
+    if (!database)
+        return failure(std::string("the server could not use its database"));
+    database->begin();
+    const auto [userId, isNew] = localAccount(*database, timeZone);
+    if (!database->commit()) {
+        qCWarning(serverLog, "the database failed: %s", database->lastError().c_str());
         return failure(std::string("the server could not use its database"));
     }
     return m_services.codes.issue(userId, isNew, challenge, now());
 }
 
-std::pair<std::string, bool> ServerCore::localAccount(const std::string &timeZone)
+std::pair<std::string, bool> ServerCore::localAccount(Database &database, const std::string &timeZone)
 {
-    if (const auto found = m_services.accounts.local())
+    Accounts accounts(database);
+    if (const auto found = accounts.local())
         return {found->id, false};
     AccountRecord account;
     account.email = m_options.userName + "@localhost";
@@ -236,7 +304,7 @@ std::pair<std::string, bool> ServerCore::localAccount(const std::string &timeZon
     account.fullName = m_options.userName;
     account.timeZone = isZone(timeZone) ? timeZone : "UTC";
     account.isLocal = true;
-    return {m_services.accounts.create(account, now()), true};
+    return {accounts.create(std::move(account), now()), true};
 }
 
 } // namespace orvane::server

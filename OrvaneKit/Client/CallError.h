@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "OrvaneAPI/ProblemTypes.h"
 #include "OrvaneAPI/Responses.h"
 #include "OrvaneAPI/Schemas.h"
 
@@ -17,9 +18,6 @@
 /// knows whether the server got the request, a DecodingError that its answer made no sense. Plain values,
 /// free of threads.
 namespace orvane {
-
-/// The `type` of the problem that says: somebody else changed the entry meanwhile.
-inline constexpr std::string_view entryChangedProblemType = "urn:orvane:problem:entry-changed";
 
 /// The server answered 400 or above.
 struct APIError {

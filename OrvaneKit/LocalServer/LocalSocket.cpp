@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "LocalServer/LocalSocket.h"
 
+#include "LinkWire/LinkSocket.h"
+
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -13,8 +15,6 @@ namespace orvane {
 
 namespace {
 
-/// More than any answer takes.
-constexpr qint64 answerLimit = 65536;
 /// What fits a socket's address everywhere.
 constexpr std::size_t shortPath = 100;
 
@@ -41,28 +41,14 @@ Result<int, LinkError> openOwnFolder(const std::string &path)
                              "The folder of the server's socket is open to other users of this computer."});
 }
 
-bool isOurs(qintptr descriptor)
-{
-#ifdef __linux__
-    struct ucred peer{};
-    socklen_t size = sizeof peer;
-    return ::getsockopt(static_cast<int>(descriptor), SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 &&
-           peer.uid == ::geteuid();
-#else
-    uid_t user = 0;
-    gid_t group = 0;
-    return ::getpeereid(static_cast<int>(descriptor), &user, &group) == 0 && user == ::geteuid();
-#endif
-}
-
 /// A name of the socket that is short enough, where there is one.
 std::optional<std::string> socketPath(const std::string &folder, [[maybe_unused]] int folderDescriptor)
 {
-    std::string path = folder + "/server.sock";
+    std::string path = folder + "/" + linkSocketName;
     if (path.size() <= shortPath)
         return path;
 #ifdef __linux__
-    return "/proc/self/fd/" + std::to_string(folderDescriptor) + "/server.sock";
+    return "/proc/self/fd/" + std::to_string(folderDescriptor) + "/" + linkSocketName;
 #else
     return std::nullopt;
 #endif
@@ -130,7 +116,7 @@ void LocalSocket::failWith(LinkError error)
 
 Task<LocalSocket::Connected> LocalSocket::connectTo(std::string folder, std::chrono::milliseconds limit)
 {
-    const std::string runFolder = folder + "/run";
+    const std::string runFolder = folder + "/" + linkFolderName;
     const auto descriptor = openOwnFolder(runFolder);
     if (!descriptor)
         co_return failure(descriptor.error());
@@ -150,7 +136,7 @@ Task<LocalSocket::Connected> LocalSocket::connectTo(std::string folder, std::chr
     self->m_connecting.reset();
     if (error)
         co_return failure(LinkError(*error));
-    if (!isOurs(self->m_socket.socketDescriptor())) {
+    if (!isOwnUsersSocket(self->m_socket.socketDescriptor())) {
         self->m_socket.abort();
         co_return failure(LinkError{LinkError::Kind::Untrusted,
                                     "The server's socket belongs to another user of this computer."});
@@ -176,13 +162,13 @@ void LocalSocket::readLine()
     if (!m_asking)
         return;
     if (!m_socket.canReadLine()) {
-        if (m_socket.bytesAvailable() >= answerLimit)
+        if (m_socket.bytesAvailable() >= longestLinkLine)
             failWith(failed("The server's socket answers without end."));
         return;
     }
     m_timer.stop();
     auto asking = *std::exchange(m_asking, std::nullopt);
-    auto answer = decodeJson<LinkAnswer>(m_socket.readLine(answerLimit).toStdString());
+    auto answer = decodeJson<LinkAnswer>(m_socket.readLine(longestLinkLine).toStdString());
     if (!answer)
         asking.finish(failure(failed("The server's socket gave an answer that could not be read.")));
     else if (answer->error)

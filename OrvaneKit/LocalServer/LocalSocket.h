@@ -2,7 +2,7 @@
 #pragma once
 
 #include "Client/Pending.h"
-#include "LocalServer/LinkMessages.h"
+#include "LinkWire/LinkMessages.h"
 #include "LocalServer/LocalServerLink.h"
 
 #include <QLocalSocket>

@@ -2,11 +2,11 @@
 #include "Database/Database.h"
 
 #include "Database/Migrations.h"
+#include "Database/Sqlite.h"
+#include "Support/Require.h"
 
 #include <QSqlError>
 #include <atomic>
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace orvane::server {
 
@@ -18,40 +18,25 @@ QString nextConnectionName()
     return QStringLiteral("orvane-server-%1").arg(++count);
 }
 
-/// SQLite gives its side files the main file's permissions, so making that one private is enough.
-bool makePrivateFile(const std::string &path)
-{
-    const int descriptor = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-    return descriptor >= 0 && ::close(descriptor) == 0;
-}
-
-/// What is particular to SQLite is said here and nowhere else. An answered change must survive a power cut,
-/// hence FULL: in WAL mode anything less may lose the last commits.
-constexpr std::string_view connectionSettings[] = {
-    "PRAGMA journal_mode = WAL",
-    "PRAGMA synchronous = FULL",
-    "PRAGMA foreign_keys = ON",
-    "PRAGMA busy_timeout = 5000",
-};
-
 } // namespace
 
 Result<std::unique_ptr<Database>, std::string> Database::open(const std::string &path)
 {
-    if (path != ":memory:" && !makePrivateFile(path))
-        return failure(std::string("the database cannot be opened for writing: ") + std::strerror(errno));
-    std::unique_ptr<Database> database(new Database(nextConnectionName()));
-    auto &connection = database->m_database;
-    connection = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), database->m_connection);
-    connection.setDatabaseName(QString::fromStdString(path));
-    if (!connection.open())
-        return failure("the database cannot be opened: " + connection.lastError().text().toStdString());
-    for (const auto setting : connectionSettings) {
-        if (!database->runOnce(setting))
-            return failure("the database cannot be used: " + database->lastError());
-    }
-    if (auto migrated = migrate(*database); !migrated)
+    auto database = connect(path);
+    if (!database)
+        return database;
+    if (auto migrated = migrate(**database); !migrated)
         return failure(std::move(migrated.error()));
+    return database;
+}
+
+Result<std::unique_ptr<Database>, std::string> Database::connect(const std::string &path)
+{
+    std::unique_ptr<Database> database(new Database(nextConnectionName()));
+    auto connection = sqlite::connect(database->m_connection, path);
+    if (!connection)
+        return failure(std::move(connection.error()));
+    database->m_database = std::move(*connection);
     return database;
 }
 
@@ -63,19 +48,16 @@ Database::~Database()
     QSqlDatabase::removeDatabase(m_connection);
 }
 
-bool Database::begin()
+bool Database::begin(Lane lane)
 {
     m_failed = false;
-    if (!m_database.transaction())
-        fail(m_database.lastError());
-    return !m_failed;
+    m_lane = lane;
+    return control(lane == Lane::writing ? sqlite::beginWriting : sqlite::beginReading);
 }
 
 bool Database::commit()
 {
-    if (!m_failed && !m_database.commit())
-        fail(m_database.lastError());
-    if (!m_failed)
+    if (!m_failed && control("COMMIT"))
         return true;
     rollback();
     return false;
@@ -83,8 +65,32 @@ bool Database::commit()
 
 void Database::rollback()
 {
-    m_database.rollback();
     m_failed = false;
+    // There is none to undo when it did not begin, or the system undid it by itself.
+    const std::string error = m_lastError;
+    const DatabaseFailure kind = m_lastFailure;
+    control("ROLLBACK");
+    m_lastError = error;
+    m_lastFailure = kind;
+    m_failed = false;
+}
+
+bool Database::control(std::string_view sql)
+{
+    if (QSqlQuery *query = execute(sql, {}))
+        query->finish();
+    return !m_failed;
+}
+
+std::int64_t Database::runWith(std::string_view sql, const std::vector<QVariant> &values)
+{
+    ORVANE_REQUIRE(m_lane == Lane::writing, "a transaction that reads would write");
+    QSqlQuery *query = execute(sql, values);
+    if (!query)
+        return 0;
+    const std::int64_t touched = query->numRowsAffected();
+    query->finish();
+    return touched;
 }
 
 bool Database::runOnce(std::string_view sql)
@@ -105,21 +111,25 @@ QVariant Database::sqlValue(const std::string &text)
     return sqlValue(std::string_view(text));
 }
 
+QSqlQuery *Database::prepared(std::string_view sql)
+{
+    if (const auto found = m_statements.find(sql); found != m_statements.end())
+        return &found->second;
+    QSqlQuery query(m_database);
+    query.setForwardOnly(true);
+    if (!query.prepare(QString::fromUtf8(sql.data(), static_cast<qsizetype>(sql.size())))) {
+        fail(query.lastError());
+        return nullptr;
+    }
+    return &m_statements.emplace(sql, std::move(query)).first->second;
+}
+
 QSqlQuery *Database::execute(std::string_view sql, const std::vector<QVariant> &values)
 {
-    if (m_failed)
+    QSqlQuery *found = m_failed ? nullptr : prepared(sql);
+    if (!found)
         return nullptr;
-    auto found = m_statements.find(sql);
-    if (found == m_statements.end()) {
-        QSqlQuery query(m_database);
-        query.setForwardOnly(true);
-        if (!query.prepare(QString::fromUtf8(sql.data(), static_cast<qsizetype>(sql.size())))) {
-            fail(query.lastError());
-            return nullptr;
-        }
-        found = m_statements.emplace(sql, std::move(query)).first;
-    }
-    QSqlQuery &query = found->second;
+    QSqlQuery &query = *found;
     for (std::size_t i = 0; i < values.size(); ++i)
         query.bindValue(static_cast<int>(i), values[i]);
     if (!query.exec()) {
@@ -142,6 +152,7 @@ void Database::endRead(QSqlQuery &query)
 void Database::fail(const QSqlError &error)
 {
     m_failed = true;
+    m_lastFailure = sqlite::failureOf(error);
     m_lastError = error.text().toStdString();
 }
 

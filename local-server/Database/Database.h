@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Support/Instant.h"
 #include "Support/Result.h"
 
 #include <QSqlDatabase>
@@ -27,25 +28,33 @@ public:
     std::int64_t integer(int column) const { return m_query.value(column).toLongLong(); }
     bool boolean(int column) const { return integer(column) != 0; }
     double real(int column) const { return m_query.value(column).toDouble(); }
+    Instant instant(int column) const { return instantFromMilliseconds(integer(column)); }
+    bool isNull(int column) const { return m_query.isNull(column); }
     std::optional<std::string> optionalText(int column) const
     {
         return m_query.isNull(column) ? std::nullopt : std::optional{text(column)};
-    }
-    std::optional<std::int64_t> optionalInteger(int column) const
-    {
-        return m_query.isNull(column) ? std::nullopt : std::optional{integer(column)};
-    }
-    std::optional<double> optionalReal(int column) const
-    {
-        return m_query.isNull(column) ? std::nullopt : std::optional{real(column)};
     }
 
 private:
     const QSqlQuery &m_query;
 };
 
-/// The server's database: one connection, used by the server's one thread. Statements are prepared once and
-/// kept by their text, so the texts are constants of the code, with `?` for values.
+/// Why a statement failed, as far as it matters to who asked for it.
+enum class DatabaseFailure {
+    /// A unique index says that what was to be written is there already.
+    taken,
+    /// Somebody else kept the database to themselves for too long.
+    busy,
+    /// Whatever else: no room, a broken file.
+    broken
+};
+
+/// What a transaction is for. One that reads holds nobody up and must write nothing.
+enum class Lane { reading, writing };
+
+/// One connection to the server's database, used on the thread that opened it; each thread has its own.
+/// Statements are prepared once and kept by their text, so there must be a bounded number of texts: they are
+/// made of constants of the code, with `?` for values. Instants are kept in milliseconds.
 ///
 /// A failure sticks until the transaction ends: from then on nothing is run, reads come back empty and
 /// `commit` refuses. Whoever handles a request thus cannot report a change that was not kept, and need not
@@ -55,29 +64,28 @@ public:
     /// `path` is a file, made with access for its owner alone when it is not there, or ":memory:". Brings the
     /// tables up to date. The error is a sentence for people.
     static Result<std::unique_ptr<Database>, std::string> open(const std::string &path);
+    /// The same for a database whose tables are up to date already.
+    static Result<std::unique_ptr<Database>, std::string> connect(const std::string &path);
     Database(const Database &) = delete;
     Database &operator=(const Database &) = delete;
     ~Database();
 
-    bool begin();
+    bool begin(Lane lane = Lane::writing);
     /// False when anything since `begin` failed, or this did; everything is undone then.
     bool commit();
     void rollback();
     bool hasFailed() const { return m_failed; }
-    /// What the database system said about the last failure, for the log.
+    /// The kind of the last failure, and what the database system said about it, for the log.
+    DatabaseFailure lastFailure() const { return m_lastFailure; }
     const std::string &lastError() const { return m_lastError; }
 
-    /// Runs a statement and answers how many rows it touched.
+    /// Runs a statement that writes and answers how many rows it touched.
     template <class... Values>
     std::int64_t run(std::string_view sql, const Values &...values)
     {
-        QSqlQuery *query = execute(sql, {sqlValue(values)...});
-        if (!query)
-            return 0;
-        const std::int64_t touched = query->numRowsAffected();
-        query->finish();
-        return touched;
+        return runWith(sql, {sqlValue(values)...});
     }
+    std::int64_t runWith(std::string_view sql, const std::vector<QVariant> &values);
 
     /// All rows, each made into a value by `read`.
     template <class Read, class... Values>
@@ -106,24 +114,32 @@ public:
         return row(sql, [](const SqlRow &) { return true; }, values...).value_or(false);
     }
 
-    /// Runs one statement that is not kept prepared: table definitions and settings of the connection.
+    /// Runs one statement that is not kept prepared, such as a table's definition.
     bool runOnce(std::string_view sql);
 
-private:
-    explicit Database(QString connection) : m_connection(std::move(connection)) {}
-
+    // How values are kept.
     static QVariant sqlValue(const std::string &text);
     static QVariant sqlValue(std::string_view text);
     static QVariant sqlValue(const char *text) { return sqlValue(std::string_view(text)); }
     static QVariant sqlValue(std::int64_t number) { return QVariant::fromValue<qlonglong>(number); }
     static QVariant sqlValue(std::same_as<bool> auto value) { return QVariant(value ? 1 : 0); }
     static QVariant sqlValue(double number) { return QVariant(number); }
+    static QVariant sqlValue(Instant instant) { return sqlValue(millisecondsSinceEpoch(instant)); }
     template <class T>
     static QVariant sqlValue(const std::optional<T> &value)
     {
         return value ? sqlValue(*value) : QVariant();
     }
 
+private:
+    explicit Database(QString connection) : m_connection(std::move(connection)) {}
+
+    struct TextHash : std::hash<std::string_view> {
+        using is_transparent = void;
+    };
+
+    QSqlQuery *prepared(std::string_view sql);
+    bool control(std::string_view sql);
     QSqlQuery *execute(std::string_view sql, const std::vector<QVariant> &values);
     template <class Take>
     void eachRow(std::string_view sql, const std::vector<QVariant> &values, Take take)
@@ -141,8 +157,10 @@ private:
 
     QString m_connection;
     QSqlDatabase m_database;
-    std::unordered_map<std::string_view, QSqlQuery> m_statements;
+    std::unordered_map<std::string, QSqlQuery, TextHash, std::equal_to<>> m_statements;
+    DatabaseFailure m_lastFailure = DatabaseFailure::broken;
     std::string m_lastError;
+    Lane m_lane = Lane::writing;
     bool m_failed = false;
 };
 

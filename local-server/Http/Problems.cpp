@@ -74,6 +74,11 @@ HttpResponse conflict(std::string detail)
     return problem(409, "This clashes with what is there.", std::move(detail));
 }
 
+HttpResponse nameTaken(std::string_view what)
+{
+    return conflict("There is already a " + std::string(what) + " of that name.");
+}
+
 HttpResponse tooMany(std::chrono::seconds wait)
 {
     const std::string seconds = std::to_string(wait.count());
@@ -85,7 +90,7 @@ HttpResponse tooMany(std::chrono::seconds wait)
 HttpResponse entryChanged(const TimeEntryResponse &current)
 {
     TimeEntryChangedProblem details;
-    details.type = std::string(entryChangedProblem);
+    details.type = std::string(entryChangedProblemType);
     details.title = "This entry was changed meanwhile.";
     details.status = 412;
     details.current = current;

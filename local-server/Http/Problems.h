@@ -3,6 +3,7 @@
 
 #include "OrvaneAPI/Checks.h"
 #include "OrvaneAPI/HttpMessage.h"
+#include "OrvaneAPI/ProblemTypes.h"
 #include "OrvaneAPI/Schemas.h"
 
 #include <chrono>
@@ -11,9 +12,6 @@
 /// The answers that handlers give. Every failure is a problem-details body whose title and detail together
 /// are what a person reads.
 namespace orvane::server {
-
-inline constexpr std::string_view entryChangedProblem = "urn:orvane:problem:entry-changed";
-inline constexpr std::string_view timeLockedProblem = "urn:orvane:problem:time-locked";
 
 HttpResponse jsonBody(int status, std::string json);
 template <class T>
@@ -32,6 +30,8 @@ HttpResponse forbidden(std::string detail);
 /// `what` as in "There is no such project.".
 HttpResponse noSuch(std::string_view what);
 HttpResponse conflict(std::string detail);
+/// `what` as in "There is already a project of that name.".
+HttpResponse nameTaken(std::string_view what);
 HttpResponse tooMany(std::chrono::seconds wait);
 HttpResponse entryChanged(const TimeEntryResponse &current);
 

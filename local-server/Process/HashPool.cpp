@@ -3,6 +3,7 @@
 
 #include <QThread>
 #include <algorithm>
+#include <sys/resource.h>
 
 namespace orvane::server {
 
@@ -13,11 +14,21 @@ constexpr int mostThreads = 4;
 /// Some ten seconds of work: nobody waits for longer than that.
 constexpr int mostWaiting = 128;
 
+/// Has the system prefer the threads that answer, while it is short of processors. Only Linux does so for a
+/// thread alone.
+void giveWay()
+{
+#ifdef __linux__
+    constexpr int politeness = 10;
+    ::setpriority(PRIO_PROCESS, 0, politeness);
+#endif
+}
+
 } // namespace
 
 HashPool::HashPool()
 {
-    // One processor is left to the server's own thread.
+    // One processor is left to those who answer.
     m_threads.setMaxThreadCount(std::clamp(QThread::idealThreadCount() - 1, 1, mostThreads));
 }
 
@@ -29,16 +40,15 @@ HashPool::~HashPool()
 
 bool HashPool::run(std::function<void()> work, std::function<void()> done)
 {
-    if (m_waiting >= mostWaiting)
+    if (m_waiting.fetch_add(1) >= mostWaiting) {
+        --m_waiting;
         return false;
-    ++m_waiting;
+    }
     m_threads.start([this, work = std::move(work), done = std::move(done)] {
+        giveWay();
         work();
-        const auto back = [this, done] {
-            --m_waiting;
-            done();
-        };
-        QMetaObject::invokeMethod(this, back, Qt::QueuedConnection);
+        --m_waiting;
+        done();
     });
     return true;
 }

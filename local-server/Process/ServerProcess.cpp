@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Process/ServerProcess.h"
 
+#include "LinkWire/LinkSocket.h"
 #include "OrvaneAPI/LinkProof.h"
 #include "Process/PortFile.h"
 #include "Process/ProcessSetup.h"
@@ -33,6 +34,13 @@ std::optional<HttpMethod> methodNamed(std::string_view name)
     return std::nullopt;
 }
 
+LinkAnswer refusal(std::string text)
+{
+    LinkAnswer answer;
+    answer.error = std::move(text);
+    return answer;
+}
+
 std::string userName()
 {
     const struct passwd *entry = ::getpwuid(::geteuid());
@@ -51,12 +59,14 @@ ServerProcess::ServerProcess(ServerOptions options)
               serve(request, peer, std::move(reply));
           },
           m_options.trustedProxy)
-    , m_socket([this](const SocketRequest &request, const ServerSocket::Reply &reply) {
+    , m_socket([this](const LinkRequest &request, const ServerSocket::Reply &reply) {
         restartIdleTimer();
         if (request.command == "request")
             passOn(request, reply);
+        else if (request.command == "code")
+            sendCode(request, reply);
         else
-            reply(answer(request));
+            reply(request.command == "hello" ? hello() : refusal("the command is not known"));
     })
 {
     m_idle.setSingleShot(true);
@@ -69,7 +79,9 @@ ServerProcess::~ServerProcess()
     // at the port or in the database.
     m_socket.close();
     m_front.close();
-    m_hashes.reset();
+    m_executor.reset();
+    m_waiting.clear();
+    m_waitingForCode.clear();
     m_core.reset();
     m_lock.unlock();
 }
@@ -90,7 +102,7 @@ Result<ServerProcess::Outcome, std::string> ServerProcess::start()
         return failure(std::move(fault));
     if (auto fault = openCore(); !fault.empty())
         return failure(std::move(fault));
-    if (auto fault = m_socket.listen(file("run")); !fault.empty())
+    if (auto fault = m_socket.listen(file(linkFolderName)); !fault.empty())
         return failure("the folder of the server's socket cannot be used: " + fault);
     qCInfo(processLog, "serving at %s", m_point.url().c_str());
     if (m_options.trustedProxy)
@@ -108,7 +120,7 @@ bool ServerProcess::takeFolder()
 {
     const QDeadlineTimer deadline(lockPatience);
     while (!m_lock.tryLock()) {
-        if (!m_lock.error().empty() || serverAnswersIn(file("run")) || deadline.hasExpired())
+        if (!m_lock.error().empty() || serverAnswersIn(file(linkFolderName)) || deadline.hasExpired())
             return false;
         QThread::msleep(static_cast<unsigned long>(lockInterval.count()));
     }
@@ -137,7 +149,8 @@ std::string ServerProcess::listen()
 
 std::string ServerProcess::openCore()
 {
-    auto core = ServerCore::open({.databasePath = file("orvane-server.sqlite"),
+    const std::string path = file("orvane-server.sqlite");
+    auto core = ServerCore::open({.databasePath = path,
                                   .listenPoint = m_point,
                                   .trustedProxy = m_options.trustedProxy,
                                   .clock = {},
@@ -146,58 +159,74 @@ std::string ServerProcess::openCore()
     if (!core)
         return std::move(core.error());
     m_core = std::move(*core);
+    m_executor = std::make_unique<ServerExecutor>(RequestWorkers::Options{.databasePath = path});
     return {};
 }
 
 void ServerProcess::serve(const HttpRequest &request, const std::string &peer, HttpFront::Reply reply)
 {
-    const auto aside = [pool = m_hashes.get()](std::function<void()> work, std::function<void()> done) {
-        return pool->run(std::move(work), std::move(done));
-    };
-    m_core->serve(request, peer, aside, [reply = std::move(reply)](Served served) {
-        reply(std::move(served.response), served.isSignedIn);
+    const std::uint64_t number = ++m_lastNumber;
+    m_waiting.emplace(number, std::move(reply));
+    m_core->serve(request, peer, *m_executor, [this, number](Served served) {
+        auto back = [this, number, served = std::move(served)]() mutable {
+            answer(number, std::move(served));
+        };
+        QMetaObject::invokeMethod(this, std::move(back), Qt::QueuedConnection);
     });
 }
 
-SocketAnswer ServerProcess::answer(const SocketRequest &request)
+void ServerProcess::answer(std::uint64_t number, Served served)
 {
-    SocketAnswer answer;
-    if (request.command == "hello") {
-        answer.address = m_point.url();
-        answer.version = ORVANE_VERSION;
-        answer.pid = ::getpid();
-        answer.key = m_linkKey;
-    } else if (request.command == "code") {
-        auto code =
-            m_core->localSignInCode(request.codeChallenge.value_or(""), request.timeZone.value_or(""));
-        if (code) {
-            answer.address = m_point.url();
-            answer.code = std::move(*code);
-        } else {
-            answer.error = std::move(code.error());
-        }
-    } else {
-        answer.error = "the command is not known";
-    }
+    const auto reply = m_waiting.extract(number);
+    reply.mapped()(std::move(served.response), served.isSignedIn);
+}
+
+LinkAnswer ServerProcess::hello() const
+{
+    LinkAnswer answer;
+    answer.address = m_point.url();
+    answer.version = ORVANE_VERSION;
+    answer.pid = ::getpid();
+    answer.key = m_linkKey;
     return answer;
 }
 
+void ServerProcess::sendCode(const LinkRequest &request, const ServerSocket::Reply &reply)
+{
+    const std::uint64_t number = ++m_lastNumber;
+    m_waitingForCode.emplace(number, reply);
+    m_core->localSignInCode(request.codeChallenge.value_or(""), request.timeZone.value_or(""), *m_executor,
+                            [this, number](const ServerCore::Code &code) {
+                                QMetaObject::invokeMethod(
+                                    this, [this, number, code] { answerCode(number, code); },
+                                    Qt::QueuedConnection);
+                            });
+}
+
+void ServerProcess::answerCode(std::uint64_t number, const ServerCore::Code &code)
+{
+    const auto reply = m_waitingForCode.extract(number);
+    if (!code)
+        return reply.mapped()(refusal(code.error()));
+    LinkAnswer answer;
+    answer.address = m_point.url();
+    answer.code = *code;
+    reply.mapped()(answer);
+}
+
 /// A request that came this way is as good as a proved one: whoever sends it could have asked for the key.
-void ServerProcess::passOn(const SocketRequest &request, const ServerSocket::Reply &reply)
+void ServerProcess::passOn(const LinkRequest &request, const ServerSocket::Reply &reply)
 {
     const auto method = methodNamed(request.method.value_or(""));
-    if (!method || !request.path) {
-        SocketAnswer refusal;
-        refusal.error = "the request is not understood";
-        return reply(refusal);
-    }
+    if (!method || !request.path)
+        return reply(refusal("the request is not understood"));
     HttpRequest passed{*method, *request.path, {}, request.body.value_or("")};
     for (const auto &[name, value] : request.headers.value_or(std::map<std::string, std::string>{}))
         passed.headers.set(name, value);
     passed.headers.set("Host", m_point.url().substr(std::string_view("http://").size()));
     passed.headers.set(linkProofHeader, requestProof(m_linkKey, newProofNonce(), passed));
     serve(passed, socketPeer, [reply](HttpResponse response, bool) {
-        SocketAnswer answer;
+        LinkAnswer answer;
         answer.status = response.status;
         answer.headers.emplace();
         for (const auto &[name, value] : response.headers.all())

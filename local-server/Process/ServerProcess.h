@@ -2,7 +2,7 @@
 #pragma once
 
 #include "Http/HttpFront.h"
-#include "Process/HashPool.h"
+#include "Process/ServerExecutor.h"
 #include "Process/ServerOptions.h"
 #include "Process/ServerSocket.h"
 #include "ServerCore.h"
@@ -11,10 +11,12 @@
 #include <QTimer>
 #include <memory>
 #include <optional>
+#include <unordered_map>
 
 namespace orvane::server {
 
-/// One server over one data folder, in a process of its own with an event loop. In the folder: the database
+/// One server over one data folder, in a process of its own with an event loop, on whose thread connections
+/// are kept; requests are worked on by an executor's threads. In the folder: the database
 /// `orvane-server.sqlite`, the `port` that it keeps, `server.lock` held while it runs, `server.log`, and
 /// `run/server.sock`.
 class ServerProcess : public QObject {
@@ -39,8 +41,11 @@ private:
     std::string listen();
     std::string openCore();
     void serve(const HttpRequest &request, const std::string &peer, HttpFront::Reply reply);
-    SocketAnswer answer(const SocketRequest &request);
-    void passOn(const SocketRequest &request, const ServerSocket::Reply &reply);
+    void answer(std::uint64_t number, Served served);
+    LinkAnswer hello() const;
+    void sendCode(const LinkRequest &request, const ServerSocket::Reply &reply);
+    void answerCode(std::uint64_t number, const ServerCore::Code &code);
+    void passOn(const LinkRequest &request, const ServerSocket::Reply &reply);
     void restartIdleTimer();
     std::string file(const char *name) const;
 
@@ -50,7 +55,11 @@ private:
     const std::string m_linkKey;
     FileLock m_lock;
     std::unique_ptr<ServerCore> m_core;
-    std::unique_ptr<HashPool> m_hashes = std::make_unique<HashPool>();
+    std::unique_ptr<ServerExecutor> m_executor;
+    /// Who waits for an answer, by number: what belongs to a connection stays on the thread of connections.
+    std::unordered_map<std::uint64_t, HttpFront::Reply> m_waiting;
+    std::unordered_map<std::uint64_t, ServerSocket::Reply> m_waitingForCode;
+    std::uint64_t m_lastNumber = 0;
     HttpFront m_front;
     ServerSocket m_socket;
     QTimer m_idle;

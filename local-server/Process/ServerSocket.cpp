@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Process/ServerSocket.h"
 
+#include "LinkWire/LinkSocket.h"
 #include "Support/FileDescriptor.h"
 
 #include <QPointer>
@@ -17,11 +18,8 @@ namespace orvane::server {
 
 namespace {
 
-/// Room for a request with a password, its texts at their longest.
-constexpr qint64 longestLine = 65536;
 constexpr std::chrono::milliseconds longestQuiet{10'000};
 constexpr qsizetype mostConnections = 32;
-constexpr char socketName[] = "server.sock";
 
 std::string systemError()
 {
@@ -57,8 +55,8 @@ sockaddr_un socketAddress()
 {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
-    static_assert(sizeof socketName <= sizeof address.sun_path);
-    std::memcpy(address.sun_path, socketName, sizeof socketName);
+    static_assert(sizeof linkSocketName <= sizeof address.sun_path);
+    std::memcpy(address.sun_path, linkSocketName, sizeof linkSocketName);
     return address;
 }
 
@@ -82,23 +80,9 @@ std::string makeSocketFolder(const std::string &folder)
     return (info.st_mode & 0777U) == 0700U || ::chmod(folder.c_str(), 0700) == 0 ? "" : systemError();
 }
 
-bool isSameUser(qintptr descriptor)
+LinkAnswer refusal(std::string text)
 {
-#ifdef __linux__
-    struct ucred peer{};
-    socklen_t size = sizeof peer;
-    return ::getsockopt(static_cast<int>(descriptor), SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 &&
-           peer.uid == ::geteuid();
-#else
-    uid_t user = 0;
-    gid_t group = 0;
-    return ::getpeereid(static_cast<int>(descriptor), &user, &group) == 0 && user == ::geteuid();
-#endif
-}
-
-SocketAnswer refusal(std::string text)
-{
-    SocketAnswer answer;
+    LinkAnswer answer;
     answer.error = std::move(text);
     return answer;
 }
@@ -123,17 +107,17 @@ std::string ServerSocket::listen(const std::string &folder)
     const int descriptor = newSocket();
     const sockaddr_un address = socketAddress();
     // Whoever held the old one is gone: the data folder's lock is ours.
-    ::unlink(socketName);
+    ::unlink(linkSocketName);
     if (!visit.isThere() || descriptor < 0 ||
         ::bind(descriptor, reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0 ||
-        ::chmod(socketName, 0600) != 0 || ::listen(descriptor, SOMAXCONN) != 0 ||
+        ::chmod(linkSocketName, 0600) != 0 || ::listen(descriptor, SOMAXCONN) != 0 ||
         !m_server.listen(descriptor)) {
         auto fault = systemError();
         if (descriptor >= 0)
             ::close(descriptor);
         return fault;
     }
-    m_path = folder + "/" + socketName;
+    m_path = folder + "/" + linkSocketName;
     return {};
 }
 
@@ -150,7 +134,7 @@ void ServerSocket::accept()
 {
     while (QLocalSocket *socket = m_server.nextPendingConnection()) {
         connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
-        if (!isSameUser(socket->socketDescriptor()) ||
+        if (!isOwnUsersSocket(socket->socketDescriptor()) ||
             m_server.findChildren<QLocalSocket *>().size() > mostConnections) {
             socket->abort();
             socket->deleteLater();
@@ -171,20 +155,20 @@ void ServerSocket::accept()
 void ServerSocket::read(QLocalSocket *socket)
 {
     while (socket->canReadLine())
-        answer(socket, socket->readLine(longestLine));
-    if (socket->bytesAvailable() >= longestLine)
+        answer(socket, socket->readLine(longestLinkLine));
+    if (socket->bytesAvailable() >= longestLinkLine)
         socket->abort();
 }
 
 void ServerSocket::answer(QLocalSocket *socket, const QByteArray &line)
 {
-    const Reply reply = [socket = QPointer(socket)](const SocketAnswer &answer) {
+    const Reply reply = [socket = QPointer(socket)](const LinkAnswer &answer) {
         if (!socket)
             return;
         socket->write(QByteArray::fromStdString(encodeJson(answer) + "\n"));
         socket->flush();
     };
-    const auto request = decodeJson<SocketRequest>(line.toStdString());
+    const auto request = decodeJson<LinkRequest>(line.toStdString());
     if (request)
         m_answer(*request, reply);
     else

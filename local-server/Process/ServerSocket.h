@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Process/SocketMessages.h"
+#include "LinkWire/LinkMessages.h"
 
 #include <QLocalServer>
 #include <QLocalSocket>
@@ -17,10 +17,10 @@ class ServerSocket : public QObject {
     Q_OBJECT
 
 public:
-    using Reply = std::function<void(const SocketAnswer &)>;
+    using Reply = std::function<void(const LinkAnswer &)>;
     /// Calls `reply` once, at once or later, on the same thread; the connection may be gone by then. A
     /// caller that asks twice without waiting may hear the answers in the other order.
-    using Answer = std::function<void(const SocketRequest &, Reply reply)>;
+    using Answer = std::function<void(const LinkRequest &, Reply reply)>;
 
     /// Used on the thread that made it.
     explicit ServerSocket(Answer answer);

@@ -19,7 +19,25 @@ std::chrono::seconds waitAfter(int failuresTooMany)
 
 } // namespace
 
-std::optional<std::chrono::seconds> GuessGuard::wait(const std::string &key, Instant now) const
+std::optional<std::chrono::seconds> GuessGuard::wait(const std::string &key, Instant now)
+{
+    const std::lock_guard lock(m_lock);
+    return waitHere(key, now);
+}
+
+std::optional<std::chrono::seconds> GuessGuard::settle(const std::string &key, bool succeeded, Instant now)
+{
+    const std::lock_guard lock(m_lock);
+    if (const auto wait = waitHere(key, now))
+        return wait;
+    if (succeeded)
+        m_tries.erase(key);
+    else
+        count(key, now);
+    return std::nullopt;
+}
+
+std::optional<std::chrono::seconds> GuessGuard::waitHere(const std::string &key, Instant now) const
 {
     const auto found = m_tries.find(key);
     if (found == m_tries.end() || now >= found->second.notBefore)
@@ -27,7 +45,7 @@ std::optional<std::chrono::seconds> GuessGuard::wait(const std::string &key, Ins
     return std::chrono::ceil<std::chrono::seconds>(found->second.notBefore - now);
 }
 
-void GuessGuard::failed(const std::string &key, Instant now)
+void GuessGuard::count(const std::string &key, Instant now)
 {
     if (m_tries.size() >= mostKeys)
         makeRoom(now);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Security/PasswordGuesses.h"
 
-#include "Records/NameText.h"
+#include "Names/NameText.h"
 
 #include <QHostAddress>
 #include <algorithm>
@@ -23,21 +23,29 @@ bool isLoopback(const std::string &peer)
 } // namespace
 
 std::optional<std::chrono::seconds> PasswordGuesses::wait(const std::string &email, const std::string &peer,
-                                                          Instant now) const
+                                                          Instant now)
 {
-    return std::max(m_byAddress.wait(addressKey(email, peer), now), m_byPeer.wait(peer, now));
+    const std::lock_guard lock(m_lock);
+    return waitHere(addressKey(email, peer), peer, now);
 }
 
-void PasswordGuesses::failed(const std::string &email, const std::string &peer, Instant now)
+std::optional<std::chrono::seconds> PasswordGuesses::settle(const std::string &email, const std::string &peer,
+                                                            bool isRight, Instant now)
 {
-    m_byAddress.failed(addressKey(email, peer), now);
-    if (!isLoopback(peer))
-        m_byPeer.failed(peer, now);
+    const std::string key = addressKey(email, peer);
+    const std::lock_guard lock(m_lock);
+    if (const auto wait = waitHere(key, peer, now))
+        return wait;
+    m_byAddress.settle(key, isRight, now);
+    if (!isRight && !isLoopback(peer))
+        m_byPeer.settle(peer, false, now);
+    return std::nullopt;
 }
 
-void PasswordGuesses::succeeded(const std::string &email, const std::string &peer)
+std::optional<std::chrono::seconds> PasswordGuesses::waitHere(const std::string &key, const std::string &peer,
+                                                              Instant now)
 {
-    m_byAddress.succeeded(addressKey(email, peer));
+    return std::max(m_byAddress.wait(key, now), m_byPeer.wait(peer, now));
 }
 
 } // namespace orvane::server

@@ -16,6 +16,7 @@ constexpr std::size_t mostCodes = 256;
 
 std::string SignInCodes::issue(std::string userId, bool isNewAccount, std::string challenge, Instant now)
 {
+    const std::lock_guard lock(m_lock);
     std::erase_if(m_issued, [&](const auto &item) { return item.second.expiresAt <= now; });
     if (m_issued.size() >= mostCodes)
         m_issued.erase(
@@ -28,7 +29,10 @@ std::string SignInCodes::issue(std::string userId, bool isNewAccount, std::strin
 std::optional<SignInCodes::Grant> SignInCodes::redeem(const std::string &code, const std::string &verifier,
                                                       Instant now)
 {
-    auto found = m_issued.extract(digestText(code));
+    auto found = [&] {
+        const std::lock_guard lock(m_lock);
+        return m_issued.extract(digestText(code));
+    }();
     if (!found || found.mapped().expiresAt <= now ||
         !sameSecret(digestText(verifier), found.mapped().challenge))
         return std::nullopt;

@@ -4,6 +4,7 @@
 #include "Support/Instant.h"
 
 #include <map>
+#include <mutex>
 #include <optional>
 #include <string>
 
@@ -11,7 +12,7 @@ namespace orvane::server {
 
 /// The one-time codes with which a process of the same user signs in to the account on this computer. A code
 /// is good once, for a minute, and only together with the verifier whose digest came with its request. Kept
-/// in memory alone.
+/// in memory alone. Any thread.
 class SignInCodes {
 public:
     struct Grant {
@@ -31,6 +32,7 @@ private:
         std::string challenge;
         Instant expiresAt;
     };
+    std::mutex m_lock;
     std::map<std::string, Issued> m_issued;
 };
 

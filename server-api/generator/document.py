@@ -99,6 +99,7 @@ class Operation:
     parameters: list
     body: Type | None
     answers: list
+    wants_sign_in: bool
 
 
 @dataclass
@@ -150,6 +151,8 @@ class Reader:
         self.paths = need("document", tree, "paths")
         components = need("document", tree, "components")
         only_keys("components", components, {"schemas", "responses", "securitySchemes"})
+        self.schemes = set(components.get("securitySchemes", {}))
+        self.wants_sign_in = self.security("document", tree.get("security", []))
         self.schemas = need("components", components, "schemas")
         self.responses = components.get("responses", {})
 
@@ -287,7 +290,20 @@ class Reader:
             parameters,
             self.request_body(name, tree),
             sorted(answers, key=lambda answer: answer.status),
+            self.security(name, tree["security"]) if "security" in tree else self.wants_sign_in,
         )
+
+    def security(self, where, tree):
+        """Whether a call has to carry a sign-in: no scheme at all, or exactly one."""
+        if tree == []:
+            return False
+        one = tree[0] if isinstance(tree, list) and len(tree) == 1 else None
+        if not isinstance(one, dict) or list(one.values()) != [[]]:
+            refuse(where, "has a security other than none or one scheme")
+        (scheme,) = one
+        if scheme not in self.schemes:
+            refuse(where, f"refers to the unknown security scheme {scheme}")
+        return True
 
     def parameter(self, operation, tree):
         name = need(operation, tree, "name")

@@ -43,6 +43,10 @@ def method_text(operation):
     return f"HttpMethod::{operation.method.capitalize()}"
 
 
+def truth(value):
+    return "true" if value else "false"
+
+
 def case_type(answer):
     name = CASES[answer.status]
     if answer.body is None:
@@ -66,7 +70,8 @@ def operation_struct(operation, schemas):
         f"{cpp.comment(operation.summary)}struct {operation.name} {{\n"
         f"    static constexpr std::string_view name = {cpp.quoted(operation.name)};\n"
         f"    static constexpr HttpMethod method = {method_text(operation)};\n"
-        f"    static constexpr std::string_view pathTemplate = {cpp.quoted(operation.path)};\n\n"
+        f"    static constexpr std::string_view pathTemplate = {cpp.quoted(operation.path)};\n"
+        f"    static constexpr bool wantsSignIn = {truth(operation.wants_sign_in)};\n\n"
         f"    struct Input {{\n{input_members(operation, schemas)}"
         f"        bool operator==(const Input &) const = default;\n    }};\n"
         f"    using Output = std::variant<{cases}>;\n\n"
@@ -164,7 +169,8 @@ def read_function(operation, rules):
 
 def table_source(operations):
     rows = "".join(
-        f"    OperationInfo{{{cpp.quoted(o.name)}, {method_text(o)}, {cpp.quoted(o.path)}, {o.order}}},\n"
+        f"    OperationInfo{{{cpp.quoted(o.name)}, {method_text(o)}, {cpp.quoted(o.path)}, {o.order}, "
+        f"{truth(o.wants_sign_in)}}},\n"
         for o in operations
     )
     body = (

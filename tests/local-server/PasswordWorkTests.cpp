@@ -2,6 +2,7 @@
 // What happens while a password's hash is being made.
 #include "ServerFixture.h"
 
+#include <QTemporaryDir>
 #include <algorithm>
 #include <deque>
 
@@ -15,6 +16,28 @@ protected:
         std::function<void()> work;
         std::function<void()> done;
     };
+    /// Works in place, but for the jobs, which the test does when it likes.
+    class Jobs : public InPlaceExecutor {
+    public:
+        Jobs(PasswordWork &test, Database &database) : InPlaceExecutor(database), m_test(test) {}
+        bool compute(std::function<void()> work, std::function<void()> done) override
+        {
+            if (m_test.jobs.size() >= m_test.room)
+                return false;
+            m_test.jobs.push_back({std::move(work), std::move(done)});
+            return true;
+        }
+
+    private:
+        PasswordWork &m_test;
+    };
+
+    PasswordWork()
+    {
+        openServer({}, {}, folder.filePath(QStringLiteral("server.sqlite")).toStdString());
+        database = Database::connect(databasePath).value();
+        executor = std::make_unique<Jobs>(*this, *database);
+    }
 
     /// Begins a request; where its answer will be.
     std::shared_ptr<HttpResponse> begin(HttpRequest request, const std::string &token = {})
@@ -23,13 +46,7 @@ protected:
         if (!token.empty())
             request.headers.set("Authorization", "Bearer " + token);
         auto answer = std::make_shared<HttpResponse>();
-        const auto aside = [this](std::function<void()> work, std::function<void()> done) {
-            if (jobs.size() >= room)
-                return false;
-            jobs.push_back({std::move(work), std::move(done)});
-            return true;
-        };
-        server->serve(request, peer, aside, [answer](Served served) {
+        server->serve(request, peer, *executor, [answer](Served served) {
             EXPECT_EQ(answer->status, 0) << "answered twice";
             *answer = std::move(served.response);
         });
@@ -53,6 +70,9 @@ protected:
     }
 
     const std::string password = "correct horse battery";
+    QTemporaryDir folder;
+    std::unique_ptr<Database> database;
+    std::unique_ptr<Jobs> executor;
     std::deque<Job> jobs;
     std::size_t room = 64;
 };

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 
@@ -28,6 +29,10 @@ protected:
         options.clock = [this] { return now; };
         options.userName = "ada";
         options.linkKey = linkKey;
+        options.onChange = [this](const std::vector<Change> &told) {
+            const std::lock_guard lock(changesLock);
+            changes.insert(changes.end(), told.begin(), told.end());
+        };
         auto opened = ServerCore::open(std::move(options));
         ASSERT_TRUE(opened) << opened.error();
         server = std::move(*opened);
@@ -115,6 +120,9 @@ protected:
     Instant now = instantFromMilliseconds(1'772'355'600'000); // 2026-03-01T09:00:00Z
     std::string peer = "127.0.0.1";
     std::string accessToken;
+    /// What was told of since the test last looked.
+    std::vector<Change> changes;
+    std::mutex changesLock;
     std::string workspaceId;
     std::unique_ptr<ServerCore> server;
 };

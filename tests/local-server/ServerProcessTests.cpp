@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The server as a process of its own, over real sockets.
+#include "LinkWire/LinkMessages.h"
 #include "OrvaneAPI/LinkProof.h"
 #include "OrvaneAPI/Operations.h"
-#include "Process/SocketMessages.h"
 #include "Security/RandomText.h"
 #include "Support/FileDescriptor.h"
 #include "support/LoopbackServer.h"
@@ -129,9 +129,9 @@ protected:
         return socket.readLine().toStdString();
     }
     std::string ask(const std::string &line) { return heardFrom(*beginAsking(line)); }
-    SocketAnswer answer(const std::string &line)
+    LinkAnswer answer(const std::string &line)
     {
-        return decodeJson<SocketAnswer>(ask(line)).value_or(SocketAnswer{});
+        return decodeJson<LinkAnswer>(ask(line)).value_or(LinkAnswer{});
     }
 
     std::string rawRequest(const HttpRequest &request) const
@@ -180,8 +180,8 @@ protected:
     void signIn(const std::string &zone, const std::string &kept)
     {
         const std::string verifier = randomText(32);
-        const SocketAnswer code = answer(R"({"command":"code","timeZone":")" + zone +
-                                         R"(","codeChallenge":")" + digestText(verifier) + "\"}\n");
+        const LinkAnswer code = answer(R"({"command":"code","timeZone":")" + zone + R"(","codeChallenge":")" +
+                                       digestText(verifier) + "\"}\n");
         ASSERT_TRUE(code.code) << code.error.value_or("no answer");
         ExternalExchangeRequest body;
         body.code = *code.code;
@@ -228,7 +228,7 @@ TEST_F(ServerRun, ItKeepsItsPortItsDataAndItsPrivacy)
 {
     auto first = serve();
     const std::uint16_t port = m_port;
-    const SocketAnswer hello = answer("{\"command\":\"hello\"}\n");
+    const LinkAnswer hello = answer("{\"command\":\"hello\"}\n");
     EXPECT_EQ(hello.address, "http://127.0.0.1:" + std::to_string(port));
     EXPECT_EQ(hello.pid, first->processId());
     EXPECT_EQ(hello.version, ORVANE_VERSION);
@@ -280,10 +280,10 @@ TEST_F(ServerRun, ItTakesRequestsAtItsSocket)
     RegisterRequest body;
     body.email = "grace@example.org";
     body.password = "correct horse battery";
-    SocketRequest request{.command = "request", .method = "POST", .path = "/api/auth/register"};
+    LinkRequest request{.command = "request", .method = "POST", .path = "/api/auth/register"};
     request.headers.emplace()["Content-Type"] = "application/json";
     request.body = encodeJson(body);
-    const SocketAnswer registered = answer(encodeJson(request) + "\n");
+    const LinkAnswer registered = answer(encodeJson(request) + "\n");
     EXPECT_EQ(registered.status, 201) << registered.body.value_or("");
     // A sign-in that came this way is good for who has the key alone.
     const auto tokens = decodeJson<AuthTokensResponse>(registered.body.value_or(""));
@@ -553,17 +553,17 @@ TEST_F(ServerRun, APasswordThatCameThroughTheSocketKeepsNobodyWaiting)
         RegisterRequest body;
         body.email = "user" + std::to_string(i) + "@example.org";
         body.password = "correct horse battery";
-        const SocketRequest request{.command = "request",
-                                    .method = "POST",
-                                    .path = "/api/auth/register",
-                                    .headers = {{{"Content-Type", "application/json"}}},
-                                    .body = encodeJson(body)};
+        const LinkRequest request{.command = "request",
+                                  .method = "POST",
+                                  .path = "/api/auth/register",
+                                  .headers = {{{"Content-Type", "application/json"}}},
+                                  .body = encodeJson(body)};
         registering.push_back(beginAsking(encodeJson(request) + "\n"));
     }
     EXPECT_TRUE(answer("{\"command\":\"hello\"}\n").address);
     EXPECT_FALSE(registering.back()->waitForReadyRead(0)) << "the hashes are under way still";
     for (const auto &socket : registering)
-        EXPECT_EQ(decodeJson<SocketAnswer>(heardFrom(*socket)).value_or(SocketAnswer{}).status, 201);
+        EXPECT_EQ(decodeJson<LinkAnswer>(heardFrom(*socket)).value_or(LinkAnswer{}).status, 201);
     EXPECT_EQ(endWith(*server, SIGTERM), 0);
 }
 

@@ -100,7 +100,7 @@ TEST(PasswordGuesses, MadeUpAddressesSlowNobodyOnThisComputer)
     PasswordGuesses guesses;
     for (int i = 0; i < 1000; ++i) {
         for (const char *peer : {"127.0.0.1", "192.0.2.7"})
-            guesses.failed("nobody" + std::to_string(i) + "@example.org", peer, now);
+            guesses.settle("nobody" + std::to_string(i) + "@example.org", peer, false, now);
     }
     EXPECT_FALSE(guesses.wait("grace@example.org", "127.0.0.1", now));
     EXPECT_TRUE(guesses.wait("grace@example.org", "192.0.2.7", now)) << "one password for many addresses";

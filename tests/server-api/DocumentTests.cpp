@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Every schema and every operation of the document, by samples that were derived from it separately.
 #include "LocalServer/LocalAccount.h"
+#include "OrvaneAPI/Operations.h"
 #include "OrvaneAPI/Routes.h"
 #include "server-api/Samples.h"
 
@@ -38,9 +39,14 @@ TEST(Document, theTableListsEveryOperationInOrder)
 {
     ASSERT_EQ(allOperations().size(), operationSamples().size());
     int order = 0;
+    EXPECT_FALSE(operations::Login::wantsSignIn);
     for (const OperationInfo &operation : allOperations()) {
         EXPECT_EQ(operation.order, ++order);
         EXPECT_EQ(operation.name, operationSamples()[static_cast<std::size_t>(order - 1)].name);
+        // The signed-in user's own data and workspaces are never open to everybody.
+        if (operation.pathTemplate.starts_with("/api/me") ||
+            operation.pathTemplate.starts_with("/api/workspaces"))
+            EXPECT_TRUE(operation.wantsSignIn) << operation.name;
     }
 }
 

@@ -4,6 +4,7 @@
 
 from pathlib import Path
 import os
+import re
 import subprocess
 import sys
 import tempfile
@@ -87,6 +88,16 @@ class Generator(unittest.TestCase):
         self.assertIn('std::pair{Kind::union_, std::string_view("union")}', self.made("Schemas.h"))
         self.assertIn("std::optional<std::string> ifMatch{};", self.made("Operations.h"))
 
+    def test_says_which_operations_want_a_sign_in(self):
+        schemes = "components:\n  securitySchemes: {token: {type: http, scheme: bearer}}\n"
+        secured = "security: [{token: []}]\n" + DOCUMENT.replace("components:\n", schemes)
+        opened = secured.replace("summary: List the things\n", "summary: List the things\n      security: []\n")
+        for document, wanted in ((DOCUMENT, ["false", "false"]), (secured, ["true", "true"]), (opened, ["true", "false"])):
+            result = generate(document, self.folder)
+            self.assertEqual(result.returncode, 0, result.stderr)
+            self.assertEqual(re.findall("bool wantsSignIn = ([a-z]+);", self.made("Operations.h")), wanted)
+            self.assertEqual(re.findall(r"OperationInfo{.*, \d, ([a-z]+)}", self.made("OperationTable.cpp")), wanted)
+
     def test_leaves_unchanged_files_untouched(self):
         generate(DOCUMENT, self.folder)
         before = {p.name: (p.read_bytes(), os.utime(p, (1, 1))) for p in (self.folder / "out").iterdir()}
@@ -107,6 +118,17 @@ class Generator(unittest.TestCase):
         self.refused("enum: [small, union]", "enum: [small, small]", "Kind: lists a value twice")
         self.refused("type: string, enum", "type: integer, enum", "Kind: is an enumeration of something other than")
         self.refused("openapi: 3.0.3", "openapi: 3.1.0", "is of version 3.1.0")
+
+    def test_refuses_security_it_does_not_know(self):
+        summary = "summary: List the things\n"
+        for security, message in (
+            ("[{token: []}]", "ListThings: refers to the unknown security scheme token"),
+            ("[{a: []}, {b: []}]", "ListThings: has a security other than none or one scheme"),
+            ("[{token: [read]}]", "ListThings: has a security other than none or one scheme"),
+            ("{token: []}", "ListThings: has a security other than none or one scheme"),
+            ("[token]", "ListThings: has a security other than none or one scheme"),
+        ):
+            self.refused(summary, f"{summary}      security: {security}\n", message)
 
     def test_refuses_references_that_lead_nowhere(self):
         self.refused("schemas/Kind'", "schemas/Sort'", "Thing.kind: refers to the unknown schema Sort")

@@ -1,5 +1,5 @@
-#!/ usr / bin / env python3
-#SPDX - License - Identifier : GPL - 3.0 - or -later
+#!/usr/bin/env python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Puts one fault after the other into the code and looks whether the simulator finds it: mutants.py BUILD [NAME...]
 
 Each fault is one line. The file that gets it is compiled apart, from a copy, and linked in front of the library in the
@@ -19,7 +19,7 @@ OUTBOX = "OrvaneKit/Outbox/Outbox.cpp"
 STORE = "OrvaneKit/Outbox/OutboxStore.cpp"
 RULES = "OrvaneKit/Outbox/OutboxRules.cpp"
 
-#name : (file, what stands there once, what stands there instead)
+# name: (file, what stands there once, what stands there instead)
 MUTANTS = {
     "a version handed to everybody": (STORE, "return !version || version->empty() || ", "return true || !version || "),
     "a row removed before the answer": (OUTBOX, "    m_sending = sending.row.seq;\n",
@@ -48,7 +48,7 @@ MUTANTS = {
                                        "    if (m_parts.takeTurn)\n        co_return co_await sendAll();\n"),
     "a commit that does not reach the disk": ("OrvaneKit/LocalStore/Connection.cpp", "PRAGMA synchronous = FULL",
                                               "PRAGMA synchronous = OFF"),
-    "a version that the server does not look at": ("local-server/Handlers/EntryHandlers.cpp", "    return !ifMatch || *ifMatch == entry.version ||",
+    "a version that the server does not look at": ("local-server/Entries/EntryHandlers.cpp", "    return !ifMatch || *ifMatch == entry.version ||",
                                                    "    return true || !ifMatch || *ifMatch == entry.version ||"),
 }
 

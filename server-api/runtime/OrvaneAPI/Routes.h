@@ -21,6 +21,8 @@ struct OperationInfo {
     std::string_view pathTemplate;
     /// The operation's number in the document's own order.
     int order;
+    /// Whether a call has to come with the access token of a session.
+    bool wantsSignIn = true;
 };
 
 /// Every operation of the API in its order.

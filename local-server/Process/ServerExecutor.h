@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Process/HashPool.h"
+#include "Process/RequestWorkers.h"
+
+namespace orvane::server {
+
+/// The executor of a whole server: its threads for requests and for hashes. Its end waits for what is being
+/// worked on, and forgets the rest.
+class ServerExecutor : public Executor {
+public:
+    explicit ServerExecutor(const RequestWorkers::Options &options) : m_workers(options) {}
+
+    void transact(Lane lane, Transaction work) override { m_workers.transact(lane, std::move(work)); }
+    bool compute(std::function<void()> work, std::function<void()> done) override
+    {
+        return m_hashes.run(std::move(work), std::move(done));
+    }
+
+private:
+    RequestWorkers m_workers;
+    // Ends first: what it has done it hands to the workers.
+    HashPool m_hashes;
+};
+
+} // namespace orvane::server

@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Http/Problems.h"
+#include "Names/NameText.h"
+#include "Requests/Router.h"
+#include "Security/PasswordHash.h"
+#include "Support/ZoneNames.h"
+
+namespace orvane::server {
+
+namespace {
+
+constexpr std::chrono::minutes accessLifetime{15};
+
+AuthTokensResponse tokensFor(Call &call, const IssuedRefresh &refresh)
+{
+    const Instant expiresAt = call.now + accessLifetime;
+    return {.accessToken = call.services.tokens.issue({refresh.sessionId, refresh.userId, expiresAt}),
+            .accessTokenExpiresAt = expiresAt,
+            .refreshToken = refresh.token,
+            .refreshTokenExpiresAt = refresh.expiresAt};
+}
+
+AuthTokensResponse newSession(Call &call, const std::string &userId,
+                              const std::optional<std::string> &deviceName, Sessions::Kind kind)
+{
+    // What began with a proof is never to be used without one: its tokens are worth nothing to whoever else
+    // sees them.
+    return tokensFor(call, call.sessions.start(userId, deviceName, kind, call.isProved, call.now));
+}
+
+std::optional<HttpResponse> refusedAddress(const std::string &email)
+{
+    if (!isEmailAddress(email))
+        return invalid("email", "Enter an e-mail address.");
+    // Those belong to the account that the owner of this computer has without a password.
+    if (nameKey(email).ends_with("@localhost"))
+        return invalid("email", "Enter an e-mail address of another domain.");
+    return std::nullopt;
+}
+
+HttpResponse addressTaken()
+{
+    return conflict("An account with this e-mail address exists already.");
+}
+
+HttpResponse registered(Call &call, const RegisterRequest &body, const std::optional<std::string> &hash)
+{
+    if (call.accounts.byEmail(body.email))
+        return addressTaken();
+    if (!hash)
+        return problem(503, "The server is short of memory.", "Try again later.");
+    AccountRecord account;
+    account.email = trimmed(body.email);
+    account.passwordHash = hash;
+    account.fullName = trimmed(body.fullName.value_or(""));
+    account.timeZone = body.timeZone.value_or("UTC");
+    const std::string userId = call.accounts.create(account, call.now);
+    return jsonAnswer(201, newSession(call, userId, body.deviceName, Sessions::Kind::Lasting));
+}
+
+Step register_(Call &call, const operations::Register::Input &input)
+{
+    const RegisterRequest &body = input.body;
+    Services &services = call.services;
+    if (!services.registrationOpen)
+        return forbidden("Registration is closed on this server.");
+    if (const auto wait = services.registrations.wait(call.peer, call.now))
+        return tooMany(*wait);
+    if (auto refusal = refusedAddress(body.email))
+        return std::move(*refusal);
+    if (body.timeZone && !isZone(*body.timeZone))
+        return invalid("timeZone", "This time zone is not known.");
+    // Each costs the work of a hash whether it succeeds or not, so each counts.
+    if (const auto wait = services.registrations.settle(call.peer, false, call.now))
+        return tooMany(*wait);
+    if (call.accounts.byEmail(body.email))
+        return addressTaken();
+    return aside([password = body.password] { return hashPassword(password); },
+                 [body](Call &later, const std::optional<std::string> &hash) {
+                     return registered(later, body, hash);
+                 });
+}
+
+/// What a password came to beside the hash that was kept for it.
+struct CheckedPassword {
+    bool fits = false;
+    /// A stronger one to keep instead.
+    std::optional<std::string> newHash;
+};
+
+CheckedPassword checkedPassword(const std::optional<std::string> &hash, const std::string &password)
+{
+    CheckedPassword checked{.fits = passwordFits(hash, password), .newHash = {}};
+    if (checked.fits && wantsRehash(*hash))
+        checked.newHash = hashPassword(password);
+    return checked;
+}
+
+Step login(Call &call, const operations::Login::Input &input);
+
+/// `hash` is what the password was checked against.
+Step loggedIn(Call &call, const operations::Login::Input &input, const std::optional<std::string> &hash,
+              const CheckedPassword &checked)
+{
+    const LoginRequest &body = input.body;
+    const auto account = call.accounts.byEmail(body.email);
+    if ((account ? account->passwordHash : std::nullopt) != hash)
+        return login(call, input);
+    if (const auto wait = call.services.passwordGuesses.settle(body.email, call.peer, checked.fits, call.now))
+        return tooMany(*wait);
+    if (!checked.fits)
+        return unauthorized("The e-mail address or the password is wrong.");
+    if (checked.newHash)
+        call.accounts.setPassword(account->id, *checked.newHash);
+    return jsonAnswer(200, newSession(call, account->id, body.deviceName, Sessions::Kind::Lasting));
+}
+
+Step login(Call &call, const operations::Login::Input &input)
+{
+    if (const auto wait = call.services.passwordGuesses.wait(input.body.email, call.peer, call.now))
+        return tooMany(*wait);
+    const auto account = call.accounts.byEmail(input.body.email);
+    const auto hash = account ? account->passwordHash : std::nullopt;
+    return aside([hash, password = input.body.password] { return checkedPassword(hash, password); },
+                 [hash, input](Call &later, const CheckedPassword &checked) {
+                     return loggedIn(later, input, hash, checked);
+                 });
+}
+
+HttpResponse refreshTokens(Call &call, const operations::RefreshTokens::Input &input)
+{
+    const auto renewal = call.sessions.renew(input.body.refreshToken, call.isProved, call.now);
+    if (const auto *refresh = std::get_if<IssuedRefresh>(&renewal))
+        return jsonAnswer(200, tokensFor(call, *refresh));
+    call.keepsChanges = true; // the session that ended stays ended
+    return unauthorized("Your session has ended. Please sign in again.");
+}
+
+HttpResponse logout(Call &call, const operations::Logout::Input &input)
+{
+    // An unknown token is no news to whoever wants to be rid of it.
+    call.sessions.endByToken(input.body.refreshToken, call.isProved);
+    return noBody(202);
+}
+
+HttpResponse exchangeExternalSignIn(Call &call, const operations::ExchangeExternalSignIn::Input &input)
+{
+    const auto grant = call.services.codes.redeem(input.body.code, input.body.codeVerifier, call.now);
+    if (!grant)
+        return invalid(400, {{"code", {"This code is not valid, or no longer."}}});
+    ExternalSignInResponse response;
+    response.tokens = newSession(call, grant->userId, input.body.deviceName, Sessions::Kind::Local);
+    response.isNewAccount = grant->isNewAccount;
+    return jsonAnswer(200, response);
+}
+
+} // namespace
+
+void addSignInHandlers(Router &router)
+{
+    router.add<operations::Register>(register_);
+    router.add<operations::Login>(login);
+    router.add<operations::RefreshTokens>(refreshTokens);
+    router.add<operations::Logout>(logout);
+    router.add<operations::ExchangeExternalSignIn>(exchangeExternalSignIn);
+}
+
+} // namespace orvane::server
