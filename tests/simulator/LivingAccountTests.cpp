@@ -99,7 +99,7 @@ TEST_F(LivingAccountTest, TellsEveryListenerWhichEntriesAndDaysChanged)
     EXPECT_EQ(second.running()->id, ended);
     heard = {};
     const std::string begun = run(first.start(details("b"), world.now())).entry->id;
-    EXPECT_EQ(heard.entries, (std::set{ended, begun}));
+    EXPECT_EQ(heard.entries, (std::set{ended, begun})) << id;
     link->isUp = true;
 }
 
