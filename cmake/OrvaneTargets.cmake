@@ -30,15 +30,17 @@ target_compile_options(orvane_warnings INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor -Woverloaded-virtual
     -Wimplicit-fallthrough -Wnull-dereference -Wextra-semi -Wunused -Werror)
 
-# Headers that most sources include, which take the compiler longer than what the sources do with them. Precompiled once
-# for the product (by OrvaneAPI) and once for the tests (by OrvaneTestSupport). Sources name what they use all the same:
-# with CMAKE_DISABLE_PRECOMPILE_HEADERS=ON everything builds too, and ccache then finds what another folder compiled.
-set(orvane_product_headers
+# Headers that most sources include, which take the compiler longer than what the sources do with them. Precompiled for
+# OrvaneSupport, for the product above it (by OrvaneAPI) and for the tests (by OrvaneTestSupport). Sources name what they
+# use all the same: with CMAKE_DISABLE_PRECOMPILE_HEADERS=ON everything builds too, and ccache then finds what another
+# folder compiled. <filesystem> is left out: it brings std::quoted along, which is taken for functions of that name.
+set(orvane_support_headers
     <algorithm> <array> <atomic> <charconv> <chrono> <cmath> <coroutine> <cstdint> <cstring> <deque>
     <fstream> <functional> <map> <memory> <mutex> <optional> <random> <set> <span> <sstream> <string> <string_view>
     <thread> <tuple> <unordered_map> <utility> <variant> <vector>
     <QAbstractEventDispatcher> <QCoreApplication> <QCoro/QCoroTask> <QLoggingCategory> <QObject> <QPointer> <QString>
-    <QThread> <QThreadPool> <QTimer> <QUrl> <tl/expected.hpp>
+    <QThread> <QThreadPool> <QTimer> <QUrl> <tl/expected.hpp>)
+set(orvane_product_headers ${orvane_support_headers}
     <OrvaneAPI/HttpMessage.h> <OrvaneAPI/Responses.h> <OrvaneAPI/Schemas.h> <Support/AsyncHop.h> <Support/Instant.h>
     <Support/Json.h>)
 set(orvane_test_headers ${orvane_product_headers} <QProcess> <QTemporaryDir> <gmock/gmock.h> <gtest/gtest.h>)

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "Account/Installation.h"
-#include "Client/CallError.h"
+#include "Http/CallError.h"
 #include "OrvaneAPI/Schemas.h"
 #include "Outbox/Outbox.h"
 #include "Support/Result.h"

@@ -27,7 +27,8 @@ Server::Server(World &world)
     m_core = std::move(*core);
 }
 
-Task<Result<HttpResponse, ConnectionError>> Wire::send(HttpRequest request, std::string)
+Task<Result<HttpResponse, ConnectionError>> Wire::send(HttpRequest request, std::string,
+                                                       std::shared_ptr<CallAbort>)
 {
     Call call;
     if (m_isCut)

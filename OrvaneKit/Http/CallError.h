@@ -3,6 +3,7 @@
 
 #include "OrvaneAPI/Responses.h"
 #include "OrvaneAPI/Schemas.h"
+#include "Support/Result.h"
 
 #include <cstdint>
 #include <map>
@@ -51,6 +52,9 @@ struct ConnectionError {
 };
 
 using CallError = std::variant<APIError, ConnectionError, DecodingError>;
+
+template <class T>
+using CallResult = Result<T, CallError>;
 
 /// The text for people.
 std::string describe(const CallError &error);
