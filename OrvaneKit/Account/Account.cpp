@@ -4,8 +4,8 @@
 #include "Account/AccountStores.h"
 #include "Account/PreferredTime.h"
 #include "Account/ProfileDocument.h"
-#include "Client/Connectivity.h"
 #include "Client/OrvaneClient.h"
+#include "Http/Connectivity.h"
 #include "Outbox/OutboxRules.h"
 #include "Time/AppClock.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Client/HttpTransport.h"
+#include "Http/HttpTransport.h"
 
 #include <QObject>
 #include <QString>
@@ -29,7 +29,8 @@ class ObservedTransport final : public HttpTransport {
 public:
     ObservedTransport(std::shared_ptr<HttpTransport> transport, std::shared_ptr<ServerEcho> echo);
 
-    Task<Result<HttpResponse, ConnectionError>> send(HttpRequest request, std::string baseUrl) override;
+    Task<Result<HttpResponse, ConnectionError>> send(HttpRequest request, std::string baseUrl,
+                                                     std::shared_ptr<CallAbort> abort) override;
 
 private:
     std::shared_ptr<HttpTransport> m_transport;

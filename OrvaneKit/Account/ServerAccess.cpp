@@ -3,8 +3,8 @@
 
 #include "Account/AccountStores.h"
 #include "Account/ObservedTransport.h"
-#include "Client/NetworkThread.h"
 #include "Client/OrvaneClient.h"
+#include "Http/NetworkThread.h"
 #include "LocalServer/LocalAccount.h"
 #include "LocalServer/LocalServerLink.h"
 #include "Session/MemoryTokenStore.h"

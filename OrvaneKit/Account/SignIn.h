@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Client/WantedAnswer.h"
+#include "Http/WantedAnswer.h"
 #include "Support/Task.h"
 
 #include <memory>

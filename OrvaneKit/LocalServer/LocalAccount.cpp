@@ -17,6 +17,7 @@ namespace {
 using Answered = Result<HttpResponse, ConnectionError>;
 using Link = std::shared_ptr<LocalServerLink>;
 using Transport = std::shared_ptr<HttpTransport>;
+using Abort = std::shared_ptr<CallAbort>;
 
 /// The path as it goes out: the URL's own form of it, which the proof has to be about.
 std::string pathSent(const std::string &address, const std::string &path)
@@ -27,10 +28,10 @@ std::string pathSent(const std::string &address, const std::string &path)
         .toStdString();
 }
 
-Task<Answered> sendWithProof(Transport transport, LocalServerHello server, HttpRequest request)
+Task<Answered> sendWithProof(Transport transport, LocalServerHello server, HttpRequest request, Abort abort)
 {
     ProvenRequest proven = withProof(server, std::move(request));
-    auto answer = co_await transport->send(std::move(proven.request), server.address);
+    auto answer = co_await transport->send(std::move(proven.request), server.address, std::move(abort));
     if (answer && !isAnswerProved(server.key, proven.nonce, *answer))
         co_return failure(ConnectionError{"the answer is not the server's own"});
     co_return std::move(answer);
@@ -44,26 +45,27 @@ Task<Answered> passOn(Link link, HttpRequest request)
     co_return std::move(*answer);
 }
 
-Task<Answered> sendTo(LocalServerHello server, Link link, Transport transport, HttpRequest request)
+Task<Answered> sendTo(LocalServerHello server, Link link, Transport transport, HttpRequest request,
+                      Abort abort)
 {
     if (holdsPassword(request))
         return passOn(std::move(link), std::move(request));
-    return sendWithProof(std::move(transport), std::move(server), std::move(request));
+    return sendWithProof(std::move(transport), std::move(server), std::move(request), std::move(abort));
 }
 
-Task<Answered> sendProved(Link link, Transport transport, bool start, HttpRequest request)
+Task<Answered> sendProved(Link link, Transport transport, bool start, HttpRequest request, Abort abort)
 {
     const auto server = co_await link->provenServer(start);
     if (!server)
         co_return failure(connectionError(server.error()));
-    auto answer = co_await sendTo(*server, link, transport, request);
+    auto answer = co_await sendTo(*server, link, transport, request, abort);
     if (answer)
         co_return std::move(answer);
     // The server may have ended meanwhile. If another process has taken over, that one is asked.
     const auto next = co_await link->provenAnew(start);
     if (!next || next->key == server->key)
         co_return std::move(answer);
-    co_return co_await sendTo(*next, link, transport, std::move(request));
+    co_return co_await sendTo(*next, link, transport, std::move(request), std::move(abort));
 }
 
 Task<CallResult<ExternalExchangeRequest>> codeFor(std::shared_ptr<LocalServerLink> link, std::string timeZone,
@@ -109,9 +111,10 @@ LocalServerTransport::LocalServerTransport(std::shared_ptr<LocalServerLink> link
 {
 }
 
-Task<Result<HttpResponse, ConnectionError>> LocalServerTransport::send(HttpRequest request, std::string)
+Task<Result<HttpResponse, ConnectionError>> LocalServerTransport::send(HttpRequest request, std::string,
+                                                                       std::shared_ptr<CallAbort> abort)
 {
-    return sendProved(m_link, m_transport, m_start, std::move(request));
+    return sendProved(m_link, m_transport, m_start, std::move(request), std::move(abort));
 }
 
 Reauthenticator localReauthenticator(std::shared_ptr<LocalServerLink> link, std::string timeZone, bool start)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Client/HttpTransport.h"
+#include "Http/HttpTransport.h"
 #include "LocalServer/LocalServerLink.h"
 #include "Session/AuthSession.h"
 
@@ -22,7 +22,8 @@ public:
     LocalServerTransport(std::shared_ptr<LocalServerLink> link, std::shared_ptr<HttpTransport> transport,
                          bool start);
 
-    Task<Result<HttpResponse, ConnectionError>> send(HttpRequest request, std::string baseUrl) override;
+    Task<Result<HttpResponse, ConnectionError>> send(HttpRequest request, std::string baseUrl,
+                                                     std::shared_ptr<CallAbort> abort) override;
 
 private:
     std::shared_ptr<LocalServerLink> m_link;

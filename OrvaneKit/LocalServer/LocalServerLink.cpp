@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "LocalServer/LocalServerLink.h"
 
-#include "Client/NetworkThread.h"
+#include "Http/NetworkThread.h"
 #include "LocalServer/LocalSocket.h"
 #include "Support/FolderSafety.h"
 
@@ -161,7 +161,7 @@ LocalServerLink::Answer<LocalServerHello> LocalServerLink::ensureHere(Self self,
         const auto starting = *self->m_starting;
         co_return co_await starting;
     }
-    Pending<HelloResult> starting;
+    Eventual<HelloResult> starting;
     self->m_starting = starting;
     HelloResult result = co_await startAndWait(self, patience);
     self->m_starting.reset();

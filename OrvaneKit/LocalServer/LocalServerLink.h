@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Client/CallError.h"
-#include "Client/Pending.h"
+#include "Http/CallError.h"
 #include "OrvaneAPI/HttpMessage.h"
+#include "Support/Eventual.h"
 #include "Support/Result.h"
 #include "Support/Task.h"
 
@@ -122,7 +122,7 @@ private:
     /// The connection of the last hello, and what it said.
     std::shared_ptr<LocalSocket> m_proof;
     LocalServerHello m_proved;
-    std::optional<Pending<HelloResult>> m_starting;
+    std::optional<Eventual<HelloResult>> m_starting;
 };
 
 } // namespace orvane

@@ -127,7 +127,7 @@ Task<LocalSocket::Connected> LocalSocket::connectTo(std::string folder, std::chr
     if (!path)
         co_return failure(failed("The path of the server's socket is too long."));
 
-    const Pending<std::optional<LinkError>> connecting;
+    const Eventual<std::optional<LinkError>> connecting;
     self->m_connecting = connecting;
     self->m_timer.start(limit);
     self->m_socket.connectToServer(QString::fromStdString(*path));
@@ -149,7 +149,7 @@ Task<LocalSocket::Answered> LocalSocket::ask(std::shared_ptr<LocalSocket> socket
 {
     if (!socket->isOpen())
         co_return failure(failed("The server on this computer hung up."));
-    const Pending<Answered> asking;
+    const Eventual<Answered> asking;
     socket->m_asking = asking;
     socket->m_timer.start(limit);
     socket->m_socket.write(QByteArray::fromStdString(encodeJson(request) + "\n"));

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Client/Pending.h"
 #include "LinkWire/LinkMessages.h"
 #include "LocalServer/LocalServerLink.h"
+#include "Support/Eventual.h"
 
 #include <QLocalSocket>
 #include <QTimer>
@@ -37,8 +37,8 @@ private:
     QLocalSocket m_socket;
     QTimer m_timer;
     int m_folderDescriptor = -1;
-    std::optional<Pending<std::optional<LinkError>>> m_connecting;
-    std::optional<Pending<Answered>> m_asking;
+    std::optional<Eventual<std::optional<LinkError>>> m_connecting;
+    std::optional<Eventual<Answered>> m_asking;
 };
 
 } // namespace orvane

@@ -104,19 +104,19 @@ Task<Result<std::vector<Outbox::Outcome>, StoreError>> Outbox::submit(std::vecto
                                [](const PendingChange &row) { return Queued{row.seq}; });
         co_return outcomes;
     }
-    std::vector<Eventual<Outcome>> answers(rows->size());
-    for (std::size_t i = 0; i < rows->size(); ++i)
-        m_waiters[(*rows)[i].seq] = [answer = answers[i]](Outcome outcome) {
-            answer.set(std::move(outcome));
-        };
+    std::vector<Eventual<Outcome>> answers;
+    for (const PendingChange &row : *rows) {
+        const auto &answer = answers.emplace_back(ResumeWaiters::fromTheirLoops);
+        m_waiters[row.seq] = [answer](Outcome outcome) { answer.finish(std::move(outcome)); };
+    }
     m_queue.adopt(*rows);
     tellPending();
     if (m_isClosing)
         resumeAllQueued();
     pass();
     outcomes.reserve(answers.size());
-    for (const Eventual<Outcome> &answer : answers)
-        outcomes.push_back(co_await answer.wait());
+    for (Eventual<Outcome> &answer : answers)
+        outcomes.push_back(co_await std::move(answer));
     co_return outcomes;
 }
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "Catalog/EntryChange.h"
-#include "Client/CallError.h"
+#include "Http/CallError.h"
 #include "LocalStore/LocalStore.h"
 #include "OrvaneAPI/Schemas.h"
 #include "Outbox/OutboxStore.h"

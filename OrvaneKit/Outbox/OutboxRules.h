@@ -2,7 +2,7 @@
 #pragma once
 
 #include "Catalog/EntryChange.h"
-#include "Client/CallError.h"
+#include "Http/CallError.h"
 #include "OrvaneAPI/Schemas.h"
 
 #include <chrono>

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Session/AuthSession.h"
 
-#include "Client/NetworkThread.h"
-#include "Client/ProblemMiddleware.h"
+#include "Http/NetworkThread.h"
+#include "Http/ProblemMiddleware.h"
+#include "Support/Require.h"
 
 #include <QLoggingCategory>
 
@@ -31,9 +32,10 @@ bool isUnauthorized(const CallError &error)
     return refusal && refusal->status == 401;
 }
 
-ClientChain rawChain(std::shared_ptr<HttpTransport> transport, const std::string &server)
+CallChannel rawChannel(NetworkThread &thread, std::shared_ptr<HttpTransport> transport,
+                       const std::string &server)
 {
-    return {std::move(transport), server, {std::make_shared<ProblemMiddleware>()}};
+    return {thread, ClientChain(std::move(transport), server, {std::make_shared<ProblemMiddleware>()})};
 }
 
 AuthSessionOptions withoutSlash(AuthSessionOptions options)
@@ -43,10 +45,9 @@ AuthSessionOptions withoutSlash(AuthSessionOptions options)
     return options;
 }
 
-template <class Operation, class Success>
-Task<CallResult<SignedIn>> signedIn(Task<CallResult<typename Operation::Output>> call)
+Task<CallResult<SignedIn>> signedIn(Task<CallResult<AuthTokensResponse>> call)
 {
-    auto tokens = wantedBody<AuthTokensResponse, Success>(co_await call, Operation::name);
+    auto tokens = co_await call;
     if (!tokens)
         co_return failure(std::move(tokens.error()));
     co_return SignedIn{std::move(*tokens), false};
@@ -68,11 +69,6 @@ Task<CallResult<void>> withoutValue(Task<CallResult<bool>> signIn)
     co_return CallResult<void>();
 }
 
-Task<CallResult<ServerResponse>> serverOf(Task<CallResult<operations::GetServer::Output>> call)
-{
-    co_return wantedBody<ServerResponse, Ok<ServerResponse>>(co_await call, operations::GetServer::name);
-}
-
 } // namespace
 
 std::shared_ptr<AuthSession>
@@ -89,7 +85,9 @@ std::shared_ptr<AuthSession> AuthSession::make(NetworkThread &thread, AuthSessio
 
 AuthSession::AuthSession(NetworkThread &thread, std::shared_ptr<HttpTransport> transport,
                          AuthSessionOptions options)
-    : m_thread(thread), m_options(std::move(options)), m_raw(rawChain(std::move(transport), m_options.server))
+    : m_thread(thread)
+    , m_options(std::move(options))
+    , m_raw(rawChannel(thread, std::move(transport), m_options.server))
 {
     ORVANE_REQUIRE(m_options.tokenStore && m_options.now, "a session needs a token store and a clock");
 }
@@ -119,7 +117,7 @@ Task<bool> AuthSession::hasCredentials()
 
 Task<CallResult<ServerResponse>> AuthSession::getServer()
 {
-    return m_thread.run([self = shared_from_this()] { return serverOf(self->m_raw.getServer({})); });
+    return m_raw.getServer();
 }
 
 /// `call`, given the session on the network thread, asks the server for new tokens.
@@ -134,17 +132,15 @@ Task<CallResult<void>> AuthSession::login(std::string email, std::string passwor
 {
     LoginRequest request{
         .email = std::move(email), .password = std::move(password), .deviceName = m_options.deviceName};
-    return withoutValue(signIn([request = std::move(request)](const Self &self) {
-        return signedIn<operations::Login, Ok<AuthTokensResponse>>(self->m_raw.login({.body = request}));
-    }));
+    return withoutValue(signIn(
+        [request = std::move(request)](const Self &self) { return signedIn(self->m_raw.login(request)); }));
 }
 
 Task<CallResult<void>> AuthSession::registerAccount(RegisterRequest request)
 {
     request.deviceName = m_options.deviceName;
     return withoutValue(signIn([request = std::move(request)](const Self &self) {
-        using Register = operations::Register;
-        return signedIn<Register, Created<AuthTokensResponse>>(self->m_raw.register_({.body = request}));
+        return signedIn(self->m_raw.register_(request));
     }));
 }
 
@@ -152,8 +148,7 @@ Task<CallResult<void>> AuthSession::passkeyLogin(NativePasskeyLoginRequest reque
 {
     request.deviceName = m_options.deviceName;
     return withoutValue(signIn([request = std::move(request)](const Self &self) {
-        using Login = operations::NativePasskeyLogin;
-        return signedIn<Login, Ok<AuthTokensResponse>>(self->m_raw.nativePasskeyLogin({.body = request}));
+        return signedIn(self->m_raw.nativePasskeyLogin(request));
     }));
 }
 
@@ -205,7 +200,7 @@ Task<AuthSession::TokenResult> AuthSession::renewed(Self self)
         const auto running = *self->m_renewal;
         co_return co_await running;
     }
-    Pending<TokenResult> renewal;
+    Eventual<TokenResult> renewal;
     self->m_renewal = renewal;
     TokenResult result = co_await renew(self);
     self->m_renewal.reset();
@@ -261,18 +256,13 @@ Task<CallResult<AuthTokensResponse>> AuthSession::refreshStored(Self self, std::
 
 Task<CallResult<AuthTokensResponse>> AuthSession::refresh(Self self, std::string refreshToken)
 {
-    using Refresh = operations::RefreshTokens;
-    auto answer = co_await self->m_raw.refreshTokens({.body = {.refreshToken = std::move(refreshToken)}});
-    co_return wantedBody<AuthTokensResponse, Ok<AuthTokensResponse>>(std::move(answer), Refresh::name);
+    co_return co_await self->m_raw.refreshTokens({.refreshToken = std::move(refreshToken)});
 }
 
 Task<CallResult<ExternalSignInResponse>> AuthSession::exchange(Self self, ExternalExchangeRequest request)
 {
-    using Exchange = operations::ExchangeExternalSignIn;
     request.deviceName = self->m_options.deviceName;
-    auto answer = co_await self->m_raw.exchangeExternalSignIn({.body = std::move(request)});
-    co_return wantedBody<ExternalSignInResponse, Ok<ExternalSignInResponse>>(std::move(answer),
-                                                                             Exchange::name);
+    co_return co_await self->m_raw.exchangeExternalSignIn(std::move(request));
 }
 
 Task<AuthSession::TokenResult> AuthSession::reauthenticate(Self self)
@@ -350,8 +340,7 @@ Task<CallResult<void>> AuthSession::signOutHere(Self self)
     if (!stored)
         co_return failure(storeSilent());
     if (*stored) {
-        auto answer = co_await self->m_raw.logout({.body = {.refreshToken = std::move(**stored)}});
-        auto done = wantedCase<Accepted>(std::move(answer), operations::Logout::name);
+        auto done = co_await self->m_raw.logout({.refreshToken = std::move(**stored)});
         // A server that no longer knows the token has nothing to revoke.
         if (!done && !isUnauthorized(done.error()))
             co_return std::move(done);

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Client/Middleware.h"
-#include "Client/Pending.h"
-#include "Client/WantedAnswer.h"
-#include "OrvaneAPI/Client.h"
+#include "Http/Middleware.h"
+#include "Http/ServerCalls.h"
 #include "Session/SessionEnd.h"
 #include "Session/TokenStore.h"
+#include "Support/Eventual.h"
 #include "Support/FileLock.h"
 #include "Support/Instant.h"
 
@@ -114,11 +113,12 @@ private:
 
     NetworkThread &m_thread;
     AuthSessionOptions m_options;
-    Client<ClientChain> m_raw;
+    /// What needs no token.
+    ServerCalls m_raw;
     std::optional<std::string> m_accessToken;
     Instant m_accessTokenExpiresAt = Instant::min();
     /// The one renewal that is under way.
-    std::optional<Pending<TokenResult>> m_renewal;
+    std::optional<Eventual<TokenResult>> m_renewal;
     SessionEnd m_end;
 };
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Session/Keychain.h"
 
-#include "Client/Pending.h"
+#include "Support/Eventual.h"
 
 #include <QCoreApplication>
 #include <QTimer>
@@ -32,9 +32,9 @@ int &overdue()
 /// Starts a job, which deletes itself when it is done. One that is late is left to itself: the library that
 /// it waits for still holds on to it.
 template <class Job>
-Pending<Outcome> run(Job *job, std::chrono::milliseconds patience)
+Eventual<Outcome> run(Job *job, std::chrono::milliseconds patience)
 {
-    Pending<Outcome> outcome;
+    Eventual<Outcome> outcome;
     auto *timer = new QTimer;
     timer->setSingleShot(true);
     QObject::connect(timer, &QTimer::timeout, timer, [=]() mutable {

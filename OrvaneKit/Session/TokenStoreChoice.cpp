@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Session/TokenStoreChoice.h"
 
-#include "Client/NetworkThread.h"
+#include "Http/NetworkThread.h"
 #include "Session/Keychain.h"
 #include "Session/MemoryTokenStore.h"
 

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -110,6 +111,11 @@ struct JsonAlias;
 
 template <class T>
 Result<T, JsonError> decodeJson(std::string_view text, JsonReading reading = {});
+
+/// The same into what `value` points at, a T, for who holds it without knowing its type. After an error it is
+/// a T that holds anything.
+template <class T>
+std::optional<JsonError> decodeJsonInto(std::string_view text, void *value);
 
 template <class T>
 std::string encodeJson(const T &value, JsonStyle style = {});

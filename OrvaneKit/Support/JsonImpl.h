@@ -19,6 +19,7 @@
 #define ORVANE_JSON(Type)                                                                                    \
     template ::orvane::Result<Type, ::orvane::JsonError> orvane::decodeJson<Type>(std::string_view,          \
                                                                                   ::orvane::JsonReading);    \
+    template std::optional<::orvane::JsonError> orvane::decodeJsonInto<Type>(std::string_view, void *);      \
     template std::string orvane::encodeJson<Type>(const Type &, ::orvane::JsonStyle);
 
 namespace orvane::json {
@@ -325,6 +326,15 @@ Result<T, JsonError> decodeJson(std::string_view text, JsonReading reading)
     if (!json::readDocument(reader, text, &json::readErased<T>, &out))
         return failure(std::move(reader.error));
     return out;
+}
+
+template <class T>
+std::optional<JsonError> decodeJsonInto(std::string_view text, void *value)
+{
+    json::Reader reader;
+    if (!json::readDocument(reader, text, &json::readErased<T>, value))
+        return std::move(reader.error);
+    return {};
 }
 
 template <class T>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "Account/Account.h"
-#include "Client/CallError.h"
+#include "Http/CallError.h"
 #include "LocalStore/LocalStore.h"
 #include "Support/Result.h"
 #include "Support/Task.h"

@@ -87,6 +87,7 @@ class Answer:
     status: int
     body: Type | None
     has_location: bool = False
+    description: str = ""
 
 
 @dataclass
@@ -365,14 +366,15 @@ class Reader:
         code = int(status)
         if code == 302:
             return self.redirect(where, tree)
+        description = need(where, tree, "description")
         if "headers" in tree:
             refuse(where, "has headers")
         if code in WITHOUT_BODY and "content" not in tree:
-            return Answer(code, None)
+            return Answer(code, None, description=description)
         if code not in WITH_BODY or "content" not in tree:
             refuse(where, "is a status that is unknown, or one whose body is out of place")
         media = {"application/problem+json"} if code >= 400 else {"application/json", "application/octet-stream"}
-        return Answer(code, self.content(where, tree["content"], media))
+        return Answer(code, self.content(where, tree["content"], media), description=description)
 
     def redirect(self, where, tree):
         headers = need(where, tree, "headers")

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Makes the operations: their values, their requests and answers, the table of all, and the client."""
+"""Makes the operations: their values, their requests and answers, and the table of all."""
 
 from . import cpp
 from .rules import Rules
@@ -26,16 +26,17 @@ CASES = {
 
 def files(document):
     made = {
-        "Operations.h": operations_header(document),
-        "OperationTable.cpp": table_source(document.operations),
-        "Client.h": client_header(document.operations),
+        "OrvaneAPI/Operations.h": operations_header(document),
+        "OrvaneAPI/OperationTable.cpp": table_source(document.operations),
     }
     rules = Rules(document)
-    includes = ['"OrvaneAPI/Operations.h"', '"OrvaneAPI/RequestBuilder.h"', '"OrvaneAPI/ResponseReader.h"',
-                '"OrvaneAPI/SchemaChecks.h"']
+    includes = ['"OrvaneAPI/Operations.h"', '"OrvaneAPI/RequestBuilder.h"', '"OrvaneAPI/SchemaChecks.h"']
     for index, part in enumerate(cpp.split(document.operations, SOURCES), 1):
-        body = "".join(functions(operation, rules) for operation in part)
-        made[f"Operations{index}.cpp"] = cpp.source(includes, body, "orvane::operations")
+        body = "".join(request_function(operation) + read_function(operation, rules) for operation in part)
+        made[f"OrvaneAPI/Operations{index}.cpp"] = cpp.source(includes, body, "orvane::operations")
+        outputs = "".join(output_function(operation) for operation in part)
+        output_includes = ['"OrvaneAPI/Operations.h"', '"OrvaneAPI/ResponseReader.h"']
+        made[f"OrvaneAPI/Outputs{index}.cpp"] = cpp.source(output_includes, outputs, "orvane::operations")
     return made
 
 
@@ -92,11 +93,7 @@ def input_members(operation, schemas):
     return "".join(lines) + ("\n" if lines else "")
 
 
-# OperationsN.cpp
-
-
-def functions(operation, rules):
-    return request_function(operation) + output_function(operation) + read_function(operation, rules)
+# OperationsN.cpp and OutputsN.cpp
 
 
 def request_function(operation):
@@ -164,7 +161,7 @@ def read_function(operation, rules):
     )
 
 
-# OperationTable.cpp and Client.h
+# OperationTable.cpp
 
 
 def table_source(operations):
@@ -178,53 +175,3 @@ def table_source(operations):
         "std::span<const OperationInfo> allOperations()\n{\n    return table;\n}\n"
     )
     return cpp.source(['"OrvaneAPI/Routes.h"', "<array>"], body)
-
-
-CLIENT = """/// One method for each operation of the API, over a channel that sends requests.
-///
-/// A Channel is copied or moved in (a pointer-like handle) and has
-///     using Error = ...;
-///     Task<Result<HttpResponse, Error>> send(HttpRequest request, std::string_view operationName);
-///     static Error decodingFailure(DecodingError error);
-/// A call touches the channel only before it first waits, so the client may be dropped while calls are under way.
-/// It may be used on whichever threads the channel allows.
-template <class Channel>
-class Client {
-public:
-    using Error = typename Channel::Error;
-    template <class Operation>
-    using Answer = Task<Result<typename Operation::Output, Error>>;
-
-    explicit Client(Channel channel) : m_channel(std::move(channel)) {}
-
-    template <class Operation>
-    Answer<Operation> call(typename Operation::Input input)
-    {
-        using Outcome = Result<typename Operation::Output, Error>;
-        Result<HttpResponse, Error> response =
-            co_await m_channel.send(Operation::request(input), Operation::name);
-        if (!response)
-            co_return Outcome(failure(std::move(response).error()));
-        Result<typename Operation::Output, DecodingError> output = Operation::output(*response);
-        if (!output)
-            co_return Outcome(failure(Channel::decodingFailure(std::move(output).error())));
-        co_return Outcome(std::move(*output));
-    }
-
-"""
-
-
-def client_header(operations):
-    methods = "".join(client_method(operation) for operation in operations)
-    body = f"{CLIENT}{methods}\nprivate:\n    Channel m_channel;\n}};\n"
-    return cpp.header(['"OrvaneAPI/Operations.h"', '"Support/Task.h"', "<utility>"], body)
-
-
-def client_method(operation):
-    needs_input = operation.body or any(p.required for p in operation.parameters)
-    default = "" if needs_input else " = {}"
-    name = f"operations::{operation.name}"
-    return (
-        f"    Answer<{name}> {cpp.identifier(operation.name)}({name}::Input input{default})\n"
-        f"    {{\n        return call<{name}>(std::move(input));\n    }}\n"
-    )

@@ -10,16 +10,16 @@ SOURCES = 8
 def files(document):
     schemas = list(document.schemas.values())
     made = {
-        "Schemas.h": schemas_header(schemas, document.schemas),
-        "SchemaFields.h": fields_header(schemas),
-        "SchemaChecks.h": checks_header(document),
-        "SchemaChecks.cpp": checks_source(document),
+        "OrvaneAPI/Schemas.h": schemas_header(schemas, document.schemas),
+        "OrvaneAPI/SchemaFields.h": fields_header(schemas),
+        "OrvaneAPI/SchemaChecks.h": checks_header(document),
+        "OrvaneAPI/SchemaChecks.cpp": checks_source(document),
     }
     vectors = vector_bodies(document)
     for index, (part, lists) in enumerate(zip(cpp.split(schemas, SOURCES), cpp.split(vectors, SOURCES)), 1):
         body = "".join(f"ORVANE_JSON(::orvane::{schema.name})\n" for schema in part)
         body += "".join(f"ORVANE_JSON({name})\n" for name in lists)
-        made[f"Schemas{index}.cpp"] = cpp.source(['"OrvaneAPI/SchemaFields.h"', '"Support/JsonImpl.h"'], body, None)
+        made[f"OrvaneAPI/Schemas{index}.cpp"] = cpp.source(['"OrvaneAPI/SchemaFields.h"', '"Support/JsonImpl.h"'], body, None)
     return made
 
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Client/OrvaneClient.h"
 
-#include "Client/NetworkThread.h"
-#include "Client/SyncConnection.h"
+#include "Http/NetworkThread.h"
+#include "Http/SyncConnection.h"
 #include "Session/AuthSession.h"
 #include "Session/MemoryTokenStore.h"
 #include "Support/DateText.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "LocalServer/LocalServerLink.h"
 
-#include "Client/NetworkThread.h"
 #include "Client/OrvaneClient.h"
+#include "Http/NetworkThread.h"
 #include "LocalServer/LocalAccount.h"
 #include "OrvaneAPI/LinkProof.h"
 #include "Session/MemoryTokenStore.h"
@@ -394,7 +394,8 @@ protected:
     Result<HttpResponse, ConnectionError> send(HttpRequest request)
     {
         const auto transport = std::make_shared<LocalServerTransport>(link(), thread->transport(), false);
-        auto answer = await(thread->run([=] { return transport->send(request, "http://unused.example"); }));
+        auto answer =
+            await(thread->run([=] { return transport->send(request, "http://unused.example", nullptr); }));
         return answer;
     }
     /// A proof of the answer that the stranger gives, by this key.

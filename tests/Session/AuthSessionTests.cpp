@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Session/AuthSession.h"
 
-#include "Client/NetworkThread.h"
 #include "Client/OrvaneClient.h"
+#include "Http/NetworkThread.h"
 #include "Outbox/OutboxRules.h"
 #include "Session/MemoryTokenStore.h"
 #include "Session/Pkce.h"

@@ -107,17 +107,17 @@ TEST_F(AwayCommand, DoesNotWaitForALongQueue)
     const Instant nine = instantFromIso8601("2026-03-04T09:00:00Z").value();
     constexpr int many = 150;
     orvane::testing::await(openStore()->transact([&](Connection &connection) -> StoreStatus {
+        StoreSteps steps(connection);
         for (int i = 0; i < many; ++i) {
             EntryRequest request;
             request.details.description = std::to_string(i);
             request.start = nine - std::chrono::minutes{many - i};
             request.stop = request.start + std::chrono::seconds{30};
             const std::string id = QUuid::createUuid().toString(QUuid::WithoutBraces).toStdString();
-            const EntryChange change{EntryChange::Create{std::move(request), id, workspace}};
-            if (const auto queued = LocalStore::enqueueOn(connection, change); !queued)
-                return failure(queued.error());
+            std::int64_t seq = 0;
+            steps.addRow({EntryChange::Create{std::move(request), id, workspace}}, seq);
         }
-        return {};
+        return steps.status();
     }));
     setNow("2026-03-04T10:00:00Z");
     const QJsonObject started = done({"start", "The newest"});

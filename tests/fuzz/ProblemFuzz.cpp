@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Whatever a failed answer's body holds, it becomes an error that keeps the status and has a text to show.
-#include "Client/ProblemMiddleware.h"
+#include "Http/ProblemMiddleware.h"
 #include "Support/Require.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)

@@ -73,6 +73,9 @@ class Generator(unittest.TestCase):
     def made(self, name):
         return (self.folder / "out" / name).read_text(encoding="utf-8")
 
+    def sources(self):
+        return [path for path in (self.folder / "out").rglob("*") if path.is_file()]
+
     def refused(self, piece, other, message):
         self.assertIn(piece, DOCUMENT)
         result = generate(DOCUMENT.replace(piece, other, 1), self.folder)
@@ -83,10 +86,27 @@ class Generator(unittest.TestCase):
     def test_makes_names_that_compile(self):
         result = generate(DOCUMENT, self.folder)
         self.assertEqual(result.returncode, 0, result.stderr)
-        self.assertIn("std::string register_;", self.made("Schemas.h"))
-        self.assertIn('jsonField<"register">(&Thing::register_)', self.made("SchemaFields.h"))
-        self.assertIn('std::pair{Kind::union_, std::string_view("union")}', self.made("Schemas.h"))
-        self.assertIn("std::optional<std::string> ifMatch{};", self.made("Operations.h"))
+        self.assertIn("std::string register_;", self.made("OrvaneAPI/Schemas.h"))
+        self.assertIn('jsonField<"register">(&Thing::register_)', self.made("OrvaneAPI/SchemaFields.h"))
+        self.assertIn('std::pair{Kind::union_, std::string_view("union")}', self.made("OrvaneAPI/Schemas.h"))
+        self.assertIn("std::optional<std::string> ifMatch{};", self.made("OrvaneAPI/Operations.h"))
+
+    def test_makes_calls_of_the_successes(self):
+        self.assertEqual(generate(DOCUMENT, self.folder).returncode, 0)
+        calls = self.made("Http/ServerCalls.h")
+        self.assertIn("Task<CallResult<void>> writeThing(std::string thingId, Thing body, std::optional<std::string> version)",
+                      calls)
+        self.assertIn("Task<CallResult<std::vector<Thing>>> listThings() const;", calls)
+        nothing = "        '204': {description: There is none}\n"
+        result = generate(DOCUMENT.replace("components:\n", nothing + "components:\n", 1), self.folder)
+        self.assertEqual(result.returncode, 0, result.stderr)
+        calls = self.made("Http/ServerCalls.h")
+        self.assertIn("/// 200: All; 204: There is none.", calls)
+        self.assertIn("Task<CallResult<std::optional<std::vector<Thing>>>> listThings() const;", calls)
+        other = "        '201': {description: One, content: {application/json: {schema: {$ref: '#/components/schemas/Thing'}}}}\n"
+        result = generate(DOCUMENT.replace("components:\n", other + "components:\n", 1), self.folder)
+        self.assertEqual(result.returncode, 1)
+        self.assertIn("ListThings: has successes of several types", result.stderr)
 
     def test_says_which_operations_want_a_sign_in(self):
         schemes = "components:\n  securitySchemes: {token: {type: http, scheme: bearer}}\n"
@@ -100,14 +120,14 @@ class Generator(unittest.TestCase):
 
     def test_leaves_unchanged_files_untouched(self):
         generate(DOCUMENT, self.folder)
-        before = {p.name: (p.read_bytes(), os.utime(p, (1, 1))) for p in (self.folder / "out").iterdir()}
+        before = {p.name: (p.read_bytes(), os.utime(p, (1, 1))) for p in self.sources()}
         result = generate(DOCUMENT.replace("/things:", "/all-things:"), self.folder)
         self.assertEqual(result.returncode, 0, result.stderr)
-        changed = {p.name for p in (self.folder / "out").iterdir() if p.stat().st_mtime != 1}
+        changed = {p.name for p in self.sources() if p.stat().st_mtime != 1}
         self.assertIn("Operations.h", changed)
         self.assertNotIn("Schemas.h", changed)
         for name in set(before) - changed:
-            self.assertEqual((self.folder / "out" / name).read_bytes(), before[name][0])
+            self.assertEqual(next((self.folder / "out").rglob(name)).read_bytes(), before[name][0])
 
     def test_refuses_types_it_does_not_know(self):
         self.refused("maxLength: 5", "format: duration", "Thing.register: has the unknown type string (duration)")

@@ -9,7 +9,7 @@ namespace orvane::simulator {
 
 Task<Result<Outbox::Turn, std::string>> SendLock::take(int process, std::chrono::milliseconds patience)
 {
-    Pending<bool> freed;
+    Eventual<bool> freed;
     if (m_holder) {
         const World::LaneId lane = m_world.newLane();
         m_world.post(lane, patience, [freed]() mutable { freed.finish(false); });

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Client/NetworkThread.h"
 #include "Client/OrvaneClient.h"
+#include "Http/NetworkThread.h"
 #include "LocalStore/LocalStore.h"
 #include "Outbox/Outbox.h"
 #include "Tracker/Tracker.h"
@@ -25,7 +25,7 @@ private:
 
     World &m_world;
     std::optional<int> m_holder;
-    std::vector<std::pair<int, Pending<bool>>> m_waiting;
+    std::vector<std::pair<int, Eventual<bool>>> m_waiting;
 };
 
 /// One computer: a store file, a connection, a clock.

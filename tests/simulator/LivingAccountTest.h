@@ -2,8 +2,8 @@
 #pragma once
 
 #include "Account/Account.h"
-#include "Client/NetworkThread.h"
 #include "Client/OrvaneClient.h"
+#include "Http/NetworkThread.h"
 #include "Session/MemoryTokenStore.h"
 #include "Time/AppClock.h"
 #include "simulator/Server.h"

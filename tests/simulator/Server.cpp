@@ -41,7 +41,8 @@ Task<CallResult<ExternalExchangeRequest>> codeFrom(Server *server, std::string t
     co_return std::move(request);
 }
 
-Task<Result<HttpResponse, ConnectionError>> Wire::send(HttpRequest request, std::string)
+Task<Result<HttpResponse, ConnectionError>> Wire::send(HttpRequest request, std::string,
+                                                        std::shared_ptr<CallAbort>)
 {
     Call call;
     if (m_isCut)

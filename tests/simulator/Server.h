@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Client/HttpTransport.h"
-#include "Client/Pending.h"
+#include "Http/HttpTransport.h"
 #include "ServerCore.h"
 #include "Session/AuthSession.h"
+#include "Support/Eventual.h"
 #include "simulator/World.h"
 
 #include <set>
@@ -50,13 +50,14 @@ public:
     {
     }
 
-    Task<Result<HttpResponse, ConnectionError>> send(HttpRequest request, std::string baseUrl) override;
+    Task<Result<HttpResponse, ConnectionError>> send(HttpRequest request, std::string baseUrl,
+                                                     std::shared_ptr<CallAbort> abort) override;
     /// The process is gone: its requests may still arrive, but nobody hears their answers.
     void cut();
 
 private:
     using Answer = Result<HttpResponse, ConnectionError>;
-    using Call = Pending<Answer>;
+    using Call = Eventual<Answer>;
 
     void carry(HttpRequest request, Call call);
     void deliver(HttpRequest request, Call call, bool losesAnswer);

@@ -4,8 +4,8 @@
 // JSON says what they came to.
 //
 //     stranger-load FOLDER SERVER-PROGRAM PASSWORD FORGED-TEXT
-#include "Client/NetworkThread.h"
 #include "Client/OrvaneClient.h"
+#include "Http/NetworkThread.h"
 #include "LocalServer/LocalAccount.h"
 #include "Session/MemoryTokenStore.h"
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Client/NetworkThread.h"
 #include "Client/OrvaneClient.h"
+#include "Http/NetworkThread.h"
 #include "LocalServer/LocalServerLink.h"
 #include "LocalStore/LocalStore.h"
 #include "Outbox/Outbox.h"

@@ -6,6 +6,7 @@
 #include "Support/Json.h"
 #include "Support/Result.h"
 
+#include <optional>
 #include <utility>
 
 /// The steps of reading an answer, which the generated operations choose from by status.
@@ -13,6 +14,7 @@ namespace orvane {
 
 /// "shares[0].percent: is not a whole number".
 DecodingError decodingError(const JsonError &error);
+std::optional<DecodingError> decodingError(const std::optional<JsonError> &error);
 
 template <class Output>
 Result<Output, DecodingError> undocumented(const HttpResponse &response)

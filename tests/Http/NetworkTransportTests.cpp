@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Client/NetworkTransport.h"
+#include "Http/NetworkTransport.h"
 
-#include "Client/NetworkThread.h"
+#include "Http/NetworkThread.h"
 #include "support/Await.h"
 #include "support/FaultProxy.h"
 
@@ -23,7 +23,7 @@ using Answer = Result<HttpResponse, ConnectionError>;
 Task<Answer> send(NetworkThread &thread, HttpRequest request, std::string url)
 {
     return thread.run([transport = thread.transport(), request = std::move(request), url = std::move(url)] {
-        return transport->send(request, url);
+        return transport->send(request, url, nullptr);
     });
 }
 

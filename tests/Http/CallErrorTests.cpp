@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Client/CallError.h"
+#include "Http/CallError.h"
 
-#include "Client/ProblemMiddleware.h"
+#include "Http/ProblemMiddleware.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Client/NetworkTransport.h"
+#include "Http/NetworkTransport.h"
 
-#include "Client/Pending.h"
+#include "Support/Eventual.h"
 
 #include <QHostAddress>
 #include <QJsonDocument>
@@ -64,7 +64,7 @@ public:
         connect(&m_timer, &QTimer::timeout, this, [this] { end("the connection timed out"); });
     }
 
-    const Pending<Answer> &answer() const { return m_answer; }
+    const Eventual<Answer> &answer() const { return m_answer; }
 
     void start(QNetworkAccessManager &manager)
     {
@@ -204,25 +204,33 @@ private:
     QTimer m_timer;
     std::unique_ptr<QTcpSocket> m_watch;
     std::string m_body;
-    Pending<Answer> m_answer;
+    Eventual<Answer> m_answer;
 };
 
 NetworkTransport::NetworkTransport(NetworkLimits limits) : m_limits(limits) {}
 
 NetworkTransport::~NetworkTransport() = default;
 
-Task<Answer> NetworkTransport::send(HttpRequest request, std::string baseUrl)
+Task<Answer> NetworkTransport::send(HttpRequest request, std::string baseUrl,
+                                    std::shared_ptr<CallAbort> abort)
 {
     const QUrl url(QString::fromStdString(baseUrl + request.path), QUrl::StrictMode);
     if (m_closed)
         co_return failure(ConnectionError{"the connection is being closed"});
+    if (abort && abort->isAborted())
+        co_return failure(ConnectionError{"the call was given up"});
     if (!url.isValid() || url.host().isEmpty())
         co_return failure(ConnectionError{"the server's address cannot be used"});
     auto *call = new NetworkCall(*this, std::move(request), url);
-    const Pending<Answer> answer = call->answer();
+    Eventual<Answer> eventual = call->answer();
+    if (abort)
+        abort->whileUnderWay([call] { call->end("the call was given up"); });
     m_waiting.push_back(call);
     startWaiting();
-    co_return co_await answer;
+    Answer answer = co_await std::move(eventual);
+    if (abort)
+        abort->done();
+    co_return std::move(answer);
 }
 
 void NetworkTransport::startWaiting()

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Client/Middleware.h"
+#include "Http/Middleware.h"
 
 #include <mutex>
 #include <optional>

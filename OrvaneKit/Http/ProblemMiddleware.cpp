@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Client/ProblemMiddleware.h"
+#include "Http/ProblemMiddleware.h"
 
-#include "Client/ProblemBody.h"
+#include "Http/ProblemBody.h"
 
 namespace orvane {
 

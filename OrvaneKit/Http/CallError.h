@@ -4,6 +4,7 @@
 #include "OrvaneAPI/ProblemTypes.h"
 #include "OrvaneAPI/Responses.h"
 #include "OrvaneAPI/Schemas.h"
+#include "Support/Result.h"
 
 #include <cstdint>
 #include <map>
@@ -49,6 +50,9 @@ struct ConnectionError {
 };
 
 using CallError = std::variant<APIError, ConnectionError, DecodingError>;
+
+template <class T>
+using CallResult = Result<T, CallError>;
 
 /// The text for people.
 std::string describe(const CallError &error);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Client/Middleware.h"
+#include "Http/Middleware.h"
 
 namespace orvane {
 
@@ -9,21 +9,21 @@ ClientChain::ClientChain(std::shared_ptr<HttpTransport> transport, std::string b
 {
 }
 
-Task<HttpResult> ClientChain::send(HttpRequest request, std::string_view) const
+Task<HttpResult> ClientChain::send(HttpRequest request, std::shared_ptr<CallAbort> abort) const
 {
-    return sendFrom(m_parts, 0, std::move(request));
+    return sendFrom(m_parts, 0, std::move(request), std::move(abort));
 }
 
 Task<HttpResult> ClientChain::sendFrom(std::shared_ptr<const Parts> parts, std::size_t layer,
-                                       HttpRequest request)
+                                       HttpRequest request, std::shared_ptr<CallAbort> abort)
 {
     if (layer < parts->middlewares.size()) {
-        const SendNext next = [parts, layer](HttpRequest passed) {
-            return sendFrom(parts, layer + 1, std::move(passed));
+        const SendNext next = [parts, layer, abort](HttpRequest passed) {
+            return sendFrom(parts, layer + 1, std::move(passed), abort);
         };
         co_return co_await parts->middlewares[layer]->intercept(std::move(request), next);
     }
-    auto answer = co_await parts->transport->send(std::move(request), parts->baseUrl);
+    auto answer = co_await parts->transport->send(std::move(request), parts->baseUrl, std::move(abort));
     if (!answer)
         co_return failure(CallError(std::move(answer.error())));
     co_return std::move(*answer);

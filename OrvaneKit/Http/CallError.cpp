@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Client/CallError.h"
+#include "Http/CallError.h"
 
 namespace orvane {
 

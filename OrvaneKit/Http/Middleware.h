@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Client/HttpTransport.h"
+#include "Http/HttpTransport.h"
 
 #include <functional>
 #include <memory>
@@ -27,16 +27,14 @@ public:
 };
 
 /// Middlewares around a transport (the first is the outermost) for one server's address. A value to copy; the
-/// calls under way keep what they need alive. This is the channel that the generated calls are made on.
+/// calls under way keep what they need alive.
 class ClientChain {
 public:
-    using Error = CallError;
-
     ClientChain(std::shared_ptr<HttpTransport> transport, std::string baseUrl,
                 std::vector<std::shared_ptr<const Middleware>> middlewares);
 
-    Task<HttpResult> send(HttpRequest request, std::string_view operation = {}) const;
-    static CallError decodingFailure(DecodingError error) { return error; }
+    /// `abort` as for HttpTransport.
+    Task<HttpResult> send(HttpRequest request, std::shared_ptr<CallAbort> abort = {}) const;
 
 private:
     struct Parts {
@@ -45,7 +43,7 @@ private:
         std::vector<std::shared_ptr<const Middleware>> middlewares;
     };
     static Task<HttpResult> sendFrom(std::shared_ptr<const Parts> parts, std::size_t layer,
-                                     HttpRequest request);
+                                     HttpRequest request, std::shared_ptr<CallAbort> abort);
 
     std::shared_ptr<const Parts> m_parts;
 };

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Client/Connectivity.h"
+#include "Http/Connectivity.h"
 
 #include <QNetworkInformation>
 

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Client/CallError.h"
+#include "Http/CallAbort.h"
+#include "Http/CallError.h"
 #include "OrvaneAPI/HttpMessage.h"
 #include "Support/Result.h"
 #include "Support/Task.h"
 
+#include <memory>
 #include <string>
 
 namespace orvane {
@@ -20,8 +22,10 @@ public:
     virtual ~HttpTransport() = default;
 
     /// `baseUrl` is the server's address, without a slash at its end; the request's path is appended. A
-    /// request may reach the server twice, so every request must bear that.
-    virtual Task<Result<HttpResponse, ConnectionError>> send(HttpRequest request, std::string baseUrl) = 0;
+    /// request may reach the server twice, so every request must bear that. With `abort`, which may be null,
+    /// the request can be given up: it then fails with a ConnectionError.
+    virtual Task<Result<HttpResponse, ConnectionError>> send(HttpRequest request, std::string baseUrl,
+                                                             std::shared_ptr<CallAbort> abort) = 0;
 };
 
 } // namespace orvane

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Client/HttpTransport.h"
+#include "Http/HttpTransport.h"
 
 #include <chrono>
 #include <cstddef>
@@ -43,7 +43,8 @@ public:
     explicit NetworkTransport(NetworkLimits limits = {});
     ~NetworkTransport() override;
 
-    Task<Result<HttpResponse, ConnectionError>> send(HttpRequest request, std::string baseUrl) override;
+    Task<Result<HttpResponse, ConnectionError>> send(HttpRequest request, std::string baseUrl,
+                                                     std::shared_ptr<CallAbort> abort) override;
 
     /// Ends every call with a ConnectionError, and every later one at once. To be called on the thread of the
     /// calls, before it ends.

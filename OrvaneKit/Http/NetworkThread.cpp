@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Client/NetworkThread.h"
+#include "Http/NetworkThread.h"
+
+#include "Support/Require.h"
 
 namespace orvane {
 
 NetworkThread::NetworkThread(NetworkLimits limits, std::chrono::milliseconds patience)
     : m_patience(patience)
     , m_transport(std::make_shared<NetworkTransport>(limits))
-    , m_executor(std::make_unique<QObject>())
+    , m_executor(std::make_shared<QObject>())
 {
     m_thread.setObjectName(QStringLiteral("network"));
     m_executor->moveToThread(&m_thread);
@@ -19,7 +21,7 @@ NetworkThread::NetworkThread(NetworkLimits limits, std::chrono::milliseconds pat
 NetworkThread::NetworkThread(OnThisThread)
     : m_patience(0)
     , m_transport(std::make_shared<NetworkTransport>())
-    , m_executor(std::make_unique<QObject>())
+    , m_executor(std::make_shared<QObject>())
 {
 }
 

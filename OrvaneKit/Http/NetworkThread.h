@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Client/NetworkTransport.h"
+#include "Http/NetworkTransport.h"
 #include "Support/AsyncHop.h"
 
 #include <QObject>
@@ -32,6 +32,8 @@ public:
 
     /// An object that lives on the thread.
     QObject *executor() { return m_executor.get(); }
+    /// For who may outlive the thread and has something to post to it while it is there.
+    std::weak_ptr<QObject> executorHandle() const { return m_executor; }
     bool isCurrent() const { return QThread::currentThread() == m_executor->thread(); }
 
     /// Runs the task that `make` makes on the network thread and resumes on the calling one, which needs an
@@ -76,7 +78,7 @@ private:
     std::chrono::milliseconds m_patience;
     QThread m_thread;
     std::shared_ptr<NetworkTransport> m_transport;
-    std::unique_ptr<QObject> m_executor;
+    std::shared_ptr<QObject> m_executor;
     std::atomic<int> m_underWay = 0;
     std::atomic<bool> m_stopping = false;
 };

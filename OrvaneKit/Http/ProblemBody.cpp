@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Client/ProblemBody.h"
+#include "Http/ProblemBody.h"
 
 #include "Support/JsonImpl.h"
 
