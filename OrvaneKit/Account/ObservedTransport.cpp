@@ -24,9 +24,10 @@ std::optional<std::string> silence(const Result<HttpResponse, ConnectionError> &
 
 Task<Result<HttpResponse, ConnectionError>> sendObserved(std::shared_ptr<HttpTransport> transport,
                                                          std::shared_ptr<ServerEcho> echo,
-                                                         HttpRequest request, std::string baseUrl)
+                                                         HttpRequest request, std::string baseUrl,
+ std::shared_ptr<CallAbort> abort)
 {
-    auto answer = co_await transport->send(std::move(request), std::move(baseUrl));
+    auto answer = co_await transport->send(std::move(request), std::move(baseUrl), std::move(abort));
     echo->hear(answer);
     co_return std::move(answer);
 }
@@ -47,9 +48,9 @@ ObservedTransport::ObservedTransport(std::shared_ptr<HttpTransport> transport,
 {
 }
 
-Task<Result<HttpResponse, ConnectionError>> ObservedTransport::send(HttpRequest request, std::string baseUrl)
+Task<Result<HttpResponse, ConnectionError>> ObservedTransport::send(HttpRequest request, std::string baseUrl, std::shared_ptr<CallAbort> abort)
 {
-    return sendObserved(m_transport, m_echo, std::move(request), std::move(baseUrl));
+    return sendObserved(m_transport, m_echo, std::move(request), std::move(baseUrl), std::move(abort));
 }
 
 } // namespace orvane

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Http/WantedAnswer.h"
+#include "Http/CallError.h"
 #include "Support/Task.h"
 
 #include <memory>

@@ -95,13 +95,13 @@ Task<CallResult<void>> Tracker::refresh(Topics topics)
     m_asked |= topics;
     if (const auto running = m_refreshing)
         co_return co_await *running;
-    Pending<CallResult<void>> running;
+    Eventual<CallResult<void>> running;
     m_refreshing = running;
     runRefreshes(running);
     co_return co_await running;
 }
 
-Task<> Tracker::runRefreshes(Pending<CallResult<void>> running)
+Task<> Tracker::runRefreshes(Eventual<CallResult<void>> running)
 {
     const QPointer<Tracker> self(this);
     CallResult<void> result;
@@ -155,6 +155,11 @@ struct Tracker::Fetched {
     std::optional<std::vector<TagResponse>> tags;
 };
 
+ServerCalls Tracker::api() const
+{
+    return m_parts.api->within(m_calls);
+}
+
 DaySpan Tracker::currentWeeks() const
 {
     return DaySpan::weeks(m_parts.time, m_parts.time.today(), m_weeksLoaded);
@@ -172,11 +177,11 @@ Tracker::Wanted Tracker::wanted(Topics topics) const
 }
 
 /// The requests are under way together.
-Task<CallResult<Tracker::Fetched>> Tracker::fetch(std::shared_ptr<OrvaneClient> api, std::string workspaceId,
+Task<CallResult<Tracker::Fetched>> Tracker::fetch(ServerCalls api, std::string workspaceId,
                                                   Wanted wanted)
 {
     const auto entriesOf = [&](const DaySpan &days) {
-        return api->listTimeEntries(workspaceId, days.interval.from, days.interval.to);
+        return api.listTimeEntries(workspaceId, days.interval.from, days.interval.to);
     };
     const auto list = [&](Topic topic, auto ask) {
         return wanted.topics.testFlag(topic) ? std::optional{ask()} : std::nullopt;
@@ -185,11 +190,11 @@ Task<CallResult<Tracker::Fetched>> Tracker::fetch(std::shared_ptr<OrvaneClient> 
     std::vector<Task<CallResult<std::vector<TimeEntryResponse>>>> beside;
     if (wanted.topics.testFlag(Topic::entries))
         std::ranges::transform(wanted.beside, std::back_inserter(beside), entriesOf);
-    auto running = list(Topic::running, [&] { return api->getCurrentTimeEntry(); });
-    auto settings = list(Topic::settings, [&] { return api->getWorkspaceSettings(workspaceId); });
-    auto projects = list(Topic::catalog, [&] { return api->listProjects(workspaceId, true); });
-    auto clients = list(Topic::catalog, [&] { return api->listClients(workspaceId, true); });
-    auto tags = list(Topic::catalog, [&] { return api->listTags(workspaceId); });
+    auto running = list(Topic::running, [&] { return api.getCurrentTimeEntry(); });
+    auto settings = list(Topic::settings, [&] { return api.getWorkspaceSettings(workspaceId); });
+    auto projects = list(Topic::catalog, [&] { return api.listProjects(workspaceId, true); });
+    auto clients = list(Topic::catalog, [&] { return api.listClients(workspaceId, true); });
+    auto tags = list(Topic::catalog, [&] { return api.listTags(workspaceId); });
     Fetched fetched;
     std::optional<CallError> error;
     // Each is awaited even after a failure: a task is never left behind.
@@ -217,7 +222,7 @@ Task<CallResult<void>> Tracker::fetchAndApply(Topics topics)
     const QPointer<Tracker> self(this);
     for (int tried = 1;; ++tried) {
         const std::uint64_t generation = m_known.generation();
-        auto fetched = co_await fetch(m_parts.api, m_parts.workspace.id, wanted(topics));
+        auto fetched = co_await fetch(api(), m_parts.workspace.id, wanted(topics));
         if (!self)
             co_return failure(trackerIsGone());
         if (!fetched)
@@ -269,7 +274,7 @@ Task<CallResult<void>> Tracker::loadWeekBefore()
     if (const auto other = m_loadingMore)
         co_return co_await *other;
     const QPointer<Tracker> self(this);
-    Pending<CallResult<void>> loading;
+    Eventual<CallResult<void>> loading;
     m_loadingMore = loading;
     Q_EMIT stateChanged();
     const auto &window = m_known.days().window();
@@ -312,7 +317,7 @@ Task<CallResult<std::vector<TimeEntryResponse>>> Tracker::listDays(DaySpan days)
     for (int tried = 1;; ++tried) {
         const std::uint64_t generation = m_known.generation();
         auto entries =
-            co_await m_parts.api->listTimeEntries(m_parts.workspace.id, days.interval.from, days.interval.to);
+            co_await api().listTimeEntries(m_parts.workspace.id, days.interval.from, days.interval.to);
         if (!self)
             co_return failure(trackerIsGone());
         if (!entries || generation == m_known.generation() || tried == fetchTries)
@@ -522,7 +527,7 @@ void Tracker::handleRejected(const QueuedChange &row, const CallError &error, bo
 Task<> Tracker::refreshEntry(std::string workspaceId, std::string id)
 {
     const QPointer<Tracker> self(this);
-    auto entry = co_await m_parts.api->getTimeEntry(std::move(workspaceId), std::move(id));
+    auto entry = co_await api().getTimeEntry(std::move(workspaceId), std::move(id));
     if (self && entry)
         show(m_known.take(*entry));
 }

@@ -6,12 +6,13 @@
 #include "Catalog/EntryChange.h"
 #include "Catalog/EntryDetails.h"
 #include "Catalog/EntryRules.h"
-#include "Client/Pending.h"
-#include "Client/WantedAnswer.h"
+#include "Http/CallError.h"
+#include "Http/CallScope.h"
 #include "LocalStore/LocalStore.h"
 #include "OrvaneAPI/Schemas.h"
 #include "Outbox/Outbox.h"
 #include "Outbox/OutboxOutcomes.h"
+#include "Support/Eventual.h"
 #include "Time/UserTime.h"
 #include "Tracker/EntriesChange.h"
 #include "Tracker/KnownEntries.h"
@@ -27,6 +28,7 @@
 namespace orvane {
 
 class OrvaneClient;
+class ServerCalls;
 
 enum class LoadState { Loading, Loaded, Failed };
 
@@ -176,9 +178,9 @@ Q_SIGNALS:
 private:
     struct Fetched;
     struct Wanted;
-    Task<> runRefreshes(Pending<CallResult<void>> running);
+    Task<> runRefreshes(Eventual<CallResult<void>> running);
     Task<CallResult<void>> fetchAndApply(Topics topics);
-    static Task<CallResult<Fetched>> fetch(std::shared_ptr<OrvaneClient> api, std::string workspaceId,
+    static Task<CallResult<Fetched>> fetch(ServerCalls api, std::string workspaceId,
                                            Wanted wanted);
     Wanted wanted(Topics topics) const;
     void apply(Fetched fetched);
@@ -198,6 +200,7 @@ private:
     std::optional<SaveResult> checkRules(const EntryRequest &request) const;
     bool isLackingDetails(const TimeEntryResponse &running) const;
     DaySpan currentWeeks() const;
+    ServerCalls api() const;
     void setState(LoadState state);
 
     Parts m_parts;
@@ -212,11 +215,13 @@ private:
     mutable std::optional<TimeEntryResponse> m_shownRunning;
     mutable bool m_isShownStale = true;
     std::optional<CallError> m_loadError;
+    /// What is asked for the tracker ends with it.
+    CallScope m_calls;
     Topics m_asked;
     Topics m_missed;
     /// The refreshes that are under way.
-    std::optional<Pending<CallResult<void>>> m_refreshing;
-    std::optional<Pending<CallResult<void>>> m_loadingMore;
+    std::optional<Eventual<CallResult<void>>> m_refreshing;
+    std::optional<Eventual<CallResult<void>>> m_loadingMore;
     int m_weeksLoaded = 0;
     LoadState m_state = LoadState::Loading;
     bool m_isSnapshotRead = false;

@@ -2,6 +2,8 @@
 // Two processes on one store, two devices on one entry, and answers that were lost on the way.
 #include "Outbox/OutboxFixture.h"
 
+#include <QCoro/QCoroSignal>
+
 namespace orvane {
 namespace {
 
@@ -110,6 +112,8 @@ TEST_F(OutboxSharingTest, OfTwoStopsByOneHandTheFirstStands)
 {
     const TimeEntryResponse running = startTimer();
     auto first = submit(one.outbox.get(), stop(running, 5));
+    // It is in the store, and on its way.
+    QCoro::waitFor(qCoro(one.outbox.get(), &Outbox::pendingChanged));
     auto second = submit(two.outbox.get(), stop(running, 6));
     EXPECT_TRUE(isSent(await(std::move(first))));
     const auto told = await(std::move(second));

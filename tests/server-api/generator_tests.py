@@ -115,8 +115,8 @@ class Generator(unittest.TestCase):
         for document, wanted in ((DOCUMENT, ["false", "false"]), (secured, ["true", "true"]), (opened, ["true", "false"])):
             result = generate(document, self.folder)
             self.assertEqual(result.returncode, 0, result.stderr)
-            self.assertEqual(re.findall("bool wantsSignIn = ([a-z]+);", self.made("Operations.h")), wanted)
-            self.assertEqual(re.findall(r"OperationInfo{.*, \d, ([a-z]+)}", self.made("OperationTable.cpp")), wanted)
+            self.assertEqual(re.findall("bool wantsSignIn = ([a-z]+);", self.made("OrvaneAPI/Operations.h")), wanted)
+            self.assertEqual(re.findall(r"OperationInfo{.*, \d, ([a-z]+)}", self.made("OrvaneAPI/OperationTable.cpp")), wanted)
 
     def test_leaves_unchanged_files_untouched(self):
         generate(DOCUMENT, self.folder)
