@@ -132,7 +132,7 @@ double secondsSince(std::chrono::steady_clock::time_point began)
 Task<> submitEach(benchmark::State *state, std::shared_ptr<LocalStore> store, BareDatabase *bare)
 {
     const EntryChange change = sampleChange(1);
-    const std::string text = encodeJson(change, {.dates = DateCoding::SecondsSince2001});
+    const std::string text = encodeJson(change, {.dates = DateCoding::secondsSince2001});
     double bareSeconds = 0;
     double storeSeconds = 0;
     for (auto step : *state) {
@@ -190,7 +190,7 @@ void readBare(benchmark::State &state)
     BareDatabase bare(folder);
     bare.begin();
     for (int i = 0; i < queuedChanges; ++i)
-        bare.insert(encodeJson(sampleChange(i), {.dates = DateCoding::SecondsSince2001}));
+        bare.insert(encodeJson(sampleChange(i), {.dates = DateCoding::secondsSince2001}));
     bare.commit();
     simdjson::dom::parser parser;
     for (auto step : state) {

@@ -39,7 +39,7 @@ int code(ExitStatus status)
 std::string failureText(const CommandFailure &failure, FailureForm form)
 {
     const shapes::Error error = shapes::error(failure);
-    if (form == FailureForm::Outcome && failure.exitStatus == ExitStatus::failed)
+    if (form == FailureForm::outcome && failure.exitStatus == ExitStatus::failed)
         return shapes::text(
             shapes::FailedOutcome{SaveOutcome::failed, false, {}, failure.message, {}, error});
     return shapes::text(shapes::Failure{error});
@@ -142,7 +142,7 @@ int run(const std::vector<std::string> &arguments, int argc, char **argv)
 {
     const bool json = asksForJson(arguments);
     const auto end = [&](const CommandResult &result) {
-        return code(show(result, json, FailureForm::Error));
+        return code(show(result, json, FailureForm::error));
     };
     for (const std::string &argument : arguments) {
         if (!simdjson::validate_utf8(argument))

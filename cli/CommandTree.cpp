@@ -183,7 +183,7 @@ void CommandTree::onRun(const CLI::App *command, Handler handler, FailureForm fa
 
 void CommandTree::onRunPlain(const CLI::App *command, PlainHandler handler)
 {
-    m_actions[command] = {{}, std::move(handler), FailureForm::Error};
+    m_actions[command] = {{}, std::move(handler), FailureForm::error};
 }
 
 CLI::Option *CommandTree::addText(CLI::App *command, const std::string &name,

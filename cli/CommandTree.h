@@ -16,7 +16,7 @@
 namespace orvane {
 
 /// Whether a failure is written as such or as an outcome that carries it.
-enum class FailureForm { Error, Outcome };
+enum class FailureForm { error, outcome };
 
 /// The command's language: the global options, which it has from the start, and the sub-commands that are
 /// added with their options and what each of them does. Help, completions and parsing all come out of this
@@ -31,7 +31,7 @@ public:
     struct Action {
         Handler handler;
         PlainHandler plain;
-        FailureForm failureForm = FailureForm::Error;
+        FailureForm failureForm = FailureForm::error;
     };
 
     CommandTree();
@@ -45,7 +45,7 @@ public:
     /// A command of a group of the help text; a verb of a command has none.
     CLI::App *add(const std::string &name, const std::string &description, const std::string &group);
     static CLI::App *addVerb(CLI::App *command, const std::string &name, const std::string &description);
-    void onRun(const CLI::App *command, Handler handler, FailureForm failureForm = FailureForm::Error);
+    void onRun(const CLI::App *command, Handler handler, FailureForm failureForm = FailureForm::error);
     void onRunPlain(const CLI::App *command, PlainHandler handler);
 
     /// An option or (without dashes) an argument with one value; `target` outlives the tree's use.

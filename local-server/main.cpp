@@ -40,7 +40,7 @@ int serve(ServerOptions options, QCoreApplication &application)
         qWarning("%s", outcome.error().c_str());
         return foreground ? EXIT_FAILURE : fail(outcome.error());
     }
-    if (*outcome == ServerProcess::Outcome::RunsAlready) {
+    if (*outcome == ServerProcess::Outcome::runsAlready) {
         std::fprintf(stderr, "orvane-server: a server for this folder runs already\n");
         return EXIT_SUCCESS;
     }

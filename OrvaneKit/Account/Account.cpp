@@ -183,16 +183,16 @@ Task<Outbox::SendVerdict> Account::checkAccount()
     if (!m_freshMe) {
         // A process that ends soon has asked once; asking again would use up its time.
         if (!m_options.livesOn && !isReachable())
-            co_return Outbox::SendVerdict::Away;
+            co_return Outbox::SendVerdict::away;
         co_await fetchMe();
         if (!self)
-            co_return Outbox::SendVerdict::NotOurs;
+            co_return Outbox::SendVerdict::notOurs;
         if (!m_freshMe)
-            co_return Outbox::SendVerdict::Away;
+            co_return Outbox::SendVerdict::away;
     }
     if (m_freshMe->id != m_accountId)
-        co_return Outbox::SendVerdict::NotOurs;
-    co_return Outbox::SendVerdict::Allowed;
+        co_return Outbox::SendVerdict::notOurs;
+    co_return Outbox::SendVerdict::allowed;
 }
 
 // The profile and the workspace

@@ -37,14 +37,14 @@ LineKind lineKind(std::string_view type)
 /// What the quick look finds.
 struct Glance {
     enum Seen : unsigned {
-        Type = 1,
-        Message = 2,
-        Date = 4,
-        Session = 8,
-        Sidechain = 16,
-        Folder = 32,
-        Branch = 64,
-        Attachment = 128
+        typeSeen = 1,
+        messageSeen = 2,
+        dateSeen = 4,
+        sessionSeen = 8,
+        sidechainSeen = 16,
+        folderSeen = 32,
+        branchSeen = 64,
+        attachmentSeen = 128
     };
     /// Of what tells of work.
     static constexpr unsigned everything = 127;
@@ -112,7 +112,7 @@ void glanceAtMessage(ObjectWalk &line, Glance &glance)
         }
         break;
     }
-    glance.seen |= Glance::Message;
+    glance.seen |= Glance::messageSeen;
     line.taken(message.finish());
 }
 
@@ -125,7 +125,7 @@ void glanceAtAttachment(ObjectWalk &line, Glance &glance)
             break;
         }
     }
-    glance.seen |= Glance::Attachment;
+    glance.seen |= Glance::attachmentSeen;
     line.taken(attachment.finish());
 }
 
@@ -137,13 +137,13 @@ void glanceAtMember(ObjectWalk &line, Glance &glance)
         if (name == "cwd") {
             // Some systems' paths have escapes throughout.
             glance.folder = line.text().value_or(std::string_view{});
-            glance.seen |= Glance::Folder;
+            glance.seen |= Glance::folderSeen;
         }
         break;
     case 4:
         if (name == "type") {
             glance.kind = lineKind(line.plainText(glance.hasEscapes));
-            glance.seen |= Glance::Type;
+            glance.seen |= Glance::typeSeen;
         }
         break;
     case 7:
@@ -152,11 +152,11 @@ void glanceAtMember(ObjectWalk &line, Glance &glance)
         break;
     case 9:
         if (name == "timestamp")
-            glanceAtText(line, glance.timestamp, glance, Glance::Date);
+            glanceAtText(line, glance.timestamp, glance, Glance::dateSeen);
         else if (name == "sessionId")
-            glanceAtText(line, glance.sessionId, glance, Glance::Session);
+            glanceAtText(line, glance.sessionId, glance, Glance::sessionSeen);
         else if (name == "gitBranch")
-            glanceAtText(line, glance.branch, glance, Glance::Branch);
+            glanceAtText(line, glance.branch, glance, Glance::branchSeen);
         break;
     case 10:
         if (name == "attachment" && line.first() == '{')
@@ -165,7 +165,7 @@ void glanceAtMember(ObjectWalk &line, Glance &glance)
     case 11:
         if (name == "isSidechain") {
             glance.isSidechain = line.isTrue();
-            glance.seen |= Glance::Sidechain;
+            glance.seen |= Glance::sidechainSeen;
         }
         break;
     default:
@@ -183,9 +183,9 @@ bool isEnough(const Glance &glance)
     case LineKind::assistant:
         return hasSeen(Glance::everything);
     case LineKind::user:
-        return hasSeen(Glance::everything) || (hasSeen(Glance::Message) && glance.hasText);
+        return hasSeen(Glance::everything) || (hasSeen(Glance::messageSeen) && glance.hasText);
     case LineKind::attachment:
-        return hasSeen(Glance::Attachment);
+        return hasSeen(Glance::attachmentSeen);
     case LineKind::unknown:
         return false;
     case LineKind::title:

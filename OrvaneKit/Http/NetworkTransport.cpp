@@ -45,7 +45,7 @@ QNetworkRequest networkRequest(const HttpRequest &request, const QUrl &url, std:
     result.setDecompressedSafetyCheckThreshold(static_cast<qint64>(answerLimit));
     result.setHeader(QNetworkRequest::UserAgentHeader, QStringLiteral("Orvane/" ORVANE_VERSION));
     // Otherwise a POST without a body would claim to be a form.
-    if (request.method == HttpMethod::Post || request.method == HttpMethod::Put)
+    if (request.method == HttpMethod::post || request.method == HttpMethod::put)
         result.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
     for (const auto &[name, value] : request.headers.all())
         result.setRawHeader(QByteArray::fromStdString(name), QByteArray::fromStdString(value));

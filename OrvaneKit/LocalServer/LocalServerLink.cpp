@@ -23,7 +23,7 @@ using std::chrono::milliseconds;
 
 LinkError failed(std::string message)
 {
-    return {LinkError::Kind::Failed, std::move(message)};
+    return {LinkError::Kind::failed, std::move(message)};
 }
 
 Task<> pause(milliseconds time)
@@ -61,7 +61,7 @@ std::string programBeside()
 
 std::string describe(const LinkError &error)
 {
-    if (error.kind == LinkError::Kind::NotRunning)
+    if (error.kind == LinkError::Kind::notRunning)
         return "The server on this computer is not running.";
     return error.message;
 }
@@ -155,7 +155,7 @@ LocalServerLink::Answer<LocalServerHello> LocalServerLink::helloHere(Self self)
 LocalServerLink::Answer<LocalServerHello> LocalServerLink::ensureHere(Self self, milliseconds patience)
 {
     auto first = co_await helloHere(self);
-    if (first || first.error().kind != LinkError::Kind::NotRunning)
+    if (first || first.error().kind != LinkError::Kind::notRunning)
         co_return std::move(first);
     if (self->m_starting) {
         const auto starting = *self->m_starting;
@@ -182,7 +182,7 @@ LocalServerLink::Answer<LocalServerHello> LocalServerLink::startAndWait(Self sel
     while (!deadline.hasExpired()) {
         co_await pause(interval);
         auto hello = co_await helloHere(self);
-        if (hello || hello.error().kind == LinkError::Kind::Untrusted)
+        if (hello || hello.error().kind == LinkError::Kind::untrusted)
             co_return std::move(hello);
         if (!ended && !processLives(*pid)) {
             ended = true;
@@ -192,14 +192,14 @@ LocalServerLink::Answer<LocalServerHello> LocalServerLink::startAndWait(Self sel
     if (self->untilDeadline() == milliseconds::zero())
         co_return failure(failed("The server on this computer is starting; it did not answer in time."));
     co_return failure(
-        LinkError{LinkError::Kind::StartFailed, "The server on this computer did not start. Its log is " +
+        LinkError{LinkError::Kind::startFailed, "The server on this computer did not start. Its log is " +
                                                     self->m_options.folder + "/server.log."});
 }
 
 Result<std::int64_t, LinkError> LocalServerLink::start() const
 {
     if (const std::string fault = folderFault(m_options.folder); !fault.empty())
-        return failure(LinkError{LinkError::Kind::Untrusted, "The server's data folder " + m_options.folder +
+        return failure(LinkError{LinkError::Kind::untrusted, "The server's data folder " + m_options.folder +
                                                                  " is not safe to use. " + fault});
     QProcess process;
     const std::string program = m_options.program.empty() ? programBeside() : m_options.program;
@@ -221,7 +221,7 @@ Result<std::int64_t, LinkError> LocalServerLink::start() const
     // Makes a session of its own for it.
     if (!process.startDetached(&pid))
         return failure(
-            LinkError{LinkError::Kind::StartFailed, "The server on this computer cannot be started: " +
+            LinkError{LinkError::Kind::startFailed, "The server on this computer cannot be started: " +
                                                         process.errorString().toStdString()});
     return pid;
 }

@@ -23,15 +23,15 @@ class NetworkThread;
 struct LinkError {
     enum class Kind {
         /// Nobody listens at the socket.
-        NotRunning,
+        notRunning,
         /// The server could not be started, or did not answer in time.
-        StartFailed,
+        startFailed,
         /// The folder or the process behind the socket is not this user's own. Nothing was sent.
-        Untrusted,
+        untrusted,
         /// It did not answer, or not sensibly, or refused.
-        Failed,
+        failed,
     };
-    Kind kind = Kind::NotRunning;
+    Kind kind = Kind::notRunning;
     /// For people; empty for NotRunning.
     std::string message = {};
 

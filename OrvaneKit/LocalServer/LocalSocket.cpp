@@ -20,7 +20,7 @@ constexpr std::size_t shortPath = 100;
 
 LinkError failed(std::string message)
 {
-    return {LinkError::Kind::Failed, std::move(message)};
+    return {LinkError::Kind::failed, std::move(message)};
 }
 
 /// An open descriptor of the folder of the socket, once it is sure that nobody else can put one there.
@@ -29,15 +29,15 @@ Result<int, LinkError> openOwnFolder(const std::string &path)
     const int descriptor = ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
     if (descriptor < 0) {
         if (errno == ENOENT)
-            return failure(LinkError{LinkError::Kind::NotRunning});
-        return failure(LinkError{LinkError::Kind::Untrusted,
+            return failure(LinkError{LinkError::Kind::notRunning});
+        return failure(LinkError{LinkError::Kind::untrusted,
                                  std::string("The folder of the server's socket: ") + std::strerror(errno)});
     }
     struct stat info{};
     if (::fstat(descriptor, &info) == 0 && info.st_uid == ::geteuid() && (info.st_mode & 0077) == 0)
         return descriptor;
     ::close(descriptor);
-    return failure(LinkError{LinkError::Kind::Untrusted,
+    return failure(LinkError{LinkError::Kind::untrusted,
                              "The folder of the server's socket is open to other users of this computer."});
 }
 
@@ -57,7 +57,7 @@ std::optional<std::string> socketPath(const std::string &folder, [[maybe_unused]
 LinkError connectError(QLocalSocket::LocalSocketError error, const QString &text)
 {
     if (error == QLocalSocket::ServerNotFoundError || error == QLocalSocket::ConnectionRefusedError)
-        return {LinkError::Kind::NotRunning};
+        return {LinkError::Kind::notRunning};
     return failed("The server's socket: " + text.toStdString());
 }
 
@@ -138,7 +138,7 @@ Task<LocalSocket::Connected> LocalSocket::connectTo(std::string folder, std::chr
         co_return failure(LinkError(*error));
     if (!isOwnUsersSocket(self->m_socket.socketDescriptor())) {
         self->m_socket.abort();
-        co_return failure(LinkError{LinkError::Kind::Untrusted,
+        co_return failure(LinkError{LinkError::Kind::untrusted,
                                     "The server's socket belongs to another user of this computer."});
     }
     co_return std::move(self);

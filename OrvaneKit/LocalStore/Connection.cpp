@@ -26,31 +26,31 @@ constexpr std::size_t keptStatements = 16;
 StoreError::Kind kindOf(int code, int systemError)
 {
     if (systemError == ENOSPC || systemError == EDQUOT || systemError == EFBIG)
-        return StoreError::Kind::Full;
+        return StoreError::Kind::full;
     switch (code & 0xFF) {
     case SQLITE_NOTADB:
     case SQLITE_CORRUPT:
-        return StoreError::Kind::NotADatabase;
+        return StoreError::Kind::notADatabase;
     case SQLITE_READONLY:
-        return StoreError::Kind::ReadOnly;
+        return StoreError::Kind::readOnly;
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
     case SQLITE_PROTOCOL:
-        return StoreError::Kind::Locked;
+        return StoreError::Kind::locked;
     case SQLITE_FULL:
-        return StoreError::Kind::Full;
+        return StoreError::Kind::full;
     case SQLITE_CANTOPEN:
     case SQLITE_PERM:
-        return StoreError::Kind::CannotOpen;
+        return StoreError::Kind::cannotOpen;
     default:
-        return StoreError::Kind::Other;
+        return StoreError::Kind::other;
     }
 }
 
 StoreError errorOf(sqlite3 *database, const std::string &file)
 {
     if (database == nullptr)
-        return {StoreError::Kind::CannotOpen, "unknown error", file};
+        return {StoreError::Kind::cannotOpen, "unknown error", file};
     const int code = sqlite3_errcode(database);
     int systemCode = 0;
     if (code == SQLITE_IOERR || code == SQLITE_CANTOPEN) {
@@ -95,7 +95,7 @@ StoreStatus makeFile(const std::string &file)
     // An emptied file with changes still beside it: SQLite would take it for a new one and delete them.
     struct stat beside{};
     if (status.st_size == 0 && ::stat((file + "-wal").c_str(), &beside) == 0 && beside.st_size > 0)
-        return failure(StoreError{StoreError::Kind::NotADatabase, "the file is empty", file});
+        return failure(StoreError{StoreError::Kind::notADatabase, "the file is empty", file});
     return {};
 }
 
@@ -170,7 +170,7 @@ Result<std::unique_ptr<Connection>, StoreError> Connection::open(std::optional<s
         return connection->lastFailure();
     if (sqlite3_db_readonly(database, "main") == 1)
         return failure(
-            StoreError{StoreError::Kind::ReadOnly, sqlite3_errstr(SQLITE_READONLY), connection->m_file});
+            StoreError{StoreError::Kind::readOnly, sqlite3_errstr(SQLITE_READONLY), connection->m_file});
     sqlite3_busy_timeout(database, static_cast<int>(options.busyTimeout.count()));
     const StoreStatus ready = connection->migrate(options.busyTimeout).and_then([&] {
         return connection->execute("PRAGMA synchronous = FULL");
@@ -188,13 +188,13 @@ StoreStatus Connection::migrate(std::chrono::milliseconds busyTimeout)
     if (version >= 1)
         return {};
     // The script would wait as long again, to no better end.
-    if (!read && read.error().kind == StoreError::Kind::Locked)
+    if (!read && read.error().kind == StoreError::Kind::locked)
         return read;
     // SQLite does not apply its time-out to the change of journal mode, which two processes that create the
     // file together both want.
     const auto deadline = std::chrono::steady_clock::now() + busyTimeout;
     StoreStatus status = execute(schemaScript);
-    while (!status && status.error().kind == StoreError::Kind::Locked &&
+    while (!status && status.error().kind == StoreError::Kind::locked &&
            std::chrono::steady_clock::now() < deadline) {
         std::this_thread::sleep_for(std::chrono::milliseconds{5});
         status = execute(schemaScript);
@@ -250,7 +250,7 @@ Result<sqlite3_stmt *, StoreError> Connection::prepared(const std::string &sql)
     if (sqlite3_prepare_v2(m_database, sql.c_str(), -1, &statement, nullptr) != SQLITE_OK)
         return lastFailure();
     if (statement == nullptr)
-        return failure(StoreError{StoreError::Kind::Other, "there is no statement to run", m_file});
+        return failure(StoreError{StoreError::Kind::other, "there is no statement to run", m_file});
     if (m_statements.size() >= keptStatements)
         m_statements.clear();
     m_statements.emplace(sql, Statement(statement, &sqlite3_finalize));

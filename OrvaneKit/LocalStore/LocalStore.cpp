@@ -71,7 +71,7 @@ Task<LocalStore::Opened> LocalStore::openAt(std::optional<std::string> path, Sto
         std::error_code error;
         const std::filesystem::path absolute = std::filesystem::absolute(*path, error);
         if (error)
-            co_return Opened(failure(StoreError{StoreError::Kind::CannotOpen, error.message(), *path}));
+            co_return Opened(failure(StoreError{StoreError::Kind::cannotOpen, error.message(), *path}));
         path = absolute.string();
     }
     if (!options.executor) {
@@ -182,7 +182,7 @@ StoreStatus LocalStore::moveStore(const std::string &from, const std::string &to
         std::error_code error;
         std::filesystem::rename(source, target, error);
         if (error)
-            return failure(StoreError{StoreError::Kind::CannotOpen, error.message(), source});
+            return failure(StoreError{StoreError::Kind::cannotOpen, error.message(), source});
     }
     return {};
 }

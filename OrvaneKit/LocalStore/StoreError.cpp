@@ -8,17 +8,17 @@ namespace {
 const char *whatHappened(StoreError::Kind kind)
 {
     switch (kind) {
-    case StoreError::Kind::NotADatabase:
+    case StoreError::Kind::notADatabase:
         return " is damaged or is not a database; it was left as it is";
-    case StoreError::Kind::ReadOnly:
+    case StoreError::Kind::readOnly:
         return " cannot be written to";
-    case StoreError::Kind::Locked:
+    case StoreError::Kind::locked:
         return " is in use by another program; try again in a moment";
-    case StoreError::Kind::Full:
+    case StoreError::Kind::full:
         return " could not take the change because the disk, or your share of it, is full";
-    case StoreError::Kind::CannotOpen:
+    case StoreError::Kind::cannotOpen:
         return " cannot be opened";
-    case StoreError::Kind::Other:
+    case StoreError::Kind::other:
         break;
     }
     return " could not be read or written";

@@ -10,15 +10,15 @@ namespace orvane {
 /// Why the local store could not do what was asked. Nothing is retried, repaired or deleted on the way.
 struct StoreError {
     enum class Kind {
-        NotADatabase, ///< another kind of file, or a damaged or truncated one
-        ReadOnly,
-        Locked, ///< another program held it for longer than the busy time-out
-        Full,   ///< the disk, a quota or a limit on the size of files
-        CannotOpen,
-        Other
+        notADatabase, ///< another kind of file, or a damaged or truncated one
+        readOnly,
+        locked, ///< another program held it for longer than the busy time-out
+        full,   ///< the disk, a quota or a limit on the size of files
+        cannotOpen,
+        other
     };
 
-    Kind kind = Kind::Other;
+    Kind kind = Kind::other;
     /// What SQLite, or the file system, said; "unknown error" when it said nothing.
     std::string message = "unknown error";
     /// The store's file, for people's eyes and never for a log; empty for a store in memory.

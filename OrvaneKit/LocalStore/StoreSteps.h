@@ -17,11 +17,12 @@ namespace orvane {
 using ChangeRows = std::vector<PendingChange>;
 
 /// How the store writes and reads its JSON.
-inline constexpr JsonReading storeReading{.dates = DateCoding::SecondsSince2001};
-inline constexpr JsonStyle storeStyle{.dates = DateCoding::SecondsSince2001};
+inline constexpr JsonReading storeReading{.dates = DateCoding::secondsSince2001};
+inline constexpr JsonStyle storeStyle{.dates = DateCoding::secondsSince2001};
 
-/// The statements that the store's transactions are made of: all that is known of its tables stands here. The first
-/// failure of several is kept, and nothing is run after it. Used on the store's executor, inside one of its jobs.
+/// The statements that the store's transactions are made of: all that is known of its tables stands here. The
+/// first failure of several is kept, and nothing is run after it. Used on the store's executor, inside one of
+/// its jobs.
 class StoreSteps {
 public:
     explicit StoreSteps(Connection &connection) : m_connection(connection) {}

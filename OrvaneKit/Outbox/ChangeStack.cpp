@@ -130,12 +130,12 @@ ChangeRows restack(StoreSteps &steps, const Settled &settled, std::optional<Time
     for (PendingChange &row : rows) {
         std::optional<ChangeBase> base;
         steps.read(ChangeBase::key(row.seq), base);
-        if (!ground || row.change.version() == unseenVersion || (!base && settled.how == Settled::KeptTheirs))
+        if (!ground || row.change.version() == unseenVersion || (!base && settled.how == Settled::keptTheirs))
             break;
         // What was made without keeping what its user saw stands as it is.
         Rebased rebased =
             base ? putOnTop(row.change, base->entry, *ground, settled.seen) : Rebased{row.change, false};
-        const bool asks = rebased.isContested && settled.how != Settled::Refused;
+        const bool asks = rebased.isContested && settled.how != Settled::refused;
         if (asks)
             row.change = row.change.withVersion(unseenVersion);
         else

@@ -19,7 +19,7 @@ void placeOnTop(StoreSteps &steps, Submission &submission);
 struct Settled {
     std::string entryId;
     std::int64_t seq = 0;
-    enum { KeptMine, KeptTheirs, Refused } how = Refused;
+    enum { keptMine, keptTheirs, refused } how = refused;
     /// What its user had seen of the entry.
     std::optional<TimeEntryResponse> seen;
     /// The version that the rows behind it are made against from now on; none: as before.

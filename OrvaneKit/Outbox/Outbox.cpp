@@ -146,16 +146,16 @@ Task<> Outbox::pass()
     m_isFlushing = true;
     cancelRetry();
     const QPointer<Outbox> self(this);
-    Step step = Step::GoOn;
+    Step step = Step::goOn;
     // What comes while a pass is under way may lie behind it, or come when its end is decided.
-    while (m_isWanted && step == Step::GoOn && !m_isClosing) {
+    while (m_isWanted && step == Step::goOn && !m_isClosing) {
         m_isWanted = false;
         m_startsOver = false;
         step = co_await takeTurnAndSend();
         if (!self)
             co_return;
     }
-    if (step == Step::Stop || m_isClosing)
+    if (step == Step::stop || m_isClosing)
         resumeAllQueued();
     m_isFlushing = false;
     Q_EMIT passEnded();
@@ -168,11 +168,11 @@ Task<Outbox::Step> Outbox::takeTurnAndSend()
         co_return co_await sendAll();
     const Turn turn = co_await waitForTurn();
     if (!self)
-        co_return Step::Stop;
+        co_return Step::stop;
     if (turn)
         co_return co_await sendAll();
     scheduleRetry();
-    co_return Step::Stop;
+    co_return Step::stop;
 }
 
 Task<Outbox::Turn> Outbox::waitForTurn()
@@ -199,21 +199,21 @@ Task<Outbox::Step> Outbox::sendAll()
 {
     const QPointer<Outbox> self(this);
     if (!co_await readNewRows() || !self)
-        co_return Step::Stop;
+        co_return Step::stop;
     std::int64_t cursor = 0;
     bool isChecked = false;
     for (;;) {
         auto next = co_await nextStored(m_parts.store, cursor);
         if (!self)
-            co_return Step::Stop;
+            co_return Step::stop;
         if (!next)
             co_return stopForStore(next.error());
         const bool isAtEnd = !next->has_value();
         co_await catchUp(cursor, isAtEnd ? queueEnd : (*next)->row.seq);
         if (!self)
-            co_return Step::Stop;
+            co_return Step::stop;
         if (isAtEnd)
-            co_return Step::GoOn;
+            co_return Step::goOn;
         StoredRow stored = std::move(**next);
         cursor = stored.row.seq;
         if (m_queue.isBlocked(m_queue.adopt(stored.row))) {
@@ -223,13 +223,13 @@ Task<Outbox::Step> Outbox::sendAll()
         if (!isChecked)
             isChecked = co_await isAllowed();
         if (!isChecked || !self || m_isClosing)
-            co_return Step::Stop;
+            co_return Step::stop;
         if (std::exchange(m_startsOver, false)) {
             cursor = 0;
             continue;
         }
-        if (co_await sendNext(std::move(stored)) == Step::Stop || !self)
-            co_return Step::Stop;
+        if (co_await sendNext(std::move(stored)) == Step::stop || !self)
+            co_return Step::stop;
     }
 }
 
@@ -262,10 +262,10 @@ Task<bool> Outbox::isAllowed()
     const SendVerdict verdict = co_await m_parts.mayBeSent();
     if (!self)
         co_return false;
-    setHeldBack(verdict == SendVerdict::NotOurs);
-    if (verdict == SendVerdict::Away)
+    setHeldBack(verdict == SendVerdict::notOurs);
+    if (verdict == SendVerdict::away)
         handleTransient();
-    co_return verdict == SendVerdict::Allowed;
+    co_return verdict == SendVerdict::allowed;
 }
 
 Task<Outbox::Step> Outbox::sendNext(StoredRow stored)
@@ -280,7 +280,7 @@ Task<Outbox::Step> Outbox::sendNext(StoredRow stored)
     }
     auto sending = co_await prepared(std::move(stored));
     if (!self)
-        co_return Step::Stop;
+        co_return Step::stop;
     if (!sending)
         co_return stopForStore(sending.error());
     co_return co_await sendOne(std::move(*sending));
@@ -322,7 +322,7 @@ Task<Outbox::Step> Outbox::sendOne(Sending sending)
         create->request.stop = std::get<EntryChange::Stop>(sending.stop->change.action).at;
     auto answer = co_await deliver(change);
     if (!self)
-        co_return Step::Stop;
+        co_return Step::stop;
     m_sending.reset();
     if (!answer)
         co_return co_await handleFailure(std::move(sending), std::move(answer.error()));
@@ -363,7 +363,7 @@ Task<Outbox::Step> Outbox::handleAccepted(Sending sending, std::optional<TimeEnt
     const auto settled = co_await settleAccepted(m_parts.store, std::move(rows),
                                                  {sending.base, sending.carried, entry, isOursAlone});
     if (!self)
-        co_return Step::Stop;
+        co_return Step::stop;
     m_failures = 0;
     setOffline(false);
     if (settled) {
@@ -380,7 +380,7 @@ Task<Outbox::Step> Outbox::handleAccepted(Sending sending, std::optional<TimeEnt
     if (!settled)
         co_return stopForStore(settled.error());
     tellPending();
-    co_return Step::GoOn;
+    co_return Step::goOn;
 }
 
 Task<Outbox::Step> Outbox::handleFailure(Sending sending, CallError error)
@@ -388,12 +388,12 @@ Task<Outbox::Step> Outbox::handleFailure(Sending sending, CallError error)
     if (auto lost = lostFirstAnswer(sending.row.change, sending.base, error))
         co_return co_await handleAccepted(std::move(sending), std::move(lost->entry), lost->isOursAlone);
     switch (classify(error)) {
-    case FailureKind::Conflict:
+    case FailureKind::conflict:
         co_return handleConflict(std::move(sending.row), *std::get<APIError>(error).current);
-    case FailureKind::Transient:
+    case FailureKind::transient:
         handleTransient();
-        co_return Step::Stop;
-    case FailureKind::Refusal:
+        co_return Step::stop;
+    case FailureKind::refusal:
         break;
     }
     if (sending.stop)
@@ -408,7 +408,7 @@ Task<Outbox::Step> Outbox::sendAlone(Sending sending)
     const QPointer<Outbox> self(this);
     const auto noted = co_await noteTry(m_parts.store, {sending.row.seq, sending.row.change}, {});
     if (!self)
-        co_return Step::Stop;
+        co_return Step::stop;
     if (!noted)
         co_return stopForStore(noted.error());
     sending.stop.reset();
@@ -424,7 +424,7 @@ Outbox::Step Outbox::handleConflict(Pending row, const TimeEntryResponse &curren
         onConflict(row, current);
     tellPending();
     resume(row.seq, Queued{row.seq});
-    return Step::GoOn;
+    return Step::goOn;
 }
 
 void Outbox::handleTransient()
@@ -443,7 +443,7 @@ Task<Outbox::Step> Outbox::handleRefusal(Pending row, CallError error)
         kept = Refusal{row.seq, row.change, describe(error), std::get<APIError>(error).status};
     const auto settled = co_await settleRefused(m_parts.store, {row.seq, row.change}, std::move(kept));
     if (!self)
-        co_return Step::Stop;
+        co_return Step::stop;
     m_failures = 0;
     setOffline(false);
     if (!settled)
@@ -454,7 +454,7 @@ Task<Outbox::Step> Outbox::handleRefusal(Pending row, CallError error)
         onRejected(row, error, callerWaits);
     tellPending();
     resume(row.seq, Rejected{row.seq, std::move(error)});
-    co_return Step::GoOn;
+    co_return Step::goOn;
 }
 
 Outbox::Step Outbox::stopForStore(const StoreError &error)
@@ -462,7 +462,7 @@ Outbox::Step Outbox::stopForStore(const StoreError &error)
     qCWarning(outboxLog) << "the pass stopped at the store:" << error.message.c_str();
     ++m_failures;
     scheduleRetry();
-    return Step::Stop;
+    return Step::stop;
 }
 
 /// Changes between two rows of the store that are no longer there were settled by another process. The store

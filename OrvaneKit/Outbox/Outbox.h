@@ -57,7 +57,7 @@ public:
 
     /// Whether the queue may be sent: yes; not now, since the server cannot be asked; no, since the account
     /// signed in to is not the one whose changes these are.
-    enum class SendVerdict { Allowed, Away, NotOurs };
+    enum class SendVerdict { allowed, away, notOurs };
     using SendCheck = std::function<Task<SendVerdict>()>;
 
     /// The right to send, among the processes of one store; given back when the last copy goes. Null: another
@@ -143,7 +143,7 @@ Q_SIGNALS:
 private:
     using Answer = std::function<void(Outcome)>;
     using Delivered = Result<std::optional<TimeEntryResponse>, CallError>;
-    enum class Step { GoOn, Stop };
+    enum class Step { goOn, stop };
     /// What goes out in one request: a change, with a creation perhaps the stop of its entry.
     struct Sending {
         Pending row;

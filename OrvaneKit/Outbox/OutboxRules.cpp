@@ -38,12 +38,12 @@ FailureKind classify(const CallError &error)
 {
     const auto *problem = std::get_if<APIError>(&error);
     if (problem == nullptr)
-        return FailureKind::Transient;
+        return FailureKind::transient;
     if (problem->status == 412 && problem->type == entryChangedProblemType && problem->current)
-        return FailureKind::Conflict;
+        return FailureKind::conflict;
     const bool asksForAnotherTry =
         problem->status >= 500 || problem->status == 401 || problem->status == 408 || problem->status == 429;
-    return asksForAnotherTry ? FailureKind::Transient : FailureKind::Refusal;
+    return asksForAnotherTry ? FailureKind::transient : FailureKind::refusal;
 }
 
 std::chrono::milliseconds retryDelay(int failures)
@@ -64,7 +64,7 @@ std::optional<LostAnswer> lostFirstAnswer(const EntryChange &change,
         return std::nullopt;
     if (problem->status == 404 && std::holds_alternative<EntryChange::Delete>(change.action))
         return LostAnswer{};
-    if (classify(error) == FailureKind::Conflict && isAlreadyDone(change, *problem->current))
+    if (classify(error) == FailureKind::conflict && isAlreadyDone(change, *problem->current))
         return LostAnswer{problem->current, isOursAlone(change, base, *problem->current)};
     return std::nullopt;
 }

@@ -11,7 +11,7 @@
 /// The outbox's decisions as pure functions.
 namespace orvane {
 
-enum class FailureKind { Conflict, Transient, Refusal };
+enum class FailureKind { conflict, transient, refusal };
 
 /// Conflict: the entry was changed elsewhere, and the server says what it is now. Transient: nothing is known
 /// of the change's fate, or the server asks for another try. Everything else is a refusal for good.

@@ -177,7 +177,7 @@ Stored<std::optional<Rows>> settleOn(Connection &connection, std::int64_t seq,
     } else {
         removeWhole(steps, seq);
     }
-    const auto how = keepsMine ? Settled::KeptMine : Settled::KeptTheirs;
+    const auto how = keepsMine ? Settled::keptMine : Settled::keptTheirs;
     std::ranges::move(restack(steps, {current.id, seq, how, seen, current.version}, ground),
                       std::back_inserter(changed));
     if (!steps)

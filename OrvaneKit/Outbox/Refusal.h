@@ -36,7 +36,7 @@ struct JsonFields<Refusal> {
     static constexpr auto list =
         std::tuple{jsonField<"seq">(&Refusal::seq), jsonField<"change">(&Refusal::change),
                    jsonField<"message">(&Refusal::message), jsonField<"status">(&Refusal::status),
-                   jsonField<"isShown">(&Refusal::isShown, JsonPresence::Defaulted)};
+                   jsonField<"isShown">(&Refusal::isShown, JsonPresence::defaulted)};
 };
 
 template <>

@@ -192,14 +192,14 @@ Task<Keychain::Health> Keychain::probe(std::chrono::milliseconds patience)
     const QString text = QStringLiteral("probe");
     const Outcome write = co_await writeItem(service, account, text, patience);
     if (!write.error)
-        co_return Health::Silent;
+        co_return Health::silent;
     if (!write.succeeded())
-        co_return Health::Fails;
+        co_return Health::fails;
     const Outcome read = co_await readItem(service, account, patience);
     co_await deleteItem(service, account, patience);
     if (!read.error)
-        co_return Health::Silent;
-    co_return read.succeeded() && read.text == text ? Health::Works : Health::Fails;
+        co_return Health::silent;
+    co_return read.succeeded() && read.text == text ? Health::works : Health::fails;
 }
 
 } // namespace orvane

@@ -28,7 +28,7 @@ public:
     Task<> write(std::string value, std::string account) override;
     Task<> remove(std::string account) override;
 
-    enum class Health { Works, Fails, Silent };
+    enum class Health { works, fails, silent };
     /// Whether a keychain is there and keeps what it is given: writes, reads and deletes an item of its own.
     /// Nothing less tells, since a service without a collection answers a read like one that lacks the item.
     static Task<Health> probe(std::chrono::milliseconds patience = std::chrono::seconds{3});

@@ -34,8 +34,8 @@ QString canonicalPath(const QString &folder)
 /// Silence is no answer to keep: the next one who asks may get one.
 Task<Keychain::Health> keychainHealth()
 {
-    static std::atomic<Keychain::Health> health = Keychain::Health::Silent;
-    if (health == Keychain::Health::Silent)
+    static std::atomic<Keychain::Health> health = Keychain::Health::silent;
+    if (health == Keychain::Health::silent)
         health = co_await Keychain::probe();
     co_return health.load();
 }
@@ -56,13 +56,13 @@ Task<TokenStoreChoice> makeTokenStore(NetworkThread &thread, std::optional<std::
 {
     // QtKeychain's queue is the network thread's alone.
     const auto health = co_await thread.run([] { return keychainHealth(); });
-    if (health == Keychain::Health::Fails)
+    if (health == Keychain::Health::fails)
         co_return TokenStoreChoice{
             std::make_shared<MemoryTokenStore>(),
             "Sign-ins will last only until this command ends, because no keychain is available."};
     TokenStoreChoice choice{std::make_shared<Keychain>(keychainService(dataFolder)), {}};
     // It holds what was signed in to before; memory would know nothing of that.
-    if (health == Keychain::Health::Silent)
+    if (health == Keychain::Health::silent)
         choice.warning = "The keychain does not answer. A sign-in made now may not be kept.";
     co_return choice;
 }

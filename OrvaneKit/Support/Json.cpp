@@ -206,7 +206,7 @@ bool findMember(od::field &field, std::span<const MemberReader> members, std::si
 bool readMember(Reader &reader, od::field &field, const MemberReader &member, void *out)
 {
     Node node{field.value()};
-    if (member.absence == Absence::AcceptedLikeNull && isNullValue(node.value))
+    if (member.absence == Absence::acceptedLikeNull && isNullValue(node.value))
         return true;
     if (member.read(reader, node, out))
         return true;
@@ -217,7 +217,7 @@ bool readMember(Reader &reader, od::field &field, const MemberReader &member, vo
 bool nothingIsMissing(Reader &reader, std::span<const MemberReader> members, std::uint64_t seen)
 {
     for (std::size_t index = 0; index < members.size(); ++index) {
-        if (members[index].absence != Absence::Refused || (seen >> index & 1U) != 0)
+        if (members[index].absence != Absence::refused || (seen >> index & 1U) != 0)
             continue;
         reader.fail("is missing");
         reader.inside(members[index].name);
@@ -323,7 +323,7 @@ std::string_view frontOf(std::string_view text, std::size_t limit)
 bool readPlain(Reader &reader, Node &node, Instant &out)
 {
     std::optional<Instant> instant;
-    if (reader.reading.dates == DateCoding::Iso8601) {
+    if (reader.reading.dates == DateCoding::iso8601) {
         std::string_view text;
         if (node.value.get_string().get(text) != simdjson::SUCCESS)
             return reader.fail("is not a date");

@@ -28,16 +28,16 @@ namespace orvane {
 
 /// How instants are written: ISO 8601 text (the server, people's programs) or seconds since 2001 (the local
 /// store).
-enum class DateCoding { Iso8601, SecondsSince2001 };
+enum class DateCoding { iso8601, secondsSince2001 };
 
 struct JsonReading {
-    DateCoding dates = DateCoding::Iso8601;
+    DateCoding dates = DateCoding::iso8601;
     /// Refuses texts that an enumeration does not list, which are otherwise read as its `unrecognized`.
     bool strict = false;
 };
 
 struct JsonStyle {
-    DateCoding dates = DateCoding::Iso8601;
+    DateCoding dates = DateCoding::iso8601;
     /// Writes `null` for a member without a value; otherwise it is left out.
     bool writeNulls = false;
 };
@@ -60,7 +60,7 @@ struct RawJson {
 };
 
 /// Whether a member must be there when reading. A Defaulted one keeps its default when absent or null.
-enum class JsonPresence { Required, Defaulted };
+enum class JsonPresence { required, defaulted };
 
 /// A text that can be a template argument.
 template <std::size_t N>
@@ -78,7 +78,7 @@ struct JsonField {
 };
 
 template <JsonName Name, class Owner, class Member>
-constexpr auto jsonField(Member Owner::*member, JsonPresence presence = JsonPresence::Required)
+constexpr auto jsonField(Member Owner::*member, JsonPresence presence = JsonPresence::required)
 {
     return JsonField<Name, Owner, Member>{member, presence};
 }

@@ -73,7 +73,7 @@ struct Reader {
 using ReadInto = bool (*)(Reader &reader, Node &node, void *out);
 using ReadEntry = bool (*)(Reader &reader, Node &node, std::string name, void *map);
 
-enum class Absence { Refused, Accepted, AcceptedLikeNull };
+enum class Absence { refused, accepted, acceptedLikeNull };
 
 struct MemberReader {
     std::string_view name;
@@ -140,9 +140,9 @@ bool readMember(Reader &reader, Node &node, void *owner)
 template <class Owner, JsonName Name, class Member>
 constexpr MemberReader memberReader(const JsonField<Name, Owner, Member> &field)
 {
-    const Absence absence = isOptional<Member>                          ? Absence::Accepted
-                            : field.presence == JsonPresence::Defaulted ? Absence::AcceptedLikeNull
-                                                                        : Absence::Refused;
+    const Absence absence = isOptional<Member>                          ? Absence::accepted
+                            : field.presence == JsonPresence::defaulted ? Absence::acceptedLikeNull
+                                                                        : Absence::refused;
     return {Name.view(), absence, &readMember<Owner, JsonField<Name, Owner, Member>>};
 }
 
@@ -213,7 +213,7 @@ template <Cased Variant, std::size_t... Index>
 constexpr auto caseReaders(std::index_sequence<Index...>)
 {
     return std::array<MemberReader, sizeof...(Index)>{MemberReader{
-        JsonCases<Variant>::names[Index], Absence::Accepted, &readAlternative<Variant, Index>}...};
+        JsonCases<Variant>::names[Index], Absence::accepted, &readAlternative<Variant, Index>}...};
 }
 
 template <class T>

@@ -111,7 +111,7 @@ void JsonOutput::value(std::string_view value)
 
 void JsonOutput::value(Instant instant)
 {
-    if (m_style.dates == DateCoding::SecondsSince2001) {
+    if (m_style.dates == DateCoding::secondsSince2001) {
         value(secondsSince2001(instant));
         return;
     }

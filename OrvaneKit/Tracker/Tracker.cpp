@@ -76,7 +76,7 @@ Task<bool> Tracker::loadSnapshot()
 Task<> Tracker::load()
 {
     const QPointer<Tracker> self(this);
-    setState(LoadState::Loading);
+    setState(LoadState::loading);
     if (self && !m_isSnapshotRead)
         co_await loadSnapshot();
     if (!self)
@@ -87,7 +87,7 @@ Task<> Tracker::load()
     m_loadError.reset();
     if (!refreshed)
         m_loadError = std::move(refreshed.error());
-    setState(refreshed ? LoadState::Loaded : LoadState::Failed);
+    setState(refreshed ? LoadState::loaded : LoadState::failed);
 }
 
 Task<CallResult<void>> Tracker::refresh(Topics topics)
@@ -118,9 +118,9 @@ Task<> Tracker::runRefreshes(Eventual<CallResult<void>> running)
     if (self) {
         m_refreshing.reset();
         // A load that failed is made good.
-        if (m_state == LoadState::Failed && result && !m_missed) {
+        if (m_state == LoadState::failed && result && !m_missed) {
             m_loadError.reset();
-            setState(LoadState::Loaded);
+            setState(LoadState::loaded);
         }
     }
     running.finish(std::move(result));
@@ -177,8 +177,7 @@ Tracker::Wanted Tracker::wanted(Topics topics) const
 }
 
 /// The requests are under way together.
-Task<CallResult<Tracker::Fetched>> Tracker::fetch(ServerCalls api, std::string workspaceId,
-                                                  Wanted wanted)
+Task<CallResult<Tracker::Fetched>> Tracker::fetch(ServerCalls api, std::string workspaceId, Wanted wanted)
 {
     const auto entriesOf = [&](const DaySpan &days) {
         return api.listTimeEntries(workspaceId, days.interval.from, days.interval.to);

@@ -30,7 +30,7 @@ namespace orvane {
 class OrvaneClient;
 class ServerCalls;
 
-enum class LoadState { Loading, Loaded, Failed };
+enum class LoadState { loading, loaded, failed };
 
 /// How a save or a stop ended. `saved`: the server accepted it. `waiting`: it is in the outbox until the
 /// server can be reached. `rejected`: the server, or a rule that needs no server, refused it. `stopped`: a
@@ -180,8 +180,7 @@ private:
     struct Wanted;
     Task<> runRefreshes(Eventual<CallResult<void>> running);
     Task<CallResult<void>> fetchAndApply(Topics topics);
-    static Task<CallResult<Fetched>> fetch(ServerCalls api, std::string workspaceId,
-                                           Wanted wanted);
+    static Task<CallResult<Fetched>> fetch(ServerCalls api, std::string workspaceId, Wanted wanted);
     Wanted wanted(Topics topics) const;
     void apply(Fetched fetched);
     Task<CallResult<std::vector<TimeEntryResponse>>> listDays(DaySpan days);
@@ -223,7 +222,7 @@ private:
     std::optional<Eventual<CallResult<void>>> m_refreshing;
     std::optional<Eventual<CallResult<void>>> m_loadingMore;
     int m_weeksLoaded = 0;
-    LoadState m_state = LoadState::Loading;
+    LoadState m_state = LoadState::loading;
     bool m_isSnapshotRead = false;
 };
 

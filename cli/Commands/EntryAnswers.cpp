@@ -46,7 +46,7 @@ std::vector<std::string> knownIds(const Tracker &tracker)
 }
 
 /// Where an entry was looked for that is none of those at hand.
-enum class Search { Nowhere, LastWeeks, Everywhere };
+enum class Search { nowhere, lastWeeks, everywhere };
 
 /// Makes the entry known that the (cut) identifier may mean: a whole one is asked for, a cut one looked for
 /// in the last weeks.
@@ -55,22 +55,22 @@ Task<Search> askForEntry(Context context, std::string typed)
     Account *account = context->account();
     Tracker &tracker = account->tracker();
     if (!account->isReachable())
-        co_return Search::Nowhere;
+        co_return Search::nowhere;
     context->progress().begin("Looking for the entry …");
-    Search search = Search::Nowhere;
+    Search search = Search::nowhere;
     if (typed.size() == wholeIdLength) {
         const auto entry = co_await account->client().getTimeEntry(tracker.workspace().id, typed);
         const bool isAnswered =
             entry ? (co_await tracker.loadDays(tracker.time().dayKey(entry->start), 1)).has_value()
                   : std::holds_alternative<APIError>(entry.error()) &&
                         std::get<APIError>(entry.error()).status < firstServerFault;
-        search = isAnswered ? Search::Everywhere : Search::Nowhere;
+        search = isAnswered ? Search::everywhere : Search::nowhere;
     } else {
         const DayKey first = tracker.time()
                                  .weekStartContaining(tracker.time().today())
                                  .adding(std::int64_t{-7} * weeksSearched);
         if (co_await tracker.loadDays(first, 7 * weeksSearched))
-            search = Search::LastWeeks;
+            search = Search::lastWeeks;
     }
     context->progress().finish();
     co_return search;
@@ -79,7 +79,7 @@ Task<Search> askForEntry(Context context, std::string typed)
 std::string notFound(const std::string &typed, Search search)
 {
     const std::string what = "entry \"" + printable(typed) + "\"";
-    if (search == Search::Nowhere)
+    if (search == Search::nowhere)
         return "No " + what + " is known on this computer, and the server cannot be asked now.";
     return "There is no " + what + " in the last " + std::to_string(weeksSearched) +
            " weeks. An older one is found by its whole identifier.";
@@ -161,7 +161,7 @@ Task<Result<TimeEntryResponse, CommandFailure>> findEntry(Context context, std::
     if (!id && !id.error().isAmbiguous() && !typed.empty()) {
         const Search search = co_await askForEntry(context, typed);
         id = lookUpId(typed, knownIds(tracker));
-        if (!id && !id.error().isAmbiguous() && search != Search::Everywhere)
+        if (!id && !id.error().isAmbiguous() && search != Search::everywhere)
             co_return failure(CommandFailure::of(notFound(typed, search)));
     }
     if (!id)

@@ -86,7 +86,7 @@ void addIdCommand(CommandTree &tree, const std::string &name, const std::string 
     CLI::App *command = tree.add(name, description, group);
     CommandTree::addRequired(command, "ID", *id, idText);
     tree.onRun(
-        command, [id, run](Context context) { return run(std::move(context), *id); }, FailureForm::Outcome);
+        command, [id, run](Context context) { return run(std::move(context), *id); }, FailureForm::outcome);
 }
 
 } // namespace
@@ -103,7 +103,7 @@ void addEntryCommands(CommandTree &tree)
         " A time of day is today's; an end before its start means that the entry began the day before.");
     tree.onRun(
         addCommand, [added](Context context) { return add(std::move(context), *added); },
-        FailureForm::Outcome);
+        FailureForm::outcome);
 
     const auto edited = std::make_shared<EditOptions>();
     CLI::App *editCommand = tree.add("edit", "Change an entry; what is not named stays as it is", group);
@@ -116,7 +116,7 @@ void addEntryCommands(CommandTree &tree)
         "named replace the entry's.");
     tree.onRun(
         editCommand, [edited](Context context) { return edit(std::move(context), *edited); },
-        FailureForm::Outcome);
+        FailureForm::outcome);
 
     addIdCommand(tree, "duplicate", "Copy an entry", group, duplicate);
     addIdCommand(tree, "delete", "Delete an entry", group, remove);

@@ -48,7 +48,7 @@ CommandTask flush(Context context)
     co_return answer;
 }
 
-enum class Side { Mine, Theirs };
+enum class Side { mine, theirs };
 
 CommandTask settle(Context context, std::int64_t seq, Side side)
 {
@@ -57,7 +57,7 @@ CommandTask settle(Context context, std::int64_t seq, Side side)
         co_return failure(opened.error());
     co_await context->flush();
     Outbox &outbox = (*opened)->outbox();
-    const auto settled = side == Side::Mine ? co_await outbox.keepMine(seq) : co_await outbox.keepTheirs(seq);
+    const auto settled = side == Side::mine ? co_await outbox.keepMine(seq) : co_await outbox.keepTheirs(seq);
     if (!settled)
         co_return failure(CommandFailure::of(settled.error()));
     if (!*settled) {
@@ -89,8 +89,8 @@ void addOutboxCommand(CommandTree &tree)
         tree.add("outbox", "List the changes that wait to be sent, and settle conflicts", "Entries");
     tree.onRun(outbox, list);
     tree.onRun(CommandTree::addVerb(outbox, "flush", "Send what is waiting"), flush);
-    addSide(tree, outbox, "keep-mine", "Settle a conflict: your change is made again", Side::Mine);
-    addSide(tree, outbox, "keep-theirs", "Settle a conflict: your change is dropped", Side::Theirs);
+    addSide(tree, outbox, "keep-mine", "Settle a conflict: your change is made again", Side::mine);
+    addSide(tree, outbox, "keep-theirs", "Settle a conflict: your change is dropped", Side::theirs);
 }
 
 } // namespace orvane

@@ -56,7 +56,7 @@ CommandTask useWorkspace(Context context, std::string typed)
     co_return CommandAnswer{.output = "Using the workspace " + printable(workspace.name) + " from now on.\n"};
 }
 
-enum class SettingKind { Number, Switch, Text };
+enum class SettingKind { number, toggle, text };
 
 struct Setting {
     const char *name;
@@ -65,14 +65,14 @@ struct Setting {
 };
 
 constexpr std::array settings{
-    Setting{"weekStart", SettingKind::Number, "0 (Sunday) to 6 (Saturday)"},
-    Setting{"dateFormat", SettingKind::Text, "dd/MM/yyyy, MM/dd/yyyy, yyyy-MM-dd or dd.MM.yyyy"},
-    Setting{"timeFormat", SettingKind::Text, "24h or 12h"},
-    Setting{"durationFormat", SettingKind::Text, "hms, hm or decimal"},
-    Setting{"pomodoroEnabled", SettingKind::Switch, "on or off"},
-    Setting{"pomodoroMinutes", SettingKind::Number, "minutes of work"},
-    Setting{"pomodoroBreakMinutes", SettingKind::Number, "minutes of rest"},
-    Setting{"pomodoroAutoStop", SettingKind::Switch, "on or off"},
+    Setting{"weekStart", SettingKind::number, "0 (Sunday) to 6 (Saturday)"},
+    Setting{"dateFormat", SettingKind::text, "dd/MM/yyyy, MM/dd/yyyy, yyyy-MM-dd or dd.MM.yyyy"},
+    Setting{"timeFormat", SettingKind::text, "24h or 12h"},
+    Setting{"durationFormat", SettingKind::text, "hms, hm or decimal"},
+    Setting{"pomodoroEnabled", SettingKind::toggle, "on or off"},
+    Setting{"pomodoroMinutes", SettingKind::number, "minutes of work"},
+    Setting{"pomodoroBreakMinutes", SettingKind::number, "minutes of rest"},
+    Setting{"pomodoroAutoStop", SettingKind::toggle, "on or off"},
 };
 
 std::string shown(const RawJson &value)
@@ -126,9 +126,9 @@ std::optional<std::string> jsonValue(const std::string &value, SettingKind kind)
     bool isNumber = false;
     const qlonglong number = text.toLongLong(&isNumber);
     switch (kind) {
-    case SettingKind::Number:
+    case SettingKind::number:
         return isNumber ? std::optional(std::to_string(number)) : std::nullopt;
-    case SettingKind::Switch:
+    case SettingKind::toggle:
         for (const char *word : {"on", "true", "yes", "1"}) {
             if (text == QLatin1String(word))
                 return "true";
@@ -138,7 +138,7 @@ std::optional<std::string> jsonValue(const std::string &value, SettingKind kind)
                 return "false";
         }
         return {};
-    case SettingKind::Text:
+    case SettingKind::text:
         return encodeJson(value);
     }
     return {};

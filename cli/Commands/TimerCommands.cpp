@@ -116,17 +116,17 @@ void addTimerCommands(CommandTree &tree)
     addEntryOptions(startCommand, *options);
     tree.onRun(
         startCommand, [options](Context context) { return start(std::move(context), *options); },
-        FailureForm::Outcome);
+        FailureForm::outcome);
 
     const auto at = std::make_shared<std::optional<std::string>>();
     CLI::App *stopCommand = tree.add("stop", "Stop the timer", group);
     CommandTree::addText(stopCommand, "--at", *at, "TIME",
                          "When it ended: 930, 9:30, -15 for 15 minutes ago");
     tree.onRun(
-        stopCommand, [at](Context context) { return stop(std::move(context), *at); }, FailureForm::Outcome);
+        stopCommand, [at](Context context) { return stop(std::move(context), *at); }, FailureForm::outcome);
 
     tree.onRun(tree.add("continue", "Start the timer with what the last entry said", group), continueLast,
-               FailureForm::Outcome);
+               FailureForm::outcome);
 }
 
 } // namespace orvane

@@ -21,13 +21,13 @@ std::optional<HttpMethod> methodOf(const QHttpServerRequest &request)
     switch (request.method()) {
     case QHttpServerRequest::Method::Get:
     case QHttpServerRequest::Method::Head:
-        return HttpMethod::Get;
+        return HttpMethod::get;
     case QHttpServerRequest::Method::Post:
-        return HttpMethod::Post;
+        return HttpMethod::post;
     case QHttpServerRequest::Method::Put:
-        return HttpMethod::Put;
+        return HttpMethod::put;
     case QHttpServerRequest::Method::Delete:
-        return HttpMethod::Delete;
+        return HttpMethod::delete_;
     default:
         return std::nullopt;
     }

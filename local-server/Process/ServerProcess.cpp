@@ -27,7 +27,8 @@ constexpr char socketPeer[] = "socket";
 
 std::optional<HttpMethod> methodNamed(std::string_view name)
 {
-    for (const HttpMethod method : {HttpMethod::Get, HttpMethod::Post, HttpMethod::Put, HttpMethod::Delete}) {
+    for (const HttpMethod method :
+         {HttpMethod::get, HttpMethod::post, HttpMethod::put, HttpMethod::delete_}) {
         if (text(method) == name)
             return method;
     }
@@ -96,7 +97,7 @@ Result<ServerProcess::Outcome, std::string> ServerProcess::start()
     if (!takeFolder()) {
         if (!m_lock.error().empty())
             return failure("the data folder cannot be used: " + m_lock.error());
-        return Outcome::RunsAlready;
+        return Outcome::runsAlready;
     }
     if (auto fault = listen(); !fault.empty())
         return failure(std::move(fault));
@@ -111,7 +112,7 @@ Result<ServerProcess::Outcome, std::string> ServerProcess::start()
         qCWarning(processLog, "listening beyond this computer over plain HTTP: passwords and tokens can be "
                               "read on the way. Put a proxy with TLS in front. Registration is closed.");
     restartIdleTimer();
-    return Outcome::Serving;
+    return Outcome::serving;
 }
 
 /// False when another server has the folder. One that holds the lock but does not answer is starting or

@@ -26,7 +26,7 @@ public:
     explicit ServerProcess(ServerOptions options);
     ~ServerProcess() override;
 
-    enum class Outcome { Serving, RunsAlready };
+    enum class Outcome { serving, runsAlready };
     /// The error is a sentence for people.
     Result<Outcome, std::string> start();
     /// Where it listens, once started.

@@ -70,7 +70,7 @@ private:
                 return refusedInput(input.error());
             return handle(call, *input);
         };
-        constexpr Lane lane = Operation::method == HttpMethod::Get ? Lane::reading : Lane::writing;
+        constexpr Lane lane = Operation::method == HttpMethod::get ? Lane::reading : Lane::writing;
         m_routes[Operation::name] = {readAndHandle, Operation::wantsSignIn, lane};
     }
 

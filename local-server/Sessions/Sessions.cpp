@@ -35,13 +35,13 @@ IssuedRefresh Sessions::start(const std::string &userId, const std::optional<std
     // come.
     m_database.run("DELETE FROM sessions WHERE expires_at <= ?", now);
     const std::string id = newIdentifier();
-    sessions.insert(m_database, {id, userId, deviceName, kind == Kind::Local, isBound, now, now, now});
+    sessions.insert(m_database, {id, userId, deviceName, kind == Kind::local, isBound, now, now, now});
     return issue(id, userId, kind, now);
 }
 
 IssuedRefresh Sessions::issue(const std::string &sessionId, const std::string &userId, Kind kind, Instant now)
 {
-    const Instant expiresAt = now + (kind == Kind::Local ? localLifetime : lastingLifetime);
+    const Instant expiresAt = now + (kind == Kind::local ? localLifetime : lastingLifetime);
     IssuedRefresh issued{sessionId, userId, randomText(32), millisecondsFloor(expiresAt)};
     m_database.run("INSERT INTO refresh_tokens (digest, session_id, state, issued_at, expires_at) "
                    "VALUES (?, ?, ?, ?, ?)",
@@ -77,7 +77,7 @@ Sessions::Renewal Sessions::renew(const std::string &token, bool isProved, Insta
         boundSuccessors(found->sessionId);
     m_database.run("DELETE FROM refresh_tokens WHERE session_id = ? AND expires_at <= ?", found->sessionId,
                    now);
-    return issue(found->sessionId, found->userId, found->isLocal ? Kind::Local : Kind::Lasting, now);
+    return issue(found->sessionId, found->userId, found->isLocal ? Kind::local : Kind::lasting, now);
 }
 
 void Sessions::spend(const std::string &digest, const std::string &sessionId)

@@ -44,7 +44,7 @@ public:
     explicit Sessions(Database &database) : m_database(database) {}
 
     /// A session of the account on this computer lives for a day, others for sixty since their last use.
-    enum class Kind { Lasting, Local };
+    enum class Kind { lasting, local };
     /// A bound session's tokens are good on proved requests only.
     IssuedRefresh start(const std::string &userId, const std::optional<std::string> &deviceName, Kind kind,
                         bool isBound, Instant now);

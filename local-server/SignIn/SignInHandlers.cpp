@@ -55,7 +55,7 @@ HttpResponse registered(Call &call, const RegisterRequest &body, const std::opti
     account.fullName = trimmed(body.fullName.value_or(""));
     account.timeZone = body.timeZone.value_or("UTC");
     const std::string userId = call.accounts.create(account, call.now);
-    return jsonAnswer(201, newSession(call, userId, body.deviceName, Sessions::Kind::Lasting));
+    return jsonAnswer(201, newSession(call, userId, body.deviceName, Sessions::Kind::lasting));
 }
 
 Step register_(Call &call, const operations::Register::Input &input)
@@ -112,7 +112,7 @@ Step loggedIn(Call &call, const operations::Login::Input &input, const std::opti
         return unauthorized("The e-mail address or the password is wrong.");
     if (checked.newHash)
         call.accounts.setPassword(account->id, *checked.newHash);
-    return jsonAnswer(200, newSession(call, account->id, body.deviceName, Sessions::Kind::Lasting));
+    return jsonAnswer(200, newSession(call, account->id, body.deviceName, Sessions::Kind::lasting));
 }
 
 Step login(Call &call, const operations::Login::Input &input)
@@ -149,7 +149,7 @@ HttpResponse exchangeExternalSignIn(Call &call, const operations::ExchangeExtern
     if (!grant)
         return invalid(400, {{"code", {"This code is not valid, or no longer."}}});
     ExternalSignInResponse response;
-    response.tokens = newSession(call, grant->userId, input.body.deviceName, Sessions::Kind::Local);
+    response.tokens = newSession(call, grant->userId, input.body.deviceName, Sessions::Kind::local);
     response.isNewAccount = grant->isNewAccount;
     return jsonAnswer(200, response);
 }

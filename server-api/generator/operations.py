@@ -41,7 +41,7 @@ def files(document):
 
 
 def method_text(operation):
-    return f"HttpMethod::{operation.method.capitalize()}"
+    return f"HttpMethod::{cpp.identifier(operation.method.lower())}"
 
 
 def truth(value):

@@ -83,7 +83,7 @@ def fields(schema):
 
 
 def field(schema, member):
-    presence = ", JsonPresence::Defaulted" if is_defaulted(member) else ""
+    presence = ", JsonPresence::defaulted" if is_defaulted(member) else ""
     return f"jsonField<{cpp.quoted(member.name)}>(&{schema.name}::{cpp.identifier(member.name)}{presence})"
 
 

@@ -22,13 +22,13 @@ bool sameName(std::string_view a, std::string_view b)
 std::string_view text(HttpMethod method)
 {
     switch (method) {
-    case HttpMethod::Get:
+    case HttpMethod::get:
         return "GET";
-    case HttpMethod::Post:
+    case HttpMethod::post:
         return "POST";
-    case HttpMethod::Put:
+    case HttpMethod::put:
         return "PUT";
-    case HttpMethod::Delete:
+    case HttpMethod::delete_:
         return "DELETE";
     }
     return "GET";

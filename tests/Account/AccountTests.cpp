@@ -77,6 +77,33 @@ TEST_F(AccountTest, StaysWhereItIsWhenItCannotSignOut)
     await(account->close());
 }
 
+TEST_F(AccountTest, TellsThatTheServerIsAwayAndThatTheSessionEnded)
+{
+    const auto account = signIn();
+    ASSERT_NE(account, nullptr);
+    using Kind = AccountState::Kind;
+    AccountState &state = account->state();
+    EXPECT_EQ(state.kind(), Kind::online);
+    server.setDown(true);
+    EXPECT_FALSE(await(account->tracker().refresh(Topic::running)));
+    EXPECT_EQ(state.kind(), Kind::offline);
+    EXPECT_FALSE(state.reason().empty());
+    EXPECT_FALSE(state.nextTry()) << "a process that ends soon does nothing by the clock";
+    server.setDown(false);
+    await(account->tracker().refresh(Topic::running));
+    EXPECT_EQ(state.kind(), Kind::online);
+
+    int changes = 0;
+    QObject::connect(&state, &AccountState::changed, &state, [&] { ++changes; });
+    server.revokeAccessTokens();
+    server.revokeRefreshTokens();
+    EXPECT_FALSE(await(account->tracker().refresh(Topic::running)));
+    EXPECT_EQ(state.kind(), Kind::sessionEnded);
+    EXPECT_EQ(changes, 1);
+    EXPECT_TRUE(account->isReachable()) << "it answered, after all";
+    await(account->close());
+}
+
 TEST_F(AccountTest, LeavesASessionThatIsOver)
 {
     const auto account = signIn();

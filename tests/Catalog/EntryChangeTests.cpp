@@ -7,8 +7,8 @@
 namespace orvane {
 namespace {
 
-constexpr JsonStyle storeStyle{.dates = DateCoding::SecondsSince2001};
-constexpr JsonReading storeReading{.dates = DateCoding::SecondsSince2001};
+constexpr JsonStyle storeStyle{.dates = DateCoding::secondsSince2001};
+constexpr JsonReading storeReading{.dates = DateCoding::secondsSince2001};
 
 Instant at(std::string_view iso)
 {

@@ -29,7 +29,7 @@ Task<Answer> send(NetworkThread &thread, HttpRequest request, std::string url)
 
 HttpRequest get(std::string path)
 {
-    return {.method = HttpMethod::Get, .path = std::move(path), .headers = {}, .body = {}};
+    return {.method = HttpMethod::get, .path = std::move(path), .headers = {}, .body = {}};
 }
 
 /// Answers every request with these bytes and hangs up.
@@ -51,7 +51,7 @@ TEST(NetworkTransport, BringsAnswersOfEveryStatusWithTheirBodies)
     NetworkThread thread;
     for (const int status : {200, 201, 204, 301, 399, 400, 401, 404, 407, 412, 500, 503}) {
         HttpRequest request{
-            .method = HttpMethod::Put, .path = "/" + std::to_string(status), .headers = {}, .body = "{}"};
+            .method = HttpMethod::put, .path = "/" + std::to_string(status), .headers = {}, .body = "{}"};
         const Answer answer = await(send(thread, request, server.url()));
         ASSERT_TRUE(answer) << status << answer.error().underlying;
         EXPECT_EQ(answer->status, status);
@@ -161,7 +161,7 @@ TEST(NetworkTransport, GivesUpOnAServerThatSaysNothing)
     for (const char *path : {"/", "/half", "/body"}) {
         HttpRequest request = get(path);
         if (request.path == "/body") {
-            request.method = HttpMethod::Put;
+            request.method = HttpMethod::put;
             request.body = "{}";
         }
         const Answer answer = await(send(thread, request, server.url()));

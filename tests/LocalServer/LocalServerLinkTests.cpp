@@ -128,7 +128,7 @@ protected:
     {
         const auto hello = await(asked->hello());
         EXPECT_FALSE(hello);
-        return hello ? Kind::Failed : hello.error().kind;
+        return hello ? Kind::failed : hello.error().kind;
     }
 
     QTemporaryDir temporary;
@@ -139,13 +139,13 @@ protected:
 
 TEST_F(LocalServerLinkTest, TellsWhenNobodyIsThere)
 {
-    EXPECT_EQ(failureOf(link()), Kind::NotRunning);
+    EXPECT_EQ(failureOf(link()), Kind::notRunning);
     {
         const SocketDouble gone(folder(), {});
     }
     // Its socket stayed behind.
     EXPECT_TRUE(QFile::exists(folder() + QStringLiteral("/run/server.sock")));
-    EXPECT_EQ(failureOf(link()), Kind::NotRunning);
+    EXPECT_EQ(failureOf(link()), Kind::notRunning);
 }
 
 TEST_F(LocalServerLinkTest, ReadsOnlySensibleAnswers)
@@ -167,7 +167,7 @@ TEST_F(LocalServerLinkTest, ReadsOnlySensibleAnswers)
     for (const std::string &answer : wrong) {
         name = QString::number(++number);
         const SocketDouble server(folder(), {answer});
-        EXPECT_EQ(failureOf(link()), Kind::Failed) << answer.substr(0, 60);
+        EXPECT_EQ(failureOf(link()), Kind::failed) << answer.substr(0, 60);
     }
     name = QStringLiteral("right");
     const SocketDouble server(folder(),
@@ -183,7 +183,7 @@ TEST_F(LocalServerLinkTest, EndsATalkAtTheDeadline)
     const SocketDouble silent(folder(), {""});
     const auto link = this->link();
     link->giveUpAt(std::chrono::steady_clock::now() + 50ms);
-    EXPECT_EQ(failureOf(link), Kind::Failed);
+    EXPECT_EQ(failureOf(link), Kind::failed);
     EXPECT_FALSE(await(link->provenAnew(true))) << "and begins no other one";
 }
 
@@ -192,14 +192,14 @@ TEST_F(LocalServerLinkTest, SaysNothingInAFolderThatOthersCanReach)
     const SocketDouble server(folder(), {"{\"address\":\"http://127.0.0.1:8001\"}\n"});
     for (const mode_t mode : {0755U, 0770U, 0707U}) {
         ASSERT_EQ(::chmod(runFolder().c_str(), mode), 0);
-        EXPECT_EQ(failureOf(link()), Kind::Untrusted);
-        EXPECT_EQ(await(link()->ensureRunning(1s)).error().kind, Kind::Untrusted);
+        EXPECT_EQ(failureOf(link()), Kind::untrusted);
+        EXPECT_EQ(await(link()->ensureRunning(1s)).error().kind, Kind::untrusted);
     }
     EXPECT_EQ(server.lines(), 0);
     ASSERT_EQ(::rename(runFolder().c_str(), (runFolder() + "-real").c_str()), 0);
     ASSERT_EQ(::chmod((runFolder() + "-real").c_str(), 0700), 0);
     ASSERT_EQ(::symlink((runFolder() + "-real").c_str(), runFolder().c_str()), 0);
-    EXPECT_EQ(failureOf(link()), Kind::Untrusted);
+    EXPECT_EQ(failureOf(link()), Kind::untrusted);
     EXPECT_EQ(server.lines(), 0);
 }
 
@@ -209,13 +209,13 @@ TEST_F(LocalServerLinkTest, DoesNotTrustAnotherUsersFolder)
         GTEST_SKIP() << "only root can give a folder away";
     const SocketDouble server(folder(), {"{\"address\":\"http://127.0.0.1:8001\"}\n"});
     ASSERT_EQ(::chown(runFolder().c_str(), 65534, 65534), 0);
-    EXPECT_EQ(failureOf(link()), Kind::Untrusted);
+    EXPECT_EQ(failureOf(link()), Kind::untrusted);
     EXPECT_EQ(server.lines(), 0);
 }
 
 TEST_F(LocalServerLinkTest, SaysWhyAServerCouldNotBeStarted)
 {
-    const auto failed = [](const auto &hello) { return !hello && hello.error().kind == Kind::StartFailed; };
+    const auto failed = [](const auto &hello) { return !hello && hello.error().kind == Kind::startFailed; };
     EXPECT_TRUE(failed(await(link("/nonexistent/orvane-server")->ensureRunning(5s))));
     // Ends at once; that is noticed long before the time is up.
     EXPECT_TRUE(failed(await(link("/bin/false")->ensureRunning(60s))));
@@ -227,7 +227,7 @@ TEST_F(LocalServerLinkTest, SaysThatOthersCanWriteToTheFolder)
     ASSERT_EQ(::chmod(folder().toStdString().c_str(), 01777), 0);
     const auto hello = await(link()->ensureRunning(5s));
     ASSERT_FALSE(hello);
-    EXPECT_EQ(hello.error().kind, Kind::Untrusted);
+    EXPECT_EQ(hello.error().kind, Kind::untrusted);
     EXPECT_NE(describe(hello.error()).find("chmod 700"), std::string::npos) << describe(hello.error());
 }
 
@@ -417,7 +417,7 @@ TEST_F(StrangerTest, IsNotBelieved)
     const SocketDouble server(folder(), std::vector(4, helloWith("key")));
     for (const char *key : {"", "another key"}) {
         strangersKey = key;
-        const auto answer = send({HttpMethod::Get, "/api/me", {}, {}});
+        const auto answer = send({HttpMethod::get, "/api/me", {}, {}});
         EXPECT_FALSE(answer) << key;
     }
     EXPECT_EQ(stranger.requests().size(), 2U) << "asked once each: nobody else has taken over";
@@ -427,7 +427,7 @@ TEST_F(StrangerTest, KeepsARequestOnlyUntilTheNextServerIsProved)
 {
     const SocketDouble server(folder(), {helloWith("old key"), helloWith("new key")});
     strangersKey = "new key";
-    const auto answer = send({HttpMethod::Get, "/api/me", {}, {}});
+    const auto answer = send({HttpMethod::get, "/api/me", {}, {}});
     ASSERT_TRUE(answer) << answer.error().underlying;
     EXPECT_EQ(answer->body, "[]");
     EXPECT_EQ(stranger.requests().size(), 2U);
@@ -438,7 +438,7 @@ TEST_F(StrangerTest, SeesNoPassword)
     const SocketDouble server(folder(), {helloWith("key"), R"({"status":401,"body":"no"})"
                                                            "\n"});
     const auto answer =
-        send({HttpMethod::Post, "/api/auth/login", {}, R"({"email":"a@b.c","password":"secret"})"});
+        send({HttpMethod::post, "/api/auth/login", {}, R"({"email":"a@b.c","password":"secret"})"});
     ASSERT_TRUE(answer) << answer.error().underlying;
     EXPECT_EQ(answer->status, 401);
     EXPECT_EQ(server.lines(), 2);

@@ -174,7 +174,8 @@ TEST_F(LocalStoreTest, putsAsideWhatItCannotReadBeforeItWritesThere)
     const auto written = wait(store->load<RefusalDocument>(RefusalDocument::key));
     ASSERT_TRUE(written);
     EXPECT_EQ(written->refusals, (std::vector{refusal, refusal}));
-    const auto kept = wait(store->query("SELECT value FROM document WHERE key <> ?", {RefusalDocument::key})).value();
+    const auto kept =
+        wait(store->query("SELECT value FROM document WHERE key <> ?", {RefusalDocument::key})).value();
     EXPECT_EQ(kept, (LocalStore::Rows{{Value(StoreBlob{broken})}}));
 }
 
@@ -292,7 +293,7 @@ TEST_F(LocalStoreTest, movesAStoreWithItsCompanions)
     const StoreStatus failed =
         LocalStore::moveStore(m_path, m_folder.path().toStdString() + "/none/store.sqlite");
     ASSERT_FALSE(failed);
-    EXPECT_EQ(failed.error().kind, StoreError::Kind::CannotOpen);
+    EXPECT_EQ(failed.error().kind, StoreError::Kind::cannotOpen);
     EXPECT_EQ(bytesOf(m_path), "another");
 }
 

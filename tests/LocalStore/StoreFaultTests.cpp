@@ -61,14 +61,14 @@ private:
 TEST_F(StoreFaultTest, refusesWhatIsNotADatabase)
 {
     writeBytes(m_path, "These are my notes; please keep them.\n");
-    expectRefused(Kind::NotADatabase);
+    expectRefused(Kind::notADatabase);
     writeBytes(m_path, std::string(100'000, '\0'));
-    expectRefused(Kind::NotADatabase);
+    expectRefused(Kind::notADatabase);
 
     m_path = m_folder.path().toStdString();
-    EXPECT_EQ(openError(m_path).kind, Kind::CannotOpen);
-    EXPECT_EQ(openError("").kind, Kind::CannotOpen);
-    EXPECT_EQ(openError("/dev/null/Orvane/store.sqlite").kind, Kind::CannotOpen);
+    EXPECT_EQ(openError(m_path).kind, Kind::cannotOpen);
+    EXPECT_EQ(openError("").kind, Kind::cannotOpen);
+    EXPECT_EQ(openError("/dev/null/Orvane/store.sqlite").kind, Kind::cannotOpen);
 }
 
 TEST_F(StoreFaultTest, refusesATruncatedFile)
@@ -79,7 +79,7 @@ TEST_F(StoreFaultTest, refusesATruncatedFile)
     for (const std::size_t size : {std::size_t{10}, std::size_t{99}, std::size_t{4096}, whole.size() / 2}) {
         SCOPED_TRACE(size);
         writeBytes(m_path, std::string_view(whole).substr(0, size));
-        expectRefused(Kind::NotADatabase);
+        expectRefused(Kind::notADatabase);
     }
     writeBytes(m_path, whole);
     EXPECT_EQ(wait(openStore()->pending()).size(), 200U);
@@ -94,7 +94,7 @@ TEST_F(StoreFaultTest, keepsTheLogOfAnEmptiedFile)
     writeBytes(copy, "");
     writeBytes(copy + "-wal", log);
     m_path = copy;
-    expectRefused(Kind::NotADatabase);
+    expectRefused(Kind::notADatabase);
     EXPECT_EQ(bytesOf(copy + "-wal"), log);
 }
 
@@ -105,13 +105,13 @@ TEST_F(StoreFaultTest, refusesAFileThatCannotBeWritten)
     std::filesystem::permissions(m_path, std::filesystem::perms(0444));
     {
         const OrdinaryUser user;
-        expectRefused(Kind::ReadOnly);
+        expectRefused(Kind::readOnly);
     }
     std::filesystem::permissions(m_folder.path().toStdString(), std::filesystem::perms(0755));
     {
         const OrdinaryUser user;
         EXPECT_EQ(openError(m_folder.filePath(QStringLiteral("new.sqlite")).toStdString()).kind,
-                  Kind::CannotOpen);
+                  Kind::cannotOpen);
     }
     std::filesystem::permissions(m_path, std::filesystem::perms(0600));
     EXPECT_EQ(wait(openStore()->pending()).size(), 1U);
@@ -130,7 +130,7 @@ TEST_F(StoreFaultTest, saysThatAnotherProcessHoldsTheFile)
     fillStore(2);
     Child child("StoreChild.DISABLED_holdsTheFile", m_path);
     ASSERT_TRUE(child.line("held"));
-    expectRefused(Kind::Locked);
+    expectRefused(Kind::locked);
     child.release();
     ASSERT_EQ(child.exitCode(), 0);
     EXPECT_EQ(wait(openStore()->pending()).size(), 2U);
@@ -144,7 +144,7 @@ TEST_F(StoreFaultTest, refusesAChangeWhileAnotherWriterIsBusy)
     raw.execute("BEGIN IMMEDIATE");
     const auto refused = wait(store->enqueue(sampleChange("b")));
     ASSERT_FALSE(refused);
-    EXPECT_EQ(refused.error().kind, Kind::Locked);
+    EXPECT_EQ(refused.error().kind, Kind::locked);
     EXPECT_EQ(refused.error().message, "database is locked");
     EXPECT_FALSE(wait(store->replace(1, sampleChange("c"))));
     EXPECT_EQ(wait(store->pending()), (std::vector<PendingChange>{{1, sampleChange("a")}}));
@@ -161,7 +161,7 @@ TEST(StoreChild, DISABLED_fillsTheDisk)
     for (;;) {
         const auto seq = QCoro::waitFor(store->enqueue(sampleChange(std::to_string(accepted))));
         if (!seq) {
-            EXPECT_EQ(seq.error().kind, Kind::Full) << seq.error().message;
+            EXPECT_EQ(seq.error().kind, Kind::full) << seq.error().message;
             EXPECT_NE(describe(seq.error()).find("is full"), std::string::npos);
             break;
         }

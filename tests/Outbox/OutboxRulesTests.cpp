@@ -27,17 +27,17 @@ TimeEntryResponse entryOf(const EntryRequest &request)
 TEST(OutboxRules, TellsConflictTransientAndRefusalApart)
 {
     const std::string changed(entryChangedProblemType);
-    EXPECT_EQ(classify(refusal(412, changed, TimeEntryResponse{})), FailureKind::Conflict);
-    EXPECT_EQ(classify(refusal(412, changed)), FailureKind::Refusal)
+    EXPECT_EQ(classify(refusal(412, changed, TimeEntryResponse{})), FailureKind::conflict);
+    EXPECT_EQ(classify(refusal(412, changed)), FailureKind::refusal)
         << "without the server's entry nothing can be settled";
-    EXPECT_EQ(classify(refusal(412, "urn:other", TimeEntryResponse{})), FailureKind::Refusal);
-    EXPECT_EQ(classify(refusal(409, changed, TimeEntryResponse{})), FailureKind::Refusal);
+    EXPECT_EQ(classify(refusal(412, "urn:other", TimeEntryResponse{})), FailureKind::refusal);
+    EXPECT_EQ(classify(refusal(409, changed, TimeEntryResponse{})), FailureKind::refusal);
     for (const int status : {500, 503, 599, 401, 408, 429})
-        EXPECT_EQ(classify(refusal(status)), FailureKind::Transient) << status;
+        EXPECT_EQ(classify(refusal(status)), FailureKind::transient) << status;
     for (const int status : {400, 403, 404, 409, 422, 451})
-        EXPECT_EQ(classify(refusal(status)), FailureKind::Refusal) << status;
-    EXPECT_EQ(classify(ConnectionError{"cut"}), FailureKind::Transient);
-    EXPECT_EQ(classify(DecodingError{"garbage"}), FailureKind::Transient);
+        EXPECT_EQ(classify(refusal(status)), FailureKind::refusal) << status;
+    EXPECT_EQ(classify(ConnectionError{"cut"}), FailureKind::transient);
+    EXPECT_EQ(classify(DecodingError{"garbage"}), FailureKind::transient);
 }
 
 TEST(OutboxRules, RetriesSlowDownToAMinute)

@@ -108,6 +108,27 @@ TEST_F(OutboxSharingTest, TheSameFieldTwiceIsForTheUserToSettle)
     EXPECT_EQ(one.outbox->conflicts().size(), 1U);
 }
 
+TEST_F(OutboxSharingTest, AChangeOverARemovalThatItsUserDidNotSeeAsks)
+{
+    // This computer's other program moves the start, then removes the entry over what another device changed.
+    EXPECT_TRUE(isSent(
+        await(submit(two.outbox.get(), edit([](auto &mine) { mine.start -= std::chrono::minutes{5}; })))));
+    const TimeEntryResponse moved = held(id);
+    changeElsewhere(moved, "elsewhere");
+    const Submission removal{EntryChange{EntryChange::Delete{id, moved.workspaceId, moved.version}}, moved};
+    EXPECT_FALSE(isSent(await(submit(two.outbox.get(), removal))));
+    ASSERT_EQ(two.outbox->conflicts().size(), 1U);
+    // This one knows of none of it.
+    EXPECT_FALSE(isSent(
+        await(submit(one.outbox.get(), edit([](auto &mine) { mine.start -= std::chrono::minutes{9}; })))));
+    ASSERT_TRUE(*await(two.outbox->keepTheirs(two.outbox->conflicts().front().seq)));
+    await(one.outbox->flush());
+    EXPECT_EQ(held(id).start, moved.start) << "not overwritten by who never saw it";
+    ASSERT_EQ(one.outbox->conflicts().size(), 1U);
+    ASSERT_TRUE(*await(one.outbox->keepMine(one.outbox->conflicts().front().seq)));
+    EXPECT_EQ(held(id).start, seen.start - std::chrono::minutes{9});
+}
+
 TEST_F(OutboxSharingTest, OfTwoStopsByOneHandTheFirstStands)
 {
     const TimeEntryResponse running = startTimer();

@@ -201,7 +201,7 @@ TEST_F(OutboxTest, SendsNothingToAnotherAccountThanTheStores)
 {
     bool isOurs = false;
     const auto answer = [](bool isAllowed) -> Task<Outbox::SendVerdict> {
-        co_return isAllowed ? Outbox::SendVerdict::Allowed : Outbox::SendVerdict::NotOurs;
+        co_return isAllowed ? Outbox::SendVerdict::allowed : Outbox::SendVerdict::notOurs;
     };
     auto [outbox, retry] = stack.openOutbox([&] { return answer(isOurs); });
     queue(*outbox, {create(newId(), "private", 0)});

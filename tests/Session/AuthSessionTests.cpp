@@ -266,7 +266,7 @@ TEST_F(AuthSessionTest, KeepsEverythingWhileTheServerIsAway)
         const auto refused = request();
         ASSERT_FALSE(refused) << trouble.status;
         EXPECT_NE(statusOf(refused.error()), 401) << trouble.status;
-        EXPECT_EQ(classify(refused.error()), FailureKind::Transient) << trouble.status;
+        EXPECT_EQ(classify(refused.error()), FailureKind::transient) << trouble.status;
     }
     EXPECT_EQ(await(store->read(proxy.url())), "r1");
     EXPECT_TRUE(request());

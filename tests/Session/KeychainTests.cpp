@@ -88,7 +88,7 @@ protected:
 
 TEST_F(KeyringTest, KeepsTokensByServiceAndAccount)
 {
-    EXPECT_EQ(on(thread, [] { return Keychain::probe(); }), Keychain::Health::Works);
+    EXPECT_EQ(on(thread, [] { return Keychain::probe(); }), Keychain::Health::works);
     const auto one = make();
     const auto two = make("com.orvanetrack.test.0123456789abcdef");
     write(one, "first", "http://a.example");
@@ -120,7 +120,7 @@ TEST_F(KeyringTest, DoesNotHangWhenLocked)
     // What this process knows still serves it; another one has nothing to go by.
     EXPECT_EQ(read(keychain, "http://a.example"), "token");
     EXPECT_EQ(read(make(), "http://a.example"), std::nullopt);
-    EXPECT_NE(on(thread, [] { return Keychain::probe(1s); }), Keychain::Health::Works);
+    EXPECT_NE(on(thread, [] { return Keychain::probe(1s); }), Keychain::Health::works);
     EXPECT_LT(timer.elapsed(), 8000);
 }
 

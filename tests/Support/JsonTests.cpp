@@ -99,7 +99,7 @@ struct JsonFields<Everything> {
                                                jsonField<"step">(&Everything::step),
                                                jsonField<"wrapped">(&Everything::wrapped),
                                                jsonField<"bits">(&Everything::bits),
-                                               jsonField<"tags">(&Everything::tags, JsonPresence::Defaulted)};
+                                               jsonField<"tags">(&Everything::tags, JsonPresence::defaulted)};
 };
 
 } // namespace orvane
@@ -167,11 +167,11 @@ TEST(Json, writesAndReadsEveryKindOfMember)
 
 TEST(Json, codesDatesAsSecondsForTheStore)
 {
-    const std::string text = encodeJson(sample(), {.dates = DateCoding::SecondsSince2001});
+    const std::string text = encodeJson(sample(), {.dates = DateCoding::secondsSince2001});
     EXPECT_NE(text.find(R"("when":794048400.123,"day":"2026-03-01")"), std::string::npos) << text;
-    EXPECT_EQ(decodeJson<Everything>(text, {.dates = DateCoding::SecondsSince2001}), sample());
+    EXPECT_EQ(decodeJson<Everything>(text, {.dates = DateCoding::secondsSince2001}), sample());
     EXPECT_EQ(errorOf(text), (JsonError{"when", "is not a date"}));
-    EXPECT_EQ(errorOf(sampleText, {.dates = DateCoding::SecondsSince2001}),
+    EXPECT_EQ(errorOf(sampleText, {.dates = DateCoding::secondsSince2001}),
               (JsonError{"when", "is not a date"}));
 }
 

@@ -3,6 +3,7 @@
 #include "Account/Account.h"
 #include "Catalog/EntryConversions.h"
 #include "Client/OrvaneClient.h"
+#include "Http/NetworkThread.h"
 #include "Time/AppClock.h"
 #include "support/AccountStack.h"
 #include "support/Await.h"
@@ -58,13 +59,40 @@ protected:
     Installation installation{folder.folder()};
 };
 
+TEST_F(TrackerTest, SendsARequestOfItsOwnWithTheServersProof)
+{
+    // As who opens a connection of another kind has to.
+    const auto account = open();
+    ASSERT_TRUE(account);
+    HttpRequest request;
+    request.path = "/api/me";
+    const auto token = await(account->access().session()->validAccessToken());
+    ASSERT_TRUE(token);
+    request.headers.set("Authorization", "Bearer " + *token);
+    NetworkThread network;
+    const auto send = [&](const HttpRequest &one, const std::string &address) {
+        return await(network.run(
+            [&network, one, address] { return network.transport()->send(one, address, nullptr); }));
+    };
+    const auto bare = send(request, account->server());
+    ASSERT_TRUE(bare);
+    EXPECT_EQ(bare->status, 401) << "the token is bound to the proof";
+    const auto proven = await(account->access().proven(request));
+    ASSERT_TRUE(proven);
+    EXPECT_EQ(proven->address, account->server());
+    const auto answer = send(proven->request, proven->address);
+    ASSERT_TRUE(answer);
+    EXPECT_EQ(answer->status, 200);
+    await(account->close());
+}
+
 TEST_F(TrackerTest, TracksAcrossARestartWithoutTheServer)
 {
     auto account = open();
     ASSERT_TRUE(account);
     EXPECT_TRUE(account->isAutomatic());
     await(account->tracker().load());
-    ASSERT_EQ(account->tracker().state(), LoadState::Loaded);
+    ASSERT_EQ(account->tracker().state(), LoadState::loaded);
     const SaveResult started =
         await(account->tracker().start(details("Write the README"), AppClock::now() - minutes{30}));
     EXPECT_EQ(started.outcome, SaveOutcome::saved) << started.message;
@@ -87,7 +115,7 @@ TEST_F(TrackerTest, TracksAcrossARestartWithoutTheServer)
     EXPECT_TRUE(stopped.isQueued);
     EXPECT_FALSE(account->tracker().running());
     await(account->tracker().load());
-    EXPECT_EQ(account->tracker().state(), LoadState::Failed);
+    EXPECT_EQ(account->tracker().state(), LoadState::failed);
     EXPECT_EQ(account->tracker().entries().size(), 2U) << "a failed load takes nothing away";
     EXPECT_FALSE(await(account->tracker().loadWeekBefore()));
     EXPECT_EQ(account->tracker().weeksLoaded(), 0);

@@ -7,7 +7,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
 {
     using namespace orvane;
     const std::string_view text(reinterpret_cast<const char *>(data), size);
-    for (const DateCoding dates : {DateCoding::SecondsSince2001, DateCoding::Iso8601}) {
+    for (const DateCoding dates : {DateCoding::secondsSince2001, DateCoding::iso8601}) {
         const auto change = decodeJson<EntryChange>(text, {.dates = dates});
         if (!change)
             continue;

@@ -31,7 +31,7 @@ void check(std::string_view text, DateCoding dates)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     const std::string_view text(reinterpret_cast<const char *>(data), size);
-    for (const DateCoding dates : {DateCoding::Iso8601, DateCoding::SecondsSince2001}) {
+    for (const DateCoding dates : {DateCoding::iso8601, DateCoding::secondsSince2001}) {
         check<TimeEntryResponse>(text, dates);
         check<std::vector<TimeEntryResponse>>(text, dates);
         check<TimeEntryRequest>(text, dates);

@@ -57,13 +57,13 @@ HttpMethod methodFrom(char letter)
 {
     switch (letter) {
     case 'P':
-        return HttpMethod::Post;
+        return HttpMethod::post;
     case 'U':
-        return HttpMethod::Put;
+        return HttpMethod::put;
     case 'D':
-        return HttpMethod::Delete;
+        return HttpMethod::delete_;
     default:
-        return HttpMethod::Get;
+        return HttpMethod::get;
     }
 }
 

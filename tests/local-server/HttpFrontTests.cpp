@@ -106,7 +106,7 @@ TEST_F(Front, AHeadIsAGetWithoutItsBody)
 {
     say("HEAD", "/thing");
     ASSERT_TRUE(arrived(1));
-    EXPECT_EQ(asked[0].request.method, HttpMethod::Get);
+    EXPECT_EQ(asked[0].request.method, HttpMethod::get);
     answer(0, "body");
     heardUntil("\r\n\r\n");
     EXPECT_NE(heard.find("Content-Length: 4"), std::string::npos) << heard;

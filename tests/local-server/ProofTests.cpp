@@ -70,7 +70,7 @@ TEST_F(Proof, VouchesForTheWholeRequest)
         return request.headers.find(linkProofHeader).value_or("");
     };
     for (const auto &change : std::initializer_list<std::function<void(HttpRequest &)>>{
-             [](HttpRequest &request) { request.method = HttpMethod::Put; },
+             [](HttpRequest &request) { request.method = HttpMethod::put; },
              [](HttpRequest &request) { request.path += "?a=b"; },
              [](HttpRequest &request) { request.body += ' '; },
              [](HttpRequest &request) { request.headers.set("Authorization", "Bearer other"); },

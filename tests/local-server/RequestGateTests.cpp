@@ -154,18 +154,18 @@ TEST_F(Requests, BodiesAreJsonOfABoundedSize)
 
 TEST_F(Requests, WhatThereIsNotIsSaidPlainly)
 {
-    EXPECT_EQ(raw(HttpMethod::Get, "/").status, 404);
-    EXPECT_EQ(raw(HttpMethod::Get, "/api/nothing").status, 404);
-    EXPECT_EQ(raw(HttpMethod::Get, "/api/%zz").status, 404);
-    const HttpResponse wrongMethod = raw(HttpMethod::Put, "/api/auth/login");
+    EXPECT_EQ(raw(HttpMethod::get, "/").status, 404);
+    EXPECT_EQ(raw(HttpMethod::get, "/api/nothing").status, 404);
+    EXPECT_EQ(raw(HttpMethod::get, "/api/%zz").status, 404);
+    const HttpResponse wrongMethod = raw(HttpMethod::put, "/api/auth/login");
     EXPECT_EQ(wrongMethod.status, 405);
     EXPECT_EQ(wrongMethod.headers.find("Allow"), "POST");
-    const HttpResponse notServed = raw(HttpMethod::Get, "/api/me/export");
+    const HttpResponse notServed = raw(HttpMethod::get, "/api/me/export");
     EXPECT_EQ(notServed.status, 501);
     const auto problem = decodeJson<ProblemDetails>(notServed.body);
     ASSERT_TRUE(problem);
     EXPECT_EQ(problem->status, 501);
-    EXPECT_EQ(raw(HttpMethod::Get, "/api/me").status, 401);
+    EXPECT_EQ(raw(HttpMethod::get, "/api/me").status, 401);
 }
 
 TEST_F(Requests, BrokenInputIsRefusedWithTheFieldAtFault)
@@ -175,10 +175,10 @@ TEST_F(Requests, BrokenInputIsRefusedWithTheFieldAtFault)
     const std::string deep = std::string(100'000, '[');
     for (const std::string &body : {std::string(), std::string("{"), std::string("[]"), std::string("null"),
                                     std::string("\xff\xfe"), deep, std::string("{}{}")})
-        EXPECT_EQ(raw(HttpMethod::Post, path, body).status, 400) << body.substr(0, 20);
+        EXPECT_EQ(raw(HttpMethod::post, path, body).status, 400) << body.substr(0, 20);
 
     const auto create = [&](const std::string &start, const std::string &percent) {
-        return raw(HttpMethod::Post, path,
+        return raw(HttpMethod::post, path,
                    R"({"id":"a","description":"","tagIds":[],"isBillable":false,"describeParts":false,)"
                    R"("start":)" +
                        start + R"(,"shares":[{"isBillable":true,"description":"","percent":)" + percent +
@@ -193,8 +193,8 @@ TEST_F(Requests, BrokenInputIsRefusedWithTheFieldAtFault)
         1U);
     EXPECT_EQ(fieldErrors(create(R"("2026-03-01T09:00:00Z")", "101")).count("shares[0].percent"), 1U);
     EXPECT_EQ(create(R"("2026-03-01T09:00:00Z")", "100").status, 201);
-    EXPECT_EQ(fieldErrors(raw(HttpMethod::Get, path + "?from=x&to=2026-03-01T09:00:00Z")).count("from"), 1U);
-    EXPECT_EQ(raw(HttpMethod::Get, path + "?from=%zz").status, 400);
+    EXPECT_EQ(fieldErrors(raw(HttpMethod::get, path + "?from=x&to=2026-03-01T09:00:00Z")).count("from"), 1U);
+    EXPECT_EQ(raw(HttpMethod::get, path + "?from=%zz").status, 400);
 }
 
 } // namespace orvane::server

@@ -44,7 +44,7 @@ TEST(Operation, escapesArgumentsAndWritesQueriesInOrder)
 {
     const HttpRequest request = ListTimeEntries::request(
         {.workspaceId = "../w?x=1#\xC3\xA4 ", .from = morning, .to = morning + 1h + 1ms});
-    EXPECT_EQ(request.method, HttpMethod::Get);
+    EXPECT_EQ(request.method, HttpMethod::get);
     EXPECT_EQ(request.path,
               "/api/workspaces/..%2Fw%3Fx%3D1%23%C3%A4%20/time-entries?from=2026-03-01T09%3A00%3A00.000Z"
               "&to=2026-03-01T10%3A00%3A00.001Z");
@@ -70,7 +70,7 @@ TEST(Operation, sendsTheVersionThatAChangeWasMadeAgainst)
 {
     const HttpRequest request =
         DeleteTimeEntry::request({.workspaceId = "w", .entryId = "e", .ifMatch = "v1"});
-    EXPECT_EQ(request.method, HttpMethod::Delete);
+    EXPECT_EQ(request.method, HttpMethod::delete_);
     EXPECT_EQ(request.headers.find("if-match"), "v1");
 }
 

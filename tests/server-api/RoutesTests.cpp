@@ -13,12 +13,12 @@ using ::testing::IsEmpty;
 using ::testing::UnorderedElementsAre;
 
 constexpr OperationInfo someOperations[]{
-    {"List", HttpMethod::Get, "/things", 1},
-    {"Read", HttpMethod::Get, "/things/{id}", 2},
-    {"Write", HttpMethod::Put, "/things/{id}", 3},
-    {"Current", HttpMethod::Get, "/things/current", 4},
-    {"Parts", HttpMethod::Get, "/things/{id}/parts/{part}", 5},
-    {"Refresh", HttpMethod::Post, "/things/current/refresh", 6},
+    {"List", HttpMethod::get, "/things", 1},
+    {"Read", HttpMethod::get, "/things/{id}", 2},
+    {"Write", HttpMethod::put, "/things/{id}", 3},
+    {"Current", HttpMethod::get, "/things/current", 4},
+    {"Parts", HttpMethod::get, "/things/{id}/parts/{part}", 5},
+    {"Refresh", HttpMethod::post, "/things/current/refresh", 6},
 };
 
 std::string nameOf(HttpMethod method, std::string_view path)
@@ -35,19 +35,19 @@ std::string nameOf(HttpMethod method, std::string_view path)
 
 TEST(Routes, decodeArgumentsAndPreferFixedSegments)
 {
-    EXPECT_EQ(nameOf(HttpMethod::Get, "/things"), "List");
-    EXPECT_EQ(nameOf(HttpMethod::Get, "/things?x=/y"), "List");
-    EXPECT_EQ(nameOf(HttpMethod::Get, "/things/a%2Fb%20%C3%A4+"), "Read [a/b \xC3\xA4+]");
-    EXPECT_EQ(nameOf(HttpMethod::Get, "/things/current"), "Current");
-    EXPECT_EQ(nameOf(HttpMethod::Get, "/%74hings/curren%74"), "Current");
-    EXPECT_EQ(nameOf(HttpMethod::Get, "/things/1/parts/2"), "Parts [1] [2]");
+    EXPECT_EQ(nameOf(HttpMethod::get, "/things"), "List");
+    EXPECT_EQ(nameOf(HttpMethod::get, "/things?x=/y"), "List");
+    EXPECT_EQ(nameOf(HttpMethod::get, "/things/a%2Fb%20%C3%A4+"), "Read [a/b \xC3\xA4+]");
+    EXPECT_EQ(nameOf(HttpMethod::get, "/things/current"), "Current");
+    EXPECT_EQ(nameOf(HttpMethod::get, "/%74hings/curren%74"), "Current");
+    EXPECT_EQ(nameOf(HttpMethod::get, "/things/1/parts/2"), "Parts [1] [2]");
 }
 
 TEST(Routes, goBackToAnArgumentWhereAFixedSegmentLeadsNowhere)
 {
-    EXPECT_EQ(nameOf(HttpMethod::Put, "/things/current"), "Write [current]");
-    EXPECT_EQ(nameOf(HttpMethod::Get, "/things/current/parts/2"), "Parts [current] [2]");
-    EXPECT_EQ(nameOf(HttpMethod::Post, "/things/other/refresh"), "");
+    EXPECT_EQ(nameOf(HttpMethod::put, "/things/current"), "Write [current]");
+    EXPECT_EQ(nameOf(HttpMethod::get, "/things/current/parts/2"), "Parts [current] [2]");
+    EXPECT_EQ(nameOf(HttpMethod::post, "/things/other/refresh"), "");
 }
 
 TEST(Routes, refuseOtherPathsAndBadEncodings)
@@ -56,19 +56,19 @@ TEST(Routes, refuseOtherPathsAndBadEncodings)
          {"", "things", "/", "/thing", "/things/", "//things", "/things//parts/2", "/things/1/parts",
           "/things/1/parts/2/", "/things/%", "/things/%4", "/things/%zz", "/things/%FF", "/things/%C3",
           "/things/%ED%A0%80", "/Things", "?/things"})
-        EXPECT_EQ(nameOf(HttpMethod::Get, path), "") << path;
+        EXPECT_EQ(nameOf(HttpMethod::get, path), "") << path;
 }
 
 TEST(Routes, tellTheMethodsOfAPath)
 {
     const RouteTable table(someOperations);
-    EXPECT_THAT(table.methods("/things/1"), ElementsAre(HttpMethod::Get, HttpMethod::Put));
-    EXPECT_THAT(table.methods("/things/current"), UnorderedElementsAre(HttpMethod::Get, HttpMethod::Put));
-    EXPECT_THAT(table.methods("/things/current/refresh"), ElementsAre(HttpMethod::Post));
+    EXPECT_THAT(table.methods("/things/1"), ElementsAre(HttpMethod::get, HttpMethod::put));
+    EXPECT_THAT(table.methods("/things/current"), UnorderedElementsAre(HttpMethod::get, HttpMethod::put));
+    EXPECT_THAT(table.methods("/things/current/refresh"), ElementsAre(HttpMethod::post));
     EXPECT_THAT(table.methods("/nothing"), IsEmpty());
     EXPECT_THAT(table.methods("/things/%"), IsEmpty());
     EXPECT_THAT(routeMethods("/api/workspaces/w/time-entries"),
-                UnorderedElementsAre(HttpMethod::Get, HttpMethod::Post));
+                UnorderedElementsAre(HttpMethod::get, HttpMethod::post));
 }
 
 TEST(UriText, everyByteOfTextSurvives)

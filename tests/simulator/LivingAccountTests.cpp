@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What a process that stays open does by itself: it knows how it stands with the server, comes back, and tells
-// everybody who listens.
+// What a process that stays open does by itself: it knows how it stands with the server, comes back, and
+// tells everybody who listens.
 #include "simulator/LivingAccountTest.h"
 
 namespace orvane::simulator {
@@ -37,7 +37,7 @@ TEST_F(LivingAccountTest, KnowsHowItStandsAndComesBackByItself)
     EXPECT_FALSE(state.reason().empty());
     ASSERT_TRUE(state.nextTry());
     EXPECT_GE(*state.nextTry(), world.now());
-    EXPECT_EQ(window->tracker().state(), LoadState::Loaded) << "what was asked for quietly fails quietly";
+    EXPECT_EQ(window->tracker().state(), LoadState::loaded) << "what was asked for quietly fails quietly";
     world.runUntil(world.now() + minutes{10});
     EXPECT_EQ(state.kind(), Kind::offline);
     recordElsewhere("meanwhile", world.now() - hours{2});
@@ -93,7 +93,8 @@ TEST_F(LivingAccountTest, TellsEveryListenerWhichEntriesAndDaysChanged)
     EXPECT_EQ(run(first.update(id, request)).outcome, SaveOutcome::saved);
     EXPECT_EQ(heard, (EntriesChange{{id}, {today, today.adding(-1)}}));
 
-    // A start ends what runs, here without a word of the server. Who has not looked for a while is told too much.
+    // A start ends what runs, here without a word of the server. Who has not looked for a while is told too
+    // much.
     const std::string ended = run(first.start(details("a"), world.now())).entry->id;
     link->isUp = false;
     EXPECT_EQ(second.running()->id, ended);

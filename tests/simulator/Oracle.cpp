@@ -24,17 +24,17 @@ std::string textOf(const Oracle::Deed &deed)
 
 bool isIn(Oracle::Fate fate)
 {
-    return fate == Oracle::Fate::Taken;
+    return fate == Oracle::Fate::taken;
 }
 
 } // namespace
 
 Contents contentsOf(const TimeEntryResponse &entry)
 {
-    Contents contents{{Field::Description, entry.description},
-                      {Field::Start, std::to_string(millisecondsSinceEpoch(entry.start))}};
+    Contents contents{{Field::description, entry.description},
+                      {Field::start, std::to_string(millisecondsSinceEpoch(entry.start))}};
     if (entry.stop)
-        contents[Field::Stop] = std::to_string(millisecondsSinceEpoch(*entry.stop));
+        contents[Field::stop] = std::to_string(millisecondsSinceEpoch(*entry.stop));
     return contents;
 }
 
@@ -67,7 +67,7 @@ void Oracle::keptTheirs(int id, const TimeEntryResponse &current)
     settled(id);
     // Theirs may show the deed itself, when its answer was lost and others went on from it.
     const bool isInTheirs = behind(current.id, contentsOf(current)).contains(id);
-    tell(id, isInTheirs || deed(id).isMadeAnew ? Fate::Unknown : Fate::Dropped);
+    tell(id, isInTheirs || deed(id).isMadeAnew ? Fate::unknown : Fate::dropped);
 }
 
 /// What was made on top of a settled change may ask again, in the light of how it was settled; and a second
@@ -84,7 +84,7 @@ std::optional<int> Oracle::deedLike(const std::string &device, const std::string
                                     const Contents &contents) const
 {
     const auto isLike = [&](const Deed *deed) {
-        return deed->device == device && deed->kind == kind && deed->fate == Fate::Unknown &&
+        return deed->device == device && deed->kind == kind && deed->fate == Fate::unknown &&
                std::ranges::all_of(deed->writes, [&](const auto &item) {
                    const auto found = contents.find(item.first);
                    return found != contents.end() && found->second == item.second;
@@ -124,7 +124,7 @@ bool Oracle::knows(const Deed &deed, const Deed &other) const
         std::set<int> more = this->deed(next).seen;
         // The stops of one hand are one.
         for (const Deed *stop : on(this->deed(next).entry)) {
-            if (stop->kind == Kind::Stop && this->deed(next).kind == Kind::Stop &&
+            if (stop->kind == Kind::stop && this->deed(next).kind == Kind::stop &&
                 stop->device == this->deed(next).device)
                 more.insert(stop->id);
         }
@@ -141,7 +141,7 @@ bool Oracle::knows(const Deed &deed, const Deed &other) const
 bool Oracle::isAnothersStart(const std::string &value) const
 {
     return std::ranges::any_of(m_writer, [&](const auto &written) {
-        return std::get<1>(written.first) == Field::Start && std::get<2>(written.first) == value;
+        return std::get<1>(written.first) == Field::start && std::get<2>(written.first) == value;
     });
 }
 
@@ -163,23 +163,23 @@ std::optional<std::string> Oracle::judgeConflict(int id, const TimeEntryResponse
         // A snapshot can be older than what is queued over it.
         const auto shown = mine.shown.find(item.first);
         if (mine.writes.contains(item.first) && (shown == mine.shown.end() || shown->second != item.second) &&
-            mine.kind == Kind::Edit && mine.writes.at(item.first) != item.second)
+            mine.kind == Kind::edit && mine.writes.at(item.first) != item.second)
             return true;
         // The server's own doing, as when another timer's start ends this one.
-        if (writer == m_writer.end() || (item.first == Field::Stop && isAnothersStart(item.second)))
+        if (writer == m_writer.end() || (item.first == Field::stop && isAnothersStart(item.second)))
             return true;
         const Deed &other = deed(writer->second);
         // Whoever edits an end has seen one, which may have been the server's doing; and what was made anew
         // stood
         // against something that is hidden by it now.
-        if (other.isMadeAnew || (item.first == Field::Stop && other.kind == Kind::Edit))
+        if (other.isMadeAnew || (item.first == Field::stop && other.kind == Kind::edit))
             return true;
         if (other.id == mine.id || mine.seen.contains(other.id))
             return false;
         // Of two programs on one device only the same field twice is a conflict, and never two stops.
         if (other.device == mine.device)
-            return mine.kind == Kind::Remove || (mine.writes.contains(item.first) &&
-                                                 !(mine.kind == Kind::Stop && other.kind == Kind::Stop));
+            return mine.kind == Kind::remove || (mine.writes.contains(item.first) &&
+                                                 !(mine.kind == Kind::stop && other.kind == Kind::stop));
         return true;
     };
     const auto isForeign = [&](int other) {
@@ -199,8 +199,8 @@ void Oracle::keptMine(int id, const TimeEntryResponse &current)
     deed.seen.insert(known.begin(), known.end());
     deed.seen.erase(id);
     deed.isMadeAnew = true;
-    if (deed.fate == Fate::Dropped)
-        deed.fate = Fate::Taken;
+    if (deed.fate == Fate::dropped)
+        deed.fate = Fate::taken;
 }
 
 std::vector<std::string> Oracle::judge(const std::vector<TimeEntryResponse> &held) const
@@ -229,17 +229,17 @@ void Oracle::judgeAbsent(const std::string &entry, std::vector<std::string> &fau
 {
     const std::vector<const Deed *> deeds = on(entry);
     const auto mayHaveRemoved = [](const Deed *deed) {
-        return deed->kind == Kind::Remove && (deed->fate == Fate::Taken || deed->fate == Fate::Unknown);
+        return deed->kind == Kind::remove && (deed->fate == Fate::taken || deed->fate == Fate::unknown);
     };
     if (std::ranges::none_of(deeds, mayHaveRemoved)) {
         const auto made = std::ranges::find_if(
-            deeds, [](const Deed *deed) { return deed->kind == Kind::Create && isIn(deed->fate); });
+            deeds, [](const Deed *deed) { return deed->kind == Kind::create && isIn(deed->fate); });
         if (made != deeds.end())
             faults.push_back(entry + " is lost: " + textOf(**made) + " was taken and nobody removed it");
         return;
     }
     for (const Deed *lost : deeds) {
-        if (lost->kind == Kind::Remove || !isIn(lost->fate))
+        if (lost->kind == Kind::remove || !isIn(lost->fate))
             continue;
         const bool isKnown = std::ranges::any_of(deeds, [&](const Deed *other) {
             return mayHaveRemoved(other) && (knows(*other, *lost) || sawOtherStop(*lost, *other));
@@ -252,21 +252,21 @@ void Oracle::judgeAbsent(const std::string &entry, std::vector<std::string> &fau
 void Oracle::judgePresent(const TimeEntryResponse &held, std::vector<std::string> &faults) const
 {
     for (const Deed *deed : on(held.id)) {
-        if (deed->kind == Kind::Remove && isIn(deed->fate))
+        if (deed->kind == Kind::remove && isIn(deed->fate))
             faults.push_back(held.id + " is there, though " + textOf(*deed) + " was taken");
-        if (deed->kind == Kind::Create && deed->fate == Fate::Refused)
+        if (deed->kind == Kind::create && deed->fate == Fate::refused)
             faults.push_back(held.id + " is there, though " + textOf(*deed) + " was refused");
     }
-    for (const Field field : {Field::Description, Field::Start, Field::Stop})
+    for (const Field field : {Field::description, Field::start, Field::stop})
         judgeField(held, field, faults);
 }
 
 /// Of two stops by one hand the first one's time stands, and whoever saw that could not see the second.
 bool Oracle::sawOtherStop(const Deed &lost, const Deed &seer) const
 {
-    return lost.kind == Kind::Stop && std::ranges::any_of(on(lost.entry), [&](const Deed *other) {
-               return other->kind != Kind::Create && other->device == lost.device && other->id != lost.id &&
-                      other->writes.contains(Field::Stop) && knows(seer, *other);
+    return lost.kind == Kind::stop && std::ranges::any_of(on(lost.entry), [&](const Deed *other) {
+               return other->kind != Kind::create && other->device == lost.device && other->id != lost.id &&
+                      other->writes.contains(Field::stop) && knows(seer, *other);
            });
 }
 
@@ -275,7 +275,7 @@ bool Oracle::mayGiveWay(const Deed &lost, const Deed &standing, Field field) con
 {
     if (knows(standing, lost))
         return true;
-    return field == Field::Stop && sawOtherStop(lost, standing);
+    return field == Field::stop && sawOtherStop(lost, standing);
 }
 
 void Oracle::judgeField(const TimeEntryResponse &held, Field field, std::vector<std::string> &faults) const
@@ -286,7 +286,7 @@ void Oracle::judgeField(const TimeEntryResponse &held, Field field, std::vector<
     for (const Deed *deed : on(held.id)) {
         const auto written = deed->writes.find(field);
         if (value != contents.end() && written != deed->writes.end() && written->second == value->second &&
-            (deed->fate == Fate::Taken || deed->fate == Fate::Unknown))
+            (deed->fate == Fate::taken || deed->fate == Fate::unknown))
             standing.push_back(deed);
     }
     for (const Deed *lost : on(held.id)) {
@@ -302,7 +302,7 @@ void Oracle::judgeField(const TimeEntryResponse &held, Field field, std::vector<
                                                : textOf(*standing.front()) + " had not seen it"));
     }
     const bool isWritten = value != contents.end() && m_writer.contains({held.id, field, value->second});
-    if (isWritten && standing.empty() && !(field == Field::Stop && isAnothersStart(value->second)))
+    if (isWritten && standing.empty() && !(field == Field::stop && isAnothersStart(value->second)))
         faults.push_back(held.id + ": the " + nameOf(field) + " is one that was refused or given up");
 }
 

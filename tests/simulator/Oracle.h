@@ -12,7 +12,7 @@
 
 namespace orvane::simulator {
 
-enum class Field { Description, Start, Stop };
+enum class Field { description, start, stop };
 
 /// What an entry says in the fields that users change here; every value is written once only, so it names the
 /// action that it came from.
@@ -24,23 +24,23 @@ Contents contentsOf(const TimeEntryResponse &entry);
 /// end. A user's action on an entry is a `Deed`.
 class Oracle {
 public:
-    enum class Kind { Create, Edit, Stop, Remove };
+    enum class Kind { create, edit, stop, remove };
     enum class Fate {
-        Unknown, ///< never answered, since the process ended: it may have happened
-        Taken,   ///< recorded, as far as the user was told
-        Refused, ///< told to be refused
-        Dropped  ///< given up by the user for somebody else's change
+        unknown, ///< never answered, since the process ended: it may have happened
+        taken,   ///< recorded, as far as the user was told
+        refused, ///< told to be refused
+        dropped  ///< given up by the user for somebody else's change
     };
     struct Deed {
         int id = 0;
         std::string device;
         std::string entry;
-        Kind kind = Kind::Edit;
+        Kind kind = Kind::edit;
         Contents writes;
         /// The deeds whose outcome was on the screen, and those behind them.
         std::set<int> seen;
         Contents shown = {};
-        Fate fate = Fate::Unknown;
+        Fate fate = Fate::unknown;
         /// The program ended before it said that a conflict is settled.
         bool mayAskAgain = false;
 

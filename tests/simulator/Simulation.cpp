@@ -105,7 +105,7 @@ void Simulation::startProcess(Device &device, bool isCommand)
     process->onRefused = [this, name = device.name, who = process->name()](std::int64_t seq) {
         m_world.note(who, "told: change " + std::to_string(seq) + " was refused");
         if (const auto deed = m_oracle.deedAt(name, seq))
-            m_oracle.tell(*deed, Oracle::Fate::Refused);
+            m_oracle.tell(*deed, Oracle::Fate::refused);
     };
     m_world.note(process->name(), isCommand ? "a command starts" : "a window opens");
     live(process, isCommand);

@@ -100,10 +100,10 @@ void Simulation::startTimer(const ProcessPtr &process)
         return;
     std::vector<int> deeds;
     if (running)
-        deeds.push_back(note(process, Oracle::Kind::Stop, running->id, {{Field::Stop, value(at)}}, running));
+        deeds.push_back(note(process, Oracle::Kind::stop, running->id, {{Field::stop, value(at)}}, running));
     const std::string text = "d" + std::to_string(m_made) + "." + process->name();
-    deeds.push_back(note(process, Oracle::Kind::Create, m_nextId,
-                         {{Field::Description, text}, {Field::Start, value(at)}}, {}));
+    deeds.push_back(note(process, Oracle::Kind::create, m_nextId,
+                         {{Field::description, text}, {Field::start, value(at)}}, {}));
     m_world.note(process->name(), "#" + std::to_string(deeds.back()) + " starts " + m_nextId + " at " +
                                       clock(at) + (running ? ", which stops " + running->id : ""));
     EntryDetails details;
@@ -123,7 +123,7 @@ void Simulation::stopTimer(const ProcessPtr &process)
     const auto running = process->tracker().running();
     if (!running || running->start > at)
         return;
-    const int deed = note(process, Oracle::Kind::Stop, running->id, {{Field::Stop, value(at)}}, running);
+    const int deed = note(process, Oracle::Kind::stop, running->id, {{Field::stop, value(at)}}, running);
     m_world.note(process->name(), "#" + std::to_string(deed) + " stops " + running->id + " at " + clock(at));
     await(process, {deed}, process->tracker().stop(at));
 }
@@ -135,10 +135,10 @@ void Simulation::record(const ProcessPtr &process)
     request.details.description = "d" + std::to_string(m_made) + "." + process->name();
     request.start = moment(*process) - distance(600, 3600);
     request.stop = request.start + distance(60, 500);
-    const int deed = note(process, Oracle::Kind::Create, m_nextId,
-                          {{Field::Description, request.details.description},
-                           {Field::Start, value(request.start)},
-                           {Field::Stop, value(*request.stop)}},
+    const int deed = note(process, Oracle::Kind::create, m_nextId,
+                          {{Field::description, request.details.description},
+                           {Field::start, value(request.start)},
+                           {Field::stop, value(*request.stop)}},
                           {});
     m_world.note(process->name(), "#" + std::to_string(deed) + " records " + m_nextId);
     await(process, {deed}, process->tracker().create(std::move(request)));
@@ -154,16 +154,16 @@ void Simulation::edit(const ProcessPtr &process)
     const std::size_t choice = m_world.random().below(shown->stop ? 3 : 2);
     if (choice == 0) {
         request.details.description = "d" + std::to_string(++m_made) + "." + process->name();
-        writes[Field::Description] = request.details.description;
+        writes[Field::description] = request.details.description;
     } else if (choice == 1) {
         request.start -= distance(1, 60);
-        writes[Field::Start] = value(request.start);
+        writes[Field::start] = value(request.start);
     } else {
         *request.stop += distance(1, 60);
-        writes[Field::Stop] = value(*request.stop);
+        writes[Field::stop] = value(*request.stop);
     }
     static constexpr const char *what[] = {"description", "start", "stop"};
-    const int deed = note(process, Oracle::Kind::Edit, shown->id, writes, shown);
+    const int deed = note(process, Oracle::Kind::edit, shown->id, writes, shown);
     m_world.note(process->name(),
                  "#" + std::to_string(deed) + " edits the " + what[choice] + " of " + shown->id);
     await(process, {deed}, process->tracker().update(shown->id, std::move(request)));
@@ -174,7 +174,7 @@ void Simulation::remove(const ProcessPtr &process)
     const auto shown = pick(process);
     if (!shown)
         return;
-    const int deed = note(process, Oracle::Kind::Remove, shown->id, {}, shown);
+    const int deed = note(process, Oracle::Kind::remove, shown->id, {}, shown);
     m_world.note(process->name(), "#" + std::to_string(deed) + " removes " + shown->id);
     await(process, {deed}, process->tracker().remove(shown->id));
 }
@@ -203,16 +203,16 @@ void Simulation::learn(const ProcessPtr &process, const std::vector<int> &deeds,
         const bool isLast = i + 1 == deeds.size();
         const Oracle::Fate fate = m_oracle.deed(deeds[i]).fate;
         // Told already, or given up in another window before the answer came.
-        if (fate == Oracle::Fate::Refused || fate == Oracle::Fate::Dropped)
+        if (fate == Oracle::Fate::refused || fate == Oracle::Fate::dropped)
             continue;
         if (result.outcome == SaveOutcome::failed)
-            m_oracle.tell(deeds[i], m_hasDiskFaults ? Oracle::Fate::Unknown : Oracle::Fate::Refused);
+            m_oracle.tell(deeds[i], m_hasDiskFaults ? Oracle::Fate::unknown : Oracle::Fate::refused);
         else if (result.outcome == SaveOutcome::rejected)
-            m_oracle.tell(deeds[i], isLast ? Oracle::Fate::Refused : Oracle::Fate::Unknown);
+            m_oracle.tell(deeds[i], isLast ? Oracle::Fate::refused : Oracle::Fate::unknown);
         else if (result.error && !isLast)
-            m_oracle.tell(deeds[i], Oracle::Fate::Refused);
+            m_oracle.tell(deeds[i], Oracle::Fate::refused);
         else
-            m_oracle.tell(deeds[i], Oracle::Fate::Taken);
+            m_oracle.tell(deeds[i], Oracle::Fate::taken);
     }
 }
 
@@ -231,13 +231,13 @@ std::optional<int> Simulation::deedOf(Process &process, const Outbox::Pending &r
     if (const auto deed = m_oracle.deedAt(device, row.seq))
         return deed;
     Contents contents;
-    Oracle::Kind kind = Oracle::Kind::Remove;
+    Oracle::Kind kind = Oracle::Kind::remove;
     if (const EntryRequest *request = row.change.request()) {
         contents = contentsOf(entryResponse(*request, row.change.entryId(), row.change.workspaceId()));
-        kind = Oracle::Kind::Edit;
+        kind = Oracle::Kind::edit;
     } else if (const auto *stop = std::get_if<EntryChange::Stop>(&row.change.action)) {
-        contents[Field::Stop] = value(stop->at);
-        kind = Oracle::Kind::Stop;
+        contents[Field::stop] = value(stop->at);
+        kind = Oracle::Kind::stop;
     }
     return m_oracle.deedLike(device, row.change.entryId(), kind, contents);
 }
@@ -261,7 +261,7 @@ Task<> Simulation::settle(ProcessPtr process, std::int64_t seq, bool keepsMine)
         if (keepsMine) {
             m_oracle.keptMine(*deed, current);
         } else {
-            m_oracle.tell(*deed, Oracle::Fate::Unknown);
+            m_oracle.tell(*deed, Oracle::Fate::unknown);
         }
     }
     const auto settled =
@@ -276,7 +276,7 @@ Task<> Simulation::settle(ProcessPtr process, std::int64_t seq, bool keepsMine)
     if (*settled && wrong)
         fault(*wrong);
     if (!*settled)
-        m_oracle.tell(*deed, Oracle::Fate::Unknown);
+        m_oracle.tell(*deed, Oracle::Fate::unknown);
     else if (!keepsMine)
         m_oracle.keptTheirs(*deed, current);
 }

@@ -17,19 +17,20 @@ SECONDS = 120
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 OUTBOX = "OrvaneKit/Outbox/Outbox.cpp"
 STORE = "OrvaneKit/Outbox/OutboxStore.cpp"
+STACK = "OrvaneKit/Outbox/ChangeStack.cpp"
 RULES = "OrvaneKit/Outbox/OutboxRules.cpp"
 
 # name: (file, what stands there once, what stands there instead)
 MUTANTS = {
-    "a version handed to everybody": (STORE, "return !version || version->empty() || ", "return true || !version || "),
+    "a version handed to everybody": (STACK, "return !version || version->empty() || ", "return true || !version || "),
     "a row removed before the answer": (OUTBOX, "    m_sending = sending.row.seq;\n",
                                         "    co_await m_parts.store->dequeue(sending.row.seq);\n"
                                         "    m_sending = sending.row.seq;\n"),
     "a waiter forgotten": (OUTBOX, "        resume(row.seq, Sent{row.seq, entry});\n", ""),
     "a submit that comes at the end of a pass": (OUTBOX, "    m_isWanted = true;\n    if (m_isFlushing",
                                                  "    m_isWanted = !m_isFlushing;\n    if (m_isFlushing"),
-    "a contradiction sent all the same": (STORE, "    if (rebased.isContested)\n        return contest(submission);\n", ""),
-    "a change not put on top of another program's": (STORE, "    if (saysTheSame(*submission.base, head))\n        return;\n",
+    "a contradiction sent all the same": (STACK, "    if (rebased.isContested)\n        return contest(submission);\n", ""),
+    "a change not put on top of another program's": (STACK, "    if (saysTheSame(*submission.base, head))\n        return;\n",
                                                       "    if (!submission.change.entryId().empty())\n        return;\n"),
     "a lost stop that hands another's version on": (RULES, "return stopped && saysTheSame(*stopped, current);",
                                                     "return true || saysTheSame(*stopped, current);"),
@@ -38,10 +39,10 @@ MUTANTS = {
     "a creation's form forgotten": (STORE, "            steps.write(CreationTry::key(creation.seq), tried);\n", ""),
     "a change sent behind its conflict": ("OrvaneKit/Outbox/QueuedChanges.cpp", "        return seq <= row.seq && find(seq)",
                                           "        return seq > row.seq && find(seq)"),
-    "what stands on a dropped change": (STORE, "        steps.writeRow(row);\n        changed.push_back(row);\n",
+    "what stands on a dropped change": (STACK, "        steps.writeRow(row);\n        changed.push_back(row);\n",
                                         "        changed.push_back(row);\n"),
     "another device's stop taken for one's own": (STORE, "head->entry.stop && head->isStoppedByUs &&", "head->entry.stop &&"),
-        "a settled change sent after those behind it": (OUTBOX, "    m_startsOver = m_isFlushing;\n", ""),
+    "a settled change sent after those behind it": (OUTBOX, "    m_startsOver = m_isFlushing;\n", ""),
     "a retry not scheduled": (OUTBOX, "    setOffline(true);\n    scheduleRetry();\n", "    setOffline(true);\n"),
     "a gateway's answer taken for a refusal": (RULES, "problem->status >= 500 || ", "problem->status >= 504 || "),
     "two programs that send at once": (OUTBOX, "    if (!m_parts.takeTurn)\n        co_return co_await sendAll();\n",
@@ -67,7 +68,7 @@ def compile_command(build: pathlib.Path, file: str, source: pathlib.Path, output
     words = shlex.split(entry["command"])
     words[words.index("-o") + 1] = str(output)
     words[words.index(str(ROOT / file))] = str(source)
-#What the change makes superfluous is no fault of its own.
+    # What the change makes superfluous is no fault of its own.
     return [*words, "-w"]
 
 

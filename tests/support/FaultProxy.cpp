@@ -50,7 +50,7 @@ Fault Fault::hugeProblem(int status)
 
 Fault Fault::garbage()
 {
-    return {.kind = Kind::Raw, .body = "\x16\x03\x01 this is no HTTP \xff\xfe\r\n\r\n"};
+    return {.kind = Kind::raw, .body = "\x16\x03\x01 this is no HTTP \xff\xfe\r\n\r\n"};
 }
 
 namespace plans {
@@ -127,27 +127,27 @@ void FaultProxy::handle(const SeenRequest &request, Connection &connection)
         const std::lock_guard lock(m_planMutex);
         fault = m_plan(request);
     }
-    if (fault.kind != Fault::Kind::Pass || fault.delay.count() > 0)
+    if (fault.kind != Fault::Kind::pass || fault.delay.count() > 0)
         ++m_faults;
     if (fault.delay.count() > 0 && !connection.wait(fault.delay))
         return connection.close();
     switch (fault.kind) {
-    case Fault::Kind::Answer:
+    case Fault::Kind::answer:
         return connection.answer(fault.status, fault.body, "application/problem+json");
-    case Fault::Kind::Raw:
+    case Fault::Kind::raw:
         connection.send(fault.body);
         return connection.close();
-    case Fault::Kind::Refuse:
+    case Fault::Kind::refuse:
         return connection.close();
-    case Fault::Kind::Pass:
+    case Fault::Kind::pass:
         return hand(forward(request), connection);
-    case Fault::Kind::DropReply:
+    case Fault::Kind::dropReply:
         forward(request);
         return connection.close();
-    case Fault::Kind::Twice:
+    case Fault::Kind::twice:
         forward(request);
         return hand(forward(request), connection);
-    case Fault::Kind::CutReply: {
+    case Fault::Kind::cutReply: {
         const std::string answer = forward(request);
         connection.send(cut(answer, fault.keep));
         return connection.close();

@@ -10,22 +10,22 @@ namespace orvane::testing {
 /// What happens to one request on its way.
 struct Fault {
     enum class Kind {
-        Pass,
+        pass,
         /// The server gets the request; its answer is thrown away and the connection closed.
-        DropReply,
+        dropReply,
         /// The server gets the request twice; the client gets the second answer.
-        Twice,
+        twice,
         /// The server's answer ends in the middle of its body, after `keep` bytes of it.
-        CutReply,
+        cutReply,
         /// The server never hears of it; the client gets `status` and `body`.
-        Answer,
+        answer,
         /// The server never hears of it; the client gets `body` as raw bytes, then the end.
-        Raw,
+        raw,
         /// The server never hears of it; the connection ends.
-        Refuse,
+        refuse,
     };
 
-    Kind kind = Kind::Pass;
+    Kind kind = Kind::pass;
     std::size_t keep = 0;
     int status = 0;
     std::string body = {};
@@ -33,16 +33,16 @@ struct Fault {
     std::chrono::milliseconds delay{0};
 
     static Fault pass() { return {}; }
-    static Fault dropReply() { return {.kind = Kind::DropReply}; }
-    static Fault twice() { return {.kind = Kind::Twice}; }
-    static Fault cutReply(std::size_t keep = 5) { return {.kind = Kind::CutReply, .keep = keep}; }
-    static Fault refuse() { return {.kind = Kind::Refuse}; }
+    static Fault dropReply() { return {.kind = Kind::dropReply}; }
+    static Fault twice() { return {.kind = Kind::twice}; }
+    static Fault cutReply(std::size_t keep = 5) { return {.kind = Kind::cutReply, .keep = keep}; }
+    static Fault refuse() { return {.kind = Kind::refuse}; }
     static Fault slow(std::chrono::milliseconds delay) { return {.delay = delay}; }
     /// Problem details with that status.
     static Fault answer(int status);
     static Fault answer(int status, std::string body)
     {
-        return {.kind = Kind::Answer, .status = status, .body = std::move(body)};
+        return {.kind = Kind::answer, .status = status, .body = std::move(body)};
     }
     /// A problem body of 2 MiB, twice what a client reads.
     static Fault hugeProblem(int status = 500);

@@ -10,7 +10,7 @@
 /// whole.
 namespace orvane {
 
-enum class HttpMethod { Get, Post, Put, Delete };
+enum class HttpMethod { get, post, put, delete_ };
 
 std::string_view text(HttpMethod method);
 
@@ -36,7 +36,7 @@ private:
 };
 
 struct HttpRequest {
-    HttpMethod method = HttpMethod::Get;
+    HttpMethod method = HttpMethod::get;
     /// Percent-encoded, from the leading "/", the query included.
     std::string path;
     HttpHeaders headers;
