@@ -17,6 +17,7 @@ import tempfile
 
 import activity_runs
 import command_runs
+import compile_runs
 import queue_runs
 import server_runs
 
@@ -165,6 +166,12 @@ def server_rows(arguments):
     yield row("a bare transaction of that work: the 99th percentile, in ms", bare["p99"])
 
 
+def compile_rows(arguments):
+    with tempfile.TemporaryDirectory(dir=arguments.folder) as folder:
+        count, seconds = compile_runs.all_calls(ROOT, BUILD, folder)
+    yield row(f"a source that calls all {count} operations, in seconds of the compiler", seconds, 20)
+
+
 GROUPS = {"store": (store_rows, ["StoreBenchmark"]), "json": (json_rows, ["JsonBenchmark"]),
           "timeline": (timeline_rows, ["TimelineBenchmark"]),
           "calendar": (calendar_rows, ["CalendarBenchmark"]),
@@ -172,6 +179,7 @@ GROUPS = {"store": (store_rows, ["StoreBenchmark"]), "json": (json_rows, ["JsonB
           "activity": (activity_rows, ["orvane", "ActivityRequests"]),
           "queue": (queue_rows, ["orvane", "orvane-server", "BareDrain"]),
           "server": (server_rows, ["orvane-server", "ServerLoad", "BareTransactions"]),
+          "compile": (compile_rows, ["OrvaneKit"]),
           "command": (command_rows, ["orvane", "orvane-server", "BareStatus", "BareIdle"])}
 
 

@@ -36,6 +36,9 @@ class Connectivity;
 /// Thread: the main thread. Owner: the command or the application; `close` before it goes.
 class Account final : public QObject {
     Q_OBJECT
+    Q_PROPERTY(QString email READ email NOTIFY meChanged)
+    Q_PROPERTY(orvane::AccountState *state READ statePointer CONSTANT)
+    Q_PROPERTY(orvane::Tracker *tracker READ trackerPointer NOTIFY trackerChanged)
 
 public:
     struct Options {
@@ -75,6 +78,9 @@ public:
     bool isAutomatic() const { return m_access->isAutomatic(); }
     bool isReachable() const { return state().isReachable(); }
     const MeResponse &me() const { return m_me; }
+    QString email() const { return QString::fromStdString(m_me.email); }
+    AccountState *statePointer() { return &state(); }
+    Tracker *trackerPointer() { return m_tracker.get(); }
     /// What the user should know about the time zone in use; empty when all is well.
     const std::string &timeNotice() const { return m_timeNotice; }
     const UserTime &time() const { return m_tracker->time(); }

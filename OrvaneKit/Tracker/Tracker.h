@@ -73,6 +73,7 @@ class Tracker final : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool isLoadingMore READ isLoadingMore NOTIFY stateChanged)
     Q_PROPERTY(int weeksLoaded READ weeksLoaded NOTIFY stateChanged)
+    Q_PROPERTY(QString workspaceName READ workspaceName NOTIFY workspaceChanged)
 
 public:
     struct Parts {
@@ -91,6 +92,7 @@ public:
     ~Tracker() override;
 
     const WorkspaceSummary &workspace() const { return m_parts.workspace; }
+    QString workspaceName() const { return QString::fromStdString(m_parts.workspace.name); }
     const UserTime &time() const { return m_parts.time; }
     Catalog &catalog() { return m_catalog; }
     const Catalog &catalog() const { return m_catalog; }
