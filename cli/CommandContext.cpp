@@ -114,6 +114,8 @@ Task<Result<Account *, CommandFailure>> CommandContext::adopt(Account::Opened op
         co_return failure(std::move(problem));
     }
     m_account = std::move(*opened);
+    if (!m_patience.lasts())
+        m_account->outbox().close();
     if (auto readable = co_await checkQueue(); !readable) {
         m_openError = AccountError::Kind::store;
         co_await m_account->close();

@@ -156,12 +156,6 @@ Task<Result<void, AccountError>> Account::openStore(std::string accountId)
     m_outcomes = std::make_unique<OutboxOutcomes>(*m_outbox);
     connect(m_outbox.get(), &Outbox::isHeldBackChanged, this,
             [this] { state().setHeldBack(m_outbox->isHeldBack()); });
-    connect(m_outbox.get(), &Outbox::isOfflineChanged, this, [this] {
-        // It goes offline for what every request hears as well, and for a session that is over, which is none
-        // of it.
-        if (!m_outbox->isOffline())
-            state().noteAnswer();
-    });
     connect(m_outbox.get(), &Outbox::nextTryChanged, this, &Account::tellNextTry);
     co_return Result<void, AccountError>{};
 }
@@ -219,6 +213,8 @@ Task<CallResult<void>> Account::refreshMe()
         co_return CallResult<void>{};
     m_isMeMissed = false;
     m_freshMe = *me;
+    if (m_outbox->isHeldBack() && me->id == m_accountId)
+        m_outbox->flush();
     // Of another account nothing is shown; the outbox holds what waits back.
     if (me->id == m_accountId && m_me != *me)
         co_await updateMe(std::move(*me));
@@ -232,9 +228,9 @@ void Account::followTime()
         return;
     PreferredTime preferred = preferredTime(m_me, m_options.zone);
     m_timeNotice = std::move(preferred.notice);
+    m_tracker->setTime(preferred.time);
     if (m_dayTurn)
-        m_dayTurn->setTime(preferred.time);
-    m_tracker->setTime(std::move(preferred.time));
+        m_dayTurn->setTime(std::move(preferred.time));
     const auto summary = std::ranges::find(m_me.workspaces, m_tracker->workspace().id, &WorkspaceSummary::id);
     if (summary != m_me.workspaces.end())
         m_tracker->setWorkspace(*summary);
@@ -315,6 +311,13 @@ void Account::liveOn()
     });
     connect(&state(), &AccountState::cameBack, this, &Account::catchUp);
     connect(&state(), &AccountState::changed, this, &Account::tryAgainLater);
+    connect(this, &Account::trackerChanged, this, &Account::followTracker);
+    followTracker();
+}
+
+void Account::followTracker()
+{
+    connect(m_tracker.get(), &Tracker::missedChanged, this, &Account::tryAgainLater);
     tryAgainLater();
 }
 
@@ -327,13 +330,17 @@ void Account::catchUp()
     m_tracker->refreshMissed();
 }
 
-/// While the server is away and no change waits, which the outbox would try again, somebody has to ask
-/// whether it is back.
+/// While the server is away, or something could not be had, somebody has to ask again; for changes that wait,
+/// the outbox does.
 void Account::tryAgainLater()
 {
     if (!m_retry)
         return; // closing
-    if (isReachable()) {
+    // Behind the address another server, with another account, may answer when it is back.
+    if (!isReachable())
+        m_freshMe.reset();
+    const bool isOver = state().kind() == AccountState::Kind::sessionEnded;
+    if (isOver || (isReachable() && !m_tracker->missed())) {
         m_failures = 0;
         m_retry->cancel();
         m_nextTry.reset();
@@ -351,9 +358,12 @@ void Account::tryAgainLater()
 Task<> Account::tryOnce()
 {
     const QPointer<Account> self(this);
-    if (!m_outbox->nextTry())
+    // The queue asks by itself while it has something to send.
+    if (!m_outbox->isOffline() || !m_outbox->nextTry())
         co_await refreshMe();
-    if (self && !isReachable())
+    if (self && m_retry && isReachable())
+        co_await m_tracker->refreshMissed();
+    if (self)
         tryAgainLater();
 }
 

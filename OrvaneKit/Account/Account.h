@@ -125,6 +125,7 @@ private:
     void followTime();
     void liveOn();
     void catchUp();
+    void followTracker();
     void tryAgainLater();
     Task<> tryOnce();
     void tellNextTry();

@@ -25,10 +25,12 @@ std::optional<std::string> silence(const Result<HttpResponse, ConnectionError> &
 Task<Result<HttpResponse, ConnectionError>> sendObserved(std::shared_ptr<HttpTransport> transport,
                                                          std::shared_ptr<ServerEcho> echo,
                                                          HttpRequest request, std::string baseUrl,
- std::shared_ptr<CallAbort> abort)
+                                                         std::shared_ptr<CallAbort> abort)
 {
-    auto answer = co_await transport->send(std::move(request), std::move(baseUrl), std::move(abort));
-    echo->hear(answer);
+    auto answer = co_await transport->send(std::move(request), std::move(baseUrl), abort);
+    // Of what we gave up ourselves the server had no part.
+    if (!abort || !abort->isAborted())
+        echo->hear(answer);
     co_return std::move(answer);
 }
 
@@ -48,7 +50,8 @@ ObservedTransport::ObservedTransport(std::shared_ptr<HttpTransport> transport,
 {
 }
 
-Task<Result<HttpResponse, ConnectionError>> ObservedTransport::send(HttpRequest request, std::string baseUrl, std::shared_ptr<CallAbort> abort)
+Task<Result<HttpResponse, ConnectionError>> ObservedTransport::send(HttpRequest request, std::string baseUrl,
+                                                                    std::shared_ptr<CallAbort> abort)
 {
     return sendObserved(m_transport, m_echo, std::move(request), std::move(baseUrl), std::move(abort));
 }

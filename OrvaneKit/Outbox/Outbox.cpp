@@ -212,8 +212,10 @@ Task<Outbox::Step> Outbox::sendAll()
         co_await catchUp(cursor, isAtEnd ? queueEnd : (*next)->row.seq);
         if (!self)
             co_return Step::stop;
-        if (isAtEnd)
+        if (isAtEnd) {
+            noteEnd();
             co_return Step::goOn;
+        }
         StoredRow stored = std::move(**next);
         cursor = stored.row.seq;
         if (m_queue.isBlocked(m_queue.adopt(stored.row))) {
@@ -231,6 +233,16 @@ Task<Outbox::Step> Outbox::sendAll()
         if (co_await sendNext(std::move(stored)) == Step::stop || !self)
             co_return Step::stop;
     }
+}
+
+/// With nothing left to send, by whoever it was sent, there is nothing to be offline about.
+void Outbox::noteEnd()
+{
+    if (!m_queue.rows().empty())
+        return;
+    m_failures = 0;
+    setOffline(false);
+    setHeldBack(false);
 }
 
 /// What other processes have queued, so that all of an entry's changes are known before the first is sent.

@@ -158,6 +158,7 @@ private:
     Task<Step> takeTurnAndSend();
     Task<Step> sendAll();
     Task<bool> readNewRows();
+    void noteEnd();
     Task<bool> isAllowed();
     Task<Step> sendNext(StoredRow stored);
     Task<Result<Sending, StoreError>> prepared(StoredRow stored);

@@ -43,6 +43,8 @@ QueuedChange *QueuedChanges::at(std::int64_t seq)
 const QueuedChange &QueuedChanges::adopt(PendingChange row)
 {
     if (QueuedChange *known = at(row.seq)) {
+        if (known->change == row.change)
+            return *known;
         touch(*known);
         known->change = std::move(row.change);
         touch(*known);

@@ -2,6 +2,7 @@
 #include "Tracker/Tracker.h"
 
 #include "Client/OrvaneClient.h"
+#include "Outbox/OutboxRules.h"
 #include "Support/Require.h"
 #include "Tracker/Overlay.h"
 
@@ -110,10 +111,12 @@ Task<> Tracker::runRefreshes(Eventual<CallResult<void>> running)
         result = co_await fetchAndApply(topics);
         if (!self)
             break;
-        if (result)
-            m_missed &= ~topics;
-        else
-            m_missed |= topics | std::exchange(m_asked, {});
+        // What the server refuses for good is not asked for again by itself.
+        const bool isLater = !result && classify(result.error()) == FailureKind::transient;
+        const Topics others = result ? Topics() : std::exchange(m_asked, {});
+        setMissed(isLater ? m_missed | topics | others : m_missed & ~topics);
+        if (!self)
+            break;
     }
     if (self) {
         m_refreshing.reset();
@@ -124,6 +127,12 @@ Task<> Tracker::runRefreshes(Eventual<CallResult<void>> running)
         }
     }
     running.finish(std::move(result));
+}
+
+void Tracker::setMissed(Topics missed)
+{
+    if (std::exchange(m_missed, missed) != missed)
+        Q_EMIT missedChanged();
 }
 
 Task<> Tracker::refreshMissed()
@@ -226,7 +235,10 @@ Task<CallResult<void>> Tracker::fetchAndApply(Topics topics)
             co_return failure(trackerIsGone());
         if (!fetched)
             co_return failure(std::move(fetched.error()));
-        if (generation != m_known.generation() && tried < fetchTries)
+        // Weeks that were loaded meanwhile, and days of another zone, are asked for anew as well.
+        const bool isOutdated =
+            generation != m_known.generation() || fetched->wanted.window != currentWeeks();
+        if (isOutdated && tried < fetchTries)
             continue;
         apply(std::move(*fetched));
         break;
@@ -280,6 +292,8 @@ Task<CallResult<void>> Tracker::loadWeekBefore()
     const DaySpan before =
         DaySpan::of(m_parts.time, (window ? window->days : currentWeeks()).first.adding(-7), 7);
     auto entries = co_await listDays(before);
+    if (self && entries && before != DaySpan::of(m_parts.time, before.first, before.count))
+        entries = failure(CallError(ConnectionError{"The days are others now."}));
     CallResult<void> result;
     if (!entries)
         result = failure(std::move(entries.error()));
@@ -304,8 +318,11 @@ Task<CallResult<void>> Tracker::loadDays(DayKey first, int count)
     auto entries = co_await listDays(days);
     if (!entries)
         co_return failure(std::move(entries.error()));
-    if (self)
-        show(m_known.takeDays(days, std::move(*entries)));
+    if (!self)
+        co_return CallResult<void>{};
+    if (days != DaySpan::of(m_parts.time, first, count))
+        co_return co_await loadDays(first, count); // of another zone meanwhile
+    show(m_known.takeDays(days, std::move(*entries)));
     co_return CallResult<void>{};
 }
 

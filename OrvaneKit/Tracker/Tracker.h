@@ -168,6 +168,7 @@ Q_SIGNALS:
     void entriesChanged(const orvane::EntriesChange &change);
     /// `state`, `loadError`, `isLoadingMore` or `weeksLoaded`.
     void stateChanged();
+    void missedChanged();
     void settingsChanged();
     void workspaceChanged();
     /// The user's choices about time: every label, day and week may be another.
@@ -203,6 +204,7 @@ private:
     DaySpan currentWeeks() const;
     ServerCalls api() const;
     void setState(LoadState state);
+    void setMissed(Topics missed);
 
     Parts m_parts;
     Catalog m_catalog;

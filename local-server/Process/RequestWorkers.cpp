@@ -23,7 +23,7 @@ WorkerLane::WorkerLane(std::string databasePath, int mostThreads)
 {
 }
 
-WorkerLane::~WorkerLane()
+void WorkerLane::end()
 {
     {
         const std::lock_guard lock(m_lock);
@@ -33,6 +33,7 @@ WorkerLane::~WorkerLane()
     m_hasWork.notify_all();
     for (std::thread &thread : m_threads)
         thread.join();
+    m_threads.clear();
 }
 
 void WorkerLane::run(Executor::Transaction work)

@@ -20,8 +20,10 @@ public:
     WorkerLane(std::string databasePath, int mostThreads);
     WorkerLane(const WorkerLane &) = delete;
     WorkerLane &operator=(const WorkerLane &) = delete;
-    ~WorkerLane();
+    ~WorkerLane() { end(); }
 
+    /// Waits for what is being worked on; the rest, and what comes later, is forgotten.
+    void end();
     void run(Executor::Transaction work);
 
 private:
@@ -55,6 +57,13 @@ public:
     void transact(Lane lane, Executor::Transaction work)
     {
         (lane == Lane::reading ? m_readers : m_writers).run(std::move(work));
+    }
+
+    /// Of both, before either goes: what one of them does may ask for the other.
+    void end()
+    {
+        m_readers.end();
+        m_writers.end();
     }
 
 private:

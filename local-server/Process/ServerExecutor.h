@@ -11,6 +11,8 @@ namespace orvane::server {
 class ServerExecutor : public Executor {
 public:
     explicit ServerExecutor(const RequestWorkers::Options &options) : m_workers(options) {}
+    // Requests may ask for hashes, and those for requests again: neither goes while the other is at work.
+    ~ServerExecutor() override { m_workers.end(); }
 
     void transact(Lane lane, Transaction work) override { m_workers.transact(lane, std::move(work)); }
     bool compute(std::function<void()> work, std::function<void()> done) override
@@ -20,7 +22,6 @@ public:
 
 private:
     RequestWorkers m_workers;
-    // Ends first: what it has done it hands to the workers.
     HashPool m_hashes;
 };
 

@@ -13,8 +13,8 @@
 
 namespace orvane::simulator {
 
-/// A whole account in the world's time: a window that lives on, other processes beside it on the same store, and a
-/// phone that is always connected.
+/// A whole account in the world's time: a window that lives on, other processes beside it on the same store,
+/// and a phone that is always connected.
 class LivingAccountTest : public ::testing::Test {
 protected:
     LivingAccountTest();

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// An account as a window has it, open for three weeks of the world's time, beside what a process shows that was
-// opened just then.
+// An account as a window has it, open for three weeks of the world's time, beside what a process shows that
+// was opened just then.
 #include "simulator/LivingAccountTest.h"
 #include "support/Memory.h"
 
@@ -116,7 +116,8 @@ TEST_F(LongLifeTest, ShowsAtEveryMidnightWhatAFreshProcessShows)
             dayNumber += 4;
         }
         const DayKey today = window->time().today();
-        world.runUntil(window->time().startOfDay(today == day ? day.adding(1) : today) + minutes{5});
+        const Instant midnight = window->time().startOfDay(today == day ? day.adding(1) : today);
+        world.runUntil(std::max(midnight, world.now()) + minutes{5});
         compare();
         if (dayNumber == 18) {
             link->isUp = true;

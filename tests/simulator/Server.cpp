@@ -42,7 +42,7 @@ Task<CallResult<ExternalExchangeRequest>> codeFrom(Server *server, std::string t
 }
 
 Task<Result<HttpResponse, ConnectionError>> Wire::send(HttpRequest request, std::string,
-                                                        std::shared_ptr<CallAbort>)
+                                                       std::shared_ptr<CallAbort>)
 {
     Call call;
     if (m_isCut)
