@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <tuple>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace orvane {
 
@@ -73,7 +74,16 @@ std::vector<TimeEntryResponse> withChanges(std::vector<TimeEntryResponse> entrie
     if (changes.empty())
         return entries;
     Pile pile(std::move(entries));
+    // By a change before: of two stops by one hand the first one's time stands.
+    std::unordered_set<std::string> ended;
     for (const EntryChange &change : changes) {
+        const bool isStop = std::holds_alternative<EntryChange::Stop>(change.action);
+        if (isStop && ended.contains(change.entryId()))
+            continue;
+        if (const EntryRequest *request = change.request(); isStop || (request != nullptr && request->stop))
+            ended.insert(change.entryId());
+        else
+            ended.erase(change.entryId());
         if (const auto *create = std::get_if<EntryChange::Create>(&change.action)) {
             if (create->workspaceId == workspaceId || !create->request.stop)
                 applyCreate(pile, *create);

@@ -69,6 +69,20 @@ TEST(Overlay, AnUnsentCreateAndItsDeleteLeaveNothing)
     EXPECT_TRUE(overlay({}, std::nullopt, changes, "w").entries.empty());
 }
 
+TEST(Overlay, OfTwoStopsTheFirstOnesTimeShows)
+{
+    const auto stop = [](int minute) {
+        return EntryChange{EntryChange::Stop{morning + minutes{minute}, "old", "w", {}}};
+    };
+    const std::vector<EntryChange> changes{stop(20), stop(30)};
+    const auto running = entry("old", 0, std::nullopt);
+    EXPECT_EQ(overlay({running}, running, changes, "w").entries[0].stop, morning + minutes{20});
+    // Running again since, it can be stopped again.
+    const std::vector<EntryChange> again{
+        stop(20), {EntryChange::Update{request("old", 0, std::nullopt), "old", "w", {}}}, stop(30)};
+    EXPECT_EQ(overlay({running}, running, again, "w").entries[0].stop, morning + minutes{30});
+}
+
 TEST(Overlay, OneEntryRunsAtMost)
 {
     const std::vector<EntryChange> changes{create("second", 30, std::nullopt)};
