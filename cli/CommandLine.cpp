@@ -155,8 +155,7 @@ int run(const std::vector<std::string> &arguments, int argc, char **argv)
     if (tree.wantsVersion())
         return end(versionAnswer(json));
     if (tree.wantsHelp())
-        return end(CommandAnswer{
-            .output = tree.root().get_formatter()->make_help(tree.chosen(), {}, CLI::AppFormatMode::Normal)});
+        return end(CommandAnswer{.output = tree.help()});
     if (const auto clock = setClock(); !clock)
         return end(failure(clock.error()));
     if (tree.action().plain)

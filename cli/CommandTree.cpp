@@ -29,6 +29,12 @@ std::string unmarked(const std::string &argument)
     return argument.starts_with(mark) ? argument.substr(1) : argument;
 }
 
+std::vector<std::string> asTyped(std::vector<std::string> values)
+{
+    std::ranges::transform(values, values.begin(), unmarked);
+    return values;
+}
+
 bool hasValueOption(const CLI::App *command, std::string_view name)
 {
     const auto isIt = [&](const CLI::Option *option) {
@@ -130,7 +136,7 @@ std::vector<std::string> CommandTree::prepared(const std::vector<std::string> &a
             out.push_back(argument.substr(0, argument.size() - 1));
             out.emplace_back();
         } else {
-            const bool isOnlyWord = isMangled(argument) || isDashedSentence(argument, m_root);
+            const bool isOnlyWord = isMangled(argument) || isDashedSentence(argument, *m_root);
             out.push_back(isOnlyWord ? mark + argument : argument);
         }
         onlyWords = onlyWords || argument == "--";
@@ -138,22 +144,26 @@ std::vector<std::string> CommandTree::prepared(const std::vector<std::string> &a
     return out;
 }
 
-CommandTree::CommandTree() : m_root("Track time from the terminal.", "orvane")
+CommandTree::CommandTree() : m_root(std::make_unique<CLI::App>("Track time from the terminal.", "orvane"))
 {
-    m_root.formatter(std::make_shared<HelpText>());
-    m_root.set_help_flag();
-    m_root.fallthrough();
-    m_root.require_subcommand(0, 1);
+    m_root->formatter(std::make_shared<HelpText>());
+    m_root->set_help_flag();
+    m_root->fallthrough();
+    m_root->require_subcommand(0, 1);
     addGlobalOptions();
 }
+
+CommandTree::~CommandTree() = default;
 
 void CommandTree::addGlobalOptions()
 {
     const std::string group = "Options of every command";
     const auto text = [&](const char *name, std::optional<std::string> &target, const char *type,
-                          const char *what) { addText(&m_root, name, target, type, what)->group(group); };
+                          const char *what) {
+        addText(m_root.get(), name, target, type, what)->group(group);
+    };
     text("--server", m_options.server, "URL", "The server to talk to instead of the one signed in to");
-    m_root.add_flag_callback("--no-start-server", [this] { m_options.startsServer = false; })
+    m_root->add_flag_callback("--no-start-server", [this] { m_options.startsServer = false; })
         ->description("Do not start the server on this computer")
         ->group(group);
     text("--data-dir", m_dataFolder, "DIR", "Keep everything in this folder, an installation of its own");
@@ -161,14 +171,14 @@ void CommandTree::addGlobalOptions()
     text("--fixtures", m_fixturesFolder, "DIR", "Read sample logs from here instead");
     text("--workspace", m_options.workspace, "ID", "The workspace for this call");
     text("--zone", m_options.zone, "ZONE", "The time zone for this call, such as Europe/Paris");
-    m_root.add_flag("--json", m_options.json, "Print one JSON value, for programs")->group(group);
-    m_root.add_flag("-h,--help", m_wantsHelp, "Say what a command does")->group(group);
-    m_root.add_flag("--version", m_wantsVersion, "Say which version this is")->group(group);
+    m_root->add_flag("--json", m_options.json, "Print one JSON value, for programs")->group(group);
+    m_root->add_flag("-h,--help", m_wantsHelp, "Say what a command does")->group(group);
+    m_root->add_flag("--version", m_wantsVersion, "Say which version this is")->group(group);
 }
 
 CLI::App *CommandTree::add(const std::string &name, const std::string &description, const std::string &group)
 {
-    return m_root.add_subcommand(name, description)->group(group)->require_subcommand(0, 1);
+    return m_root->add_subcommand(name, description)->group(group)->require_subcommand(0, 1);
 }
 
 CLI::App *CommandTree::addVerb(CLI::App *command, const std::string &name, const std::string &description)
@@ -197,50 +207,83 @@ CLI::Option *CommandTree::addText(CLI::App *command, const std::string &name,
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
 }
 
-CLI::Option *CommandTree::addRequired(CLI::App *command, const std::string &name, std::string &target,
-                                      const std::string &description)
+void CommandTree::addFooter(CLI::App *command, const std::string &text)
 {
-    return command
+    const std::string before = command->get_footer();
+    command->footer(before.empty() ? text : before + " " + text);
+}
+
+void CommandTree::addRequired(CLI::App *command, const std::string &name, std::string &target,
+                              const std::string &description)
+{
+    command
         ->add_option_function<std::string>(
             name, [&target](const std::string &value) { target = unmarked(value); }, description)
         ->required();
 }
 
-CLI::Option *CommandTree::addTexts(CLI::App *command, const std::string &name,
-                                   std::vector<std::string> &target, const std::string &type,
-                                   const std::string &description)
+void CommandTree::addRequired(CLI::App *command, const std::string &name, std::int64_t &target,
+                              const std::string &description)
 {
-    return command
+    command->add_option(name, target, description)->required();
+}
+
+void CommandTree::addFlag(CLI::App *command, const std::string &name, bool &target,
+                          const std::string &description)
+{
+    command->add_flag(name, target, description);
+}
+
+void CommandTree::addSwitch(CLI::App *command, const std::string &name, std::optional<bool> &target,
+                            const std::string &descriptionOn, const std::string &descriptionOff)
+{
+    CLI::Option *on = command->add_flag_callback("--" + name, [&target] { target = true; }, descriptionOn);
+    command->add_flag_callback("--no-" + name, [&target] { target = false; }, descriptionOff)->excludes(on);
+}
+
+void CommandTree::addDayOrWeek(CLI::App *command, std::optional<std::string> &day,
+                               std::optional<std::string> &week)
+{
+    CLI::Option *dayOption = addText(command, "--day", day, "DAY", "The day; today unless it is named");
+    addText(command, "--week", week, "[DAY]", "The seven days of the week that holds it, or of this week")
+        ->expected(0, 1)
+        ->default_str("today")
+        ->excludes(dayOption);
+}
+
+void CommandTree::addTexts(CLI::App *command, const std::string &name,
+                           std::optional<std::vector<std::string>> &target, const std::string &type,
+                           const std::string &description)
+{
+    command
         ->add_option_function<std::vector<std::string>>(
-            name,
-            [&target](const std::vector<std::string> &values) {
-                target.clear();
-                for (const std::string &value : values)
-                    target.push_back(unmarked(value));
-            },
+            name, [&target](const std::vector<std::string> &values) { target = asTyped(values); },
             description)
         ->type_name(type)
         ->allow_extra_args(false);
 }
 
-std::vector<std::string> CommandTree::asTyped(std::vector<std::string> values)
+void CommandTree::addWords(CLI::App *command, const std::string &name, std::vector<std::string> &target,
+                           const std::string &description)
 {
-    std::ranges::transform(values, values.begin(), unmarked);
-    return values;
+    command->add_option_function<std::vector<std::string>>(
+        name, [&target](const std::vector<std::string> &words) { target = asTyped(words); }, description);
 }
 
-CLI::Option *CommandTree::addSentence(CLI::App *command, const std::string &name,
-                                      std::optional<std::string> &target, const std::string &description)
+void CommandTree::addSentence(CLI::App *command, const std::string &name, std::optional<std::string> &target,
+                              const std::string &description, bool isRequired)
 {
-    return command->add_option_function<std::vector<std::string>>(
-        name,
-        [&target](const std::vector<std::string> &words) {
-            std::string sentence;
-            for (const std::string &word : words)
-                sentence += (sentence.empty() ? "" : " ") + unmarked(word);
-            target = std::move(sentence);
-        },
-        description);
+    command
+        ->add_option_function<std::vector<std::string>>(
+            name,
+            [&target](const std::vector<std::string> &words) {
+                std::string sentence;
+                for (const std::string &word : words)
+                    sentence += (sentence.empty() ? "" : " ") + unmarked(word);
+                target = std::move(sentence);
+            },
+            description)
+        ->required(isRequired);
 }
 
 Result<std::monostate, CommandFailure> CommandTree::parse(std::vector<std::string> arguments)
@@ -248,14 +291,14 @@ Result<std::monostate, CommandFailure> CommandTree::parse(std::vector<std::strin
     std::vector<std::string> reversed = prepared(arguments);
     std::ranges::reverse(reversed);
     try {
-        m_root.parse(reversed);
+        m_root->parse(reversed);
     } catch (const CLI::ParseError &error) {
         if (m_wantsHelp || m_wantsVersion)
             return std::monostate();
         const CLI::App *command = chosen();
         const bool isExtra = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError);
         const std::string message =
-            isExtra ? extraMessage(m_root.remaining(true), command) : withoutMarks(messageOf(error));
+            isExtra ? extraMessage(m_root->remaining(true), command) : withoutMarks(messageOf(error));
         return failure(CommandFailure::usage(message + " See: " + commandLine(command) + " --help"));
     }
     if (m_wantsHelp || m_wantsVersion)
@@ -289,7 +332,7 @@ Result<std::monostate, CommandFailure> CommandTree::checkGlobalOptions()
 
 const CLI::App *CommandTree::chosen() const
 {
-    const CLI::App *command = &m_root;
+    const CLI::App *command = m_root.get();
     while (!command->get_subcommands().empty())
         command = command->get_subcommands().back();
     return command;
@@ -300,6 +343,11 @@ const CommandTree::Action &CommandTree::action() const
     const auto found = m_actions.find(chosen());
     ORVANE_REQUIRE(found != m_actions.end(), "every command does something");
     return found->second;
+}
+
+std::string CommandTree::help() const
+{
+    return m_root->get_formatter()->make_help(chosen(), {}, CLI::AppFormatMode::Normal);
 }
 
 std::vector<const CLI::App *> CommandTree::commandsOf(const CLI::App *parent)

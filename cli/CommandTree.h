@@ -3,15 +3,19 @@
 
 #include "CommandContext.h"
 
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
+
+// The library behind it takes the compiler seconds to read: only what builds help and completions knows it.
+namespace CLI {
+class App;
+class Option;
+} // namespace CLI
 
 namespace orvane {
 
@@ -35,16 +39,18 @@ public:
     };
 
     CommandTree();
+    ~CommandTree();
     CommandTree(const CommandTree &) = delete;
     CommandTree &operator=(const CommandTree &) = delete;
 
-    CLI::App &root() { return m_root; }
-    const CLI::App &root() const { return m_root; }
+    const CLI::App &root() const { return *m_root; }
     const GlobalOptions &options() const { return m_options; }
 
     /// A command of a group of the help text; a verb of a command has none.
     CLI::App *add(const std::string &name, const std::string &description, const std::string &group);
     static CLI::App *addVerb(CLI::App *command, const std::string &name, const std::string &description);
+    /// A sentence more of what the help says below a command's options.
+    static void addFooter(CLI::App *command, const std::string &text);
     void onRun(const CLI::App *command, Handler handler, FailureForm failureForm = FailureForm::error);
     void onRunPlain(const CLI::App *command, PlainHandler handler);
 
@@ -52,22 +58,36 @@ public:
     static CLI::Option *addText(CLI::App *command, const std::string &name,
                                 std::optional<std::string> &target, const std::string &type,
                                 const std::string &description);
-    static CLI::Option *addRequired(CLI::App *command, const std::string &name, std::string &target,
-                                    const std::string &description);
+    static void addRequired(CLI::App *command, const std::string &name, std::string &target,
+                            const std::string &description);
+    static void addRequired(CLI::App *command, const std::string &name, std::int64_t &target,
+                            const std::string &description);
+    static void addFlag(CLI::App *command, const std::string &name, bool &target,
+                        const std::string &description);
+    /// Two flags of which one can be given: "--billable" and "--no-billable".
+    static void addSwitch(CLI::App *command, const std::string &name, std::optional<bool> &target,
+                          const std::string &descriptionOn, const std::string &descriptionOff);
+    /// "--day DAY" or "--week [DAY]", which means today without its value.
+    static void addDayOrWeek(CLI::App *command, std::optional<std::string> &day,
+                             std::optional<std::string> &week);
     /// An option that may be given several times, one value each time.
-    static CLI::Option *addTexts(CLI::App *command, const std::string &name, std::vector<std::string> &target,
-                                 const std::string &type, const std::string &description);
-    /// The values of an option as they were typed, for one that is added without the calls above.
-    static std::vector<std::string> asTyped(std::vector<std::string> values);
-    /// All remaining words, as one text with single spaces.
-    static CLI::Option *addSentence(CLI::App *command, const std::string &name,
-                                    std::optional<std::string> &target, const std::string &description);
+    static void addTexts(CLI::App *command, const std::string &name,
+                         std::optional<std::vector<std::string>> &target, const std::string &type,
+                         const std::string &description);
+    /// All remaining words.
+    static void addWords(CLI::App *command, const std::string &name, std::vector<std::string> &target,
+                         const std::string &description);
+    /// The same as one text with single spaces.
+    static void addSentence(CLI::App *command, const std::string &name, std::optional<std::string> &target,
+                            const std::string &description, bool isRequired = false);
 
     /// Reads the arguments (without the program's name). The error is a usage failure.
     Result<std::monostate, CommandFailure> parse(std::vector<std::string> arguments);
     /// The command that was parsed last, the root when none was named.
     const CLI::App *chosen() const;
     const Action &action() const;
+    /// The help of the command that was parsed last.
+    std::string help() const;
     bool wantsHelp() const { return m_wantsHelp; }
     bool wantsVersion() const { return m_wantsVersion; }
 
@@ -79,7 +99,7 @@ private:
     std::vector<std::string> prepared(const std::vector<std::string> &arguments) const;
     Result<std::monostate, CommandFailure> checkGlobalOptions();
 
-    CLI::App m_root;
+    std::unique_ptr<CLI::App> m_root;
     GlobalOptions m_options;
     std::optional<std::string> m_homeFolder;
     std::optional<std::string> m_fixturesFolder;

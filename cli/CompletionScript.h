@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <CLI/App.hpp>
 #include <optional>
 #include <string>
 #include <string_view>
+
+namespace CLI {
+class App;
+} // namespace CLI
 
 namespace orvane {
 

@@ -118,16 +118,12 @@ void addActivityCommand(CommandTree &tree)
     const auto options = std::make_shared<ActivityOptions>();
     CLI::App *command =
         tree.add("activity", "Show what you and your coding agents worked on, from their logs", "Agents");
-    CLI::Option *day =
-        CommandTree::addText(command, "--day", options->day, "DAY", "The day; today unless it is named");
-    CLI::Option *week = CommandTree::addText(command, "--week", options->week, "[DAY]",
-                                             "The seven days of the week that holds it, or of this week");
-    week->expected(0, 1)->default_str("today")->excludes(day);
-    command->add_flag("--no-cache", options->readsAnew, "Read all logs anew");
-    command->footer(
-        "Attention is solid: it goes to where you prompted last, for 15 minutes at most. Agents at "
-        "work are light. A DAY is 2026-03-01, today, yesterday or the name of a weekday, which is "
-        "the last one.");
+    CommandTree::addDayOrWeek(command, options->day, options->week);
+    CommandTree::addFlag(command, "--no-cache", options->readsAnew, "Read all logs anew");
+    CommandTree::addFooter(
+        command, "Attention is solid: it goes to where you prompted last, for 15 minutes at most. Agents at "
+                 "work are light. A DAY is 2026-03-01, today, yesterday or the name of a weekday, which is "
+                 "the last one.");
     tree.onRun(command, [options](Context context) { return activity(std::move(context), *options); });
 }
 

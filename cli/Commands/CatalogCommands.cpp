@@ -142,7 +142,7 @@ void addCatalogCommands(CommandTree &tree)
     const std::string group = "The workspace";
     CLI::App *clients = tree.add("clients", "List the clients, or change them", group);
     const auto archivedToo = std::make_shared<bool>(false);
-    clients->add_flag("--archived", *archivedToo, "List the archived ones too");
+    CommandTree::addFlag(clients, "--archived", *archivedToo, "List the archived ones too");
     tree.onRun(clients,
                [archivedToo](Context context) { return listClients(std::move(context), *archivedToo); });
     addVerb(tree, clients, "add", "Make a client", "NAME", "The client's name", addClient);

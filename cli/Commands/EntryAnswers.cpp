@@ -248,22 +248,14 @@ void addEntryOptions(CLI::App *command, EntryOptions &options)
     CommandTree::addText(command, "--project", options.project, "PROJECT",
                          "A name or an identifier; \"\" for none");
     CommandTree::addText(command, "--task", options.task, "TASK", "A name or an identifier; \"\" for none");
-    command
-        ->add_option_function<std::vector<std::string>>(
-            "--tag",
-            [&options](const std::vector<std::string> &tags) { options.tags = CommandTree::asTyped(tags); },
-            "A name or an identifier; once for each tag, \"\" for none")
-        ->type_name("TAG")
-        ->allow_extra_args(false);
-    CLI::Option *billable = command->add_flag_callback(
-        "--billable", [&options] { options.billable = true; }, "The time can be billed");
-    command
-        ->add_flag_callback(
-            "--no-billable", [&options] { options.billable = false; }, "The time cannot be billed")
-        ->excludes(billable);
-    command->footer("A TIME is a time of day (930, 9:30, 9:30pm), \"now\", how long ago (-15, -1h), "
-                    "\"2026-03-01 9:30\" or "
-                    "2026-03-01T09:30:00Z.");
+    CommandTree::addTexts(command, "--tag", options.tags, "TAG",
+                          "A name or an identifier; once for each tag, \"\" for none");
+    CommandTree::addSwitch(command, "billable", options.billable, "The time can be billed",
+                           "The time cannot be billed");
+    CommandTree::addFooter(command,
+                           "A TIME is a time of day (930, 9:30, 9:30pm), \"now\", how long ago (-15, -1h), "
+                           "\"2026-03-01 9:30\" or "
+                           "2026-03-01T09:30:00Z.");
 }
 
 } // namespace orvane

@@ -98,9 +98,9 @@ void addEntryCommands(CommandTree &tree)
     CLI::App *addCommand = tree.add("add", "Record a finished entry", group);
     CommandTree::addSentence(addCommand, "SENTENCE", added->sentence, sentenceText);
     addEntryOptions(addCommand, *added);
-    addCommand->footer(
-        addCommand->get_footer() +
-        " A time of day is today's; an end before its start means that the entry began the day before.");
+    CommandTree::addFooter(
+        addCommand,
+        "A time of day is today's; an end before its start means that the entry began the day before.");
     tree.onRun(
         addCommand, [added](Context context) { return add(std::move(context), *added); },
         FailureForm::outcome);
@@ -110,9 +110,9 @@ void addEntryCommands(CommandTree &tree)
     CommandTree::addRequired(editCommand, "ID", edited->id, idText);
     CommandTree::addSentence(editCommand, "SENTENCE", edited->entry.sentence, sentenceText);
     addEntryOptions(editCommand, edited->entry);
-    editCommand->footer(
-        editCommand->get_footer() +
-        " A time of day is on the entry's own day, an end before its start on the next. Tags that are "
+    CommandTree::addFooter(
+        editCommand,
+        "A time of day is on the entry's own day, an end before its start on the next. Tags that are "
         "named replace the entry's.");
     tree.onRun(
         editCommand, [edited](Context context) { return edit(std::move(context), *edited); },

@@ -45,14 +45,14 @@ void addHelpCommands(CommandTree &tree)
     const std::string group = "The program";
     const auto names = std::make_shared<std::vector<std::string>>();
     CLI::App *helpCommand = tree.add("help", "Say what a command does", group);
-    helpCommand->add_option("COMMAND", *names, "The command, and the verb of it");
-    tree.onRunPlain(helpCommand,
-                    [names](const CommandTree &whole) { return help(whole, CommandTree::asTyped(*names)); });
+    CommandTree::addWords(helpCommand, "COMMAND", *names, "The command, and the verb of it");
+    tree.onRunPlain(helpCommand, [names](const CommandTree &whole) { return help(whole, *names); });
 
     const auto shell = std::make_shared<std::string>();
     CLI::App *completionCommand = tree.add("completion", "Print the completions for a shell", group);
     CommandTree::addRequired(completionCommand, "SHELL", *shell, "bash, zsh or fish");
-    completionCommand->footer(
+    CommandTree::addFooter(
+        completionCommand,
         "bash: source <(orvane completion bash) in ~/.bashrc. zsh: orvane completion zsh > a folder of "
         "$fpath, as _orvane. fish: orvane completion fish > "
         "~/.config/fish/completions/orvane.fish.");

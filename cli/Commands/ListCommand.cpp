@@ -92,12 +92,9 @@ void addListCommand(CommandTree &tree)
 {
     const auto options = std::make_shared<ListOptions>();
     CLI::App *command = tree.add("list", "List the entries of a day or a week, with totals", "Entries");
-    CLI::Option *day =
-        CommandTree::addText(command, "--day", options->day, "DAY", "The day; today unless it is named");
-    CLI::Option *week = CommandTree::addText(command, "--week", options->week, "[DAY]",
-                                             "The seven days of the week that holds it, or of this week");
-    week->expected(0, 1)->default_str("today")->excludes(day);
-    command->footer("A DAY is 2026-03-01, today, yesterday or the name of a weekday, which is the last one.");
+    CommandTree::addDayOrWeek(command, options->day, options->week);
+    CommandTree::addFooter(
+        command, "A DAY is 2026-03-01, today, yesterday or the name of a weekday, which is the last one.");
     tree.onRun(command, [options](Context context) { return list(std::move(context), *options); });
 }
 

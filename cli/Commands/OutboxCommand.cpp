@@ -77,7 +77,7 @@ void addSide(CommandTree &tree, CLI::App *outbox, const char *name, const char *
 {
     const auto seq = std::make_shared<std::int64_t>(0);
     CLI::App *command = CommandTree::addVerb(outbox, name, description);
-    command->add_option("SEQ", *seq, "The change's number, as orvane outbox lists it")->required();
+    CommandTree::addRequired(command, "SEQ", *seq, "The change's number, as orvane outbox lists it");
     tree.onRun(command, [seq, side](Context context) { return settle(std::move(context), *seq, side); });
 }
 

@@ -222,7 +222,7 @@ void addProjectCommands(CommandTree &tree)
     const std::string group = "The workspace";
     CLI::App *projects = tree.add("projects", "List the projects, or change them", group);
     const auto archivedToo = std::make_shared<bool>(false);
-    projects->add_flag("--archived", *archivedToo, "List the archived ones too");
+    CommandTree::addFlag(projects, "--archived", *archivedToo, "List the archived ones too");
     tree.onRun(projects,
                [archivedToo](Context context) { return listProjects(std::move(context), *archivedToo); });
 
@@ -233,8 +233,8 @@ void addProjectCommands(CommandTree &tree)
                          "Whom it is for: a name or an identifier");
     CommandTree::addText(add, "--color", project->colour, "#RRGGBB",
                          "Its colour; one is chosen unless it is named");
-    add->add_flag("--billable", project->fields.isBillable, "Its time can be billed");
-    add->add_flag("--private", project->fields.isPrivate, "Only its members see it");
+    CommandTree::addFlag(add, "--billable", project->fields.isBillable, "Its time can be billed");
+    CommandTree::addFlag(add, "--private", project->fields.isPrivate, "Only its members see it");
     tree.onRun(add, [project](Context context) { return addProject(std::move(context), *project); });
     addProjectVerb(tree, projects, "archive", "Put a project away; its entries stay", ProjectVerb::archive);
     addProjectVerb(tree, projects, "restore", "Take a project back from the archive", ProjectVerb::restore);

@@ -161,15 +161,15 @@ void addQuickEntryCommands(CommandTree &tree)
     const std::string group = "Entries";
     const auto sentence = std::make_shared<std::optional<std::string>>();
     CLI::App *parseCommand = tree.add("parse", "Say what a sentence means, without doing it", group);
-    CommandTree::addSentence(parseCommand, "SENTENCE", *sentence, "One line, as start and add take it")
-        ->required();
-    parseCommand->footer("@ names a project, a task or a client (@web, @web/design, @big-project), # a tag, "
-                         "$ says billable. The time is "
-                         "the end of the line: 9-10:30, from 9 to 10:30, since 9:40, 45m ago, for 1h30, 90m; "
-                         "with a day before or after "
-                         "it: yesterday, mon, 2026-03-04. What is not understood stays in the description. "
-                         "In a shell, quote the line: "
-                         "# and $ mean something to it.");
+    CommandTree::addSentence(parseCommand, "SENTENCE", *sentence, "One line, as start and add take it", true);
+    CommandTree::addFooter(
+        parseCommand, "@ names a project, a task or a client (@web, @web/design, @big-project), # a tag, "
+                      "$ says billable. The time is "
+                      "the end of the line: 9-10:30, from 9 to 10:30, since 9:40, 45m ago, for 1h30, 90m; "
+                      "with a day before or after "
+                      "it: yesterday, mon, 2026-03-04. What is not understood stays in the description. "
+                      "In a shell, quote the line: "
+                      "# and $ mean something to it.");
     tree.onRun(parseCommand, [sentence](Context context) {
         return parse(std::move(context), sentence->value_or(std::string()));
     });
@@ -177,7 +177,7 @@ void addQuickEntryCommands(CommandTree &tree)
     const auto query = std::make_shared<std::optional<std::string>>();
     CLI::App *findCommand =
         tree.add("find", "Find projects, tasks, clients, tags and recent entries by a few letters", group);
-    CommandTree::addSentence(findCommand, "QUERY", *query, "The beginnings or initials of words")->required();
+    CommandTree::addSentence(findCommand, "QUERY", *query, "The beginnings or initials of words", true);
     tree.onRun(findCommand,
                [query](Context context) { return find(std::move(context), query->value_or(std::string())); });
 }

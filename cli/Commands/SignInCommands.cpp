@@ -133,12 +133,14 @@ void addSignInCommands(CommandTree &tree)
     CLI::App *command = tree.add("login", "Sign in to a server, or register there", group);
     CommandTree::addText(command, "--email", options->email, "EMAIL",
                          "Who signs in; asked for unless it is named");
-    command->add_flag("--password-stdin", options->readsPassword, "Read the password from standard input");
-    command->add_flag("--register", options->registers, "Make a new account");
+    CommandTree::addFlag(command, "--password-stdin", options->readsPassword,
+                         "Read the password from standard input");
+    CommandTree::addFlag(command, "--register", options->registers, "Make a new account");
     CommandTree::addText(command, "--provider", options->provider, "NAME",
                          "Sign in with another service's account");
-    command->footer("Name the server with --server. Without a sign-in, the account on this computer is used, "
-                    "which needs none.");
+    CommandTree::addFooter(
+        command, "Name the server with --server. Without a sign-in, the account on this computer is used, "
+                 "which needs none.");
     tree.onRun(command, [options](Context context) { return login(std::move(context), *options); });
     tree.onRun(tree.add("logout", "Sign out, and go back to the account on this computer", group), logout);
 }
