@@ -377,14 +377,12 @@ void Account::tellNextTry()
 
 Task<Result<void, AccountError>> Account::signOut()
 {
-    if (!isAutomatic())
-        return m_access->signOut();
-    const auto refuse = []() -> Task<Result<void, AccountError>> {
+    if (isAutomatic())
         co_return failure(
             AccountError{AccountError::Kind::refused,
                          "The account on this computer signs in by itself; there is no sign-in to end."});
-    };
-    return refuse();
+    const auto access = m_access;
+    co_return co_await access->signOut();
 }
 
 Task<> Account::close()
