@@ -4,6 +4,8 @@
 
 #include <QCoro/QCoroSignal>
 
+#include <set>
+
 namespace orvane {
 namespace {
 
@@ -255,6 +257,12 @@ TEST_F(OutboxSharingTest, ACreationThatMayHaveArrivedGoesAgainAsItWas)
     await(submit(one.outbox.get(), stop(shown, 20)));
     for (int i = 0; i < 3; ++i)
         await(one.outbox->flush());
+    std::set<std::string> forms;
+    for (const SeenRequest &request : stack.proxy().requests()) {
+        if (request.method == "POST" && request.body.contains(mine))
+            forms.insert(request.body);
+    }
+    EXPECT_EQ(forms.size(), 1U) << "another server may not tell two forms apart";
     EXPECT_TRUE(one.outbox->pending().empty());
     EXPECT_EQ(held(mine).stop, shown.start + std::chrono::minutes{20});
 }

@@ -41,7 +41,7 @@ private:
     void startTimer(const ProcessPtr &process);
     void stopTimer(const ProcessPtr &process);
     void record(const ProcessPtr &process);
-    void edit(const ProcessPtr &process);
+    void editEntry(const ProcessPtr &process, const std::optional<TimeEntryResponse> &shown);
     void remove(const ProcessPtr &process);
     void settleOne(const ProcessPtr &process);
     Task<> await(ProcessPtr process, std::vector<int> deeds, Task<SaveResult> action);
@@ -52,6 +52,8 @@ private:
     int note(const ProcessPtr &process, Oracle::Kind kind, const std::string &entry, Contents writes,
              const std::optional<TimeEntryResponse> &shown);
     std::optional<TimeEntryResponse> pick(const ProcessPtr &process);
+    static std::optional<TimeEntryResponse> shownAs(const ProcessPtr &process, const std::string &id);
+    void soon(const ProcessPtr &process, std::int64_t atMost, std::function<void()> deed);
     Instant moment(const Process &process);
     /// A length or distance that nobody used before.
     World::Millis distance(std::int64_t from, std::int64_t to);

@@ -53,7 +53,7 @@ void Simulation::act(const ProcessPtr &process)
     else if (choice < 46)
         record(process);
     else if (choice < 78)
-        edit(process);
+        editEntry(process, pick(process));
     else if (choice < 84)
         remove(process);
     else if (choice < 92)
@@ -111,10 +111,17 @@ void Simulation::startTimer(const ProcessPtr &process)
     await(process, deeds, process->tracker().start(std::move(details), at));
     // Often it was a short thing, or a slip.
     if (m_world.random().chance(40))
-        m_world.post(m_world.newLane(), Millis(m_world.random().between(100, 20'000)), [this, process] {
-            if (process->isOpen() && !m_commands.contains(process.get()))
-                stopTimer(process);
-        });
+        soon(process, 20'000, [this, process] { stopTimer(process); });
+}
+
+/// What the user of a window does next, as one thing follows the other.
+void Simulation::soon(const ProcessPtr &process, std::int64_t atMost, std::function<void()> deed)
+{
+    const Millis wait(m_world.random().between(0, atMost));
+    m_world.post(m_world.newLane(), wait, [this, process, deed = std::move(deed)] {
+        if (process->isOpen() && !m_commands.contains(process.get()))
+            deed();
+    });
 }
 
 void Simulation::stopTimer(const ProcessPtr &process)
@@ -126,6 +133,9 @@ void Simulation::stopTimer(const ProcessPtr &process)
     const int deed = note(process, Oracle::Kind::stop, running->id, {{Field::stop, value(at)}}, running);
     m_world.note(process->name(), "#" + std::to_string(deed) + " stops " + running->id + " at " + clock(at));
     await(process, {deed}, process->tracker().stop(at));
+    // What it was is often said once it is over.
+    if (m_world.random().chance(40))
+        soon(process, 4'000, [this, process, id = running->id] { editEntry(process, shownAs(process, id)); });
 }
 
 void Simulation::record(const ProcessPtr &process)
@@ -144,9 +154,15 @@ void Simulation::record(const ProcessPtr &process)
     await(process, {deed}, process->tracker().create(std::move(request)));
 }
 
-void Simulation::edit(const ProcessPtr &process)
+std::optional<TimeEntryResponse> Simulation::shownAs(const ProcessPtr &process, const std::string &id)
 {
-    const auto shown = pick(process);
+    const auto &entries = process->tracker().entries();
+    const auto shown = std::ranges::find(entries, id, &TimeEntryResponse::id);
+    return shown == entries.end() ? std::nullopt : std::optional{*shown};
+}
+
+void Simulation::editEntry(const ProcessPtr &process, const std::optional<TimeEntryResponse> &shown)
+{
     if (!shown)
         return;
     EntryRequest request = entryRequest(*shown);
@@ -221,8 +237,16 @@ void Simulation::settleOne(const ProcessPtr &process)
     const auto conflicts = process->outbox().conflicts();
     if (conflicts.empty())
         return;
-    const Outbox::Pending &row = conflicts[m_world.random().below(conflicts.size())];
-    settle(process, row.seq, m_world.random().chance(50));
+    const Outbox::Pending row = conflicts[m_world.random().below(conflicts.size())];
+    const bool keepsMine = m_world.random().chance(50);
+    if (m_commands.contains(process.get()) || m_world.random().chance(50)) {
+        settle(process, row.seq, keepsMine);
+        return;
+    }
+    // Or first goes on with the day, and answers while that is being sent.
+    editEntry(process, pick(process));
+    editEntry(process, shownAs(process, row.change.entryId()));
+    soon(process, 300, [this, process, row, keepsMine] { settle(process, row.seq, keepsMine); });
 }
 
 std::optional<int> Simulation::deedOf(Process &process, const Outbox::Pending &row) const

@@ -36,7 +36,8 @@ MUTANTS = {
                                                     "return true || saysTheSame(*stopped, current);"),
     "a creation's echo taken for its answer": (RULES, "    return saysTheSame(entryResponse(create.request, create.id, create.workspaceId), answer);",
                                                "    return create.id == answer.id;"),
-    "a creation's form forgotten": (STORE, "            steps.write(CreationTry::key(creation.seq), tried);\n", ""),
+    "a creation whose stop stays behind": (
+        OUTBOX, "        create->request.stop = std::get<EntryChange::Stop>(sending.stop->change.action).at;\n", "        ;\n"),
     "a change sent behind its conflict": ("OrvaneKit/Outbox/QueuedChanges.cpp", "        return seq <= row.seq && find(seq)",
                                           "        return seq > row.seq && find(seq)"),
     "what stands on a dropped change": (STACK, "        steps.writeRow(row);\n        changed.push_back(row);\n",
