@@ -28,7 +28,9 @@ endif()
 add_library(orvane_warnings INTERFACE)
 target_compile_options(orvane_warnings INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor -Woverloaded-virtual
-    -Wimplicit-fallthrough -Wnull-dereference -Wextra-semi -Wunused -Werror)
+    -Wimplicit-fallthrough -Wnull-dereference -Wextra-semi -Wunused -Werror
+    # Of names in two files that are compiled together.
+    $<$<BOOL:${CMAKE_UNITY_BUILD}>:-Wno-shadow>)
 
 # Headers that most sources include, which take the compiler longer than what the sources do with them. Precompiled for
 # OrvaneSupport, for the product above it (by OrvaneAPI) and for the tests (by OrvaneTestSupport). Sources name what they
@@ -45,6 +47,19 @@ set(orvane_product_headers ${orvane_support_headers}
     <Support/Json.h>)
 set(orvane_test_headers ${orvane_product_headers} <QProcess> <QTemporaryDir> <gmock/gmock.h> <gtest/gtest.h>)
 
+# With CMAKE_UNITY_BUILD the sources of one folder are compiled as one, which takes the processor half the time and makes
+# no use of ccache when one of them changes: for who builds once. So the names that a folder's sources keep to themselves
+# differ.
+function(orvane_group_by_folder target)
+    get_target_property(sources ${target} SOURCES)
+    foreach(source IN LISTS sources)
+        cmake_path(GET source PARENT_PATH folder)
+        cmake_path(GET folder FILENAME group)
+        set_source_files_properties(${source} PROPERTIES UNITY_GROUP "${group}")
+    endforeach()
+    set_target_properties(${target} PROPERTIES UNITY_BUILD_MODE GROUP)
+endfunction()
+
 # Gives a target of ours the shared options, and the precompiled header of HEADERS_OF when it is named.
 function(orvane_target target)
     cmake_parse_arguments(arg "" "HEADERS_OF" "" ${ARGN})
@@ -52,4 +67,5 @@ function(orvane_target target)
     if(arg_HEADERS_OF)
         target_precompile_headers(${target} REUSE_FROM ${arg_HEADERS_OF})
     endif()
+    orvane_group_by_folder(${target})
 endfunction()

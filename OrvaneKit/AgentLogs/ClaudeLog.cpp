@@ -17,7 +17,7 @@ namespace {
 using jsonbytes::ListWalk;
 using jsonbytes::ObjectWalk;
 
-constexpr std::string_view keyPrefix = "claude:";
+constexpr std::string_view claudeKeyPrefix = "claude:";
 
 enum class LineKind { unknown, assistant, user, attachment, title, uninteresting };
 
@@ -35,7 +35,7 @@ LineKind lineKind(std::string_view type)
 }
 
 /// What the quick look finds.
-struct Glance {
+struct ClaudeGlance {
     enum Seen : unsigned {
         typeSeen = 1,
         messageSeen = 2,
@@ -61,14 +61,14 @@ struct Glance {
     unsigned seen = 0;
 };
 
-void glanceAtText(ObjectWalk &walk, std::string_view &into, Glance &glance, Glance::Seen seen)
+void glanceAtText(ObjectWalk &walk, std::string_view &into, ClaudeGlance &glance, ClaudeGlance::Seen seen)
 {
     into = walk.plainText(glance.hasEscapes);
     glance.seen |= seen;
 }
 
 /// A block of a message's content; gives its end.
-const char *glanceAtBlock(const char *at, const char *end, Glance &glance)
+const char *glanceAtBlock(const char *at, const char *end, ClaudeGlance &glance)
 {
     ObjectWalk block(at, end);
     std::string_view type;
@@ -96,7 +96,7 @@ const char *glanceAtBlock(const char *at, const char *end, Glance &glance)
     return block.finish();
 }
 
-void glanceAtMessage(ObjectWalk &line, Glance &glance)
+void glanceAtMessage(ObjectWalk &line, ClaudeGlance &glance)
 {
     ObjectWalk message(line.value(), line.limit());
     while (message.next()) {
@@ -112,11 +112,11 @@ void glanceAtMessage(ObjectWalk &line, Glance &glance)
         }
         break;
     }
-    glance.seen |= Glance::messageSeen;
+    glance.seen |= ClaudeGlance::messageSeen;
     line.taken(message.finish());
 }
 
-void glanceAtAttachment(ObjectWalk &line, Glance &glance)
+void glanceAtAttachment(ObjectWalk &line, ClaudeGlance &glance)
 {
     ObjectWalk attachment(line.value(), line.limit());
     while (attachment.next()) {
@@ -125,11 +125,11 @@ void glanceAtAttachment(ObjectWalk &line, Glance &glance)
             break;
         }
     }
-    glance.seen |= Glance::attachmentSeen;
+    glance.seen |= ClaudeGlance::attachmentSeen;
     line.taken(attachment.finish());
 }
 
-void glanceAtMember(ObjectWalk &line, Glance &glance)
+void glanceAtMember(ObjectWalk &line, ClaudeGlance &glance)
 {
     const std::string_view name = line.name();
     switch (name.size()) {
@@ -137,13 +137,13 @@ void glanceAtMember(ObjectWalk &line, Glance &glance)
         if (name == "cwd") {
             // Some systems' paths have escapes throughout.
             glance.folder = line.text().value_or(std::string_view{});
-            glance.seen |= Glance::folderSeen;
+            glance.seen |= ClaudeGlance::folderSeen;
         }
         break;
     case 4:
         if (name == "type") {
             glance.kind = lineKind(line.plainText(glance.hasEscapes));
-            glance.seen |= Glance::typeSeen;
+            glance.seen |= ClaudeGlance::typeSeen;
         }
         break;
     case 7:
@@ -152,11 +152,11 @@ void glanceAtMember(ObjectWalk &line, Glance &glance)
         break;
     case 9:
         if (name == "timestamp")
-            glanceAtText(line, glance.timestamp, glance, Glance::dateSeen);
+            glanceAtText(line, glance.timestamp, glance, ClaudeGlance::dateSeen);
         else if (name == "sessionId")
-            glanceAtText(line, glance.sessionId, glance, Glance::sessionSeen);
+            glanceAtText(line, glance.sessionId, glance, ClaudeGlance::sessionSeen);
         else if (name == "gitBranch")
-            glanceAtText(line, glance.branch, glance, Glance::branchSeen);
+            glanceAtText(line, glance.branch, glance, ClaudeGlance::branchSeen);
         break;
     case 10:
         if (name == "attachment" && line.first() == '{')
@@ -165,7 +165,7 @@ void glanceAtMember(ObjectWalk &line, Glance &glance)
     case 11:
         if (name == "isSidechain") {
             glance.isSidechain = line.isTrue();
-            glance.seen |= Glance::sidechainSeen;
+            glance.seen |= ClaudeGlance::sidechainSeen;
         }
         break;
     default:
@@ -174,18 +174,18 @@ void glanceAtMember(ObjectWalk &line, Glance &glance)
 }
 
 /// Whether nothing that may still come can change what the line means.
-bool isEnough(const Glance &glance)
+bool isEnough(const ClaudeGlance &glance)
 {
     const auto hasSeen = [&](unsigned what) { return (glance.seen & what) == what; };
     if (glance.hasEscapes)
         return true;
     switch (glance.kind) {
     case LineKind::assistant:
-        return hasSeen(Glance::everything);
+        return hasSeen(ClaudeGlance::everything);
     case LineKind::user:
-        return hasSeen(Glance::everything) || (hasSeen(Glance::messageSeen) && glance.hasText);
+        return hasSeen(ClaudeGlance::everything) || (hasSeen(ClaudeGlance::messageSeen) && glance.hasText);
     case LineKind::attachment:
-        return hasSeen(Glance::attachmentSeen);
+        return hasSeen(ClaudeGlance::attachmentSeen);
     case LineKind::unknown:
         return false;
     case LineKind::title:
@@ -203,9 +203,9 @@ bool isPlain(std::string_view raw)
 }
 
 /// Whether a line tells nothing new of the session's place.
-bool isPlaced(const AgentSession &session, const Glance &glance)
+bool isPlaced(const AgentSession &session, const ClaudeGlance &glance)
 {
-    return session.id.size() == keyPrefix.size() + glance.sessionId.size() &&
+    return session.id.size() == claudeKeyPrefix.size() + glance.sessionId.size() &&
            session.id.ends_with(glance.sessionId) && session.cwd == glance.folder &&
            !session.branches.empty() && session.branches.back() == glance.branch;
 }
@@ -222,7 +222,7 @@ void AgentLogParser::readClaude(std::string_view line)
 bool AgentLogParser::readClaudeQuickly(std::string_view line)
 {
     ObjectWalk walk(line);
-    Glance glance;
+    ClaudeGlance glance;
     while (!isEnough(glance)) {
         if (!walk.next()) {
             // Broken lines and glued ones are for the full look, which refuses them.
@@ -256,7 +256,7 @@ bool AgentLogParser::readClaudeQuickly(std::string_view line)
     if (!date)
         return true;
     AgentSession *session =
-        glance.sessionId.empty() ? current() : &this->session(keyPrefix, glance.sessionId);
+        glance.sessionId.empty() ? current() : &this->session(claudeKeyPrefix, glance.sessionId);
     if (session == nullptr)
         return true;
     if (!glance.isSidechain)
@@ -299,7 +299,7 @@ void AgentLogParser::readClaudeFully(std::string_view line)
         const std::string title = sessiontitle::of(custom ? *custom : textOr(record->aiTitle));
         if (id.empty() || title.empty())
             return;
-        AgentSession &titled = session(keyPrefix, id);
+        AgentSession &titled = session(claudeKeyPrefix, id);
         if (custom)
             m_state.customTitles[titled.id] = title;
         else
@@ -317,7 +317,7 @@ void AgentLogParser::readClaudeFully(std::string_view line)
         (kind != LineKind::assistant && !said.text.empty() &&
          (isTrue(record->isCompactSummary) || agentprompts::isNothing(said.text))))
         return;
-    AgentSession *session = id.empty() ? current() : &this->session(keyPrefix, id);
+    AgentSession *session = id.empty() ? current() : &this->session(claudeKeyPrefix, id);
     if (session == nullptr)
         return;
     const bool isSidechain = isTrue(record->isSidechain);

@@ -11,12 +11,12 @@ namespace {
 
 using jsonbytes::ObjectWalk;
 
-constexpr std::string_view keyPrefix = "codex:";
+constexpr std::string_view codexKeyPrefix = "codex:";
 
 /// All lines that repeat the parent's are stamped with the moment of the fork.
 constexpr std::chrono::seconds forkLength{1};
 
-struct Glance {
+struct CodexGlance {
     std::string_view timestamp, type, payloadType, role, tool, space;
     bool hasPayload = false;
     /// Where a text that matters has escapes, nothing here counts.
@@ -29,7 +29,7 @@ bool isSilent(std::string_view payloadType)
     return payloadType.ends_with("_output") || payloadType == "reasoning";
 }
 
-void glanceAtPayload(ObjectWalk &line, Glance &glance)
+void glanceAtPayload(ObjectWalk &line, CodexGlance &glance)
 {
     ObjectWalk payload(line.value(), line.limit());
     while (payload.next()) {
@@ -71,7 +71,7 @@ std::string parentOf(const logrecords::Payload &payload)
     std::string parent = textOr(spawn.parent_thread_id);
     if (parent.empty() && isSubagent(payload.source))
         parent = textOr(payload.parent_thread_id);
-    return parent.empty() ? parent : std::string(keyPrefix) + parent;
+    return parent.empty() ? parent : std::string(codexKeyPrefix) + parent;
 }
 
 ToolCalls callsOf(const logrecords::Payload &payload, const std::string &kind)
@@ -100,7 +100,7 @@ bool AgentLogParser::isPassingOver(Instant date, std::string_view taskStarted)
 {
     if (!m_state.forkedAt)
         return false;
-    const std::string_view own = std::string_view(m_state.currentID).substr(keyPrefix.size());
+    const std::string_view own = std::string_view(m_state.currentID).substr(codexKeyPrefix.size());
     // An id of another form says nothing of its time.
     const bool isOwnTask = taskStarted.size() == own.size() && taskStarted >= own;
     if (date > *m_state.forkedAt + forkLength || isOwnTask)
@@ -111,7 +111,7 @@ bool AgentLogParser::isPassingOver(Instant date, std::string_view taskStarted)
 bool AgentLogParser::readCodexQuickly(std::string_view line)
 {
     ObjectWalk walk(line);
-    Glance glance;
+    CodexGlance glance;
     while (walk.next()) {
         const std::string_view name = walk.name();
         if (name == "timestamp") {
@@ -161,7 +161,7 @@ void AgentLogParser::readCodexFully(std::string_view line)
     const auto date = instantFromIso8601(textOr(record->timestamp));
     if (type == "session_meta") {
         const std::string id = textOr(payload.id);
-        const std::string key = std::string(keyPrefix) + id;
+        const std::string key = std::string(codexKeyPrefix) + id;
         const bool isFirst = m_state.currentID.empty();
         if (id.empty() || (!isFirst && key != m_state.currentID)) {
             const bool hasBegun = m_state.turns.contains(m_state.currentID);
@@ -169,7 +169,7 @@ void AgentLogParser::readCodexFully(std::string_view line)
                 m_state.forkedAt = date;
             return;
         }
-        AgentSession &session = this->session(keyPrefix, id);
+        AgentSession &session = this->session(codexKeyPrefix, id);
         placeSession(session, textOr(payload.cwd), textOr(inside<Git>(payload.git).branch));
         if (isFirst) {
             session.parentID = parentOf(payload);

@@ -12,7 +12,7 @@ namespace {
 
 using jsonbytes::ObjectWalk;
 
-constexpr std::string_view keyPrefix = "copilot:";
+constexpr std::string_view copilotKeyPrefix = "copilot:";
 constexpr std::string_view callType = "tool.execution_start";
 
 bool isWork(std::string_view type)
@@ -71,7 +71,7 @@ void AgentLogParser::readCopilotFully(std::string_view line)
     const auto data = inside<CopilotData>(event->data);
     if (isPlace(type)) {
         const std::string id = textOr(data.sessionId);
-        AgentSession *session = id.empty() ? current() : &this->session(keyPrefix, id);
+        AgentSession *session = id.empty() ? current() : &this->session(copilotKeyPrefix, id);
         const auto context = inside<CopilotContext>(data.context);
         if (session != nullptr)
             placeSession(*session, textOr(context.cwd, textOr(data.directory)),

@@ -21,11 +21,6 @@ namespace {
 
 using std::chrono::milliseconds;
 
-LinkError failed(std::string message)
-{
-    return {LinkError::Kind::failed, std::move(message)};
-}
-
 Task<> pause(milliseconds time)
 {
     QTimer timer;
@@ -40,9 +35,10 @@ Result<LocalServerHello, LinkError> helloFrom(const LinkAnswer &answer)
     const bool usable = url.isValid() && url.scheme() == QLatin1String("http") && !url.host().isEmpty() &&
                         url.port() > 0 && url.path().isEmpty() && url.userInfo().isEmpty();
     if (!usable)
-        return failure(failed("The server on this computer named no address that can be used."));
+        return failure(LinkError::failed("The server on this computer named no address that can be used."));
     if (answer.key.value_or("").empty())
-        return failure(failed("The server on this computer is of another version. End it and try again."));
+        return failure(
+            LinkError::failed("The server on this computer is of another version. End it and try again."));
     return LocalServerHello{*answer.address, answer.version.value_or(""), answer.pid.value_or(0),
                             *answer.key};
 }
@@ -190,7 +186,8 @@ LocalServerLink::Answer<LocalServerHello> LocalServerLink::startAndWait(Self sel
         }
     }
     if (self->untilDeadline() == milliseconds::zero())
-        co_return failure(failed("The server on this computer is starting; it did not answer in time."));
+        co_return failure(
+            LinkError::failed("The server on this computer is starting; it did not answer in time."));
     co_return failure(
         LinkError{LinkError::Kind::startFailed, "The server on this computer did not start. Its log is " +
                                                     self->m_options.folder + "/server.log."});
@@ -239,7 +236,7 @@ LocalServerLink::Answer<std::string> LocalServerLink::codeHere(Self self, std::s
     if (!answer)
         co_return failure(std::move(answer.error()));
     if (!answer->code)
-        co_return failure(failed("The server on this computer gave no code."));
+        co_return failure(LinkError::failed("The server on this computer gave no code."));
     co_return std::move(*answer->code);
 }
 
@@ -263,7 +260,7 @@ LocalServerLink::Answer<HttpResponse> LocalServerLink::passOnHere(Self self, Htt
     if (!answer)
         co_return failure(std::move(answer.error()));
     if (!answer->status)
-        co_return failure(failed("The server on this computer did not take the request."));
+        co_return failure(LinkError::failed("The server on this computer did not take the request."));
     HttpResponse response{static_cast<int>(*answer->status), {}, answer->body.value_or("")};
     if (answer->headers) {
         for (auto &[name, value] : *answer->headers)

@@ -35,6 +35,7 @@ struct LinkError {
     /// For people; empty for NotRunning.
     std::string message = {};
 
+    static LinkError failed(std::string message) { return {Kind::failed, std::move(message)}; }
     bool operator==(const LinkError &) const = default;
 };
 

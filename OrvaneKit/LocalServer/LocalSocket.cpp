@@ -18,11 +18,6 @@ namespace {
 /// What fits a socket's address everywhere.
 constexpr std::size_t shortPath = 100;
 
-LinkError failed(std::string message)
-{
-    return {LinkError::Kind::failed, std::move(message)};
-}
-
 /// An open descriptor of the folder of the socket, once it is sure that nobody else can put one there.
 Result<int, LinkError> openOwnFolder(const std::string &path)
 {
@@ -58,7 +53,7 @@ LinkError connectError(QLocalSocket::LocalSocketError error, const QString &text
 {
     if (error == QLocalSocket::ServerNotFoundError || error == QLocalSocket::ConnectionRefusedError)
         return {LinkError::Kind::notRunning};
-    return failed("The server's socket: " + text.toStdString());
+    return LinkError::failed("The server's socket: " + text.toStdString());
 }
 
 } // namespace
@@ -89,7 +84,7 @@ bool LocalSocket::isOpen() const
 void LocalSocket::connectSignals()
 {
     connect(&m_timer, &QTimer::timeout, this,
-            [this] { failWith(failed("The server on this computer does not answer.")); });
+            [this] { failWith(LinkError::failed("The server on this computer does not answer.")); });
     connect(&m_socket, &QLocalSocket::connected, this, [this] {
         if (m_connecting)
             m_connecting->finish(std::nullopt);
@@ -98,7 +93,7 @@ void LocalSocket::connectSignals()
         failWith(connectError(error, m_socket.errorString()));
     });
     connect(&m_socket, &QLocalSocket::disconnected, this,
-            [this] { failWith(failed("The server on this computer hung up.")); });
+            [this] { failWith(LinkError::failed("The server on this computer hung up.")); });
     connect(&m_socket, &QLocalSocket::readyRead, this, &LocalSocket::readLine);
 }
 
@@ -125,7 +120,7 @@ Task<LocalSocket::Connected> LocalSocket::connectTo(std::string folder, std::chr
     self->m_folderDescriptor = *descriptor;
     const auto path = socketPath(runFolder, *descriptor);
     if (!path)
-        co_return failure(failed("The path of the server's socket is too long."));
+        co_return failure(LinkError::failed("The path of the server's socket is too long."));
 
     const Eventual<std::optional<LinkError>> connecting;
     self->m_connecting = connecting;
@@ -148,7 +143,7 @@ Task<LocalSocket::Answered> LocalSocket::ask(std::shared_ptr<LocalSocket> socket
                                              std::chrono::milliseconds limit)
 {
     if (!socket->isOpen())
-        co_return failure(failed("The server on this computer hung up."));
+        co_return failure(LinkError::failed("The server on this computer hung up."));
     const Eventual<Answered> asking;
     socket->m_asking = asking;
     socket->m_timer.start(limit);
@@ -163,16 +158,17 @@ void LocalSocket::readLine()
         return;
     if (!m_socket.canReadLine()) {
         if (m_socket.bytesAvailable() >= longestLinkLine)
-            failWith(failed("The server's socket answers without end."));
+            failWith(LinkError::failed("The server's socket answers without end."));
         return;
     }
     m_timer.stop();
     auto asking = *std::exchange(m_asking, std::nullopt);
     auto answer = decodeJson<LinkAnswer>(m_socket.readLine(longestLinkLine).toStdString());
     if (!answer)
-        asking.finish(failure(failed("The server's socket gave an answer that could not be read.")));
+        asking.finish(
+            failure(LinkError::failed("The server's socket gave an answer that could not be read.")));
     else if (answer->error)
-        asking.finish(failure(failed(std::move(*answer->error))));
+        asking.finish(failure(LinkError::failed(std::move(*answer->error))));
     else
         asking.finish(std::move(*answer));
 }

@@ -2,8 +2,8 @@
 #include "LocalStore/LocalStore.h"
 
 #include "LocalStore/QueuedRows.h"
+#include "LocalStore/StoreSteps.h"
 
-#include <QLoggingCategory>
 #include <QUrl>
 #include <array>
 #include <csignal>
@@ -12,8 +12,6 @@
 namespace orvane {
 
 namespace {
-
-Q_LOGGING_CATEGORY(storeLog, "orvane.store")
 
 /// Letters, digits, "-" and "." stay; every other character becomes "_".
 QString safe(const QString &text)

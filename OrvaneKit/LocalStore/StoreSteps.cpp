@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "LocalStore/StoreSteps.h"
 
-#include <QLoggingCategory>
 #include <chrono>
 
 namespace orvane {
 
-namespace {
-
 Q_LOGGING_CATEGORY(storeLog, "orvane.store")
+
+namespace {
 
 double secondsNow()
 {

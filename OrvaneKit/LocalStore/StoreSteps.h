@@ -5,6 +5,7 @@
 #include "LocalStore/PendingChange.h"
 #include "Support/Json.h"
 
+#include <QLoggingCategory>
 #include <cstdint>
 #include <limits>
 #include <optional>
@@ -13,6 +14,8 @@
 #include <vector>
 
 namespace orvane {
+
+Q_DECLARE_LOGGING_CATEGORY(storeLog)
 
 using ChangeRows = std::vector<PendingChange>;
 

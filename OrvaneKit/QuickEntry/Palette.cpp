@@ -16,7 +16,7 @@ namespace orvane {
 
 namespace {
 
-using Kind = PaletteItem::Kind;
+using ItemKind = PaletteItem::Kind;
 
 /// Names by identifier; nothing for what was deleted elsewhere.
 class Names {
@@ -82,7 +82,7 @@ std::string workOf(const TimeEntryResponse &entry)
     return work;
 }
 
-PaletteItem catalogItem(Kind kind, const std::string &id, const std::string &name)
+PaletteItem catalogItem(ItemKind kind, const std::string &id, const std::string &name)
 {
     return {kind, id, name, {}, PaletteItem::keyOf(kind, id)};
 }
@@ -123,22 +123,22 @@ std::vector<PaletteItem> PaletteItem::ofCatalog(const std::vector<ProjectRespons
     for (const ProjectResponse &project : projects) {
         if (project.isArchived)
             continue;
-        PaletteItem &item = items.emplace_back(catalogItem(Kind::project, project.id, project.name));
+        PaletteItem &item = items.emplace_back(catalogItem(ItemKind::project, project.id, project.name));
         names.add(item.alternatives, project.clientId);
         for (const TaskResponse &task : project.tasks) {
             if (!task.isActive)
                 continue;
-            tasks.push_back(catalogItem(Kind::task, task.id, task.name));
+            tasks.push_back(catalogItem(ItemKind::task, task.id, task.name));
             names.addProject(tasks.back().alternatives, project.id);
         }
     }
     std::ranges::move(tasks, std::back_inserter(items));
     for (const ClientResponse &client : clients) {
         if (!client.isArchived)
-            items.push_back(catalogItem(Kind::client, client.id, client.name));
+            items.push_back(catalogItem(ItemKind::client, client.id, client.name));
     }
     for (const TagResponse &tag : tags)
-        items.push_back(catalogItem(Kind::tag, tag.id, tag.name));
+        items.push_back(catalogItem(ItemKind::tag, tag.id, tag.name));
     return items;
 }
 
@@ -155,7 +155,7 @@ std::vector<PaletteItem> PaletteItem::ofRecent(const std::vector<TimeEntryRespon
         if (wordsOf(entry.description).empty() || !known.insert(work).second)
             continue;
         PaletteItem &item = items.emplace_back(
-            PaletteItem{Kind::recentEntry, entry.id, entry.description, {}, "entry:" + numberOf(work)});
+            PaletteItem{ItemKind::recentEntry, entry.id, entry.description, {}, "entry:" + numberOf(work)});
         names.add(item.alternatives, entry.taskId);
         names.addProject(item.alternatives, entry.projectId);
         for (const std::string &tag : entry.tagIds)

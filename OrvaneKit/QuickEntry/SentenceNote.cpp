@@ -7,7 +7,7 @@ namespace orvane {
 
 namespace {
 
-using Kind = SentenceNote::Kind;
+using NoteKind = SentenceNote::Kind;
 
 /// The number of an issue (#2) looks like a tag only to us.
 bool isNumber(const UnreadMention &mention)
@@ -16,30 +16,30 @@ bool isNumber(const UnreadMention &mention)
            mention.text.find_first_not_of("0123456789", 1) == std::string::npos;
 }
 
-Kind kindOf(const UnreadMention &mention)
+NoteKind kindOf(const UnreadMention &mention)
 {
     switch (mention.why) {
     case UnreadMention::Why::ambiguous:
-        return Kind::ambiguousName;
+        return NoteKind::ambiguousName;
     case UnreadMention::Why::surplus:
-        return Kind::surplusName;
+        return NoteKind::surplusName;
     case UnreadMention::Why::unknown:
         break;
     }
-    return mention.text.front() == '#' ? Kind::unknownTag : Kind::unknownName;
+    return mention.text.front() == '#' ? NoteKind::unknownTag : NoteKind::unknownName;
 }
 
 SentenceNote noteOn(const UnreadWords &words, bool hasTime)
 {
     switch (words.kind) {
     case UnreadWords::Kind::hours:
-        return {Kind::bareHours, words.text, words.asRange()};
+        return {NoteKind::bareHours, words.text, words.asRange()};
     case UnreadWords::Kind::day:
-        return {hasTime ? Kind::day : Kind::dayWithoutTime, words.text, {}};
+        return {hasTime ? NoteKind::day : NoteKind::dayWithoutTime, words.text, {}};
     case UnreadWords::Kind::time:
         break;
     }
-    return {Kind::time, words.text, {}};
+    return {NoteKind::time, words.text, {}};
 }
 
 } // namespace
@@ -50,7 +50,7 @@ std::vector<SentenceNote> SentenceNote::of(const EntrySentence::Reading &reading
     const ClientResponse *client =
         reading.clientID && !reading.projectID ? catalog.client(*reading.clientID) : nullptr;
     if (client != nullptr)
-        notes.push_back({Kind::client, client->name, {}});
+        notes.push_back({NoteKind::client, client->name, {}});
     for (const UnreadMention &mention : reading.unreadMentions) {
         if (!isNumber(mention))
             notes.push_back({kindOf(mention), mention.text, {}});

@@ -22,8 +22,6 @@ constexpr std::size_t mostWords = 8;
 /// No word of a time phrase is longer.
 constexpr std::size_t longestWord = 40;
 
-constexpr std::string_view enDash = "\xE2\x80\x93";
-
 enum class Unit { hours, minutes };
 constexpr std::array units = {
     std::pair{"h"sv, Unit::hours},        std::pair{"hr"sv, Unit::hours},
@@ -37,21 +35,6 @@ std::optional<Unit> unitOf(std::string_view word)
 {
     const auto *found = std::ranges::find(units, word, &std::pair<std::string_view, Unit>::first);
     return found == units.end() ? std::nullopt : std::optional(found->second);
-}
-
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
-std::string lowered(std::string_view word)
-{
-    std::string lower(word);
-    for (char &c : lower) {
-        if (c >= 'A' && c <= 'Z')
-            c = static_cast<char>(c + ('a' - 'A'));
-    }
-    return lower;
 }
 
 // Durations
@@ -217,9 +200,9 @@ struct Words {
     explicit Words(std::span<const std::string_view> line)
     {
         for (const std::string_view word : line.last(std::min(line.size(), mostWords))) {
-            std::string text = word.size() <= longestWord ? lowered(word) : std::string();
+            std::string text = word.size() <= longestWord ? asciiLowered(word) : std::string();
             const bool isHalf = text == "am" || text == "pm" || text == "a.m." || text == "p.m.";
-            if (isHalf && !texts.empty() && !texts.back().empty() && isDigit(texts.back().back())) {
+            if (isHalf && !texts.empty() && !texts.back().empty() && isAsciiDigit(texts.back().back())) {
                 texts.back() += text;
                 ++typed.back();
             } else {
@@ -413,7 +396,7 @@ std::optional<EntrySentence::TypedClock> EntrySentence::TypedClock::parse(std::s
     const auto time = ClockTime::parse(text);
     if (!time)
         return std::nullopt;
-    TypedClock clock{time->hour, time->minute, meridiemAtEnd(lowered(TextScanner::trimmed(text)))};
+    TypedClock clock{time->hour, time->minute, meridiemAtEnd(asciiLowered(TextScanner::trimmed(text)))};
     if (clock.meridiem != Meridiem::none)
         clock.hours = onDial(time->hour);
     return clock;

@@ -13,15 +13,13 @@ namespace {
 
 using namespace std::string_view_literals;
 
-constexpr std::string_view enDash = "\xE2\x80\x93";
-
 constexpr std::array days = {"today"sv,     "yesterday"sv, "tomorrow"sv, "monday"sv,   "tuesday"sv,
                              "wednesday"sv, "thursday"sv,  "friday"sv,   "saturday"sv, "sunday"sv};
 /// Also words of their own, or parts of names.
 constexpr std::array shortDays = {"mon"sv,  "tue"sv,   "tues"sv, "wed"sv, "thu"sv,
                                   "thur"sv, "thurs"sv, "fri"sv,  "sat"sv, "sun"sv};
-constexpr std::array units = {"h"sv, "hr"sv,  "hrs"sv,  "hour"sv,   "hours"sv,
-                              "m"sv, "min"sv, "mins"sv, "minute"sv, "minutes"sv};
+constexpr std::array unitWords = {"h"sv, "hr"sv,  "hrs"sv,  "hour"sv,   "hours"sv,
+                                  "m"sv, "min"sv, "mins"sv, "minute"sv, "minutes"sv};
 constexpr std::array halves = {"am"sv, "pm"sv, "a.m."sv, "p.m."sv, "a.m"sv, "p.m"sv};
 /// Before a number at the end of a line they announce a time of day.
 constexpr std::array leads = {"at"sv, "until"sv, "till"sv, "from"sv, "since"sv};
@@ -29,14 +27,6 @@ constexpr std::array leads = {"at"sv, "until"sv, "till"sv, "from"sv, "since"sv};
 bool isAmong(const auto &words, std::string_view word)
 {
     return std::ranges::find(words, word) != words.end();
-}
-
-std::string lowered(std::string_view word)
-{
-    std::string lower(word);
-    std::ranges::transform(lower, lower.begin(),
-                           [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
-    return lower;
 }
 
 /// A number of one or two digits, perhaps the hour of a clock.
@@ -71,7 +61,7 @@ bool isLength(std::string_view text)
         return false;
     if ((scanner.take('.') || scanner.take(',')) && scanner.takeDigits().empty())
         return false;
-    if (isAmong(units, scanner.rest()))
+    if (isAmong(unitWords, scanner.rest()))
         return true;
     return scanner.take('h') && scanner.takeDigits().size() == 2 &&
            (scanner.atEnd() || scanner.rest() == "m" || scanner.rest() == "min");
@@ -83,7 +73,7 @@ struct Sides {
 };
 
 /// Around the one hyphen or dash.
-std::optional<Sides> sidesOf(std::string_view text)
+std::optional<Sides> dashSides(std::string_view text)
 {
     for (const std::string_view dash : {"-"sv, enDash}) {
         const std::size_t at = text.find(dash);
@@ -95,7 +85,7 @@ std::optional<Sides> sidesOf(std::string_view text)
 
 bool isClockRange(std::string_view text)
 {
-    const auto sides = sidesOf(text);
+    const auto sides = dashSides(text);
     return sides && (isClock(sides->first) || isClock(sides->second)) &&
            (isClock(sides->first) || isBareHour(sides->first)) &&
            (isClock(sides->second) || isBareHour(sides->second));
@@ -103,7 +93,7 @@ bool isClockRange(std::string_view text)
 
 bool isBareRange(std::string_view text)
 {
-    const auto sides = sidesOf(text);
+    const auto sides = dashSides(text);
     return sides && isBareHour(sides->first) && isBareHour(sides->second) && sides->first != sides->second;
 }
 
@@ -151,15 +141,15 @@ std::string_view bare(std::string_view word)
 }
 
 /// The words of a description, typed and in lower case.
-struct Words {
+struct DescriptionWords {
     std::vector<std::string_view> typed;
     std::vector<std::string> lower;
 
-    explicit Words(std::string_view description)
+    explicit DescriptionWords(std::string_view description)
     {
         for (const std::string_view word : wordsOf(description)) {
             typed.push_back(bare(word));
-            lower.push_back(lowered(typed.back()));
+            lower.push_back(asciiLowered(typed.back()));
         }
     }
 
@@ -191,7 +181,7 @@ std::optional<UnreadWords::Kind> plainKind(std::string_view word)
 }
 
 /// What is a time only where one is expected: the words before `end`. Counts them.
-std::size_t lastTimeWords(const Words &words, std::size_t end)
+std::size_t lastTimeWords(const DescriptionWords &words, std::size_t end)
 {
     const auto before = [&](std::size_t back) {
         return end >= back ? std::string_view(words.lower[end - back]) : std::string_view();
@@ -212,7 +202,7 @@ std::size_t lastTimeWords(const Words &words, std::size_t end)
 
 std::vector<UnreadWords> UnreadWords::of(const EntrySentence::Reading &reading)
 {
-    const Words words(reading.description);
+    const DescriptionWords words(reading.description);
     std::size_t end = words.size(); ///< where the words at the end begin that are looked at closely
     if (!reading.time) {
         while (end > 0 && (words.isDay(end - 1) || words.isMention(end - 1)))

@@ -23,11 +23,6 @@ bool isAsciiSpace(char c)
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
 char lowered(char c)
 {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
@@ -95,10 +90,20 @@ bool TextScanner::takeWord(std::string_view lower)
 
 std::string_view TextScanner::takeDigits()
 {
-    const auto count = static_cast<std::size_t>(std::ranges::find_if_not(m_rest, isDigit) - m_rest.begin());
+    const auto count =
+        static_cast<std::size_t>(std::ranges::find_if_not(m_rest, isAsciiDigit) - m_rest.begin());
     const std::string_view digits = m_rest.substr(0, count);
     m_rest.remove_prefix(count);
     return digits;
+}
+
+std::string asciiLowered(std::string_view text)
+{
+    std::string lower(text);
+    std::ranges::transform(lower, lower.begin(), [](char c) {
+        return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+    });
+    return lower;
 }
 
 std::int64_t cappedValue(std::string_view digits)

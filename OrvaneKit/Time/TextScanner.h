@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace orvane {
@@ -31,6 +32,15 @@ public:
 private:
     std::string_view m_rest;
 };
+
+inline constexpr std::string_view enDash = "\xE2\x80\x93";
+
+constexpr bool isAsciiDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+/// The text with its ASCII letters in lower case.
+std::string asciiLowered(std::string_view text);
 
 /// The value of a run of digits; anything from 10^12 on counts as 10^12, which is out of every range here.
 std::int64_t cappedValue(std::string_view digits);

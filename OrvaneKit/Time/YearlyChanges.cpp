@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Time/YearlyChanges.h"
 
+#include "Time/TextScanner.h"
+
 #include <algorithm>
 
 namespace orvane {
@@ -9,11 +11,6 @@ namespace {
 
 using namespace std::chrono;
 
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
 bool isLetter(char c)
 {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
@@ -21,7 +18,7 @@ bool isLetter(char c)
 
 bool isNameCharacter(char c)
 {
-    return isLetter(c) || isDigit(c) || c == '+' || c == '-';
+    return isLetter(c) || isAsciiDigit(c) || c == '+' || c == '-';
 }
 
 Instant instantOf(local_seconds local, seconds offset)
@@ -77,7 +74,7 @@ private:
 
     std::optional<int> number(int least, int most)
     {
-        const std::string_view digits = takeWhile(isDigit);
+        const std::string_view digits = takeWhile(isAsciiDigit);
         if (digits.empty() || digits.size() > 3)
             return std::nullopt;
         int value = 0;

@@ -24,7 +24,7 @@ Task<CommandAnswer> queueAnswer(Context context)
 }
 
 /// The list; a pass goes before it, since only the server tells which changes are in conflict.
-CommandTask list(Context context)
+CommandTask listQueue(Context context)
 {
     const auto opened = co_await context->openAccount();
     if (!opened)
@@ -87,7 +87,7 @@ void addOutboxCommand(CommandTree &tree)
 {
     CLI::App *outbox =
         tree.add("outbox", "List the changes that wait to be sent, and settle conflicts", "Entries");
-    tree.onRun(outbox, list);
+    tree.onRun(outbox, listQueue);
     tree.onRun(CommandTree::addVerb(outbox, "flush", "Send what is waiting"), flush);
     addSide(tree, outbox, "keep-mine", "Settle a conflict: your change is made again", Side::mine);
     addSide(tree, outbox, "keep-theirs", "Settle a conflict: your change is dropped", Side::theirs);

@@ -19,7 +19,7 @@ constexpr int leastBox = 3;
 /// "09:00" or "12 pm", and a space.
 constexpr int axis = 6;
 constexpr int widestColumn = 24;
-constexpr int leastHours = 6;
+constexpr int leastWeekHours = 6;
 /// More hours than these have one row each instead of two, or the picture would not fit a screen.
 constexpr int mostTallHours = 12;
 
@@ -63,8 +63,9 @@ struct Scale {
             }
         }
         Scale scale;
-        scale.firstHour = std::min(static_cast<int>(first / 60), 24 - leastHours);
-        scale.lastHour = std::clamp(static_cast<int>(std::ceil(last / 60)), scale.firstHour + leastHours, 24);
+        scale.firstHour = std::min(static_cast<int>(first / 60), 24 - leastWeekHours);
+        scale.lastHour =
+            std::clamp(static_cast<int>(std::ceil(last / 60)), scale.firstHour + leastWeekHours, 24);
         if (scale.lastHour - scale.firstHour > mostTallHours)
             scale.rowsPerHour = 1;
         return scale;

@@ -23,6 +23,13 @@ struct LinkRequest {
 };
 
 struct LinkAnswer {
+    static LinkAnswer refusal(std::string why)
+    {
+        LinkAnswer answer;
+        answer.error = std::move(why);
+        return answer;
+    }
+
     std::optional<std::string> address;
     std::optional<std::string> version;
     std::optional<std::int64_t> pid;

@@ -8,7 +8,7 @@ namespace orvane::server {
 
 namespace {
 
-const auto clients = sqlTable<ClientResponse>(
+const auto clientTable = sqlTable<ClientResponse>(
     "clients", fixedColumn("id", &ClientResponse::id),
     fixedColumn("workspace_id", &ClientResponse::workspaceId), column("name", &ClientResponse::name),
     derivedColumn("name_key", [](const ClientResponse &client) { return nameKey(client.name); }),
@@ -18,13 +18,13 @@ const auto clients = sqlTable<ClientResponse>(
 
 std::vector<ClientResponse> ClientRecords::list(const std::string &workspaceId, bool withArchived)
 {
-    return clients.all(m_database, "WHERE workspace_id = ? AND is_archived <= ? ORDER BY name_key, id",
-                       workspaceId, withArchived);
+    return clientTable.all(m_database, "WHERE workspace_id = ? AND is_archived <= ? ORDER BY name_key, id",
+                           workspaceId, withArchived);
 }
 
 std::optional<ClientResponse> ClientRecords::find(const std::string &workspaceId, const std::string &id)
 {
-    return clients.first(m_database, "WHERE id = ? AND workspace_id = ?", id, workspaceId);
+    return clientTable.first(m_database, "WHERE id = ? AND workspace_id = ?", id, workspaceId);
 }
 
 bool ClientRecords::isNameTaken(const ClientResponse &client)
@@ -37,12 +37,12 @@ bool ClientRecords::isNameTaken(const ClientResponse &client)
 
 void ClientRecords::add(const ClientResponse &client)
 {
-    clients.insert(m_database, client);
+    clientTable.insert(m_database, client);
 }
 
 void ClientRecords::update(const ClientResponse &client)
 {
-    clients.update(m_database, client);
+    clientTable.update(m_database, client);
 }
 
 void ClientRecords::remove(const std::string &id)

@@ -22,7 +22,7 @@ constexpr auto ofEntry(T TimeEntryResponse::*member)
     return [member](auto &record) -> auto & { return record.entry.*member; };
 }
 
-const auto entries = sqlTable<EntryRecord>(
+const auto entryTable = sqlTable<EntryRecord>(
     "time_entries", fixedColumn("id", ofEntry(&TimeEntryResponse::id)),
     fixedColumn("workspace_id", ofEntry(&TimeEntryResponse::workspaceId)),
     fixedColumn("user_id", &EntryRecord::userId),
@@ -91,12 +91,12 @@ std::vector<TimeEntryResponse> asShown(std::vector<EntryRecord> records)
 
 std::optional<EntryRecord> EntryRecords::find(const std::string &id)
 {
-    return withParts(entries.first(m_database, "WHERE id = ?", id));
+    return withParts(entryTable.first(m_database, "WHERE id = ?", id));
 }
 
 std::optional<EntryRecord> EntryRecords::running(const std::string &userId)
 {
-    return withParts(entries.first(m_database, "WHERE user_id = ? AND stop_at IS NULL", userId));
+    return withParts(entryTable.first(m_database, "WHERE user_id = ? AND stop_at IS NULL", userId));
 }
 
 std::optional<EntryRecord> EntryRecords::withParts(std::optional<EntryRecord> record)
@@ -121,8 +121,8 @@ std::vector<std::string> EntryRecords::tagsOf(const std::string &entryId)
 std::vector<TimeEntryResponse> EntryRecords::inRange(const std::string &userId,
                                                      const std::string &workspaceId, Instant from, Instant to)
 {
-    auto found = asShown(entries.all(m_database, ORVANE_ENTRY_RANGE "ORDER BY start_at, id", userId,
-                                     workspaceId, from, to, from, from));
+    auto found = asShown(entryTable.all(m_database, ORVANE_ENTRY_RANGE "ORDER BY start_at, id", userId,
+                                        workspaceId, from, to, from, from));
     // Their tags and shares come with one question each, not with one for every entry.
     std::unordered_map<std::string_view, TimeEntryResponse *> byId;
     for (TimeEntryResponse &entry : found)
@@ -139,22 +139,22 @@ std::vector<TimeEntryResponse> EntryRecords::inRange(const std::string &userId,
 std::vector<TimeEntryResponse> EntryRecords::latest(const std::string &userId, const std::string &workspaceId,
                                                     std::int64_t count)
 {
-    return asShown(entries.all(m_database,
-                               "WHERE user_id = ? AND workspace_id = ? ORDER BY start_at DESC LIMIT ?",
-                               userId, workspaceId, count));
+    return asShown(entryTable.all(m_database,
+                                  "WHERE user_id = ? AND workspace_id = ? ORDER BY start_at DESC LIMIT ?",
+                                  userId, workspaceId, count));
 }
 
 void EntryRecords::add(EntryRecord &record)
 {
     record.entry.version = newVersion();
-    entries.insert(m_database, record);
+    entryTable.insert(m_database, record);
     addParts(record.entry);
 }
 
 void EntryRecords::update(EntryRecord &record)
 {
     record.entry.version = newVersion();
-    entries.update(m_database, record);
+    entryTable.update(m_database, record);
     m_database.run("DELETE FROM entry_tags WHERE entry_id = ?", record.entry.id);
     m_database.run("DELETE FROM entry_shares WHERE entry_id = ?", record.entry.id);
     addParts(record.entry);

@@ -35,13 +35,6 @@ std::optional<HttpMethod> methodNamed(std::string_view name)
     return std::nullopt;
 }
 
-LinkAnswer refusal(std::string text)
-{
-    LinkAnswer answer;
-    answer.error = std::move(text);
-    return answer;
-}
-
 std::string userName()
 {
     const struct passwd *entry = ::getpwuid(::geteuid());
@@ -67,7 +60,7 @@ ServerProcess::ServerProcess(ServerOptions options)
         else if (request.command == "code")
             sendCode(request, reply);
         else
-            reply(request.command == "hello" ? hello() : refusal("the command is not known"));
+            reply(request.command == "hello" ? hello() : LinkAnswer::refusal("the command is not known"));
     })
 {
     m_idle.setSingleShot(true);
@@ -208,7 +201,7 @@ void ServerProcess::answerCode(std::uint64_t number, const ServerCore::Code &cod
 {
     const auto reply = m_waitingForCode.extract(number);
     if (!code)
-        return reply.mapped()(refusal(code.error()));
+        return reply.mapped()(LinkAnswer::refusal(code.error()));
     LinkAnswer answer;
     answer.address = m_point.url();
     answer.code = *code;
@@ -220,7 +213,7 @@ void ServerProcess::passOn(const LinkRequest &request, const ServerSocket::Reply
 {
     const auto method = methodNamed(request.method.value_or(""));
     if (!method || !request.path)
-        return reply(refusal("the request is not understood"));
+        return reply(LinkAnswer::refusal("the request is not understood"));
     HttpRequest passed{*method, *request.path, {}, request.body.value_or("")};
     for (const auto &[name, value] : request.headers.value_or(std::map<std::string, std::string>{}))
         passed.headers.set(name, value);

@@ -80,13 +80,6 @@ std::string makeSocketFolder(const std::string &folder)
     return (info.st_mode & 0777U) == 0700U || ::chmod(folder.c_str(), 0700) == 0 ? "" : systemError();
 }
 
-LinkAnswer refusal(std::string text)
-{
-    LinkAnswer answer;
-    answer.error = std::move(text);
-    return answer;
-}
-
 } // namespace
 
 ServerSocket::ServerSocket(Answer answer) : m_answer(std::move(answer))
@@ -172,7 +165,7 @@ void ServerSocket::answer(QLocalSocket *socket, const QByteArray &line)
     if (request)
         m_answer(*request, reply);
     else
-        reply(refusal("the request is not understood"));
+        reply(LinkAnswer::refusal("the request is not understood"));
 }
 
 bool serverAnswersIn(const std::string &folder)

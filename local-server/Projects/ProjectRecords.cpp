@@ -11,7 +11,7 @@ namespace orvane::server {
 
 namespace {
 
-const auto projects = sqlTable<ProjectResponse>(
+const auto projectTable = sqlTable<ProjectResponse>(
     "projects", fixedColumn("id", &ProjectResponse::id),
     fixedColumn("workspace_id", &ProjectResponse::workspaceId), column("name", &ProjectResponse::name),
     derivedColumn("name_key", [](const ProjectResponse &project) { return nameKey(project.name); }),
@@ -24,8 +24,9 @@ const auto projects = sqlTable<ProjectResponse>(
 
 std::vector<ProjectResponse> ProjectRecords::list(const std::string &workspaceId, bool withArchived)
 {
-    auto found = projects.all(m_database, "WHERE workspace_id = ? AND is_archived <= ? ORDER BY name_key, id",
-                              workspaceId, withArchived);
+    auto found =
+        projectTable.all(m_database, "WHERE workspace_id = ? AND is_archived <= ? ORDER BY name_key, id",
+                         workspaceId, withArchived);
     std::map<std::string, std::vector<TaskResponse>> tasks;
     for (TaskResponse &task : TaskRecords(m_database).ofWorkspace(workspaceId))
         tasks[task.projectId].push_back(std::move(task));
@@ -36,7 +37,7 @@ std::vector<ProjectResponse> ProjectRecords::list(const std::string &workspaceId
 
 std::optional<ProjectResponse> ProjectRecords::find(const std::string &workspaceId, const std::string &id)
 {
-    auto project = projects.first(m_database, "WHERE id = ? AND workspace_id = ?", id, workspaceId);
+    auto project = projectTable.first(m_database, "WHERE id = ? AND workspace_id = ?", id, workspaceId);
     if (project)
         project->tasks = TaskRecords(m_database).ofProject(id);
     return project;
@@ -57,12 +58,12 @@ bool ProjectRecords::isNameTaken(const ProjectResponse &project)
 
 void ProjectRecords::add(const ProjectResponse &project)
 {
-    projects.insert(m_database, project);
+    projectTable.insert(m_database, project);
 }
 
 void ProjectRecords::update(const ProjectResponse &project)
 {
-    projects.update(m_database, project);
+    projectTable.update(m_database, project);
 }
 
 void ProjectRecords::remove(const std::string &id)

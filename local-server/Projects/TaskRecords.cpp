@@ -8,7 +8,7 @@ namespace orvane::server {
 
 namespace {
 
-const auto tasks = sqlTable<TaskResponse>(
+const auto taskTable = sqlTable<TaskResponse>(
     "tasks", fixedColumn("id", &TaskResponse::id), fixedColumn("project_id", &TaskResponse::projectId),
     column("name", &TaskResponse::name),
     derivedColumn("name_key", [](const TaskResponse &task) { return nameKey(task.name); }),
@@ -18,19 +18,19 @@ const auto tasks = sqlTable<TaskResponse>(
 
 std::vector<TaskResponse> TaskRecords::ofProject(const std::string &projectId)
 {
-    return tasks.all(m_database, "WHERE project_id = ? ORDER BY name_key", projectId);
+    return taskTable.all(m_database, "WHERE project_id = ? ORDER BY name_key", projectId);
 }
 
 std::vector<TaskResponse> TaskRecords::ofWorkspace(const std::string &workspaceId)
 {
-    return tasks.all(m_database,
-                     "WHERE project_id IN (SELECT id FROM projects WHERE workspace_id = ?) ORDER BY name_key",
-                     workspaceId);
+    return taskTable.all(
+        m_database, "WHERE project_id IN (SELECT id FROM projects WHERE workspace_id = ?) ORDER BY name_key",
+        workspaceId);
 }
 
 std::optional<TaskResponse> TaskRecords::find(const std::string &projectId, const std::string &id)
 {
-    return tasks.first(m_database, "WHERE id = ? AND project_id = ?", id, projectId);
+    return taskTable.first(m_database, "WHERE id = ? AND project_id = ?", id, projectId);
 }
 
 bool TaskRecords::isNameTaken(const TaskResponse &task)
@@ -41,12 +41,12 @@ bool TaskRecords::isNameTaken(const TaskResponse &task)
 
 void TaskRecords::add(const TaskResponse &task)
 {
-    tasks.insert(m_database, task);
+    taskTable.insert(m_database, task);
 }
 
 void TaskRecords::update(const TaskResponse &task)
 {
-    tasks.update(m_database, task);
+    taskTable.update(m_database, task);
 }
 
 void TaskRecords::remove(const std::string &id)

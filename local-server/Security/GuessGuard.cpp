@@ -8,7 +8,7 @@ namespace orvane::server {
 namespace {
 
 constexpr std::chrono::minutes longestWait{15};
-constexpr std::chrono::hours memory{1};
+constexpr std::chrono::hours remembered{1};
 constexpr std::size_t mostKeys = 4096;
 
 std::chrono::seconds waitAfter(int failuresTooMany)
@@ -50,7 +50,7 @@ void GuessGuard::count(const std::string &key, Instant now)
     if (m_tries.size() >= mostKeys)
         makeRoom(now);
     Tries &tries = m_tries[key];
-    if (now - tries.last > memory)
+    if (now - tries.last > remembered)
         tries.count = 0;
     ++tries.count;
     tries.last = now;
@@ -59,7 +59,7 @@ void GuessGuard::count(const std::string &key, Instant now)
 
 void GuessGuard::makeRoom(Instant now)
 {
-    std::erase_if(m_tries, [&](const auto &item) { return now - item.second.last > memory; });
+    std::erase_if(m_tries, [&](const auto &item) { return now - item.second.last > remembered; });
     // Still full: the longest quiet one goes, so that a flood of made-up names cannot grow the table.
     if (m_tries.size() >= mostKeys)
         m_tries.erase(

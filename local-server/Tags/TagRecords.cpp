@@ -8,7 +8,7 @@ namespace orvane::server {
 
 namespace {
 
-const auto tags = sqlTable<TagResponse>(
+const auto tagTable = sqlTable<TagResponse>(
     "tags", fixedColumn("id", &TagResponse::id), fixedColumn("workspace_id", &TagResponse::workspaceId),
     column("name", &TagResponse::name),
     derivedColumn("name_key", [](const TagResponse &tag) { return nameKey(tag.name); }));
@@ -17,12 +17,12 @@ const auto tags = sqlTable<TagResponse>(
 
 std::vector<TagResponse> TagRecords::list(const std::string &workspaceId)
 {
-    return tags.all(m_database, "WHERE workspace_id = ? ORDER BY name_key", workspaceId);
+    return tagTable.all(m_database, "WHERE workspace_id = ? ORDER BY name_key", workspaceId);
 }
 
 std::optional<TagResponse> TagRecords::find(const std::string &workspaceId, const std::string &id)
 {
-    return tags.first(m_database, "WHERE id = ? AND workspace_id = ?", id, workspaceId);
+    return tagTable.first(m_database, "WHERE id = ? AND workspace_id = ?", id, workspaceId);
 }
 
 bool TagRecords::isNameTaken(const TagResponse &tag)
@@ -33,12 +33,12 @@ bool TagRecords::isNameTaken(const TagResponse &tag)
 
 void TagRecords::add(const TagResponse &tag)
 {
-    tags.insert(m_database, tag);
+    tagTable.insert(m_database, tag);
 }
 
 void TagRecords::update(const TagResponse &tag)
 {
-    tags.update(m_database, tag);
+    tagTable.update(m_database, tag);
 }
 
 void TagRecords::remove(const std::string &id)
