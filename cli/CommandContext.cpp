@@ -195,6 +195,9 @@ Task<> CommandContext::loadState()
 
 Task<> CommandContext::showRefusals()
 {
+    // Nobody reads them now; they are kept for who does.
+    if (json())
+        co_return;
     auto refusals = co_await m_account->outbox().unshownRefusals();
     if (refusals.empty())
         co_return;
@@ -215,9 +218,9 @@ void CommandContext::showQueue()
         writeMessage(
             unreadableMessage(static_cast<std::int64_t>(m_unreadable.size()), m_account->storePath()));
     const std::string message = queueMessage(m_account->outbox(), m_account->isReachable());
-    if (!message.empty() && !json())
+    if (!message.empty())
         writeMessage(message);
-    else if (!m_account->isReachable() && !json())
+    else if (!m_account->isReachable())
         writeMessage("Offline: the server cannot be reached; this is what was known last.");
 }
 

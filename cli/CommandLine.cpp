@@ -59,9 +59,11 @@ ExitStatus show(const CommandResult &result, bool json, FailureForm form)
         writeMessage(message);
     if (isWritten)
         return result->exitStatus;
-    // A reader that went away (`orvane list | head -1`) knows why itself.
+    // A reader that went away (`orvane list | head -1`) knows why itself, but what was changed is changed.
     if (reason != EPIPE)
-        writeMessage(std::string("The output could not be written: ") + std::strerror(reason));
+        writeErrors(std::string("The output could not be written: ") + std::strerror(reason) + "\n");
+    if (form == FailureForm::outcome)
+        writeErrors(result->output);
     return ExitStatus::failed;
 }
 
@@ -141,6 +143,8 @@ CommandAnswer versionAnswer(bool json)
 int run(const std::vector<std::string> &arguments, int argc, char **argv)
 {
     const bool json = asksForJson(arguments);
+    if (json)
+        muteMessages();
     const auto end = [&](const CommandResult &result) {
         return code(show(result, json, FailureForm::error));
     };

@@ -48,7 +48,7 @@ void ProgressLine::begin(std::string text)
     m_text = std::move(text);
     m_done = 0;
     m_all = 0;
-    if (m_style.isTerminal && !m_timer.isActive())
+    if (m_style.isTerminal && !areMessagesMuted() && !m_timer.isActive())
         m_timer.start(patience);
 }
 

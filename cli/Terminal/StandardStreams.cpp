@@ -19,6 +19,8 @@ std::atomic<bool> progressIsShown = false;
 std::atomic<int> hiddenTerminal = -1;
 termios terminalBefore;
 
+bool messagesAreMuted = false;
+
 bool writeAll(int descriptor, std::string_view text)
 {
     while (!text.empty()) {
@@ -81,8 +83,20 @@ void writeErrors(std::string_view text)
     (void)writeAll(STDERR_FILENO, text);
 }
 
+void muteMessages()
+{
+    messagesAreMuted = true;
+}
+
+bool areMessagesMuted()
+{
+    return messagesAreMuted;
+}
+
 void writeMessage(std::string_view text)
 {
+    if (messagesAreMuted)
+        return;
     if (progressIsShown.load())
         writeErrors(clearLine);
     writeErrors(std::string(text) + "\n");

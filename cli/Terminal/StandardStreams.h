@@ -13,6 +13,9 @@ namespace orvane {
 
 /// A line for people on standard error, with the line break added. A running progress line is cleared first.
 void writeMessage(std::string_view text);
+/// From here on `writeMessage` and progress lines say nothing: programs read, and want their one value alone.
+void muteMessages();
+bool areMessagesMuted();
 /// Text for people on standard error as it is.
 void writeErrors(std::string_view text);
 

@@ -211,9 +211,9 @@ TEST_F(AwayCommand, KeepsTheQueueOfAnAccountWhoseServerIsAwayUntilItIsBack)
 
     moveServerFolder("server", "second");
     moveServerFolder("aside", "server");
-    const CommandRun back = installation.json({"status"});
-    EXPECT_THAT(back.errors, HasSubstr("1 change of another account of this computer waits"));
-    EXPECT_EQ(compact(back.object()[u"outbox"]), R"({"conflicts":0,"offline":false,"pending":0})");
+    EXPECT_THAT(installation.run({"status"}).errors,
+                HasSubstr("1 change of another account of this computer waits"));
+    EXPECT_EQ(compact(done({"status"})[u"outbox"]), R"({"conflicts":0,"offline":false,"pending":0})");
     EXPECT_EQ(descriptionsToday(), (Names{"Before", "Queued", "Away"}));
 
     ASSERT_TRUE(installation.killServer());

@@ -91,7 +91,7 @@ TEST_F(SignedInCommand, StaysSignedInWhenItCannotSignOut)
     proxy.setDown(true);
     const CommandRun away = run("logout");
     EXPECT_EQ(away.exitStatus, 1);
-    EXPECT_THAT(away.errors, ::testing::HasSubstr("You are still signed in.")) << away.all();
+    EXPECT_THAT(away.output, ::testing::HasSubstr("You are still signed in.")) << away.all();
     proxy.setDown(false);
     proxy.setPlan(orvane::testing::plans::pass());
     const CommandRun status = run("status");

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Commands/Confirmation.h"
+
+#include "Terminal/StandardStreams.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace orvane {
+
+namespace {
+
+bool isConsent(std::string_view answer)
+{
+    constexpr std::array<std::string_view, 4> consents{"y", "Y", "yes", "Yes"};
+    return std::ranges::find(consents, answer) != consents.end();
+}
+
+} // namespace
+
+Result<void, CommandFailure> confirm(const CommandContext &context, const std::string &facts,
+                                     const std::string &question, bool isYes)
+{
+    if (isYes)
+        return {};
+    const std::string before = facts.empty() ? "" : facts + "\n";
+    if (context.json() || !canAsk())
+        return failure(
+            CommandFailure::usage(before + "This asks first, and nobody can be asked here. To do it: --yes"));
+    if (!isConsent(ask(before + question + " [y/N] ", false)))
+        return failure(CommandFailure::of("Nothing was changed."));
+    return {};
+}
+
+} // namespace orvane
