@@ -38,6 +38,25 @@ Contents contentsOf(const TimeEntryResponse &entry)
     return contents;
 }
 
+namespace {
+
+/// An entry that runs says nothing of its stop.
+std::string valueOf(const Contents &contents, Field field)
+{
+    const auto found = contents.find(field);
+    return found == contents.end() ? std::string() : found->second;
+}
+
+/// Whether what was changed and what stands against it make an entry that ends before it starts.
+bool endsBeforeItStarts(const Contents &writes, const TimeEntryResponse &current)
+{
+    const auto start = writes.find(Field::start);
+    return start != writes.end() && current.stop && !writes.contains(Field::stop) &&
+           std::stoll(start->second) > millisecondsSinceEpoch(*current.stop);
+}
+
+} // namespace
+
 int Oracle::begin(const std::string &device, Kind kind, const std::string &entry, Contents writes,
                   const std::optional<TimeEntryResponse> &shown)
 {
@@ -199,6 +218,11 @@ void Oracle::keptMine(int id, const TimeEntryResponse &current)
     deed.seen.insert(known.begin(), known.end());
     deed.seen.erase(id);
     deed.isMadeAnew = true;
+    // The whole of what the user saw takes the place of what it does not go together with.
+    if (endsBeforeItStarts(deed.writes, current)) {
+        for (const Field field : {Field::description, Field::stop})
+            deed.writes.emplace(field, valueOf(deed.shown, field));
+    }
     if (deed.fate == Fate::dropped)
         deed.fate = Fate::taken;
 }
@@ -281,18 +305,17 @@ bool Oracle::mayGiveWay(const Deed &lost, const Deed &standing, Field field) con
 void Oracle::judgeField(const TimeEntryResponse &held, Field field, std::vector<std::string> &faults) const
 {
     const Contents contents = contentsOf(held);
-    const auto value = contents.find(field);
+    const std::string value = valueOf(contents, field);
     std::vector<const Deed *> standing;
     for (const Deed *deed : on(held.id)) {
         const auto written = deed->writes.find(field);
-        if (value != contents.end() && written != deed->writes.end() && written->second == value->second &&
+        if (written != deed->writes.end() && written->second == value &&
             (deed->fate == Fate::taken || deed->fate == Fate::unknown))
             standing.push_back(deed);
     }
     for (const Deed *lost : on(held.id)) {
         const auto written = lost->writes.find(field);
-        if (!isIn(lost->fate) || written == lost->writes.end() ||
-            (value != contents.end() && written->second == value->second))
+        if (!isIn(lost->fate) || written == lost->writes.end() || written->second == value)
             continue;
         const bool gaveWay =
             std::ranges::any_of(standing, [&](const Deed *deed) { return mayGiveWay(*lost, *deed, field); });
@@ -301,8 +324,8 @@ void Oracle::judgeField(const TimeEntryResponse &held, Field field, std::vector<
                              (standing.empty() ? "nobody's deed stands in its place"
                                                : textOf(*standing.front()) + " had not seen it"));
     }
-    const bool isWritten = value != contents.end() && m_writer.contains({held.id, field, value->second});
-    if (isWritten && standing.empty() && !(field == Field::stop && isAnothersStart(value->second)))
+    const bool isWritten = !value.empty() && m_writer.contains({held.id, field, value});
+    if (isWritten && standing.empty() && !(field == Field::stop && isAnothersStart(value)))
         faults.push_back(held.id + ": the " + nameOf(field) + " is one that was refused or given up");
 }
 
