@@ -264,10 +264,12 @@ void CommandTree::addTexts(CLI::App *command, const std::string &name,
 }
 
 void CommandTree::addWords(CLI::App *command, const std::string &name, std::vector<std::string> &target,
-                           const std::string &description)
+                           const std::string &description, bool isRequired)
 {
-    command->add_option_function<std::vector<std::string>>(
-        name, [&target](const std::vector<std::string> &words) { target = asTyped(words); }, description);
+    command
+        ->add_option_function<std::vector<std::string>>(
+            name, [&target](const std::vector<std::string> &words) { target = asTyped(words); }, description)
+        ->required(isRequired);
 }
 
 void CommandTree::addSentence(CLI::App *command, const std::string &name, std::optional<std::string> &target,

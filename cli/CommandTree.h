@@ -76,7 +76,7 @@ public:
                          const std::string &description);
     /// All remaining words.
     static void addWords(CLI::App *command, const std::string &name, std::vector<std::string> &target,
-                         const std::string &description);
+                         const std::string &description, bool isRequired = false);
     /// The same as one text with single spaces.
     static void addSentence(CLI::App *command, const std::string &name, std::optional<std::string> &target,
                             const std::string &description, bool isRequired = false);

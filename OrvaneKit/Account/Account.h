@@ -87,6 +87,8 @@ public:
 
     OrvaneClient &client() { return *m_access->client(); }
     LocalStore &store() { return *m_store; }
+    /// What the user did last in this workspace, for taking it back.
+    EntryHistory history() const { return {m_store, m_tracker->workspace().id}; }
     std::string storePath() const;
     Outbox &outbox() { return *m_outbox; }
     OutboxOutcomes &outcomes() { return *m_outcomes; }

@@ -17,6 +17,13 @@ EntryDraft EntryDraft::of(const TimeEntryResponse &entry)
     return draft;
 }
 
+EntryDraft EntryDraft::continuing(const TimeEntryResponse &entry)
+{
+    EntryDraft draft = of(entry);
+    draft.m_before.reset();
+    return draft;
+}
+
 void EntryDraft::take(const EntrySentence::Reading &reading, const Catalog &catalog)
 {
     if (!reading.description.empty())
@@ -91,7 +98,7 @@ Result<std::optional<EntryTimes>, EntryTimesProblem> EntryDraft::times(const Use
 {
     if (m_before) {
         const EntryTimes said = m_phrase ? m_before->changed(*m_phrase, m_day, time, now) : *m_before;
-        return said.changed(m_start, m_stop, time);
+        return said.changed(m_start, m_stop, time, now);
     }
     std::optional<TypedMoment> start = m_start;
     std::optional<TypedMoment> stop = m_stop;
@@ -118,7 +125,7 @@ Result<std::optional<EntryRequest>, EntryTimesProblem> EntryDraft::request(const
         return failure(times.error());
     if (!*times)
         return std::optional<EntryRequest>();
-    return EntryRequest{m_details, (*times)->start, (*times)->stop, m_describeParts};
+    return at(**times);
 }
 
 } // namespace orvane

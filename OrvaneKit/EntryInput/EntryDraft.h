@@ -24,6 +24,9 @@ public:
     /// Everything that the entry says; what is put in changes it.
     static EntryDraft of(const TimeEntryResponse &entry);
 
+    /// What the entry says of its work, but not when: for a new one that goes on with it.
+    static EntryDraft continuing(const TimeEntryResponse &entry);
+
     /// Puts in what a sentence says. What it does not mention stays; its tags replace those there were, and
     /// its project takes the task away unless it names one.
     void take(const EntrySentence::Reading &reading, const Catalog &catalog);
@@ -54,6 +57,8 @@ public:
 
     /// The whole entry; nothing as for the times.
     Result<std::optional<EntryRequest>, EntryTimesProblem> request(const UserTime &time, Instant now) const;
+    /// The entry at other times than were said.
+    EntryRequest at(EntryTimes times) const { return {m_details, times.start, times.stop, m_describeParts}; }
 
 private:
     EntryDetails m_details;

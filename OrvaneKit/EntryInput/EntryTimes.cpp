@@ -7,30 +7,54 @@ namespace orvane {
 
 namespace {
 
+using Problem = EntryTimesProblem;
+
 /// The end at this time of day: on the day of the start, or over midnight from it.
-Instant endAfter(Instant start, ClockTime stop, const UserTime &time)
+Result<Instant, Problem> endAfter(Instant start, ClockTime stop, const UserTime &time)
 {
     const DayKey day = time.dayKey(start);
-    return time.date(stop < time.timeOfDay(start) ? day.adding(1) : day, stop);
+    const ClockTime from = time.timeOfDay(start);
+    if (stop < from && !EntrySentence::mayBeNight(from, stop))
+        return failure(Problem::tooLong);
+    return time.date(stop < from ? day.adding(1) : day, stop);
 }
 
-Instant startBefore(Instant stop, ClockTime start, const UserTime &time)
+Result<Instant, Problem> startBefore(Instant stop, ClockTime start, const UserTime &time)
 {
     const DayKey day = time.dayKey(stop);
-    return time.date(time.timeOfDay(stop) < start ? day.adding(-1) : day, start);
+    const ClockTime to = time.timeOfDay(stop);
+    if (to < start && !EntrySentence::mayBeNight(start, to))
+        return failure(Problem::tooLong);
+    return time.date(to < start ? day.adding(-1) : day, start);
 }
 
-EntryTimes placed(TypedMoment start, TypedMoment stop, const UserTime &time, DayKey today)
+EntrySentence::TypedClock typed(ClockTime clock)
 {
-    if (start.clock && stop.clock) {
-        const DayKey first = *stop.clock < *start.clock ? today.adding(-1) : today;
-        return {time.date(first, *start.clock), time.date(today, *stop.clock)};
-    }
+    return {.hours = clock.hour, .minutes = clock.minute};
+}
+
+Result<EntryTimes, Problem> byClocks(ClockTime start, ClockTime stop, const UserTime &time, Instant now)
+{
+    const auto span = EntrySentence::resolve(EntrySentence::Range{typed(start), typed(stop)}, {}, now, time);
+    if (span)
+        return EntryTimes{span->start, span->stop};
+    return failure(stop < start && !EntrySentence::mayBeNight(start, stop) ? Problem::tooLong
+                                                                           : Problem::endBeforeStart);
+}
+
+Result<EntryTimes, Problem> placed(TypedMoment start, TypedMoment stop, const UserTime &time, Instant now)
+{
+    if (start.clock && stop.clock)
+        return byClocks(*start.clock, *stop.clock, time, now);
     if (stop.clock)
-        return {start.instant, endAfter(start.instant, *stop.clock, time)};
+        return endAfter(start.instant, *stop.clock, time).map([&](Instant end) {
+            return EntryTimes{start.instant, end};
+        });
     if (start.clock)
-        return {startBefore(stop.instant, *start.clock, time), stop.instant};
-    return {start.instant, stop.instant};
+        return startBefore(stop.instant, *start.clock, time).map([&](Instant begin) {
+            return EntryTimes{begin, stop.instant};
+        });
+    return EntryTimes{start.instant, stop.instant};
 }
 
 Result<EntryTimes, EntryTimesProblem> checked(EntryTimes times)
@@ -50,7 +74,7 @@ std::chrono::milliseconds length(EntrySentence::Duration duration)
 Result<EntryTimes, EntryTimesProblem> EntryTimes::made(TypedMoment start, TypedMoment stop,
                                                        const UserTime &time, Instant now)
 {
-    return checked(placed(start, stop, time, time.dayKey(now)));
+    return placed(start, stop, time, now).and_then(checked);
 }
 
 Instant EntryTimes::timerStart(TypedMoment start, const UserTime &time, Instant now)
@@ -70,15 +94,23 @@ Instant EntryTimes::timerStop(TypedMoment stop, Instant runningSince, const User
 
 Result<EntryTimes, EntryTimesProblem> EntryTimes::changed(std::optional<TypedMoment> newStart,
                                                           std::optional<TypedMoment> newStop,
-                                                          const UserTime &time) const
+                                                          const UserTime &time, Instant now) const
 {
     if (!newStart && !newStop)
         return *this;
+    const bool countsFromNow = (newStart && newStart->isFromNow) || (newStop && newStop->isFromNow);
+    if (countsFromNow && stop && time.dayKey(*stop) != time.dayKey(now))
+        return failure(Problem::countedFromNow);
     EntryTimes times = *this;
     if (newStart)
         times.start = newStart->clock ? time.date(time.dayKey(start), *newStart->clock) : newStart->instant;
-    if (newStop)
-        times.stop = newStop->clock ? endAfter(times.start, *newStop->clock, time) : newStop->instant;
+    if (!newStop)
+        return checked(times);
+    const auto end = newStop->clock ? endAfter(times.start, *newStop->clock, time)
+                                    : Result<Instant, Problem>(newStop->instant);
+    if (!end)
+        return failure(end.error());
+    times.stop = *end;
     return checked(times);
 }
 

@@ -15,8 +15,6 @@ namespace {
 
 using Span = EntrySentence::Span;
 
-constexpr int longestNight = 16 * 60; // minutes by the clock
-
 void append(std::string &text, std::string_view word)
 {
     if (!text.empty())
@@ -85,7 +83,7 @@ public:
         const ClockTime from = range.start.time();
         const ClockTime to = range.end.time();
         const bool isNight = to < from;
-        if (isNight && minuteOfDay(to) + 24 * 60 - minuteOfDay(from) > longestNight)
+        if (isNight && !EntrySentence::mayBeNight(from, to))
             return std::nullopt;
         const auto start = at(day, from);
         const auto stop = at(isNight ? day.adding(1) : day, to);
@@ -227,6 +225,12 @@ std::optional<EntrySentence::Span> EntrySentence::resolve(const Time &time, cons
     if (day)
         resolver.day = referencedDay(*day, clock.today());
     return std::visit(resolver, time);
+}
+
+bool EntrySentence::mayBeNight(ClockTime start, ClockTime end)
+{
+    constexpr int longestNight = 16 * 60;
+    return minuteOfDay(end) + 24 * 60 - minuteOfDay(start) <= longestNight;
 }
 
 std::optional<EntrySentence::Mention> EntrySentence::mentionAt(std::u16string_view text, std::size_t cursor)

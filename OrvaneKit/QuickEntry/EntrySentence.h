@@ -24,7 +24,8 @@ namespace orvane {
 /// Mentions. "@" names a project, a task or a client, "#" a tag; the name is found as in the palette. Names
 /// with spaces are written in quotes (@"Big Project"), or joined or hyphened (@bigproject, @big-project), and
 /// @project/task names a task in its project, @client/project a project of its client, unless a name has the
-/// slash itself. Only what is active is found.
+/// slash itself. Where the word behind the sign is no whole name, the longest run of words from there on that
+/// is one is taken (@Big Project kick-off). Only what is active is found.
 ///  - The best match is taken if it is a good one (a whole name, the beginning of a word, or initials, but
 ///    not letters in the middle of a word) and no other of its kind is as good. Two names that match equally
 ///    are told apart by letter case and accents, two projects by a client that was named before.
@@ -178,6 +179,9 @@ public:
     ///  - duration: ends now; on a named day at the time of day that it is now.
     static std::optional<Span> resolve(const Time &time, const std::optional<DayRef> &day, Instant now,
                                        const UserTime &calendar);
+
+    /// Whether an end that lies before its start can be the next day's: within 16 hours by the clock.
+    static bool mayBeNight(ClockTime start, ClockTime end);
 
     /// The mention that the cursor stands in or at the end of: the whole word between white space, if it
     /// begins with "@" or "#". The cursor counts UTF-16 code units; one behind the end counts as the end.

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace orvane {
 
@@ -85,7 +86,12 @@ public:
     {
         m_names.emplace_back(std::move(id), name, outer);
         m_letters.push_back(m_names.back().folded.letters());
+        m_whole.insert(m_names.back().folded.text());
+        if (!m_names.back().joined.empty())
+            m_whole.insert(m_names.back().joined);
     }
+
+    bool isWhole(std::string_view folded) const { return m_whole.contains(folded); }
 
     const Named &operator[](std::size_t number) const { return m_names[number]; }
     std::size_t size() const { return m_names.size(); }
@@ -125,8 +131,14 @@ private:
             std::erase_if(numbers, [&](std::size_t i) { return !isAlike(i); });
     }
 
+    struct Hash {
+        using is_transparent = void;
+        std::size_t operator()(std::string_view text) const { return std::hash<std::string_view>()(text); }
+    };
+
     std::vector<Named> m_names;
     std::vector<std::uint64_t> m_letters;
+    std::unordered_set<std::string, Hash, std::equal_to<>> m_whole; ///< as folded, and joined
 };
 
 } // namespace
@@ -277,6 +289,15 @@ std::optional<std::string> SentenceCatalog::tag(std::string_view name) const
 {
     const std::size_t number = m_lists->tag(name).only();
     return number == none ? std::nullopt : std::optional(m_lists->tags[number].id);
+}
+
+bool SentenceCatalog::isWholeName(char sign, std::string_view name) const
+{
+    const std::string folded = FoldedText::of(name).text();
+    if (sign == '#')
+        return m_lists->tags.isWhole(folded);
+    return m_lists->projects.isWhole(folded) || m_lists->clients.isWhole(folded) ||
+           m_lists->tasks.isWhole(folded);
 }
 
 bool SentenceCatalog::isAmbiguous(char sign, std::string_view name) const

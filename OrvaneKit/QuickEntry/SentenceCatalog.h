@@ -48,6 +48,9 @@ public:
     /// A task in a project, or a project of a client.
     std::optional<Place> place(std::string_view outer, std::string_view inner) const;
     std::optional<std::string> tag(std::string_view name) const;
+    /// Whether something is called just so behind this sign, but for letter case and accents; of one word
+    /// also where it leaves out what parts the words of the name.
+    bool isWholeName(char sign, std::string_view name) const;
     /// Whether several things match these words equally well, behind this sign.
     bool isAmbiguous(char sign, std::string_view name) const;
 

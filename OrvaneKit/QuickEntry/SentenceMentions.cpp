@@ -13,6 +13,8 @@ using namespace std::string_view_literals;
 constexpr std::size_t mostMentions = 64;
 /// A name in quotes has no more words than this, so a quote that is never closed costs little.
 constexpr std::size_t mostQuotedWords = 32;
+/// A name without quotes has no more words than this.
+constexpr std::size_t mostNameWords = 8;
 /// So many slashes are tried as the one between a project and its task.
 constexpr int mostSlashes = 4;
 
@@ -131,7 +133,31 @@ private:
                 break;
             checked = close.at + close.size;
         }
+        if (mention.last == first && !m_catalog.isWholeName(mention.sign, mention.text))
+            reachName(mention);
         return mention;
+    }
+
+    /// Takes the words that come next along as far as they make the longest whole name.
+    void reachName(MentionText &mention) const
+    {
+        std::string text = mention.text;
+        const std::size_t end = std::min(mention.first + mostNameWords, m_words.size());
+        for (std::size_t i = mention.first + 1; i < end; ++i) {
+            const std::string_view word = m_words[i];
+            if (word.front() == '@' || word.front() == '#')
+                break;
+            text.append(" ").append(word);
+            const std::size_t named = text.find_last_not_of(".,;:!?)") + 1;
+            for (const std::string_view name :
+                 {std::string_view(text), std::string_view(text).substr(0, named)}) {
+                if (m_catalog.isWholeName(mention.sign, name)) {
+                    mention.text = name;
+                    mention.last = i;
+                    break;
+                }
+            }
+        }
     }
 
     /// Adds words to the mention until it has a closing quote; leaves it when none comes soon.
@@ -210,8 +236,11 @@ private:
         if (isPunctuation(part.rest)) {
             if (m_catalog.isAmbiguous(mention.sign, part.name))
                 unread.why = UnreadMention::Why::ambiguous;
-            else if (mention.sign == '@' && m_catalog.meaning(part.name, m_found.clientID))
-                unread.why = UnreadMention::Why::surplus;
+            else if (const auto meaning = m_catalog.meaning(part.name, m_found.clientID);
+                     mention.sign == '@' && meaning)
+                unread.why = meaning->kind == SentenceCatalog::Kind::project && m_found.projectID
+                                 ? UnreadMention::Why::secondProject
+                                 : UnreadMention::Why::surplus;
         }
         while (unread.text.size() > 2 &&
                isPunctuation(std::string_view(unread.text).substr(unread.text.size() - 1)))

@@ -14,9 +14,10 @@ namespace orvane {
 /// A mention that stays in the description.
 struct UnreadMention {
     enum class Why {
-        unknown,   ///< nothing matches it well
-        ambiguous, ///< several things match it equally well
-        surplus,   ///< what it names does not go with what else is named
+        unknown,       ///< nothing matches it well
+        ambiguous,     ///< several things match it equally well
+        secondProject, ///< an entry has one project, and it is named already
+        surplus,       ///< what it names does not go with what else is named
     };
 
     std::string text; ///< with its sign, as it was typed, but without punctuation behind it

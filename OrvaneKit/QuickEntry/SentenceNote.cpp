@@ -21,6 +21,8 @@ NoteKind kindOf(const UnreadMention &mention)
     switch (mention.why) {
     case UnreadMention::Why::ambiguous:
         return NoteKind::ambiguousName;
+    case UnreadMention::Why::secondProject:
+        return NoteKind::secondProject;
     case UnreadMention::Why::surplus:
         return NoteKind::surplusName;
     case UnreadMention::Why::unknown:

@@ -18,6 +18,7 @@ struct SentenceNote {
         unknownTag,     ///< no tag has such a name
         unknownName,    ///< no project, task or client has
         ambiguousName,  ///< several names match
+        secondProject,  ///< it names a project beside another
         surplusName,    ///< it does not go with what else is named
         bareHours,      ///< two numbers that would be a range with minutes
         day,            ///< not read, beside a time that was

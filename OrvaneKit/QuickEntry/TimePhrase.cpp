@@ -8,6 +8,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <numeric>
 
 namespace orvane {
 
@@ -211,6 +212,12 @@ struct Words {
             }
         }
     }
+
+    std::size_t typedFrom(std::size_t begin) const
+    {
+        return std::accumulate(typed.begin() + static_cast<std::ptrdiff_t>(begin), typed.end(),
+                               std::size_t{0});
+    }
 };
 
 /// The part of the phrase that is the time. `begin` is its first word; without a `time` the shape was
@@ -235,6 +242,26 @@ public:
 
     std::optional<Found> read() const
     {
+        auto found = shape();
+        if (!found || !found->time)
+            return std::nullopt;
+        if (!found->day || std::holds_alternative<EntrySentence::Today>(*found->day))
+            preferAfternoon(*found->time);
+        return isSomewhere(*found) ? found : std::nullopt;
+    }
+
+    std::optional<Found> refusedRange() const
+    {
+        auto found = shape();
+        const bool isRange =
+            found && (!found->time || std::holds_alternative<EntrySentence::Range>(*found->time));
+        return isRange && (!found->time || !isSomewhere(*found)) ? found : std::nullopt;
+    }
+
+private:
+    /// What the words look like, whether it makes sense or not.
+    std::optional<Found> shape() const
+    {
         auto found = timeUpTo(m_words.size());
         if (found) {
             takeDayBefore(*found);
@@ -244,16 +271,14 @@ public:
                 return std::nullopt;
             found->day = day->day;
         }
-        if (!found || !found->time)
-            return std::nullopt;
-        if (!found->day || std::holds_alternative<EntrySentence::Today>(*found->day))
-            preferAfternoon(*found->time);
-        const bool isSomewhere =
-            EntrySentence::resolve(*found->time, found->day, m_now, m_calendar).has_value();
-        return isSomewhere ? found : std::nullopt;
+        return found;
     }
 
-private:
+    bool isSomewhere(const Found &found) const
+    {
+        return EntrySentence::resolve(*found.time, found.day, m_now, m_calendar).has_value();
+    }
+
     static bool isAgo(const Found &found)
     {
         return found.time && std::holds_alternative<EntrySentence::Ago>(*found.time);
@@ -413,10 +438,16 @@ std::optional<TimePhrase> TimePhrase::atEndOf(std::span<const std::string_view> 
     const auto found = PhraseReader(words, options, now, calendar).read();
     if (!found)
         return std::nullopt;
-    TimePhrase phrase{*found->time, found->day, 0};
-    for (std::size_t i = found->begin; i < words.typed.size(); ++i)
-        phrase.words += words.typed[i];
-    return phrase;
+    return TimePhrase{*found->time, found->day, words.typedFrom(found->begin)};
+}
+
+std::size_t TimePhrase::refusedRangeAtEndOf(std::span<const std::string_view> line,
+                                            const EntrySentence::Options &options, Instant now,
+                                            const UserTime &calendar)
+{
+    const Words words(line);
+    const auto found = PhraseReader(words, options, now, calendar).refusedRange();
+    return found ? words.typedFrom(found->begin) : 0;
 }
 
 } // namespace orvane

@@ -20,6 +20,10 @@ struct TimePhrase {
     static std::optional<TimePhrase> atEndOf(std::span<const std::string_view> words,
                                              const EntrySentence::Options &options, Instant now,
                                              const UserTime &calendar);
+    /// How many of these words, at their end, are a range that is none: it lasts too long, or no time at all.
+    static std::size_t refusedRangeAtEndOf(std::span<const std::string_view> words,
+                                           const EntrySentence::Options &options, Instant now,
+                                           const UserTime &calendar);
 };
 
 } // namespace orvane

@@ -45,7 +45,7 @@ std::optional<TypedMoment> TypedMoment::parse(std::string_view text, const UserT
         return TypedMoment{.clock = clock};
     // Only "now" and what begins with "-" are left to it, so the reference day plays no part.
     if (const auto instant = time.resolveClock(text, time.today()))
-        return TypedMoment{.instant = *instant};
+        return TypedMoment{.instant = *instant, .isFromNow = true};
     if (const auto instant = instantFromIso8601(upperCase(text)))
         return TypedMoment{.instant = *instant};
     if (const auto instant = parseLocal(text, time))

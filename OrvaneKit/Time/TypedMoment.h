@@ -14,6 +14,8 @@ struct TypedMoment {
     /// Set for a time of day; otherwise `instant` says it all.
     std::optional<ClockTime> clock = {};
     Instant instant = {};
+    /// It was counted from now, or is now.
+    bool isFromNow = false;
 
     bool operator==(const TypedMoment &) const = default;
 

@@ -15,6 +15,7 @@
 #include "Support/Eventual.h"
 #include "Time/UserTime.h"
 #include "Tracker/EntriesChange.h"
+#include "Tracker/EntryHistory.h"
 #include "Tracker/KnownEntries.h"
 
 #include <QObject>
@@ -50,7 +51,15 @@ struct SaveResult {
     std::optional<CallError> error;
     /// The numbers of the changes in the outbox, in order; empty when nothing was recorded.
     std::vector<std::int64_t> seqs;
+    /// With `needsDetails`: which.
+    std::vector<RequiredDetail> missing;
+    /// What was changed, for taking it back; empty when nothing was.
+    std::vector<EntryTurn> turns;
 };
+
+/// A value, or why there is none.
+template <class T>
+using SaveResultOr = Result<T, SaveResult>;
 
 /// What a quiet refresh asks the server for.
 enum class Topic { entries = 1, running = 2, settings = 4, catalog = 8 };
@@ -145,11 +154,17 @@ public:
     std::vector<DayGroup> days(DayKey first, int count) const;
     /// What is missing in `details` by the workspace's rules.
     EntryRules rules() const;
+    /// The refusal of such an entry that needs no server, if there is one.
+    std::optional<SaveResult> checkRules(const EntryRequest &request) const;
 
     /// Stops a running entry at `at`, then starts a new one; `needsDetails` when the running one cannot be
     /// stopped yet.
     Task<SaveResult> start(EntryDetails details, Instant at);
     Task<SaveResult> stop(Instant at);
+    /// Stops the timer with other details: one change, checked as such.
+    Task<SaveResult> stop(Instant at, EntryDetails details, bool describeParts);
+    /// The entry that ended last, of the weeks loaded and up to eight before them.
+    Task<SaveResultOr<TimeEntryResponse>> lastStopped();
     /// Starts a new entry with the details of the last one.
     Task<SaveResult> continueLast(Instant at);
     /// Records an entry; one without a stop starts the timer as `start` does.
@@ -159,6 +174,12 @@ public:
     /// Divides an entry's time between projects; the shares sum to 100.
     Task<SaveResult> split(std::string id, std::vector<SplitPart> shares);
     Task<SaveResult> remove(std::string id);
+    /// Several at once: one action.
+    Task<SaveResult> removeAll(std::vector<std::string> ids);
+    /// Takes an action back: each entry becomes what it was before. Refused as a whole when one of them is
+    /// no longer what the action made of it. A deleted entry comes back under a new identifier, since no
+    /// server takes a used one: `turns` of the answer tell which.
+    Task<SaveResult> takeBack(EntryStep step);
 
     /// Saves what a change has brought since the last snapshot.
     Task<> close();
@@ -199,8 +220,10 @@ private:
     Task<SaveResult> submit(std::vector<Submission> changes, std::string id, SaveOutcome whenDone);
     Submission made(EntryChange change, const TimeEntryResponse &shown) const;
     SaveResult refusedHere(SaveOutcome outcome, std::string message) const;
-    std::optional<SaveResult> checkRules(const EntryRequest &request) const;
-    bool isLackingDetails(const TimeEntryResponse &running) const;
+    SaveResult lacking(std::vector<RequiredDetail> missing, std::string message) const;
+    std::vector<RequiredDetail> missingTo(const TimeEntryResponse &running) const;
+    Result<std::vector<Submission>, SaveResult> takenBack(const EntryStep &step);
+    std::string nextIdentifier() const;
     DaySpan currentWeeks() const;
     ServerCalls api() const;
     void setState(LoadState state);

@@ -3,6 +3,7 @@
 #include "Tracker/Tracker.h"
 
 #include "Catalog/EntryConversions.h"
+#include "Outbox/EntryMerge.h"
 #include "Time/AppClock.h"
 #include "Tracker/Overlay.h"
 
@@ -35,6 +36,14 @@ EntryChange stopChange(const TimeEntryResponse &running, Instant at)
     return EntryChange{EntryChange::Stop{at, running.id, running.workspaceId, versionOf(running)}};
 }
 
+/// What a change makes of its entry, as far as it is known here.
+EntryTurn turnOf(const Submission &submission)
+{
+    if (const auto *create = std::get_if<EntryChange::Create>(&submission.change.action))
+        return {{}, entryResponse(create->request, create->id, create->workspaceId)};
+    return {submission.base, submission.base ? applied(submission.change, *submission.base) : std::nullopt};
+}
+
 constexpr const char *stopNeedsDetails = "Add the details this workspace requires to stop the timer.";
 
 } // namespace
@@ -55,7 +64,21 @@ SaveResult Tracker::refusedHere(SaveOutcome outcome, std::string message) const
             .entry = {},
             .message = std::move(message),
             .error = {},
-            .seqs = {}};
+            .seqs = {},
+            .missing = {},
+            .turns = {}};
+}
+
+SaveResult Tracker::lacking(std::vector<RequiredDetail> missing, std::string message) const
+{
+    SaveResult result = refusedHere(SaveOutcome::needsDetails, std::move(message));
+    result.missing = std::move(missing);
+    return result;
+}
+
+std::string Tracker::nextIdentifier() const
+{
+    return m_parts.newIdentifier ? m_parts.newIdentifier() : newIdentifier();
 }
 
 /// The refusal that the server would give as well, where that can be known here.
@@ -79,26 +102,37 @@ std::optional<SaveResult> Tracker::checkRules(const EntryRequest &request) const
                            "Time before " +
                                m_parts.time.dayTitle(m_parts.time.dayKey(*m_settings->lockedBefore)) +
                                " is locked in this workspace.");
-    if (request.stop && !rules.missing(request.details).empty())
-        return refusedHere(SaveOutcome::needsDetails, "Add the details this workspace requires.");
+    if (auto missing = rules.missing(request.details); request.stop && !missing.empty())
+        return lacking(std::move(missing), "Add the details this workspace requires.");
     return std::nullopt;
 }
 
 Task<SaveResult> Tracker::submit(std::vector<Submission> changes, std::string id, SaveOutcome whenDone)
 {
     const QPointer<Tracker> self(this);
+    std::vector<EntryTurn> turns;
+    std::ranges::transform(changes, std::back_inserter(turns), turnOf);
     auto outcomes = co_await m_parts.outbox->submit(std::move(changes));
     if (!outcomes)
         co_return refusedHere(SaveOutcome::failed, describe(outcomes.error()));
     if (!self)
         co_return refusedHere(SaveOutcome::waiting, {});
-    SaveResult result{
-        .outcome = whenDone, .isQueued = false, .entry = entry(id), .message = {}, .error = {}, .seqs = {}};
-    for (const Outbox::Outcome &outcome : *outcomes) {
+    SaveResult result{.outcome = whenDone,
+                      .isQueued = false,
+                      .entry = entry(id),
+                      .message = {},
+                      .error = {},
+                      .seqs = {},
+                      .missing = {},
+                      .turns = {}};
+    for (std::size_t i = 0; i < outcomes->size(); ++i) {
+        const Outbox::Outcome &outcome = (*outcomes)[i];
         result.seqs.push_back(std::visit([](const auto &one) { return one.seq; }, outcome));
         if (const auto *rejected = std::get_if<Outbox::Rejected>(&outcome)) {
             result.error = rejected->error;
             result.message = describe(rejected->error);
+        } else {
+            result.turns.push_back(std::move(turns[i]));
         }
     }
     if (std::holds_alternative<Outbox::Rejected>(outcomes->back())) {
@@ -135,21 +169,22 @@ Task<SaveResult> Tracker::create(EntryRequest request)
             co_return refusedHere(SaveOutcome::rejected,
                                   "Another timer runs since " + m_parts.time.timeLabel(running.start) +
                                       ", which is later than that. Stop or change it first.");
-        if (isLackingDetails(running))
-            co_return refusedHere(SaveOutcome::needsDetails, stopNeedsDetails);
+        if (auto missing = missingTo(running); !missing.empty())
+            co_return lacking(std::move(missing), stopNeedsDetails);
         changes.push_back(made(stopChange(running, request.start), running));
     }
-    const std::string id = m_parts.newIdentifier ? m_parts.newIdentifier() : newIdentifier();
+    const std::string id = nextIdentifier();
     changes.push_back({EntryChange{EntryChange::Create{std::move(request), id, m_parts.workspace.id}}, {}});
     co_return co_await submit(std::move(changes), id, SaveOutcome::saved);
 }
 
-/// Whether the workspace would refuse to let this entry end as it is.
-bool Tracker::isLackingDetails(const TimeEntryResponse &running) const
+/// What the workspace requires before this entry may end.
+std::vector<RequiredDetail> Tracker::missingTo(const TimeEntryResponse &running) const
 {
     // The rules of another workspace, where the timer may run as well, are not known here.
-    return running.workspaceId == m_parts.workspace.id && m_settings &&
-           !rules().missing(entryDetails(running)).empty();
+    if (running.workspaceId != m_parts.workspace.id || !m_settings)
+        return {};
+    return rules().missing(entryDetails(running));
 }
 
 Task<SaveResult> Tracker::stop(Instant at)
@@ -160,8 +195,8 @@ Task<SaveResult> Tracker::stop(Instant at)
     const Instant end = millisecondsFloor(at);
     if (end < running.start || !isAcceptable(end))
         co_return refusedHere(SaveOutcome::rejected, "The end must not be before the start.");
-    if (isLackingDetails(running))
-        co_return refusedHere(SaveOutcome::needsDetails, stopNeedsDetails);
+    if (auto missing = missingTo(running); !missing.empty())
+        co_return lacking(std::move(missing), stopNeedsDetails);
     std::vector<Submission> changes;
     changes.push_back(made(stopChange(running, end), running));
     SaveResult result = co_await submit(std::move(changes), running.id, SaveOutcome::stopped);
@@ -170,28 +205,51 @@ Task<SaveResult> Tracker::stop(Instant at)
     co_return result;
 }
 
-Task<SaveResult> Tracker::continueLast(Instant at)
+Task<SaveResult> Tracker::stop(Instant at, EntryDetails details, bool describeParts)
+{
+    if (!running())
+        co_return refusedHere(SaveOutcome::failed, "No timer is running.");
+    const TimeEntryResponse running = *this->running();
+    EntryRequest request{std::move(details), running.start, millisecondsFloor(at), describeParts};
+    SaveResult result = co_await update(running.id, std::move(request));
+    if (result.outcome == SaveOutcome::needsDetails)
+        result.message = stopNeedsDetails;
+    else if (result.outcome == SaveOutcome::saved || result.outcome == SaveOutcome::waiting)
+        result.outcome = SaveOutcome::stopped;
+    co_return result;
+}
+
+Task<SaveResultOr<TimeEntryResponse>> Tracker::lastStopped()
 {
     const QPointer<Tracker> self(this);
-    const auto lastStopped = [this]() {
+    const auto find = [this]() {
         const auto found = std::ranges::find_if(
             entries(), [](const TimeEntryResponse &entry) { return entry.stop.has_value(); });
         return found == entries().end() ? std::nullopt : std::optional{*found};
     };
-    auto last = lastStopped();
+    auto last = find();
     bool isLoaded = true;
     while (!last && isLoaded && m_weeksLoaded < weeksSearched) {
         isLoaded = (co_await loadWeekBefore()).has_value();
         if (!self)
-            co_return refusedHere(SaveOutcome::failed, {});
-        last = lastStopped();
+            co_return failure(SaveResult{});
+        last = find();
     }
     if (!last && !isLoaded)
-        co_return refusedHere(
-            SaveOutcome::failed,
-            "No earlier entry is known on this computer, and the server cannot be asked now.");
+        co_return failure(
+            refusedHere(SaveOutcome::failed,
+                        "No earlier entry is known on this computer, and the server cannot be asked now."));
     if (!last)
-        co_return refusedHere(SaveOutcome::failed, "There is no entry to continue yet.");
+        co_return failure(refusedHere(SaveOutcome::failed, "There is no entry to continue yet."));
+    co_return TimeEntryResponse(*last);
+}
+
+Task<SaveResult> Tracker::continueLast(Instant at)
+{
+    const QPointer<Tracker> self(this);
+    const auto last = co_await lastStopped();
+    if (!self || !last)
+        co_return last ? SaveResult{} : last.error();
     // As it was, its parts' own descriptions included.
     EntryRequest request = entryRequest(*last);
     request.start = millisecondsFloor(at);
@@ -240,18 +298,76 @@ Task<SaveResult> Tracker::split(std::string id, std::vector<SplitPart> shares)
 
 Task<SaveResult> Tracker::remove(std::string id)
 {
-    const auto known = entry(id);
-    if (!known)
-        co_return refusedHere(SaveOutcome::failed, "There is no such entry.");
-    if (m_settings && rules().isLocked(known->start))
-        co_return refusedHere(SaveOutcome::rejected, "This entry lies in a locked period of the workspace.");
+    std::vector<std::string> ids;
+    ids.push_back(std::move(id));
+    co_return co_await removeAll(std::move(ids));
+}
+
+Task<SaveResult> Tracker::removeAll(std::vector<std::string> ids)
+{
     std::vector<Submission> changes;
-    changes.push_back(
-        made(EntryChange{EntryChange::Delete{id, known->workspaceId, versionOf(*known)}}, *known));
-    SaveResult result = co_await submit(std::move(changes), id, SaveOutcome::saved);
+    for (const std::string &id : ids) {
+        const auto known = entry(id);
+        if (!known)
+            co_return refusedHere(SaveOutcome::failed, "There is no such entry.");
+        if (m_settings && rules().isLocked(known->start))
+            co_return refusedHere(SaveOutcome::rejected,
+                                  "This entry lies in a locked period of the workspace.");
+        changes.push_back(
+            made(EntryChange{EntryChange::Delete{id, known->workspaceId, versionOf(*known)}}, *known));
+    }
+    SaveResult result = co_await submit(std::move(changes), ids.back(), SaveOutcome::saved);
     if (result.outcome != SaveOutcome::rejected)
         result.entry.reset();
     co_return result;
+}
+
+/// The changes that make the entries what they were, the last change first.
+Result<std::vector<Submission>, SaveResult> Tracker::takenBack(const EntryStep &step)
+{
+    std::vector<Submission> changes;
+    for (auto turn = step.turns.rbegin(); turn != step.turns.rend(); ++turn) {
+        const auto known = entry(turn->id());
+        const bool isAsMade = turn->after ? known && saysTheSame(*known, *turn->after) : !known;
+        if (!isAsMade)
+            return failure(refusedHere(SaveOutcome::rejected,
+                                       "That cannot be taken back: the entry was changed since then."));
+        if (!turn->before) {
+            changes.push_back(made(
+                EntryChange{EntryChange::Delete{known->id, known->workspaceId, versionOf(*known)}}, *known));
+            continue;
+        }
+        EntryRequest request = entryRequest(*turn->before);
+        if (auto refused = checkRules(request))
+            return failure(std::move(*refused));
+        if (known)
+            changes.push_back(made(EntryChange{EntryChange::Update{std::move(request), known->id,
+                                                                   known->workspaceId, versionOf(*known)}},
+                                   *known));
+        else
+            changes.push_back(
+                {EntryChange{EntryChange::Create{std::move(request), nextIdentifier(), m_parts.workspace.id}},
+                 {}});
+    }
+    return changes;
+}
+
+Task<SaveResult> Tracker::takeBack(EntryStep step)
+{
+    const auto startsAgain = [](const EntryTurn &turn) {
+        return turn.before && !turn.before->stop && (!turn.after || turn.after->stop);
+    };
+    const auto isOfStep = [&](const std::string &id) {
+        return std::ranges::any_of(step.turns, [&](const EntryTurn &turn) { return turn.id() == id; });
+    };
+    if (std::ranges::any_of(step.turns, startsAgain) && running() && !isOfStep(running()->id))
+        co_return refusedHere(SaveOutcome::rejected,
+                              "That cannot be taken back: another timer runs by now. Stop it first.");
+    auto changes = takenBack(step);
+    if (!changes)
+        co_return changes.error();
+    const std::string shown = changes->back().change.entryId();
+    co_return co_await submit(std::move(*changes), shown, SaveOutcome::saved);
 }
 
 } // namespace orvane

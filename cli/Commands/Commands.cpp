@@ -7,6 +7,7 @@ void addCommands(CommandTree &tree)
 {
     addTimerCommands(tree);
     addEntryCommands(tree);
+    addUndoCommand(tree);
     addQuickEntryCommands(tree);
     addListCommand(tree);
     addActivityCommand(tree);

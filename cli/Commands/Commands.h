@@ -12,6 +12,7 @@ void addCommands(CommandTree &tree);
 
 void addTimerCommands(CommandTree &tree);
 void addEntryCommands(CommandTree &tree);
+void addUndoCommand(CommandTree &tree);
 void addQuickEntryCommands(CommandTree &tree);
 void addListCommand(CommandTree &tree);
 void addActivityCommand(CommandTree &tree);

@@ -5,9 +5,11 @@
 #include "Client/OrvaneClient.h"
 #include "CommandTree.h"
 #include "Input/LookupText.h"
+#include "Output/EntryHints.h"
 #include "Output/EntryText.h"
 #include "Output/JsonShapes.h"
 #include "QuickEntry/PalettePicks.h"
+#include "Terminal/StandardStreams.h"
 #include "Terminal/TextWidth.h"
 #include "Time/AppClock.h"
 
@@ -93,6 +95,34 @@ std::string refusedStart(Instant at, const UserTime &time)
            time.dayKey(at).description() + " " + clock + "\"";
 }
 
+/// What is missing, and the command that gives it.
+std::string lackText(const SaveResult &result, std::string_view verb)
+{
+    const std::string sentence = missingSentence(result.missing);
+    const bool isStop = verb == "Stopped" || verb == "Started";
+    return "It lacks " + missingText(result.missing) +
+           (isStop ? ". To add that and stop: orvane stop \"" + sentence + "\""
+                   : ". Say it in the line, as in: \"… " + sentence + "\"");
+}
+
+std::string outcomeText(const CommandContext &context, const SaveResult &result,
+                        const std::vector<std::string> &messages, const std::vector<std::string> &notes)
+{
+    const Tracker &tracker = context.account()->tracker();
+    const auto entry = shapes::entry(result.entry, tracker.catalog(), AppClock::now());
+    if (isDone(result.outcome))
+        return shapes::text(
+            shapes::Outcome{result.outcome, result.isQueued, entry, text(result.message), notes});
+    const CommandFailure failure = result.error ? CommandFailure::of(*result.error, messages.front())
+                                                : CommandFailure::of(messages.front());
+    if (result.outcome == SaveOutcome::needsDetails)
+        return shapes::text(shapes::LackingOutcome{result.outcome, result.isQueued, entry, failure.message,
+                                                   notes, shapes::error(failure),
+                                                   missingNames(result.missing)});
+    return shapes::text(shapes::FailedOutcome{result.outcome, result.isQueued, entry, failure.message, notes,
+                                              shapes::error(failure)});
+}
+
 } // namespace
 
 void addNotes(CommandAnswer &answer, const std::vector<std::string> &notes)
@@ -114,27 +144,46 @@ CommandAnswer answerTo(const CommandContext &context, const SaveResult &result, 
         answer.messages.push_back(result.message);
     else if (!done)
         answer.messages.emplace_back("That could not be done.");
-    if (done && !context.json())
+    if (result.outcome == SaveOutcome::needsDetails)
+        answer.messages.push_back(lackText(result, verb));
+    if ((done || result.outcome == SaveOutcome::needsDetails) && !context.json())
         addNotes(answer, notes);
-    if (context.json()) {
-        const Tracker &tracker = context.account()->tracker();
-        const shapes::Outcome outcome{result.outcome, result.isQueued,
-                                      shapes::entry(result.entry, tracker.catalog(), AppClock::now()),
-                                      text(result.message), notes};
-        if (done) {
-            answer.output = shapes::text(outcome);
-        } else {
-            const CommandFailure failure = result.error
-                                               ? CommandFailure::of(*result.error, answer.messages.front())
-                                               : CommandFailure::of(answer.messages.front());
-            answer.output =
-                shapes::text(shapes::FailedOutcome{outcome.outcome, outcome.queued, outcome.entry,
-                                                   failure.message, notes, shapes::error(failure)});
-        }
-    } else if (const auto &shown = result.entry ? result.entry : before; done && shown) {
+    if (context.json())
+        answer.output = outcomeText(context, result, answer.messages, notes);
+    else if (const auto &shown = result.entry ? result.entry : before; done && shown)
         answer.output = EntryWriter(context.account()->tracker(), context.style()).done(verb, *shown);
-    }
     return answer;
+}
+
+Task<> noteStep(Context context, std::vector<EntryTurn> turns)
+{
+    const auto noted = co_await context->account()->history().add({std::move(turns)});
+    if (!noted)
+        writeMessage("It cannot be taken back: " + describe(noted.error()));
+}
+
+Task<CommandAnswer> conclude(Context context, SaveResult result, std::string verb,
+                             std::optional<TimeEntryResponse> before, std::vector<std::string> notes)
+{
+    co_await noteStep(context, result.turns);
+    co_return answerTo(*context, result, verb, before, notes);
+}
+
+CommandAnswer together(const CommandContext &context, std::vector<CommandAnswer> answers)
+{
+    CommandAnswer all;
+    for (CommandAnswer &answer : answers) {
+        if (context.json()) {
+            answer.output.pop_back(); // its line break
+            all.output += (all.output.empty() ? "" : ",");
+        }
+        all.output += answer.output;
+        std::ranges::move(answer.messages, std::back_inserter(all.messages));
+        all.exitStatus = std::max(all.exitStatus, answer.exitStatus);
+    }
+    if (context.json())
+        all.output = "[" + all.output + "]\n";
+    return all;
 }
 
 CommandAnswer refusal(const CommandContext &context, std::string message)
@@ -159,6 +208,11 @@ Task<Result<TimeEntryResponse, CommandFailure>> findEntry(Context context, std::
         co_return failure(opened.error());
     co_await context->loadState();
     Tracker &tracker = (*opened)->tracker();
+    if (typed == "last") {
+        if (tracker.entries().empty())
+            co_return failure(CommandFailure::of("There is no entry in this week or those before it."));
+        co_return TimeEntryResponse(tracker.entries().front());
+    }
     auto id = lookUpId(typed, knownIds(tracker));
     if (!id && !id.error().isAmbiguous() && !typed.empty()) {
         const Search search = co_await askForEntry(context, typed);
@@ -194,27 +248,74 @@ Result<EntryDraft, CommandFailure> draftOf(const TypedSentence &typed, const Ent
                                            const Tracker &tracker, EntryDraft draft)
 {
     draft.take(typed.reading, tracker.catalog());
-    return options.timesIn(std::move(draft), tracker.time()).map_error([](const std::string &message) {
-        return CommandFailure::usage(message);
-    });
+    return options.timesIn(std::move(draft), typed.options, tracker.time())
+        .map_error([](const std::string &message) { return CommandFailure::usage(message); });
 }
+
+std::optional<CommandFailure> misread(const TypedSentence &typed, const Tracker &tracker,
+                                      std::string_view verb)
+{
+    const std::string literally = " To take the line as it stands: --literally";
+    const std::string nothing = " Nothing was " + std::string(verb) + ".";
+    if (const auto unread = typed.unreadTime(tracker.time()))
+        return CommandFailure::usage(*unread + nothing + literally);
+    // It would take the place of what the entry says.
+    if (verb != recordedVerb && typed.saysNothing())
+        return CommandFailure::usage(typed.withNotes(
+            "The line says nothing that is understood." + nothing + literally, tracker.catalog()));
+    return {};
+}
+
+Task<std::vector<EntryWarning>> warningsOf(Context context, EntryTimes times, std::string id)
+{
+    Account &account = *context->account();
+    Tracker &tracker = account.tracker();
+    const DayKey day = tracker.time().dayKey(times.start);
+    if (!tracker.knownDays().contains(day, 1) && account.isReachable())
+        co_await tracker.loadDays(day, 1);
+    co_return EntryWarning::of(times, id, tracker.entries(), AppClock::now());
+}
+
+namespace {
+
+/// What a timer will still need before it may stop.
+std::vector<std::string> laterNeeds(const EntryDraft &draft, const Tracker &tracker)
+{
+    const auto missing = tracker.settings() ? draft.missing(tracker.rules()) : std::vector<RequiredDetail>();
+    if (missing.empty())
+        return {};
+    return {"To stop, this workspace wants " + missingText(missing) + ": orvane stop \"" +
+            missingSentence(missing) + "\""};
+}
+
+CommandTask recordFinished(Context context, TypedSentence typed, EntryRequest request)
+{
+    Tracker &tracker = context->account()->tracker();
+    const auto warnings = co_await warningsOf(context, {request.start, request.stop}, {});
+    std::vector<std::string> notes = warningTexts(warnings, tracker.time());
+    std::ranges::move(typed.leftOut(tracker.catalog()), std::back_inserter(notes));
+    CommandAnswer answer =
+        co_await conclude(context, co_await tracker.create(std::move(request)), "Added", {}, notes);
+    rememberPicks(*context, typed, answer);
+    co_return answer;
+}
+
+} // namespace
 
 CommandTask record(Context context, EntryOptions options, TypedSentence typed, EntryDraft draft)
 {
     Tracker &tracker = context->account()->tracker();
     const UserTime &time = tracker.time();
+    if (auto wrong = misread(typed, tracker, recordedVerb))
+        co_return failure(std::move(*wrong));
     const auto whole = options.detailsIn(std::move(draft), tracker.catalog());
     if (!whole)
         co_return failure(CommandFailure::of(whole.error()));
     auto request = whole->request(time, AppClock::now());
     if (!request)
         co_return failure(CommandFailure::of(timesText(request.error())));
-    if (*request && (*request)->stop) {
-        CommandAnswer answer = answerTo(*context, co_await tracker.create(**std::move(request)), "Added", {},
-                                        typed.leftOut(tracker.catalog()));
-        rememberPicks(*context, typed, answer);
-        co_return answer;
-    }
+    if (*request && (*request)->stop)
+        co_return co_await recordFinished(context, std::move(typed), **std::move(request));
     const ActionMoment moment = actionMoment(*context);
     const Instant at = *request ? (*request)->start : moment.at;
     if (*request && !ActionMoment::mayStart(at, whole->namesStartDay(), AppClock::now()))
@@ -222,12 +323,15 @@ CommandTask record(Context context, EntryOptions options, TypedSentence typed, E
     if (moment.kind == ActionMoment::Kind::ahead && at <= moment.at)
         co_return refusalAhead(*context, "Another timer is set already.");
     const std::optional<TimeEntryResponse> before = tracker.running();
-    const SaveResult result = co_await tracker.start(whole->details(), at);
+    const SaveResult result = co_await tracker.create(whole->at({millisecondsFloor(at), {}}));
     std::vector<std::string> notes;
     if (*request && at > AppClock::now())
         notes.push_back(time.clockLabel(at) + " is still to come.");
     std::ranges::move(typed.leftOut(tracker.catalog()), std::back_inserter(notes));
-    CommandAnswer answer = withStopped(answerTo(*context, result, "Started", {}, notes), *context, before);
+    if (isDone(result.outcome))
+        std::ranges::move(laterNeeds(*whole, tracker), std::back_inserter(notes));
+    CommandAnswer answer =
+        withStopped(co_await conclude(context, result, "Started", {}, notes), *context, before);
     rememberPicks(*context, typed, answer);
     co_return answer;
 }
@@ -242,11 +346,13 @@ void rememberPicks(CommandContext &context, const TypedSentence &typed, const Co
         workspace, picks.notedIn(context.installation().paletteUsage(workspace), AppClock::now()));
 }
 
-void addEntryOptions(CLI::App *command, EntryOptions &options)
+void addEntryOptions(CLI::App *command, EntryOptions &options, bool withTimes)
 {
     CommandTree::addText(command, "--description", options.description, "TEXT", "What the work is");
-    CommandTree::addText(command, "--start", options.start, "TIME", "When it began");
-    CommandTree::addText(command, "--stop", options.stop, "TIME", "When it ended");
+    if (withTimes) {
+        CommandTree::addText(command, "--start", options.start, "TIME", "When it began");
+        CommandTree::addText(command, "--stop", options.stop, "TIME", "When it ended");
+    }
     CommandTree::addText(command, "--project", options.project, "PROJECT",
                          "A name or an identifier; \"\" for none");
     CommandTree::addText(command, "--task", options.task, "TASK", "A name or an identifier; \"\" for none");
@@ -254,10 +360,13 @@ void addEntryOptions(CLI::App *command, EntryOptions &options)
                           "A name or an identifier; once for each tag, \"\" for none");
     CommandTree::addSwitch(command, "billable", options.billable, "The time can be billed",
                            "The time cannot be billed");
-    CommandTree::addFooter(command,
-                           "A TIME is a time of day (930, 9:30, 9:30pm), \"now\", how long ago (-15, -1h), "
-                           "\"2026-03-01 9:30\" or "
-                           "2026-03-01T09:30:00Z.");
+    CommandTree::addFlag(command, "--literally", options.literally,
+                         "Take the sentence as it stands: no names, no time");
+    if (withTimes)
+        CommandTree::addFooter(
+            command, "A TIME is a time of day (930, 9:30, 9:30pm), one with its day (\"yesterday 9:30\", "
+                     "\"2026-03-01 9:30\"), \"now\", how long ago (-15, -1h), or "
+                     "2026-03-01T09:30:00Z.");
 }
 
 } // namespace orvane

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "CommandContext.h"
+#include "EntryInput/EntryWarning.h"
 #include "Input/EntryOptions.h"
 #include "Input/TypedSentence.h"
 #include "Tracker/ActionMoment.h"
@@ -26,17 +27,28 @@ CommandAnswer answerTo(const CommandContext &context, const SaveResult &result, 
                        const std::optional<TimeEntryResponse> &before = {},
                        const std::vector<std::string> &notes = {});
 
-/// The entry that a (cut) identifier means, in the account that this opens and brings up to date. Looks among
-/// the entries of the last weeks, and asks the server for one that is older when the whole identifier was
-/// typed.
+/// The same, once the change is noted for `orvane undo`.
+Task<CommandAnswer> conclude(Context context, SaveResult result, std::string verb,
+                             std::optional<TimeEntryResponse> before = {},
+                             std::vector<std::string> notes = {});
+/// Keeps what an action changed, so that it can be taken back.
+Task<> noteStep(Context context, std::vector<EntryTurn> turns);
+
+/// The answers to several changes as one: below each other, for programs as a list.
+CommandAnswer together(const CommandContext &context, std::vector<CommandAnswer> answers);
+
+/// The entry that a (cut) identifier means, or of "last" the one that began last, in the account that this
+/// opens and brings up to date. Looks among the entries of the last weeks, and asks the server for one that
+/// is older when the whole identifier was typed.
 Task<Result<TimeEntryResponse, CommandFailure>> findEntry(Context context, std::string typed);
 
 /// What a SENTENCE argument is, for the help text.
 inline constexpr const char *sentenceText =
     "What the work is, in one line: \"Fix the sync @api #review 9-10:30 $\"; see orvane help parse";
 
-/// Adds the options that say what an entry is to a command; `options` outlives the tree's use.
-void addEntryOptions(CLI::App *command, EntryOptions &options);
+/// Adds the options that say what an entry is to a command, with its times or without; `options` outlives the
+/// tree's use.
+void addEntryOptions(CLI::App *command, EntryOptions &options, bool withTimes = true);
 
 /// When the command's start or stop happens.
 ActionMoment actionMoment(const CommandContext &context);
@@ -50,6 +62,16 @@ CommandAnswer refusalAhead(const CommandContext &context, std::string_view what)
 /// `EntryOptions::detailsIn`. A text that is no time is wrong usage.
 Result<EntryDraft, CommandFailure> draftOf(const TypedSentence &typed, const EntryOptions &options,
                                            const Tracker &tracker, EntryDraft draft = {});
+
+/// The refusal of a sentence from which a time, or all of it, was not understood. `verb` says what was not
+/// done: "recorded".
+inline constexpr std::string_view recordedVerb = "recorded";
+std::optional<CommandFailure> misread(const TypedSentence &typed, const Tracker &tracker,
+                                      std::string_view verb);
+
+/// What is unusual about when an entry would lie, among those of its days, which are asked for when they are
+/// not known.
+Task<std::vector<EntryWarning>> warningsOf(Context context, EntryTimes times, std::string id);
 
 /// Records what a sentence and its options say: a finished entry when they name an end, else the timer
 /// starts, now or when they say. The draft has all of it but the options' details, which are looked up here.

@@ -42,7 +42,7 @@ CommandTask start(Context context, EntryOptions options)
         co_return failure(opened.error());
     co_await context->loadState();
     const Tracker &tracker = (*opened)->tracker();
-    const TypedSentence typed = TypedSentence::read(options.sentence, **opened);
+    const TypedSentence typed = TypedSentence::read(options.sentence, **opened, options.literally);
     const auto draft = draftOf(typed, options, tracker);
     if (!draft)
         co_return failure(draft.error());
@@ -52,53 +52,123 @@ CommandTask start(Context context, EntryOptions options)
     co_return co_await record(context, options, typed, *draft);
 }
 
+struct StopOptions {
+    std::optional<std::string> at;
+    EntryOptions entry;
+};
+
 /// Where a stop ends the running timer.
-Result<Instant, CommandFailure> endOf(const std::optional<std::string> &at, const Tracker &tracker,
+Result<Instant, CommandFailure> endOf(const std::optional<std::string> &at,
+                                      const EntrySentence::Options &reading, const Tracker &tracker,
                                       Instant now)
 {
     if (!at)
         return now;
-    const auto moment = readMoment(*at, tracker.time());
+    const auto moment = readMoment(*at, reading, tracker.time());
     if (!moment)
         return failure(CommandFailure::usage(moment.error()));
     return EntryTimes::timerStop(*moment, tracker.running() ? tracker.running()->start : now, tracker.time(),
                                  AppClock::now());
 }
 
-CommandTask stop(Context context, std::optional<std::string> at)
+/// Stops the timer, with what else was said of it in the same change.
+CommandTask stopWith(Context context, EntryOptions options, TypedSentence typed, Instant end)
+{
+    Tracker &tracker = context->account()->tracker();
+    const std::optional<TimeEntryResponse> before = tracker.running();
+    if (!options.nameDetails() || !before)
+        co_return co_await conclude(context, co_await tracker.stop(end), "Stopped", before);
+    EntryDraft draft = EntryDraft::of(*before);
+    draft.take(typed.reading, tracker.catalog());
+    const auto whole = options.detailsIn(std::move(draft), tracker.catalog());
+    if (!whole)
+        co_return failure(CommandFailure::of(whole.error()));
+    const EntryRequest request = whole->at({before->start, end});
+    const SaveResult result = co_await tracker.stop(end, request.details, request.describeParts);
+    CommandAnswer answer =
+        co_await conclude(context, result, "Stopped", before, typed.leftOut(tracker.catalog()));
+    rememberPicks(*context, typed, answer);
+    co_return answer;
+}
+
+CommandTask stop(Context context, StopOptions options)
 {
     const auto opened = co_await context->openAccount();
     if (!opened)
         co_return failure(opened.error());
     co_await context->loadState();
     Tracker &tracker = (*opened)->tracker();
+    const TypedSentence typed =
+        TypedSentence::read(options.entry.sentence, **opened, options.entry.literally);
+    if (typed.namesTime())
+        co_return failure(
+            CommandFailure::usage("When the timer ended is said with --at, as in: orvane stop --at 17:30. "
+                                  "To take the line as it stands: --literally"));
+    if (auto wrong = misread(typed, tracker, "stopped"))
+        co_return failure(std::move(*wrong));
     const ActionMoment moment = actionMoment(*context);
-    const auto end = endOf(at, tracker, moment.at);
+    const auto end = endOf(options.at, typed.options, tracker, moment.at);
     if (!end)
         co_return failure(end.error());
     // What ran when the stop was asked for has ended where the other timer began.
-    if (!at && moment.kind == ActionMoment::Kind::overtaken)
+    if (!options.at && moment.kind == ActionMoment::Kind::overtaken)
         co_return refusal(*context, "Another timer was started elsewhere while this command waited, and runs "
                                     "on. To stop that one: orvane stop");
-    if (moment.kind == ActionMoment::Kind::ahead && (!at || *end < moment.at))
+    if (moment.kind == ActionMoment::Kind::ahead && (!options.at || *end < moment.at))
         co_return refusalAhead(*context, "That is before the timer's start.");
-    const std::optional<TimeEntryResponse> before = tracker.running();
-    co_return answerTo(*context, co_await tracker.stop(*end), "Stopped", before);
+    co_return co_await stopWith(context, options.entry, typed, *end);
 }
 
-CommandTask continueLast(Context context)
+struct ContinueOptions {
+    std::optional<std::string> id;
+    EntryOptions entry;
+};
+
+/// Whether a first word is the identifier of an entry rather than the beginning of a sentence.
+bool looksLikeId(const std::string &word)
+{
+    constexpr std::size_t leastLetters = 4;
+    return word == "last" ||
+           (word.size() >= leastLetters && word.find_first_not_of("0123456789abcdef-") == std::string::npos);
+}
+
+/// The entry to go on with, and what remains as its sentence.
+Task<Result<TimeEntryResponse, CommandAnswer>> continued(Context context, ContinueOptions *options)
+{
+    Tracker &tracker = context->account()->tracker();
+    if (options->id && looksLikeId(*options->id)) {
+        const auto named = co_await findEntry(context, *options->id);
+        if (named)
+            co_return TimeEntryResponse(*named);
+    }
+    if (options->id) {
+        const std::string rest = options->entry.sentence ? " " + *options->entry.sentence : "";
+        options->entry.sentence = *options->id + rest;
+    }
+    auto last = co_await tracker.lastStopped();
+    if (!last)
+        co_return failure(answerTo(*context, last.error(), ""));
+    co_return TimeEntryResponse(*last);
+}
+
+CommandTask continueEntry(Context context, ContinueOptions options)
 {
     const auto opened = co_await context->openAccount();
     if (!opened)
         co_return failure(opened.error());
     co_await context->loadState();
-    Tracker &tracker = (*opened)->tracker();
-    const ActionMoment moment = actionMoment(*context);
-    if (moment.kind == ActionMoment::Kind::ahead)
+    if (actionMoment(*context).kind == ActionMoment::Kind::ahead)
         co_return refusalAhead(*context, "Another timer is set already.");
-    const std::optional<TimeEntryResponse> before = tracker.running();
-    const SaveResult result = co_await tracker.continueLast(moment.at);
-    co_return withStopped(answerTo(*context, result, "Started"), *context, before);
+    const auto entry = co_await continued(context, &options);
+    if (!entry)
+        co_return CommandAnswer(entry.error());
+    const Tracker &tracker = (*opened)->tracker();
+    const TypedSentence typed =
+        TypedSentence::read(options.entry.sentence, **opened, options.entry.literally);
+    const auto draft = draftOf(typed, options.entry, tracker, EntryDraft::continuing(*entry));
+    if (!draft)
+        co_return failure(draft.error());
+    co_return co_await record(context, options.entry, typed, *draft);
 }
 
 } // namespace
@@ -119,15 +189,27 @@ void addTimerCommands(CommandTree &tree)
         startCommand, [options](Context context) { return start(std::move(context), *options); },
         FailureForm::outcome);
 
-    const auto at = std::make_shared<std::optional<std::string>>();
-    CLI::App *stopCommand = tree.add("stop", "Stop the timer", group);
-    CommandTree::addText(stopCommand, "--at", *at, "TIME",
+    const auto stopped = std::make_shared<StopOptions>();
+    CLI::App *stopCommand = tree.add("stop", "Stop the timer, and say what it was", group);
+    CommandTree::addSentence(stopCommand, "SENTENCE", stopped->entry.sentence,
+                             "What to change of it: \"Fix the sync @api #review\"; no time");
+    CommandTree::addText(stopCommand, "--at", stopped->at, "TIME",
                          "When it ended: 930, 9:30, -15 for 15 minutes ago");
+    addEntryOptions(stopCommand, stopped->entry, false);
     tree.onRun(
-        stopCommand, [at](Context context) { return stop(std::move(context), *at); }, FailureForm::outcome);
+        stopCommand, [stopped](Context context) { return stop(std::move(context), *stopped); },
+        FailureForm::outcome);
 
-    tree.onRun(tree.add("continue", "Start the timer with what the last entry said", group), continueLast,
-               FailureForm::outcome);
+    const auto continued = std::make_shared<ContinueOptions>();
+    CLI::App *continueCommand = tree.add("continue", "Start the timer with what an entry said", group);
+    CommandTree::addText(continueCommand, "ID", continued->id, "",
+                         "The entry; the last one unless it is named");
+    CommandTree::addSentence(continueCommand, "SENTENCE", continued->entry.sentence, "What is different now");
+    addEntryOptions(continueCommand, continued->entry, false);
+    tree.onRun(
+        continueCommand,
+        [continued](Context context) { return continueEntry(std::move(context), *continued); },
+        FailureForm::outcome);
 }
 
 } // namespace orvane

@@ -38,19 +38,25 @@ Result<std::vector<std::string>, std::string> namedTags(const std::vector<std::s
 
 bool EntryOptions::isEmpty() const
 {
-    return !sentence && !description && !start && !stop && !project && !task && !tags && !billable;
+    return !start && !stop && !nameDetails();
 }
 
-Result<EntryDraft, std::string> EntryOptions::timesIn(EntryDraft draft, const UserTime &time) const
+bool EntryOptions::nameDetails() const
+{
+    return sentence || description || project || task || tags || billable;
+}
+
+Result<EntryDraft, std::string> EntryOptions::timesIn(EntryDraft draft, const EntrySentence::Options &options,
+                                                      const UserTime &time) const
 {
     if (start) {
-        const auto moment = readMoment(*start, time);
+        const auto moment = readMoment(*start, options, time);
         if (!moment)
             return failure(moment.error());
         draft.setStart(*moment);
     }
     if (stop) {
-        const auto moment = readMoment(*stop, time);
+        const auto moment = readMoment(*stop, options, time);
         if (!moment)
             return failure(moment.error());
         draft.setStop(*moment);
@@ -91,6 +97,14 @@ std::string timesText(EntryTimesProblem problem)
     switch (problem) {
     case EntryTimesProblem::endBeforeStart:
         return "The end has to be after the start.";
+    case EntryTimesProblem::tooLong:
+        return "From that start to that end it is more than 16 hours. If that is meant, name the days too, "
+               "as in "
+               "--stop \"2026-03-02 9:00\".";
+    case EntryTimesProblem::countedFromNow:
+        return "The entry ended on another day; what counts from now says nothing about it. Name its time, "
+               "as in "
+               "--stop 17:30.";
     case EntryTimesProblem::endWithoutStart:
         break;
     }

@@ -22,10 +22,17 @@ struct EntryOptions {
     std::optional<std::string> task;
     std::optional<std::vector<std::string>> tags;
     std::optional<bool> billable;
+    /// The sentence is the description as it stands.
+    bool literally = false;
+    /// Nothing is asked.
+    bool isYes = false;
 
     bool isEmpty() const;
+    /// Whether they say something of the work, and not of its time alone.
+    bool nameDetails() const;
     /// The draft with the times named. The error is a sentence about a text that is no time: wrong usage.
-    Result<EntryDraft, std::string> timesIn(EntryDraft draft, const UserTime &time) const;
+    Result<EntryDraft, std::string> timesIn(EntryDraft draft, const EntrySentence::Options &options,
+                                            const UserTime &time) const;
     /// The draft with the rest, all but the sentence. The error is a sentence about a name that means no
     /// single thing.
     Result<EntryDraft, std::string> detailsIn(EntryDraft draft, const Catalog &catalog) const;

@@ -1,13 +1,27 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Input/TypedSentence.h"
 
+#include "Input/ShellText.h"
 #include "QuickEntry/SentenceNote.h"
+#include "QuickEntry/UnreadTime.h"
+#include "QuickEntry/UnreadWords.h"
 #include "Terminal/TextWidth.h"
 #include "Time/AppClock.h"
+
+#include <algorithm>
 
 namespace orvane {
 
 namespace {
+
+/// Of a mention, without its sign and quotes.
+std::string nameIn(std::string_view mention)
+{
+    mention.remove_prefix(1);
+    if (mention.size() > 2 && mention.starts_with('"') && mention.ends_with('"'))
+        mention = mention.substr(1, mention.size() - 2);
+    return std::string(mention);
+}
 
 std::string noteText(const SentenceNote &note)
 {
@@ -18,12 +32,17 @@ std::string noteText(const SentenceNote &note)
         return "An entry belongs to a project, and " + text +
                " is a client. Name one of its projects to put it there.";
     case Kind::unknownTag:
-        return "No tag matches " + text + ", so it stays in the description.";
+        return "No tag is called " + text + ", so it stays in the description. To make it: orvane tags add " +
+               shellArgument(nameIn(note.text));
     case Kind::unknownName:
-        return "No project, task or client matches " + text + ", so it stays in the description.";
+        return "No project, task or client is called " + text +
+               ", so it stays in the description. To make a project: orvane projects add " +
+               shellArgument(nameIn(note.text));
     case Kind::ambiguousName:
         return "Several names match " + text +
                ", so it stays in the description; type more of the one you mean.";
+    case Kind::secondProject:
+        return "A project is named already, so " + text + " stays in the description.";
     case Kind::surplusName:
         return text + " does not go with what else is named, so it stays in the description.";
     case Kind::bareHours:
@@ -41,25 +60,56 @@ std::string noteText(const SentenceNote &note)
 
 } // namespace
 
-TypedSentence TypedSentence::read(const std::optional<std::string> &sentence, const Account &account)
+TypedSentence TypedSentence::read(const std::optional<std::string> &sentence, const Account &account,
+                                  bool literally)
 {
     TypedSentence typed;
+    typed.options = EntrySentence::Options::of(account.me().preferences);
     if (!sentence)
         return typed;
+    if (literally) {
+        typed.reading.description = *sentence;
+        typed.isLiteral = true;
+        return typed;
+    }
     const Tracker &tracker = account.tracker();
     const Catalog &catalog = tracker.catalog();
     const SentenceCatalog names(catalog.projects(), catalog.clients(), catalog.tags());
     const Instant now = AppClock::now();
-    typed.reading = EntrySentence::read(
-        *sentence, names, EntrySentence::Options::of(account.me().preferences), now, tracker.time());
+    typed.reading = EntrySentence::read(*sentence, names, typed.options, now, tracker.time());
     if (typed.reading.time)
         typed.span = EntrySentence::resolve(*typed.reading.time, typed.reading.day, now, tracker.time());
     return typed;
 }
 
+std::optional<std::string> TypedSentence::unreadTime(const UserTime &time) const
+{
+    const auto unread = isLiteral ? std::nullopt : UnreadTime::of(reading, options, AppClock::now(), time);
+    if (!unread)
+        return std::nullopt;
+    const std::string said = "\"" + printable(unread->text) + "\"";
+    if (unread->why == UnreadTime::Why::noRange)
+        return said + " is no time that an entry can have: it lasts no time at all, or more than 16 hours.";
+    return said + " was not read as a time, since \"" + printable(unread->mark) +
+           "\" stands behind it and names nothing here.";
+}
+
+bool TypedSentence::namesTime() const
+{
+    const auto isTime = [](const UnreadWords &words) { return words.kind != UnreadWords::Kind::day; };
+    return reading.time || (!isLiteral && std::ranges::any_of(UnreadWords::of(reading), isTime));
+}
+
+bool TypedSentence::saysNothing() const
+{
+    return !isLiteral && orvane::saysNothing(reading);
+}
+
 std::vector<std::string> TypedSentence::leftOut(const Catalog &catalog) const
 {
     std::vector<std::string> notes;
+    if (isLiteral)
+        return notes;
     for (const SentenceNote &note : SentenceNote::of(reading, catalog))
         notes.push_back(noteText(note));
     return notes;

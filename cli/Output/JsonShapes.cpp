@@ -112,6 +112,16 @@ struct JsonFields<shapes::FailedOutcome> {
                                                jsonField<"error">(&shapes::FailedOutcome::error)};
 };
 template <>
+struct JsonFields<shapes::LackingOutcome> {
+    static constexpr auto list = JsonFieldList{jsonField<"outcome">(&shapes::LackingOutcome::outcome),
+                                               jsonField<"queued">(&shapes::LackingOutcome::queued),
+                                               jsonField<"entry">(&shapes::LackingOutcome::entry),
+                                               jsonField<"message">(&shapes::LackingOutcome::message),
+                                               jsonField<"notes">(&shapes::LackingOutcome::notes),
+                                               jsonField<"error">(&shapes::LackingOutcome::error),
+                                               jsonField<"missing">(&shapes::LackingOutcome::missing)};
+};
+template <>
 struct JsonFields<shapes::QueuedChange> {
     static constexpr auto list = JsonFieldList{jsonField<"seq">(&shapes::QueuedChange::seq),
                                                jsonField<"change">(&shapes::QueuedChange::change),
@@ -128,6 +138,7 @@ ORVANE_JSON(shapes::Days)
 ORVANE_JSON(shapes::Outcome)
 ORVANE_JSON(shapes::Failure)
 ORVANE_JSON(shapes::FailedOutcome)
+ORVANE_JSON(shapes::LackingOutcome)
 ORVANE_JSON(std::vector<shapes::QueuedChange>)
 ORVANE_JSON(shapes::Version)
 ORVANE_JSON(shapes::Members)

@@ -114,7 +114,18 @@ struct FailedOutcome {
     std::optional<Entry> entry;
     std::optional<std::string> message;
     std::vector<std::string> notes = {};
+    Error error = {};
+};
+
+/// The failure of what the workspace wants more details for.
+struct LackingOutcome {
+    SaveOutcome outcome = SaveOutcome::needsDetails;
+    bool queued = false;
+    std::optional<Entry> entry;
+    std::optional<std::string> message;
+    std::vector<std::string> notes = {};
     Error error;
+    std::vector<std::string> missing; ///< by the names of an entry's members
 };
 
 struct QueuedChange {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Terminal/StandardStreams.h"
 
+#include <array>
 #include <atomic>
 #include <cerrno>
 #include <csignal>
@@ -105,6 +106,31 @@ void writeMessage(std::string_view text)
 std::string readInputLine()
 {
     return readLine(STDIN_FILENO);
+}
+
+std::vector<std::string> readInputLines()
+{
+    constexpr std::size_t most = std::size_t{1} << 20U;
+    std::string text;
+    std::array<char, 4096> part;
+    while (text.size() < most) {
+        const ssize_t got = ::read(STDIN_FILENO, part.data(), part.size());
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got <= 0)
+            break;
+        text.append(part.data(), static_cast<std::size_t>(got));
+    }
+    std::vector<std::string> lines;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = std::min(text.find('\n', at), text.size());
+        std::string line = text.substr(at, end - at);
+        if (line.ends_with('\r'))
+            line.pop_back();
+        lines.push_back(std::move(line));
+        at = end + 1;
+    }
+    return lines;
 }
 
 bool canAsk()

@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// The process's standard streams, written without buffers of the library in between, so that a failure is
 /// known.
@@ -21,6 +22,9 @@ void writeErrors(std::string_view text);
 
 /// The first line of standard input without its line break, at most 4096 bytes; what follows is not kept.
 std::string readInputLine();
+
+/// All lines of standard input without their line breaks, at most a mebibyte.
+std::vector<std::string> readInputLines();
 
 /// Whether somebody sits there and can be asked.
 bool canAsk();

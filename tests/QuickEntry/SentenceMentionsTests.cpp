@@ -175,11 +175,25 @@ TEST_F(SentenceMentionsTest, SaysWhichMentionsAreText)
               (std::vector<UnreadMention>{{"@nobody", unknown},
                                           {"@web", ambiguous},
                                           {"#call", ambiguous},
-                                          {"@web-shop", surplus},
+                                          {"@web-shop", secondProject},
                                           {"@design", surplus},
                                           {"#?", unknown},
                                           {"@\"No one\"", unknown}}));
     EXPECT_TRUE(read("@api me@web C# @ # x").unreadMentions.empty());
+}
+
+TEST_F(SentenceMentionsTest, TakesTheLongestRunOfWordsThatIsAName)
+{
+    addProject("app", "Mobile app");
+    addProject("apps", "Mobile app shop", {}, {{"fix", "Fix it"}});
+    addProject("web", "Web");
+    addProject("webs", "Web site");
+    tags = {{"deep", "w", "Deep work"}};
+    EXPECT_EQ(summary("@Mobile app fix"), "app/- - [] fix");
+    EXPECT_EQ(summary("@mobile APP shop, again #deep work"), "apps/- - [deep] again");
+    EXPECT_EQ(summary("@web site"), "web/- - [] site") << "one word that is a whole name is enough";
+    EXPECT_EQ(summary("@fix it"), "apps/fix - [] ");
+    EXPECT_EQ(summary("@Mobile @app"), "-/- - [] @Mobile @app") << "a run ends at the next mention";
 }
 
 TEST_F(SentenceMentionsTest, ListsItsChips)

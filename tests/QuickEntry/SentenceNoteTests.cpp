@@ -2,6 +2,7 @@
 #include "QuickEntry/SentenceNote.h"
 
 #include "QuickEntry/PalettePicks.h"
+#include "QuickEntry/UnreadTime.h"
 #include "Support/DateText.h"
 
 #include <gmock/gmock.h>
@@ -58,7 +59,7 @@ TEST_F(SaidSentence, IsNotedOnWhereItsEntryIsAnother)
     EXPECT_THAT(notes("Fix @nothing #nothing"), ElementsAre(SentenceNote{Kind::unknownName, "@nothing", ""},
                                                             SentenceNote{Kind::unknownTag, "#nothing", ""}));
     EXPECT_THAT(notes("Fix @web"), ElementsAre(SentenceNote{Kind::ambiguousName, "@web", ""}));
-    EXPECT_THAT(notes("Fix @website @wiki"), ElementsAre(SentenceNote{Kind::surplusName, "@wiki", ""}));
+    EXPECT_THAT(notes("Fix @website @wiki"), ElementsAre(SentenceNote{Kind::secondProject, "@wiki", ""}));
     EXPECT_THAT(notes("Fix 9-17"), ElementsAre(SentenceNote{Kind::bareHours, "9-17", "9:00-17:00"}));
     EXPECT_THAT(notes("Review #2"), IsEmpty()) << "an issue";
 }
@@ -92,6 +93,31 @@ TEST_F(SaidSentence, PicksByTheKeysOfThePalettesRows)
     EXPECT_THAT(picked.keys, SizeIs(4));
     for (const std::string &key : picked.keys)
         EXPECT_NE(std::ranges::find(items, key, &PaletteItem::key), items.end()) << key;
+}
+
+TEST_F(SaidSentence, IsNotRecordedWithoutItsTime)
+{
+    using Why = UnreadTime::Why;
+    const auto unread = [&](std::string_view sentence) {
+        return UnreadTime::of(read(sentence), {}, now, UserTime::utc());
+    };
+    EXPECT_EQ(unread("Fix 9-10:30 @nothing"), (UnreadTime{Why::behindIt, "9-10:30", "@nothing"}));
+    EXPECT_EQ(unread("Fix since yesterday 9:40 @no #no."),
+              (UnreadTime{Why::behindIt, "since yesterday 9:40", "@no"}));
+    EXPECT_EQ(unread("Review 45m #2"), (UnreadTime{Why::behindIt, "45m", "#2"}));
+    EXPECT_EQ(unread("Shift 10:00-3:00"), (UnreadTime{Why::noRange, "10:00-3:00", ""}));
+    EXPECT_EQ(unread("Shift from 9:00 to 9:00"), (UnreadTime{Why::noRange, "from 9:00 to 9:00", ""}));
+    EXPECT_EQ(unread("Fix @nothing 9-10:30"), std::nullopt) << "it is read";
+    EXPECT_EQ(unread("Chapters 3-4 @nothing"), std::nullopt);
+    EXPECT_EQ(unread("Fix 9:30 @nothing at last"), std::nullopt);
+}
+
+TEST_F(SaidSentence, SaysNothingWhenNoneOfItIsUnderstood)
+{
+    for (const char *line : {"@wbe", "#no, @wbe", "@wbe 9:30"})
+        EXPECT_TRUE(saysNothing(read(line))) << line;
+    for (const char *line : {"", "Fix @wbe", "@website", "9-10:30"})
+        EXPECT_FALSE(saysNothing(read(line))) << line;
 }
 
 } // namespace

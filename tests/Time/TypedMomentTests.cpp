@@ -27,7 +27,7 @@ TEST_F(TypedMomentTest, ReadsClocksAgesAndFullDates)
 {
     EXPECT_EQ(parse("930").value().clock, (ClockTime{9, 30}));
     EXPECT_EQ(parse(" 9:30PM ").value().clock, (ClockTime{21, 30}));
-    EXPECT_EQ(parse("Now").value(), (TypedMoment{.instant = at("2026-03-04T09:00:00Z")}));
+    EXPECT_EQ(parse("Now").value(), (TypedMoment{.instant = at("2026-03-04T09:00:00Z"), .isFromNow = true}));
     EXPECT_EQ(parse("2026-03-01 9:30").value().instant, at("2026-03-01T08:30:00Z")) << "in the user's zone";
     EXPECT_EQ(parse("2026-03-01t9:30 pm").value().instant, at("2026-03-01T20:30:00Z"));
     EXPECT_EQ(parse("2026-03-01T09:30:15.250z").value().instant, at("2026-03-01T09:30:15.250Z"));

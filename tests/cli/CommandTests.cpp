@@ -128,24 +128,30 @@ TEST_F(Command, SaysWhatItDidNotTakeForATimeADayOrAName)
     };
     const Names hours{
         "\"9-17\" was not read as a time, since it may be any two numbers; write 9:00-17:00 for one."};
-    const Names unknown{"No project, task or client matches \"@acme\", so it stays in the description."};
+    const Names unknown{
+        "No project, task or client is called \"@acme\", so it stays in the description. To make "
+        "a project: orvane projects add acme"};
     const Names several{
         "Several names match \"@web\", so it stays in the description; type more of the one you mean."};
     EXPECT_EQ(notes(done({"start", "work 9-17"})), hours);
     EXPECT_EQ(notes(done({"add", "call @acme 9-9:30"})), unknown);
-    EXPECT_EQ(notes(done({"add", "call tomorrow with #2 9-9:30"})),
+    EXPECT_EQ(notes(done({"add", "call tomorrow with #2 10-10:30"})),
               Names{"\"tomorrow\" was not read as a day."});
     const QJsonObject first = done({"add", "mail 15m"});
     EXPECT_EQ(notes(first), Names{});
     const QJsonObject edited = done({"edit", id(first[u"entry"].toObject()), "mail @web"});
     EXPECT_EQ(notes(edited), several);
     EXPECT_EQ(text(edited[u"entry"].toObject()[u"description"]), "mail @web");
+    setNow("2026-03-04T12:10:00Z");
     EXPECT_EQ(notes(done({"stop"})), Names{});
+    setNow("2026-03-04T12:20:00Z");
     EXPECT_EQ(notes(done({"continue"})), Names{});
+    setNow("2026-03-04T12:30:00Z");
 
     const QJsonObject parsed = done({"parse", "@acme, #2 C# #none"});
-    EXPECT_EQ(notes(parsed),
-              (Names{unknown.front(), "No tag matches \"#none\", so it stays in the description."}));
+    EXPECT_EQ(notes(parsed), (Names{unknown.front(),
+                                    "No tag is called \"#none\", so it stays in the description. To make it: "
+                                    "orvane tags add none"}));
     EXPECT_EQ(QJsonDocument(parsed[u"unknown"].toArray()).toJson(QJsonDocument::Compact).toStdString(),
               R"(["@acme","#2","#none"])");
 
@@ -234,7 +240,8 @@ TEST_F(Command, RecordsAndChangesEntries)
     EXPECT_TRUE(removed[u"entry"].isNull());
     EXPECT_EQ(done(with({"list"}))[u"days"].toArray()[0].toObject()[u"seconds"].toInteger(), 7200);
 
-    const QJsonObject night = entry(with({"start", "Deploy", "--start", "23:00", "--stop", "0:30"}));
+    const QJsonObject night =
+        entry(with({"start", "Deploy", "--start", "yesterday 23:00", "--stop", "0:30"}));
     EXPECT_EQ(text(night[u"start"]), "2026-03-03T23:00:00.000Z") << "a start with an end is a finished entry";
     const QJsonArray week = done(with({"list", "--week", "2026-03-04"}))[u"days"].toArray();
     ASSERT_EQ(week.size(), 7);

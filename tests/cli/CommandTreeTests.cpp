@@ -48,12 +48,12 @@ TEST(CommandTree, RefusesWhatItDoesNotUnderstand)
 {
     EXPECT_EQ(usageError({"--zone", "UTC", "fly", "high"}),
               "There is no command \"fly\". See: orvane --help");
-    EXPECT_EQ(usageError({"stop", "now"}), "orvane stop does not take \"now\". See: orvane stop --help");
+    EXPECT_EQ(usageError({"undo", "all"}), "orvane undo does not take \"all\". See: orvane undo --help");
     EXPECT_EQ(usageError({"list", "--wek", "today"}),
               "orvane list has no option \"--wek\". See: orvane list --help");
     EXPECT_EQ(usageError({"projects", "rename", "x"}),
               "orvane projects has no command \"rename\". See: orvane projects --help");
-    EXPECT_EQ(usageError({"stop", "[now]"}), "orvane stop does not take \"[now]\". See: orvane stop --help");
+    EXPECT_EQ(usageError({"undo", "[all]"}), "orvane undo does not take \"[all]\". See: orvane undo --help");
     EXPECT_EQ(usageError({"edit"}), "ID is required. See: orvane edit --help");
     EXPECT_THAT(usageError({"outbox", "keep-mine", "three"}), HasSubstr("SEQ"));
     EXPECT_NE(usageError({"start", "--billable", "--no-billable", "x"}), "");

@@ -34,7 +34,7 @@ void checkTimes(TypedMoment start, TypedMoment stop, const UserTime &time)
     ORVANE_REQUIRE(!stop.clock ||
                        time.timeOfDay(end) == time.timeOfDay(time.date(time.dayKey(end), *stop.clock)),
                    "another time of day");
-    if (const auto changed = EntryTimes{since, now}.changed(start, stop, time))
+    if (const auto changed = EntryTimes{since, now}.changed(start, stop, time, now))
         ORVANE_REQUIRE(changed->stop && *changed->stop > changed->start, "ends before it starts");
 }
 
