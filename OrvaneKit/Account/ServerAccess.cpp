@@ -8,7 +8,6 @@
 #include "LocalServer/LocalAccount.h"
 #include "LocalServer/LocalServerLink.h"
 #include "Session/MemoryTokenStore.h"
-#include "Session/TokenStoreChoice.h"
 #include "Time/SystemZone.h"
 
 #include <QCoreApplication>
@@ -138,7 +137,8 @@ Task<> ServerAccess::makeClient()
             *m_network, installation.hasOwnFolder() ? std::optional{installation.root()} : std::nullopt);
         options.tokenStore = std::move(choice.store);
         options.lockPath = installation.root() + "/session.lock";
-        m_tokenNotice = choice.warning.value_or("");
+        m_tokenPlace = choice.place;
+        m_tokenNotice = choice.notice.value_or("");
     }
     m_session = AuthSession::make(*m_network, transport, std::move(options));
     m_session->onSessionEnded(this, [this] { m_state.noteSessionEnd(); });

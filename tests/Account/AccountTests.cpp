@@ -2,6 +2,7 @@
 #include "Account/Account.h"
 
 #include "support/Await.h"
+#include "support/KernelKeys.h"
 #include "support/TokenServer.h"
 
 #include <QTemporaryDir>
@@ -24,6 +25,7 @@ protected:
             connection.answer(200, request.path == "/api/me" ? encodeJson(profile()) : "[]");
         });
     }
+    ~AccountTest() override { testing::forgetKernelKeys(folder.path().toStdString()); }
     static MeResponse profile()
     {
         MeResponse me;
@@ -109,10 +111,12 @@ TEST_F(AccountTest, LeavesASessionThatIsOver)
     const auto account = signIn();
     ASSERT_NE(account, nullptr);
     await(account->close());
-    // The token went with the process that had it.
+    testing::forgetKernelKeys(folder.path().toStdString());
+    server.revokeRefreshTokens();
     const auto opened = await(Account::open(access(), {.livesOn = false}));
     ASSERT_FALSE(opened);
     EXPECT_EQ(opened.error().kind, AccountError::Kind::signedOut);
+    EXPECT_EQ(opened.error().message, "Your session has ended. Please sign in again.");
     EXPECT_EQ(installation.currentServer(), server.url());
     EXPECT_TRUE(await(access()->signOut()));
     EXPECT_EQ(installation.currentServer(), std::nullopt);
