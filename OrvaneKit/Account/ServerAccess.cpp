@@ -125,6 +125,8 @@ Task<> ServerAccess::makeClient()
     connect(echo.get(), &ServerEcho::answered, &m_state, &AccountState::noteAnswer);
     connect(echo.get(), &ServerEcho::silent, &m_state,
             [this](const QString &reason) { m_state.noteSilence(reason.toStdString()); });
+    connect(echo.get(), &ServerEcho::turnedAway, &m_state,
+            [this](const QString &reason) { m_state.noteTurnedAway(reason.toStdString()); });
     transport = std::make_shared<ObservedTransport>(std::move(transport), echo);
     if (m_isAutomatic) {
         options.tokenStore = std::make_shared<MemoryTokenStore>();
