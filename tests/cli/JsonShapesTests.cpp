@@ -42,8 +42,7 @@ TEST(JsonShapes, WriteFailuresWithWhatTheServerSaid)
     EXPECT_EQ(shapes::text(shapes::Failure{shapes::error(CommandFailure::of(CallError(refused)))}),
               "{\"error\":{\"status\":422,\"type\":\"about:blank\",\"title\":\"Invalid\",\"detail\":\"Look "
               "again.\","
-              "\"fieldErrors\":{\"name\":[\"Too long.\"]},\"message\":\"" +
-                  refused.errorDescription() + "\"}}\n");
+              "\"fieldErrors\":{\"name\":[\"Too long.\"]},\"message\":\"Name: Too long.\"}}\n");
 }
 
 } // namespace
