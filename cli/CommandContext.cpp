@@ -82,6 +82,31 @@ Task<Result<Account *, CommandFailure>> CommandContext::openAccount()
     co_return co_await adopt(std::move(opened), false);
 }
 
+Task<Result<ServerResponse, CommandFailure>> CommandContext::meetServer(std::string address)
+{
+    m_options.server = std::move(address);
+    Patience patience(patienceLength);
+    m_progress.begin("Waiting for the server …");
+    const auto access = co_await findServer(patience, true);
+    if (!access) {
+        m_progress.finish();
+        co_return failure(CommandFailure::of(access.error()));
+    }
+    const bool isKept = (*access)->tokenPlace() != TokenPlace::memory;
+    const auto met = isKept ? co_await (*access)->session()->getServer() : CallResult<ServerResponse>();
+    patience.end();
+    (*access)->close();
+    co_await (*access)->settle();
+    m_progress.finish();
+    if (!isKept)
+        co_return failure(CommandFailure::of(
+            "A sign-in cannot be kept here: there is no keychain, and the kernel's keyring cannot be used "
+            "either, as in many containers. Nothing was sent."));
+    if (!met)
+        co_return failure(CommandFailure::of(met.error()));
+    co_return ServerResponse(*met);
+}
+
 Task<Result<Account *, CommandFailure>> CommandContext::signIn(SignIn way)
 {
     m_progress.begin("Signing in …");
@@ -108,9 +133,8 @@ Task<Result<Account *, CommandFailure>> CommandContext::adopt(Account::Opened op
     if (!opened) {
         m_openError = opened.error().kind;
         auto problem = CommandFailure::of(opened.error());
-        if (m_openError == AccountError::Kind::signedOut && !isSigningIn)
-            problem.message +=
-                " To sign in: orvane login. To go back to the account on this computer: orvane logout.";
+        if (!isSigningIn)
+            problem.message += wayBack();
         co_return failure(std::move(problem));
     }
     m_account = std::move(*opened);
@@ -123,11 +147,32 @@ Task<Result<Account *, CommandFailure>> CommandContext::adopt(Account::Opened op
         co_return failure(std::move(readable.error()));
     }
     co_await m_account->tracker().loadSnapshot();
-    for (const std::string &notice : {m_account->access().tokenNotice(), m_account->timeNotice()}) {
+    // Where a sign-in lies is told once; that it may be lost, as often as it is so.
+    const bool isTokenTold = isSigningIn || m_account->access().tokenPlace() == TokenPlace::silentKeychain;
+    for (const std::string &notice :
+         {isTokenTold ? m_account->access().tokenNotice() : std::string(), m_account->timeNotice()}) {
         if (!notice.empty())
             writeMessage(printable(notice));
     }
     co_return account();
+}
+
+/// How to get out of an account's not being open.
+std::string CommandContext::wayBack() const
+{
+    using Kind = AccountError::Kind;
+    const auto current = m_installation.currentServer();
+    const auto server = m_options.server ? m_options.server : current;
+    if (!server)
+        return {};
+    if (m_openError == Kind::unreachable)
+        return " The server is " + *server + ".";
+    if (m_openError != Kind::signedOut && m_openError != Kind::neverSignedIn)
+        return {};
+    const std::string named = m_options.server ? "--server " + *server + " " : "";
+    const std::string signIn =
+        " To sign in" + (named.empty() ? " at " + *server : "") + ": orvane " + named + "login.";
+    return signIn + (server == current ? " To go back to the account on this computer: orvane logout." : "");
 }
 
 /// The outbox takes a queue that cannot be read for an empty one, which would be told as "nothing waits".
@@ -209,6 +254,18 @@ Task<> CommandContext::showRefusals()
         writeMessage(describe(marked.error()));
 }
 
+/// Why changes are not sent: nothing where the server answers.
+std::string CommandContext::whyAway() const
+{
+    const AccountState &state = m_account->state();
+    if (state.isReachable())
+        return {};
+    std::string reason = state.isTurnedAway() ? state.reason() : "Offline";
+    if (reason.ends_with('.'))
+        reason.pop_back();
+    return reason;
+}
+
 void CommandContext::showQueue()
 {
     const EntryWriter writer(m_account->tracker(), TerminalStyle::of(STDERR_FILENO));
@@ -217,11 +274,13 @@ void CommandContext::showQueue()
     if (!m_unreadable.empty())
         writeMessage(
             unreadableMessage(static_cast<std::int64_t>(m_unreadable.size()), m_account->storePath()));
-    const std::string message = queueMessage(m_account->outbox(), m_account->isReachable());
+    const std::string message = queueMessage(m_account->outbox(), m_account->isReachable(), whyAway());
     if (!message.empty())
         writeMessage(message);
     else if (!m_account->isReachable())
-        writeMessage("Offline: the server cannot be reached; this is what was known last.");
+        writeMessage(whyAway() + (m_account->state().isTurnedAway()
+                                      ? "; this is what was known last."
+                                      : ": the server cannot be reached; this is what was known last."));
 }
 
 Task<bool> CommandContext::lookBeside()

@@ -4,6 +4,7 @@
 #include "CommandTree.h"
 #include "Commands/EntryAnswers.h"
 #include "Input/MomentText.h"
+#include "Output/AccountText.h"
 #include "Output/EntryText.h"
 #include "Output/JsonShapes.h"
 #include "Time/AppClock.h"
@@ -23,7 +24,8 @@ CommandTask status(Context context)
     Tracker &tracker = account.tracker();
     const auto today = tracker.days(tracker.time().today(), 1);
     if (!context->json())
-        co_return CommandAnswer{.output = EntryWriter(tracker, context->style()).status(today.front())};
+        co_return CommandAnswer{.output = accountLine(account, context->style()) +
+                                          EntryWriter(tracker, context->style()).status(today.front())};
     const WorkspaceSummary &workspace = tracker.workspace();
     const Catalog &catalog = tracker.catalog();
     co_return CommandAnswer{.output = shapes::text(shapes::Status{

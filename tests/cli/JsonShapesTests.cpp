@@ -15,7 +15,7 @@ TEST(JsonShapes, WriteEveryMemberInItsPlace)
               "{\"days\":[{\"day\":\"2026-03-01\",\"seconds\":90,\"entries\":[]}]}\n");
     EXPECT_EQ(shapes::text(shapes::SignIn{{}, {"http://127.0.0.1:1", true, false}}),
               "{\"account\":null,\"server\":{\"url\":\"http://"
-              "127.0.0.1:1\",\"local\":true,\"reachable\":false}}\n");
+              "127.0.0.1:1\",\"local\":true,\"reachable\":false},\"notes\":[]}\n");
     EXPECT_EQ(shapes::text(shapes::Status{{"u", false, true},
                                           {"1", "a@b", false},
                                           {"2", "W", WorkspaceRole::owner},
