@@ -15,6 +15,8 @@ namespace {
 /// How long a command waits for the server before it goes on without it; it is over within 3 s then.
 constexpr std::chrono::milliseconds patienceLength{2800};
 
+constexpr std::string_view offline = "Offline";
+
 } // namespace
 
 CommandContext::CommandContext(GlobalOptions options)
@@ -40,7 +42,9 @@ Task<Result<std::shared_ptr<ServerAccess>, AccountError>> CommandContext::findSe
                                                              .server = m_options.server,
                                                              .startsServer = m_options.startsServer,
                                                              .isForSignIn = isForSignIn});
-    const bool isKnown = access->isKnown();
+    // Who signs in has nothing to go on with: as for an account that is not known, finding the server does
+    // not count.
+    const bool isKnown = !isForSignIn && access->isKnown();
     if (isKnown)
         patience.begin(access);
     if (auto found = co_await access->find(); !found)
@@ -55,6 +59,7 @@ Task<Account::Opened> CommandContext::openWithin(Patience &patience, std::option
     auto access = co_await findServer(patience, way.has_value());
     if (!access)
         co_return failure(std::move(access.error()));
+    m_tokenPlace = (*access)->tokenPlace();
     Account::Options options{.workspace = m_options.workspace,
                              .zone = m_options.zone,
                              .livesOn = false,
@@ -134,7 +139,7 @@ Task<Result<Account *, CommandFailure>> CommandContext::adopt(Account::Opened op
         m_openError = opened.error().kind;
         auto problem = CommandFailure::of(opened.error());
         if (!isSigningIn)
-            problem.message += wayBack();
+            problem.message += wayBack(opened.error());
         co_return failure(std::move(problem));
     }
     m_account = std::move(*opened);
@@ -147,10 +152,8 @@ Task<Result<Account *, CommandFailure>> CommandContext::adopt(Account::Opened op
         co_return failure(std::move(readable.error()));
     }
     co_await m_account->tracker().loadSnapshot();
-    // Where a sign-in lies is told once; that it may be lost, as often as it is so.
-    const bool isTokenTold = isSigningIn || m_account->access().tokenPlace() == TokenPlace::silentKeychain;
-    for (const std::string &notice :
-         {isTokenTold ? m_account->access().tokenNotice() : std::string(), m_account->timeNotice()}) {
+    const std::string kept = isSigningIn ? m_account->access().tokenNotice() : "";
+    for (const std::string &notice : {kept, m_account->timeNotice()}) {
         if (!notice.empty())
             writeMessage(printable(notice));
     }
@@ -158,21 +161,25 @@ Task<Result<Account *, CommandFailure>> CommandContext::adopt(Account::Opened op
 }
 
 /// How to get out of an account's not being open.
-std::string CommandContext::wayBack() const
+std::string CommandContext::wayBack(const AccountError &error) const
 {
     using Kind = AccountError::Kind;
     const auto current = m_installation.currentServer();
     const auto server = m_options.server ? m_options.server : current;
     if (!server)
         return {};
-    if (m_openError == Kind::unreachable)
+    if (error.kind == Kind::unreachable)
         return " The server is " + *server + ".";
-    if (m_openError != Kind::signedOut && m_openError != Kind::neverSignedIn)
+    if (error.kind != Kind::signedOut && error.kind != Kind::neverSignedIn)
         return {};
+    // Nobody asked the server: no token was found, which may lie where this process cannot look.
+    const bool isUnseen =
+        m_tokenPlace != TokenPlace::keychain && error.error == CallError(sessionEndedError());
     const std::string named = m_options.server ? "--server " + *server + " " : "";
     const std::string signIn =
         " To sign in" + (named.empty() ? " at " + *server : "") + ": orvane " + named + "login.";
-    return signIn + (server == current ? " To go back to the account on this computer: orvane logout." : "");
+    return (isUnseen ? " A sign-in that lies in a keychain cannot be read here." : "") + signIn +
+           (server == current ? " To go back to the account on this computer: orvane logout." : "");
 }
 
 /// The outbox takes a queue that cannot be read for an empty one, which would be told as "nothing waits".
@@ -260,10 +267,10 @@ std::string CommandContext::whyAway() const
     const AccountState &state = m_account->state();
     if (state.isReachable())
         return {};
-    std::string reason = state.isTurnedAway() ? state.reason() : "Offline";
-    if (reason.ends_with('.'))
-        reason.pop_back();
-    return reason;
+    if (!state.isTurnedAway())
+        return m_tokenPlace == TokenPlace::silentKeychain ? "The keychain does not answer"
+                                                          : std::string(offline);
+    return state.reason().substr(0, state.reason().find_last_not_of('.') + 1);
 }
 
 void CommandContext::showQueue()
@@ -277,10 +284,10 @@ void CommandContext::showQueue()
     const std::string message = queueMessage(m_account->outbox(), m_account->isReachable(), whyAway());
     if (!message.empty())
         writeMessage(message);
-    else if (!m_account->isReachable())
-        writeMessage(whyAway() + (m_account->state().isTurnedAway()
-                                      ? "; this is what was known last."
-                                      : ": the server cannot be reached; this is what was known last."));
+    else if (whyAway() == offline)
+        writeMessage(std::string(offline) + ": the server cannot be reached; this is what was known last.");
+    else if (!whyAway().empty())
+        writeMessage(whyAway() + "; this is what was known last.");
 }
 
 Task<bool> CommandContext::lookBeside()

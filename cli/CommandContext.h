@@ -83,7 +83,7 @@ private:
     Task<Account::Opened> openWithin(Patience &patience, std::optional<SignIn> way);
     Task<Result<std::shared_ptr<ServerAccess>, AccountError>> findServer(Patience &patience,
                                                                          bool isForSignIn);
-    std::string wayBack() const;
+    std::string wayBack(const AccountError &error) const;
     Task<Result<Account *, CommandFailure>> adopt(Account::Opened opened, bool isSigningIn);
     Task<Result<void, CommandFailure>> checkQueue();
     Task<> sendQueue(bool restartsPatience);
@@ -100,6 +100,7 @@ private:
     Patience m_patience;
     std::unique_ptr<Account> m_account;
     std::optional<AccountError::Kind> m_openError;
+    TokenPlace m_tokenPlace = TokenPlace::keychain;
     std::vector<std::int64_t> m_unreadable;
     std::vector<std::string> m_besides;
 };

@@ -33,6 +33,9 @@ QString canonicalPath(const QString &folder)
     }
 }
 
+constexpr std::string_view inKeyring =
+    "The sign-in lies in the kernel's keyring, at most until this computer restarts.";
+
 /// Silence is no answer to keep: the next one who asks may get one.
 Task<Keychain::Health> keychainHealth()
 {
@@ -62,8 +65,7 @@ Task<TokenStoreChoice> makeTokenStore(NetworkThread &thread, std::optional<std::
     std::shared_ptr<TokenStore> keyring = makeKernelKeyring(service.toStdString());
     if (health == Keychain::Health::fails && keyring)
         co_return TokenStoreChoice{std::move(keyring), TokenPlace::kernelKeyring,
-                                   "There is no keychain here. The sign-in lies in the kernel's keyring, at "
-                                   "most until this computer restarts."};
+                                   "No keychain can be used here. " + std::string(inKeyring)};
     if (health == Keychain::Health::fails)
         co_return TokenStoreChoice{
             std::make_shared<MemoryTokenStore>(), TokenPlace::memory,
@@ -73,7 +75,8 @@ Task<TokenStoreChoice> makeTokenStore(NetworkThread &thread, std::optional<std::
     // It holds what was signed in to before; another place would know nothing of that.
     if (health == Keychain::Health::silent) {
         choice.place = TokenPlace::silentKeychain;
-        choice.notice = "The keychain does not answer. A sign-in made now may not be kept.";
+        choice.notice = "The keychain does not answer. " +
+                        std::string(keyring ? inKeyring : "A sign-in made now may not be kept.");
     }
     if (keyring)
         choice.store = std::make_shared<SparedKeychain>(keychain, std::move(keyring));

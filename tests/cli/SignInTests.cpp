@@ -57,9 +57,11 @@ TEST_F(SignInCommand, LastsFromOneSessionOfSshToTheNext)
 
     // The restart that ends it at the latest.
     orvane::testing::forgetKernelKeys(installation.folder());
-    EXPECT_EQ(text(failed(1, {"status"})[u"message"]),
-              "Your session has ended. Please sign in again. To sign in at " + url +
-                  ": orvane login. To go back to the account on this computer: orvane logout.");
+    EXPECT_EQ(
+        text(failed(1, {"status"})[u"message"]),
+        "Your session has ended. Please sign in again. A sign-in that lies in a keychain cannot be read "
+        "here. To sign in at " +
+            url + ": orvane login. To go back to the account on this computer: orvane logout.");
     EXPECT_TRUE(done({"logout"})[u"account"].isNull());
     EXPECT_TRUE(account({"status"})[u"automatic"].toBool());
 }

@@ -111,6 +111,20 @@ TEST_F(SignedInCommand, SaysThatTheServerIsBusyAndNotThatItIsAway)
     EXPECT_THAT(said("status"), HasSubstr("Offline: 1 change is waiting"));
 }
 
+TEST_F(SignedInCommand, DoesNotTakeAKeychainThatHangsForOneThatIsMissing)
+{
+    signIn();
+    const CommandRun hanging = inSession(
+        "keyring=$(dbus-send --session --print-reply=literal --dest=org.freedesktop.DBus / "
+        "org.freedesktop.DBus.GetConnectionUnixProcessID string:org.freedesktop.secrets | sed 's/.*uint32 "
+        "*//')\n"
+        "kill -STOP $keyring\n" +
+        builtProgram("orvane") + " --data-dir " + installation.folder() + " status\nkill -CONT $keyring\n");
+    EXPECT_THAT(hanging.output, HasSubstr("ada@example.com at " + proxy.url())) << hanging.all();
+    EXPECT_THAT(hanging.errors, HasSubstr("The keychain does not answer; this is what was known last."));
+    EXPECT_TRUE(isReachable(run("status").object())) << "nothing was lost";
+}
+
 TEST_F(SignedInCommand, MovesIntoTheKeychainWhenThereIsOne)
 {
     if (!orvane::testing::hasKernelKeyring())
