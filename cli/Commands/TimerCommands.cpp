@@ -67,6 +67,14 @@ Result<Instant, CommandFailure> endOf(const std::optional<std::string> &at, cons
                                  AppClock::now());
 }
 
+/// What an end is to be after.
+std::string beganText(Instant start, const UserTime &time)
+{
+    const DayKey day = time.dayKey(start);
+    return "The timer began at " + time.clockLabel(start) +
+           (day == time.today() ? "." : ", " + time.dayLabel(day) + ".");
+}
+
 CommandTask stop(Context context, std::optional<std::string> at)
 {
     const auto opened = co_await context->openAccount();
@@ -85,7 +93,10 @@ CommandTask stop(Context context, std::optional<std::string> at)
     if (moment.kind == ActionMoment::Kind::ahead && (!at || *end < moment.at))
         co_return refusalAhead(*context, "That is before the timer's start.");
     const std::optional<TimeEntryResponse> before = tracker.running();
-    co_return answerTo(*context, co_await tracker.stop(*end), "Stopped", before);
+    SaveResult result = co_await tracker.stop(*end);
+    if (result.outcome == SaveOutcome::rejected && before && *end < before->start)
+        result.message += " " + beganText(before->start, tracker.time());
+    co_return answerTo(*context, result, "Stopped", before);
 }
 
 CommandTask continueLast(Context context)
