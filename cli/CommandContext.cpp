@@ -15,6 +15,8 @@ namespace {
 /// How long a command waits for the server before it goes on without it; it is over within 3 s then.
 constexpr std::chrono::milliseconds patienceLength{2800};
 
+constexpr std::string_view offline = "Offline";
+
 } // namespace
 
 CommandContext::CommandContext(GlobalOptions options)
@@ -40,7 +42,9 @@ Task<Result<std::shared_ptr<ServerAccess>, AccountError>> CommandContext::findSe
                                                              .server = m_options.server,
                                                              .startsServer = m_options.startsServer,
                                                              .isForSignIn = isForSignIn});
-    const bool isKnown = access->isKnown();
+    // Who signs in has nothing to go on with: as for an account that is not known, finding the server does
+    // not count.
+    const bool isKnown = !isForSignIn && access->isKnown();
     if (isKnown)
         patience.begin(access);
     if (auto found = co_await access->find(); !found)
@@ -55,6 +59,7 @@ Task<Account::Opened> CommandContext::openWithin(Patience &patience, std::option
     auto access = co_await findServer(patience, way.has_value());
     if (!access)
         co_return failure(std::move(access.error()));
+    m_tokenPlace = (*access)->tokenPlace();
     Account::Options options{.workspace = m_options.workspace,
                              .zone = m_options.zone,
                              .livesOn = false,
@@ -80,6 +85,31 @@ Task<Result<Account *, CommandFailure>> CommandContext::openAccount()
     auto opened = co_await openWithin(m_patience, std::nullopt);
     m_progress.finish();
     co_return co_await adopt(std::move(opened), false);
+}
+
+Task<Result<ServerResponse, CommandFailure>> CommandContext::meetServer(std::string address)
+{
+    m_options.server = std::move(address);
+    Patience patience(patienceLength);
+    m_progress.begin("Waiting for the server …");
+    const auto access = co_await findServer(patience, true);
+    if (!access) {
+        m_progress.finish();
+        co_return failure(CommandFailure::of(access.error()));
+    }
+    const bool isKept = (*access)->tokenPlace() != TokenPlace::memory;
+    const auto met = isKept ? co_await (*access)->session()->getServer() : CallResult<ServerResponse>();
+    patience.end();
+    (*access)->close();
+    co_await (*access)->settle();
+    m_progress.finish();
+    if (!isKept)
+        co_return failure(CommandFailure::of(
+            "A sign-in cannot be kept here: there is no keychain, and the kernel's keyring cannot be used "
+            "either, as in many containers. Nothing was sent."));
+    if (!met)
+        co_return failure(CommandFailure::of(met.error()));
+    co_return ServerResponse(*met);
 }
 
 Task<Result<Account *, CommandFailure>> CommandContext::signIn(SignIn way)
@@ -108,9 +138,8 @@ Task<Result<Account *, CommandFailure>> CommandContext::adopt(Account::Opened op
     if (!opened) {
         m_openError = opened.error().kind;
         auto problem = CommandFailure::of(opened.error());
-        if (m_openError == AccountError::Kind::signedOut && !isSigningIn)
-            problem.message +=
-                " To sign in: orvane login. To go back to the account on this computer: orvane logout.";
+        if (!isSigningIn)
+            problem.message += wayBack(opened.error());
         co_return failure(std::move(problem));
     }
     m_account = std::move(*opened);
@@ -123,11 +152,34 @@ Task<Result<Account *, CommandFailure>> CommandContext::adopt(Account::Opened op
         co_return failure(std::move(readable.error()));
     }
     co_await m_account->tracker().loadSnapshot();
-    for (const std::string &notice : {m_account->access().tokenNotice(), m_account->timeNotice()}) {
+    const std::string kept = isSigningIn ? m_account->access().tokenNotice() : "";
+    for (const std::string &notice : {kept, m_account->timeNotice()}) {
         if (!notice.empty())
             writeMessage(printable(notice));
     }
     co_return account();
+}
+
+/// How to get out of an account's not being open.
+std::string CommandContext::wayBack(const AccountError &error) const
+{
+    using Kind = AccountError::Kind;
+    const auto current = m_installation.currentServer();
+    const auto server = m_options.server ? m_options.server : current;
+    if (!server)
+        return {};
+    if (error.kind == Kind::unreachable)
+        return " The server is " + *server + ".";
+    if (error.kind != Kind::signedOut && error.kind != Kind::neverSignedIn)
+        return {};
+    // Nobody asked the server: no token was found, which may lie where this process cannot look.
+    const bool isUnseen =
+        m_tokenPlace != TokenPlace::keychain && error.error == CallError(sessionEndedError());
+    const std::string named = m_options.server ? "--server " + *server + " " : "";
+    const std::string signIn =
+        " To sign in" + (named.empty() ? " at " + *server : "") + ": orvane " + named + "login.";
+    return (isUnseen ? " A sign-in that lies in a keychain cannot be read here." : "") + signIn +
+           (server == current ? " To go back to the account on this computer: orvane logout." : "");
 }
 
 /// The outbox takes a queue that cannot be read for an empty one, which would be told as "nothing waits".
@@ -209,6 +261,18 @@ Task<> CommandContext::showRefusals()
         writeMessage(describe(marked.error()));
 }
 
+/// Why changes are not sent: nothing where the server answers.
+std::string CommandContext::whyAway() const
+{
+    const AccountState &state = m_account->state();
+    if (state.isReachable())
+        return {};
+    if (!state.isTurnedAway())
+        return m_tokenPlace == TokenPlace::silentKeychain ? "The keychain does not answer"
+                                                          : std::string(offline);
+    return state.reason().substr(0, state.reason().find_last_not_of('.') + 1);
+}
+
 void CommandContext::showQueue()
 {
     const EntryWriter writer(m_account->tracker(), TerminalStyle::of(STDERR_FILENO));
@@ -217,11 +281,13 @@ void CommandContext::showQueue()
     if (!m_unreadable.empty())
         writeMessage(
             unreadableMessage(static_cast<std::int64_t>(m_unreadable.size()), m_account->storePath()));
-    const std::string message = queueMessage(m_account->outbox(), m_account->isReachable());
+    const std::string message = queueMessage(m_account->outbox(), m_account->isReachable(), whyAway());
     if (!message.empty())
         writeMessage(message);
-    else if (!m_account->isReachable())
-        writeMessage("Offline: the server cannot be reached; this is what was known last.");
+    else if (whyAway() == offline)
+        writeMessage(std::string(offline) + ": the server cannot be reached; this is what was known last.");
+    else if (!whyAway().empty())
+        writeMessage(whyAway() + "; this is what was known last.");
 }
 
 Task<bool> CommandContext::lookBeside()

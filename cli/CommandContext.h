@@ -47,6 +47,9 @@ public:
 
     /// The signed-in account with its snapshot read; the same one at each call. The account stays owned here.
     Task<Result<Account *, CommandFailure>> openAccount();
+    /// Looks whether somebody can sign in at that server, before they are asked for anything. From here on it
+    /// is the server of this command.
+    Task<Result<ServerResponse, CommandFailure>> meetServer(std::string address);
     Task<Result<Account *, CommandFailure>> signIn(SignIn way);
     /// Another one, for what is not to show or change anything of the command's; `patience` outlives the
     /// call.
@@ -80,10 +83,12 @@ private:
     Task<Account::Opened> openWithin(Patience &patience, std::optional<SignIn> way);
     Task<Result<std::shared_ptr<ServerAccess>, AccountError>> findServer(Patience &patience,
                                                                          bool isForSignIn);
+    std::string wayBack(const AccountError &error) const;
     Task<Result<Account *, CommandFailure>> adopt(Account::Opened opened, bool isSigningIn);
     Task<Result<void, CommandFailure>> checkQueue();
     Task<> sendQueue(bool restartsPatience);
     Task<> showRefusals();
+    std::string whyAway() const;
     void showQueue();
 
     /// The first member: from here on the clock stands still.
@@ -95,6 +100,7 @@ private:
     Patience m_patience;
     std::unique_ptr<Account> m_account;
     std::optional<AccountError::Kind> m_openError;
+    TokenPlace m_tokenPlace = TokenPlace::keychain;
     std::vector<std::int64_t> m_unreadable;
     std::vector<std::string> m_besides;
 };

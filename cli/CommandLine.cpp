@@ -164,6 +164,8 @@ int run(const std::vector<std::string> &arguments, int argc, char **argv)
         return end(failure(clock.error()));
     if (tree.action().plain)
         return end(tree.action().plain(tree));
+    if (const auto place = tree.checkPlace(); !place)
+        return end(failure(place.error()));
     return runWithEventLoop(tree, argc, argv);
 }
 

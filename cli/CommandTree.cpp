@@ -2,14 +2,16 @@
 #include "CommandTree.h"
 
 #include "HelpText.h"
+#include "Input/NearestName.h"
+#include "Input/ServerAddress.h"
 #include "QuickEntry/FoldedText.h"
 #include "Support/Require.h"
 #include "Terminal/TextWidth.h"
 #include "Time/UserTime.h"
 
 #include <QFileInfo>
-#include <QUrl>
 #include <algorithm>
+#include <iterator>
 
 namespace orvane {
 
@@ -85,8 +87,22 @@ std::string messageOf(const CLI::ParseError &error)
     return text + (text.ends_with('.') ? "" : ".");
 }
 
+/// The option that was probably meant, of the command's own and those of every command.
+std::string nearOption(const std::string &typed, const CLI::App *command, const CLI::App &root)
+{
+    std::vector<std::string> names;
+    for (const CLI::App *app : {command, &root}) {
+        for (const CLI::Option *option : app->get_options())
+            std::ranges::copy(option->get_lnames(), std::back_inserter(names));
+    }
+    const std::size_t begin = std::min(typed.find_first_not_of('-'), typed.size());
+    const auto name = nearestName(typed.substr(begin, typed.find('=') - begin), names);
+    return name ? " Did you mean \"--" + *name + "\"?" : std::string();
+}
+
 /// Of several words too many, an option is named: the others may have been meant as its value.
-std::string extraMessage(const std::vector<std::string> &extras, const CLI::App *command)
+std::string extraMessage(const std::vector<std::string> &extras, const CLI::App *command,
+                         const CLI::App &root)
 {
     const auto option =
         std::ranges::find_if(extras, [](const std::string &text) { return text.starts_with('-'); });
@@ -94,24 +110,12 @@ std::string extraMessage(const std::vector<std::string> &extras, const CLI::App 
     const std::string what = extras.empty() ? "" : printable(unmarked(isOption ? *option : extras.front()));
     const std::string call = commandLine(command);
     if (isOption)
-        return call + " has no option \"" + what + "\".";
-    if (command->get_parent() == nullptr)
-        return "There is no command \"" + what + "\".";
-    return CommandTree::commandsOf(command).empty() ? call + " does not take \"" + what + "\"."
-                                                    : call + " has no command \"" + what + "\".";
-}
-
-Result<std::string, CommandFailure> checkedAddress(const std::string &text)
-{
-    const QUrl url(QString::fromStdString(text), QUrl::StrictMode);
-    const bool isHttp = url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https");
-    if (!url.isValid() || !isHttp || url.host().isEmpty() || url.hasQuery() || url.hasFragment())
-        return failure(CommandFailure::usage(
-            "--server wants an address such as https://time.example.com, not \"" + printable(text) + "\"."));
-    std::string address = text;
-    while (address.ends_with('/'))
-        address.pop_back();
-    return address;
+        return call + " has no option \"" + what + "\"." + nearOption(what, command, root);
+    const std::string near = didYouMean(what, CommandTree::namesBelow(command));
+    if (command == &root)
+        return "There is no command \"" + what + "\"." + near;
+    return call + (CommandTree::commandsOf(command).empty() ? " does not take \"" : " has no command \"") +
+           what + "\"." + near;
 }
 
 std::optional<CommandFailure> folderProblem(const char *option, const std::optional<std::string> &folder)
@@ -299,8 +303,8 @@ Result<std::monostate, CommandFailure> CommandTree::parse(std::vector<std::strin
             return std::monostate();
         const CLI::App *command = chosen();
         const bool isExtra = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError);
-        const std::string message =
-            isExtra ? extraMessage(m_root->remaining(true), command) : withoutMarks(messageOf(error));
+        const std::string message = isExtra ? extraMessage(m_root->remaining(true), command, *m_root)
+                                            : withoutMarks(messageOf(error));
         return failure(CommandFailure::usage(message + " See: " + commandLine(command) + " --help"));
     }
     if (m_wantsHelp || m_wantsVersion)
@@ -311,9 +315,9 @@ Result<std::monostate, CommandFailure> CommandTree::parse(std::vector<std::strin
 Result<std::monostate, CommandFailure> CommandTree::checkGlobalOptions()
 {
     if (m_options.server) {
-        auto address = checkedAddress(*m_options.server);
+        auto address = serverAddress(*m_options.server);
         if (!address)
-            return failure(address.error());
+            return failure(CommandFailure::usage("--server " + address.error()));
         m_options.server = *address;
     }
     if (m_options.zone && !UserTime::make(*m_options.zone))
@@ -329,6 +333,15 @@ Result<std::monostate, CommandFailure> CommandTree::checkGlobalOptions()
     m_options.dataFolder = m_dataFolder.value_or("");
     m_options.homeFolder = m_homeFolder.value_or("");
     m_options.fixturesFolder = m_fixturesFolder.value_or("");
+    return std::monostate();
+}
+
+Result<std::monostate, CommandFailure> CommandTree::checkPlace() const
+{
+    if (m_options.dataFolder.empty() && !Installation::hasUsualPlace())
+        return failure(
+            CommandFailure::of("There is no home folder to keep your time in: HOME is not set. Name a "
+                               "folder with --data-dir DIR."));
     return std::monostate();
 }
 
@@ -349,12 +362,22 @@ const CommandTree::Action &CommandTree::action() const
 
 std::string CommandTree::help() const
 {
-    return m_root->get_formatter()->make_help(chosen(), {}, CLI::AppFormatMode::Normal);
+    return helpOf(chosen(), m_options.json);
 }
 
 std::vector<const CLI::App *> CommandTree::commandsOf(const CLI::App *parent)
 {
     return parent->get_subcommands([](const CLI::App *) { return true; });
+}
+
+std::vector<std::string> CommandTree::namesBelow(const CLI::App *parent)
+{
+    std::vector<std::string> names;
+    for (const CLI::App *command : commandsOf(parent)) {
+        if (!command->get_group().empty())
+            names.push_back(command->get_name());
+    }
+    return names;
 }
 
 } // namespace orvane

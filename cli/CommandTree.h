@@ -86,13 +86,17 @@ public:
     /// The command that was parsed last, the root when none was named.
     const CLI::App *chosen() const;
     const Action &action() const;
-    /// The help of the command that was parsed last.
+    /// The help of the command that was parsed last, in the form that was asked for.
     std::string help() const;
+    /// Refuses where nothing says in which folder to keep things: better none than a place of chance.
+    Result<std::monostate, CommandFailure> checkPlace() const;
     bool wantsHelp() const { return m_wantsHelp; }
     bool wantsVersion() const { return m_wantsVersion; }
 
     /// Every command's options, verbs and groups in order; skips what is hidden.
     static std::vector<const CLI::App *> commandsOf(const CLI::App *parent);
+    /// What a person may type behind it.
+    static std::vector<std::string> namesBelow(const CLI::App *parent);
 
 private:
     void addGlobalOptions();

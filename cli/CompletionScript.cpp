@@ -63,11 +63,13 @@ std::vector<const Node *> allNodes(const Node &root)
     return nodes;
 }
 
-/// In single quotes, for any of the shells; a quote inside would end them.
-std::string quoted(std::string text)
+/// In single quotes, for any of the shells; a quote inside stands between two such texts.
+std::string inQuotes(std::string_view text)
 {
-    std::erase(text, '\'');
-    return "'" + text + "'";
+    std::string out = "'";
+    for (const char c : text)
+        out += c == '\'' ? "'\\''" : std::string(1, c);
+    return out + "'";
 }
 
 std::string wordsOf(const Node &node, const Node &root)
@@ -115,7 +117,7 @@ std::string sentencePaths(const Node &root, std::string_view separator)
     std::string out;
     for (const Node *node : allNodes(root)) {
         if (node->takesSentence)
-            out += (out.empty() ? "" : std::string(separator)) + quoted(node->path);
+            out += (out.empty() ? "" : std::string(separator)) + inQuotes(node->path);
     }
     return out;
 }
@@ -143,9 +145,9 @@ std::string bashScript(const Node &root)
     std::string cases;
     std::string steps;
     for (const Node *node : allNodes(root)) {
-        cases += "        " + quoted(node->path) + ") words=" + quoted(wordsOf(*node, root)) + " ;;\n";
+        cases += "        " + inQuotes(node->path) + ") words=" + inQuotes(wordsOf(*node, root)) + " ;;\n";
         for (const Node &child : node->children)
-            steps += (steps.empty() ? "" : "|") + quoted(node->path + "/" + child.name());
+            steps += (steps.empty() ? "" : "|") + inQuotes(node->path + "/" + child.name());
     }
     return "# Completions of orvane for bash; made by orvane completion bash.\n"
            "_orvane() {\n"
@@ -185,9 +187,8 @@ std::string bashScript(const Node &root)
 }
 
 /// A description inside a zsh specification, where brackets and colons have meanings.
-std::string zshText(std::string text)
+std::string zshText(std::string_view text)
 {
-    std::erase(text, '\'');
     std::string out;
     for (const char c : text) {
         if (c == ':' || c == '[' || c == ']' || c == '\\')
@@ -201,10 +202,11 @@ std::string zshOptions(const std::vector<OptionWords> &options)
 {
     std::string out;
     for (const OptionWords &option : options) {
-        out += " '" + option.name + (option.takesValue ? "=[" : "[") + zshText(option.description) + "]";
+        std::string argument =
+            option.name + (option.takesValue ? "=[" : "[") + zshText(option.description) + "]";
         if (option.takesValue)
-            out += option.wantsFolder ? ":folder:_files -/" : ":value:";
-        out += "'";
+            argument += option.wantsFolder ? ":folder:_files -/" : ":value:";
+        out += " " + inQuotes(argument);
     }
     return out;
 }
@@ -224,7 +226,7 @@ std::string zshFunction(const Node &node)
     std::string described;
     std::string cases;
     for (const Node &child : node.children) {
-        described += " '" + zshText(child.name()) + ":" + zshText(child.description) + "'";
+        described += " " + inQuotes(zshText(child.name()) + ":" + zshText(child.description));
         std::string function = "_orvane_" + child.path;
         std::ranges::replace(function, ' ', '_');
         cases += "            " + child.name() + ") " + function + " ;;\n";
@@ -267,11 +269,11 @@ std::string fishOption(const OptionWords &option, const std::string &condition)
 {
     std::string line = "complete -c orvane";
     if (!condition.empty())
-        line += " -n " + quoted(condition);
+        line += " -n " + inQuotes(condition);
     line += option.name.starts_with("--") ? " -l " + option.name.substr(2) : " -s " + option.name.substr(1);
     if (option.takesValue)
         line += option.wantsFolder ? " -x -a '(__fish_complete_directories)'" : " -x";
-    return line + " -d " + quoted(option.description) + "\n";
+    return line + " -d " + inQuotes(option.description) + "\n";
 }
 
 std::string fishScript(const Node &root)
@@ -293,7 +295,7 @@ std::string fishScript(const Node &root)
                       "        else if contains -- \"$path/$word\"";
     for (const Node *node : allNodes(root)) {
         for (const Node &child : node->children)
-            out += " " + quoted(node->path + "/" + child.name());
+            out += " " + inQuotes(node->path + "/" + child.name());
     }
     out += "\n"
            "            set path (string trim -- \"$path $word\")\n"
@@ -307,10 +309,10 @@ std::string fishScript(const Node &root)
     for (const Node *node : allNodes(root)) {
         const std::string condition = "__orvane_at " + node->path;
         for (const Node &child : node->children)
-            out += "complete -c orvane -n " + quoted(condition) + " -a " + child.name() + " -d " +
-                   quoted(child.description) + "\n";
+            out += "complete -c orvane -n " + inQuotes(condition) + " -a " + child.name() + " -d " +
+                   inQuotes(child.description) + "\n";
         if (node->takesSentence)
-            out += "complete -c orvane -n " + quoted(condition) +
+            out += "complete -c orvane -n " + inQuotes(condition) +
                    " -a '(orvane complete-word --shell fish -- (commandline -cp | string collect) "
                    "2>/dev/null)'\n";
         if (node == &root)

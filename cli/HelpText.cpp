@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "HelpText.h"
 
+#include "Output/HelpShapes.h"
 #include "Terminal/TerminalStyle.h"
 #include "Terminal/TextWidth.h"
 
 #include <algorithm>
+#include <optional>
 #include <unistd.h>
 #include <vector>
 
@@ -80,7 +82,7 @@ Item itemOf(const CLI::Option *option)
 
 std::string usage(const CLI::App *command)
 {
-    std::string out = "Usage: " + callOf(command);
+    std::string out = callOf(command);
     const bool isRoot = command->get_parent() == nullptr;
     if (isRoot || !optionsOf(command, false).empty())
         out += " [OPTIONS]";
@@ -92,7 +94,7 @@ std::string usage(const CLI::App *command)
     }
     if (!commandsOf(command).empty())
         out += " [COMMAND]";
-    return out + "\n";
+    return out;
 }
 
 std::string commandSections(const CLI::App *command, std::size_t width)
@@ -127,7 +129,36 @@ std::vector<Item> items(const std::vector<const CLI::Option *> &options)
     return list;
 }
 
+std::optional<std::string> valueOf(const CLI::Option *option)
+{
+    return option->get_expected_max() > 0 ? std::optional(option->get_type_name()) : std::nullopt;
+}
+
+std::string jsonHelp(const CLI::App *command)
+{
+    shapes::Help help{command->get_name(), command->get_description(), usage(command), {}, {}, {}, {}};
+    if (!command->get_footer().empty())
+        help.more = command->get_footer();
+    for (const CLI::Option *argument : optionsOf(command, true))
+        help.arguments.push_back({argument->get_name(true), argument->get_description(),
+                                  argument->get_required(), argument->get_expected_max() > 1});
+    for (const CLI::Option *option : optionsOf(command, false)) {
+        const auto shortNames = option->get_snames();
+        help.options.push_back({"--" + option->get_lnames().front(),
+                                shortNames.empty() ? std::nullopt : std::optional("-" + shortNames.front()),
+                                valueOf(option), option->get_description()});
+    }
+    for (const CLI::App *sub : commandsOf(command))
+        help.commands.push_back({jsonHelp(sub)});
+    return encodeJson(help, JsonStyle{.writeNulls = true});
+}
+
 } // namespace
+
+std::string helpOf(const CLI::App *command, bool json)
+{
+    return json ? jsonHelp(command) + "\n" : HelpText().make_help(command, {}, CLI::AppFormatMode::Normal);
+}
 
 std::string callOf(const CLI::App *command)
 {
@@ -142,7 +173,7 @@ std::string HelpText::make_help(const CLI::App *command, std::string, CLI::AppFo
     const int columns = TerminalStyle::of(STDOUT_FILENO).width;
     const std::size_t width = columns > 0 ? static_cast<std::size_t>(std::clamp(columns, 40, 100)) : 100;
     const bool isRoot = command->get_parent() == nullptr;
-    std::string out = wrapped(command->get_description(), 0, width) + "\n\n" + usage(command);
+    std::string out = wrapped(command->get_description(), 0, width) + "\n\nUsage: " + usage(command) + "\n";
     out += section("Arguments", items(optionsOf(command, true)), width);
     out += commandSections(command, width);
     out += section(isRoot ? "Options of every command" : "Options", items(optionsOf(command, false)), width);

@@ -15,6 +15,11 @@ public:
     std::string make_help(const CLI::App *command, std::string name, CLI::AppFormatMode mode) const override;
 };
 
+/// The same for people or, with `json`, for programs: `{name, summary, usage, more, arguments, options,
+/// commands}`. An argument is `{name, help, required, repeats}`, an option `{name, short, value, help}` with
+/// `short` and `value` null where it has none; `commands` are of the same shape as the whole.
+std::string helpOf(const CLI::App *command, bool json);
+
 /// How a command is called: "orvane projects".
 std::string callOf(const CLI::App *command);
 

@@ -45,7 +45,8 @@ Task<Account::Opened> Account::opened(std::unique_ptr<Account> account, Result<v
             account->liveOn();
         co_return std::move(account);
     }
-    if (how.error().kind == AccountError::Kind::signedOut &&
+    const auto kind = how.error().kind;
+    if ((kind == AccountError::Kind::signedOut || kind == AccountError::Kind::neverSignedIn) &&
         account->state().kind() == AccountState::Kind::opening)
         account->state().noteSignedOut();
     co_await account->close();
@@ -58,6 +59,9 @@ Task<Account::Opened> Account::opened(std::unique_ptr<Account> account, Result<v
 Task<Result<void, AccountError>> Account::openKnown()
 {
     const auto known = m_access->installation().account(server());
+    if (!known && !isAutomatic() && !co_await m_access->session()->hasCredentials())
+        co_return failure(
+            AccountError{AccountError::Kind::neverSignedIn, "You are not signed in at " + server() + "."});
     if (!known && !isReachable())
         co_return failure(AccountError{AccountError::Kind::unreachable, state().reason()});
     // The file and the server are asked at the same time: the account is nearly always the one it was.

@@ -11,8 +11,10 @@ namespace orvane {
 /// Why an account could not be opened, signed in to or left.
 struct AccountError {
     enum class Kind {
-        /// Nobody is signed in to this server; the user has to sign in.
+        /// The session has ended; the user has to sign in again.
         signedOut,
+        /// Nobody ever signed in to this server.
+        neverSignedIn,
         /// The server cannot be reached and nothing is known of the account yet.
         unreachable,
         /// The file of entries and queued changes cannot be used.

@@ -27,6 +27,7 @@ void AccountState::noteAnswer()
 {
     if (m_isGivenUp || std::exchange(m_isReachable, true))
         return;
+    m_isTurnedAway = false;
     m_reason.clear();
     const QPointer<AccountState> self(this);
     Q_EMIT changed();
@@ -36,11 +37,22 @@ void AccountState::noteAnswer()
 
 void AccountState::noteSilence(const std::string &reason)
 {
+    noteAway(reason, false);
+}
+
+void AccountState::noteTurnedAway(const std::string &reason)
+{
+    noteAway(reason, true);
+}
+
+void AccountState::noteAway(const std::string &reason, bool isTurnedAway)
+{
     if (m_isGivenUp)
         return;
     const bool wasReachable = std::exchange(m_isReachable, false);
     if (!wasReachable && (reason.empty() || reason == m_reason))
         return;
+    m_isTurnedAway = isTurnedAway;
     m_reason = reason;
     Q_EMIT changed();
 }

@@ -40,6 +40,8 @@ public:
     bool isOnline() const { return kind() == Kind::online; }
     /// Whether the server answered last, whatever the session's state.
     bool isReachable() const { return m_isReachable; }
+    /// Whether it answered last, but said to try again later; `isReachable` is false then.
+    bool isTurnedAway() const { return m_isTurnedAway; }
     /// Why the server cannot be reached, as a sentence; empty when it can.
     const std::string &reason() const { return m_reason; }
     QString reasonText() const { return QString::fromStdString(m_reason); }
@@ -49,6 +51,7 @@ public:
     // What is fed
     void noteAnswer();
     void noteSilence(const std::string &reason);
+    void noteTurnedAway(const std::string &reason);
     /// Nobody waits for the server any more: what is heard from here on changes nothing.
     void giveUp(const std::string &reason);
     void noteOpened();
@@ -65,9 +68,11 @@ Q_SIGNALS:
 private:
     enum class Session { opening, open, signedOut, ended };
     void setSession(Session session);
+    void noteAway(const std::string &reason, bool isTurnedAway);
 
     Session m_session = Session::opening;
     bool m_isReachable = true;
+    bool m_isTurnedAway = false;
     bool m_isGivenUp = false;
     bool m_isHeldBack = false;
     std::string m_reason;

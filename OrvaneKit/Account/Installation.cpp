@@ -32,6 +32,12 @@ QString encoded(const std::string &key)
 
 } // namespace
 
+bool Installation::hasUsualPlace()
+{
+    // Qt takes the root of the file system for a home folder that is not named.
+    return !qEnvironmentVariableIsEmpty("HOME") || qEnvironmentVariable("XDG_DATA_HOME").startsWith(u'/');
+}
+
 Installation::Installation(const std::string &folder)
     : m_root(rootFor(folder)), m_hasOwnFolder(!folder.empty())
 {
@@ -100,6 +106,13 @@ std::optional<std::string> Installation::currentServer() const
 void Installation::setCurrentServer(const std::optional<std::string> &address)
 {
     setValue("server", address);
+    if (address)
+        setValue("lastServer", address);
+}
+
+std::optional<std::string> Installation::lastServer() const
+{
+    return value("lastServer");
 }
 
 std::optional<std::string> Installation::localServer() const

@@ -16,6 +16,8 @@ namespace orvane {
 /// Folders are made 0700. Used from the main thread.
 class Installation {
 public:
+    /// Whether the platform has a place for who names no folder: without a home folder it has none.
+    static bool hasUsualPlace();
     /// Empty: the platform's place.
     explicit Installation(const std::string &folder = {});
     ~Installation();
@@ -30,6 +32,8 @@ public:
     /// The server signed in to; none before the first sign-in (then it is the one on this computer).
     std::optional<std::string> currentServer() const;
     void setCurrentServer(const std::optional<std::string> &address);
+    /// The server signed in to last, also after signing out.
+    std::optional<std::string> lastServer() const;
     /// The last known address of the server on this computer.
     std::optional<std::string> localServer() const;
     void setLocalServer(const std::string &address);

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Account/ObservedTransport.h"
 
-#include <optional>
-
 namespace orvane {
 
 namespace {
@@ -13,13 +11,13 @@ bool saysToTryLater(int status)
     return status >= 500 || status == 408 || status == 429;
 }
 
-std::optional<std::string> silence(const Result<HttpResponse, ConnectionError> &answer)
+QString reasonFor(int status)
 {
-    if (!answer)
-        return describe(CallError(answer.error()));
-    if (saysToTryLater(answer->status))
-        return "The server is busy or being worked on (" + std::to_string(answer->status) + ").";
-    return std::nullopt;
+    constexpr int tooManyRequests = 429;
+    return (status == tooManyRequests
+                ? QStringLiteral("The server was asked too often and wants a pause (%1).")
+                : QStringLiteral("The server is busy or being worked on (%1)."))
+        .arg(status);
 }
 
 Task<Result<HttpResponse, ConnectionError>> sendObserved(std::shared_ptr<HttpTransport> transport,
@@ -38,8 +36,10 @@ Task<Result<HttpResponse, ConnectionError>> sendObserved(std::shared_ptr<HttpTra
 
 void ServerEcho::hear(const Result<HttpResponse, ConnectionError> &answer)
 {
-    if (const auto why = silence(answer))
-        Q_EMIT silent(QString::fromStdString(*why));
+    if (!answer)
+        Q_EMIT silent(QString::fromStdString(describe(CallError(answer.error()))));
+    else if (saysToTryLater(answer->status))
+        Q_EMIT turnedAway(reasonFor(answer->status));
     else
         Q_EMIT answered();
 }

@@ -19,8 +19,9 @@ public:
 
 Q_SIGNALS:
     void answered();
-    /// No answer, or one that says to try again later.
     void silent(const QString &reason);
+    /// It answered that one should try again later.
+    void turnedAway(const QString &reason);
 };
 
 /// A transport that is listened to: every request of a server's client and session passes it. Used on the

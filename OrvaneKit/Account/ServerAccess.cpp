@@ -8,7 +8,6 @@
 #include "LocalServer/LocalAccount.h"
 #include "LocalServer/LocalServerLink.h"
 #include "Session/MemoryTokenStore.h"
-#include "Session/TokenStoreChoice.h"
 #include "Time/SystemZone.h"
 
 #include <QCoreApplication>
@@ -126,6 +125,8 @@ Task<> ServerAccess::makeClient()
     connect(echo.get(), &ServerEcho::answered, &m_state, &AccountState::noteAnswer);
     connect(echo.get(), &ServerEcho::silent, &m_state,
             [this](const QString &reason) { m_state.noteSilence(reason.toStdString()); });
+    connect(echo.get(), &ServerEcho::turnedAway, &m_state,
+            [this](const QString &reason) { m_state.noteTurnedAway(reason.toStdString()); });
     transport = std::make_shared<ObservedTransport>(std::move(transport), echo);
     if (m_isAutomatic) {
         options.tokenStore = std::make_shared<MemoryTokenStore>();
@@ -138,7 +139,8 @@ Task<> ServerAccess::makeClient()
             *m_network, installation.hasOwnFolder() ? std::optional{installation.root()} : std::nullopt);
         options.tokenStore = std::move(choice.store);
         options.lockPath = installation.root() + "/session.lock";
-        m_tokenNotice = choice.warning.value_or("");
+        m_tokenPlace = choice.place;
+        m_tokenNotice = choice.notice.value_or("");
     }
     m_session = AuthSession::make(*m_network, transport, std::move(options));
     m_session->onSessionEnded(this, [this] { m_state.noteSessionEnd(); });

@@ -6,6 +6,7 @@
 #include "Account/Installation.h"
 #include "OrvaneAPI/HttpMessage.h"
 #include "Session/AuthSession.h"
+#include "Session/TokenStoreChoice.h"
 #include "Support/Result.h"
 #include "Support/Task.h"
 
@@ -64,7 +65,8 @@ public:
     bool isLocal() const { return m_isLocal; }
     /// Signed in without the user's doing, as on this computer.
     bool isAutomatic() const { return m_isAutomatic; }
-    /// What the user should know about how the sign-in is kept; empty when all is well.
+    /// Where a sign-in lies, and what the user should know about that; empty when all is well.
+    TokenPlace tokenPlace() const { return m_tokenPlace; }
     const std::string &tokenNotice() const { return m_tokenNotice; }
     Installation &installation() const { return *m_options.installation; }
 
@@ -106,6 +108,7 @@ private:
     std::string m_address;
     bool m_isLocal = false;
     bool m_isAutomatic = false;
+    TokenPlace m_tokenPlace = TokenPlace::memory;
     std::string m_tokenNotice;
     std::chrono::steady_clock::time_point m_deadline = std::chrono::steady_clock::time_point::max();
     std::shared_ptr<NetworkThread> m_network;

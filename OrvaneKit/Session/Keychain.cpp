@@ -126,6 +126,13 @@ struct Keychain::State {
         item.held = std::move(value);
     }
 
+    void set(const std::string &account, std::string value)
+    {
+        Item &item = items[account];
+        item.value = std::move(value);
+        item.isUnsaved = true;
+    }
+
     void written(const std::string &account, const std::string &value)
     {
         const auto item = items.find(account);
@@ -136,13 +143,14 @@ struct Keychain::State {
         item->second.isUnsaved = false;
     }
 
-    static Task<> save(std::shared_ptr<State> state, std::string account)
+    static Task<bool> save(std::shared_ptr<State> state, std::string account)
     {
         const std::string value = state->items[account].value;
         const Outcome outcome = co_await writeItem(state->service, QString::fromStdString(account),
                                                    QString::fromStdString(value), state->patience);
         if (outcome.succeeded())
             state->written(account, value);
+        co_return outcome.succeeded();
     }
 };
 
@@ -171,10 +179,18 @@ Task<StoredToken> Keychain::read(std::string account)
 Task<> Keychain::write(std::string value, std::string account)
 {
     const std::shared_ptr<State> state = m_state;
-    State::Item &item = state->items[account];
-    item.value = std::move(value);
-    item.isUnsaved = true;
+    state->set(account, std::move(value));
     co_await State::save(state, std::move(account));
+}
+
+Task<bool> Keychain::keep(std::string value, std::string account)
+{
+    const std::shared_ptr<State> state = m_state;
+    state->set(account, value);
+    const bool isTaken = co_await State::save(state, account);
+    if (!isTaken && state->knownValue(account) == value)
+        state->items.erase(account);
+    co_return isTaken;
 }
 
 Task<> Keychain::remove(std::string account)

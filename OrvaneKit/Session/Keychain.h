@@ -27,6 +27,9 @@ public:
     Task<StoredToken> read(std::string account) override;
     Task<> write(std::string value, std::string account) override;
     Task<> remove(std::string account) override;
+    /// Writes for who has another place: tells whether the keychain took the value in time, and forgets one
+    /// that it did not take.
+    Task<bool> keep(std::string value, std::string account);
 
     enum class Health { works, fails, silent };
     /// Whether a keychain is there and keeps what it is given: writes, reads and deletes an item of its own.

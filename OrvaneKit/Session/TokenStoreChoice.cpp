@@ -2,8 +2,10 @@
 #include "Session/TokenStoreChoice.h"
 
 #include "Http/NetworkThread.h"
+#include "Session/KernelKeyring.h"
 #include "Session/Keychain.h"
 #include "Session/MemoryTokenStore.h"
+#include "Session/SparedKeychain.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -31,6 +33,9 @@ QString canonicalPath(const QString &folder)
     }
 }
 
+constexpr std::string_view inKeyring =
+    "The sign-in lies in the kernel's keyring, at most until this computer restarts.";
+
 /// Silence is no answer to keep: the next one who asks may get one.
 Task<Keychain::Health> keychainHealth()
 {
@@ -56,14 +61,25 @@ Task<TokenStoreChoice> makeTokenStore(NetworkThread &thread, std::optional<std::
 {
     // QtKeychain's queue is the network thread's alone.
     const auto health = co_await thread.run([] { return keychainHealth(); });
+    const QString service = keychainService(dataFolder);
+    std::shared_ptr<TokenStore> keyring = makeKernelKeyring(service.toStdString());
+    if (health == Keychain::Health::fails && keyring)
+        co_return TokenStoreChoice{std::move(keyring), TokenPlace::kernelKeyring,
+                                   "No keychain can be used here. " + std::string(inKeyring)};
     if (health == Keychain::Health::fails)
         co_return TokenStoreChoice{
-            std::make_shared<MemoryTokenStore>(),
+            std::make_shared<MemoryTokenStore>(), TokenPlace::memory,
             "Sign-ins will last only until this command ends, because no keychain is available."};
-    TokenStoreChoice choice{std::make_shared<Keychain>(keychainService(dataFolder)), {}};
-    // It holds what was signed in to before; memory would know nothing of that.
-    if (health == Keychain::Health::silent)
-        choice.warning = "The keychain does not answer. A sign-in made now may not be kept.";
+    const auto keychain = std::make_shared<Keychain>(service);
+    TokenStoreChoice choice{keychain, TokenPlace::keychain, {}};
+    // It holds what was signed in to before; another place would know nothing of that.
+    if (health == Keychain::Health::silent) {
+        choice.place = TokenPlace::silentKeychain;
+        choice.notice = "The keychain does not answer. " +
+                        std::string(keyring ? inKeyring : "A sign-in made now may not be kept.");
+    }
+    if (keyring)
+        choice.store = std::make_shared<SparedKeychain>(keychain, std::move(keyring));
     co_return choice;
 }
 

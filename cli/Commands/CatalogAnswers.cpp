@@ -8,10 +8,12 @@ Task<Result<Account *, CommandFailure>> openOnline(Context context)
     const auto opened = co_await context->openAccount();
     if (!opened)
         co_return failure(opened.error());
-    if (!(*opened)->isReachable())
-        co_return failure(
-            CommandFailure::of("The server cannot be reached, and this change cannot wait for it. " +
-                               (*opened)->state().reason()));
+    const AccountState &state = (*opened)->state();
+    if (!state.isReachable())
+        co_return failure(CommandFailure::of(
+            (state.isTurnedAway() ? "This change cannot wait. "
+                                  : "The server cannot be reached, and this change cannot wait for it. ") +
+            state.reason()));
     co_await context->flush();
     co_return static_cast<Account *>(*opened);
 }

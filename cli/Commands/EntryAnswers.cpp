@@ -32,6 +32,14 @@ bool isDone(SaveOutcome outcome)
            outcome == SaveOutcome::stopped;
 }
 
+/// The result's own message, with the field where the server found fault with one.
+std::string messageOf(const SaveResult &result)
+{
+    return result.error && result.message == describe(*result.error)
+               ? CommandFailure::of(*result.error).message
+               : result.message;
+}
+
 std::optional<std::string> text(const std::string &message)
 {
     return message.empty() ? std::nullopt : std::optional(message);
@@ -138,10 +146,11 @@ CommandAnswer answerTo(const CommandContext &context, const SaveResult &result, 
     CommandAnswer answer;
     answer.exitStatus = done ? ExitStatus::done : ExitStatus::failed;
     // Of a start that ends another timer first, the start is what was done.
+    const std::string message = messageOf(result);
     if (done && result.error)
-        answer.messages.push_back("The timer before it could not be stopped: " + result.message);
-    else if (!result.message.empty())
-        answer.messages.push_back(result.message);
+        answer.messages.push_back("The timer before it could not be stopped: " + message);
+    else if (!message.empty())
+        answer.messages.push_back(message);
     else if (!done)
         answer.messages.emplace_back("That could not be done.");
     if (result.outcome == SaveOutcome::needsDetails)

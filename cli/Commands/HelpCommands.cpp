@@ -4,6 +4,7 @@
 #include "CommandTree.h"
 #include "CompletionScript.h"
 #include "HelpText.h"
+#include "Input/NearestName.h"
 #include "Support/JsonOutput.h"
 #include "Terminal/TextWidth.h"
 
@@ -20,11 +21,12 @@ CommandResult help(const CommandTree &tree, const std::vector<std::string> &name
         const auto all = CommandTree::commandsOf(command);
         const auto next = std::ranges::find(all, name, &CLI::App::get_name);
         if (next == all.end())
-            return failure(
-                CommandFailure::usage("There is no command \"" + printable(name) + "\". See: orvane --help"));
+            return failure(CommandFailure::usage("There is no command \"" + printable(name) + "\"." +
+                                                 didYouMean(name, CommandTree::namesBelow(command)) +
+                                                 " See: orvane --help"));
         command = *next;
     }
-    return CommandAnswer{.output = HelpText().make_help(command, {}, CLI::AppFormatMode::Normal)};
+    return CommandAnswer{.output = helpOf(command, tree.options().json)};
 }
 
 CommandResult completion(const CommandTree &tree, const std::string &shell)

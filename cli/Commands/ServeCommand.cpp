@@ -31,6 +31,8 @@ struct ServeOptions {
 /// The server takes this process's place: its messages, its signals and its exit status are the caller's own.
 CommandResult serve(const CommandTree &tree, const ServeOptions &options)
 {
+    if (const auto place = tree.checkPlace(); !place)
+        return failure(place.error());
     const Installation installation(tree.options().dataFolder);
     const std::string program = (ownFolder() / "orvane-server").string();
     std::vector<std::string> arguments{program, "--foreground", "--idle-exit",

@@ -2,6 +2,7 @@
 #include "Commands/Commands.h"
 
 #include "CommandTree.h"
+#include "Input/ServerAddress.h"
 #include "Output/JsonShapes.h"
 #include "Terminal/StandardStreams.h"
 #include "Terminal/TextWidth.h"
@@ -20,25 +21,44 @@ struct LoginOptions {
     bool registers = false;
 };
 
-Result<std::string, CommandFailure> emailFor(const LoginOptions &options)
+/// The server named, else the one signed in to last, else the one that the user names when asked.
+Result<std::string, CommandFailure> serverFor(CommandContext &context)
+{
+    if (context.options().server)
+        return *context.options().server;
+    const Installation &installation = context.installation();
+    for (const auto &known : {installation.currentServer(), installation.lastServer()}) {
+        if (known)
+            return *known;
+    }
+    const std::string answer =
+        context.json() || !canAsk() ? "" : ask("Server, such as https://time.example.com: ", false);
+    if (answer.empty())
+        return failure(CommandFailure::usage("Say where to sign in, with --server URL."));
+    return serverAddressOf(answer).map_error(
+        [](const std::string &wanted) { return CommandFailure::usage("Signing in " + wanted); });
+}
+
+Result<std::string, CommandFailure> emailFor(const LoginOptions &options, const std::string &server)
 {
     if (options.email && !options.email->empty())
         return *options.email;
     if (!options.email && canAsk()) {
-        std::string email = ask("E-mail: ", false);
+        std::string email = ask("E-mail at " + printable(server) + ": ", false);
         if (!email.empty())
             return email;
     }
     return failure(CommandFailure::usage("Say who signs in, with --email."));
 }
 
-Result<std::string, CommandFailure> passwordFor(const LoginOptions &options)
+Result<std::string, CommandFailure> passwordFor(const LoginOptions &options, const std::string &email,
+                                                const std::string &server)
 {
     std::string password;
     if (options.readsPassword)
         password = readInputLine();
     else if (canAsk())
-        password = ask("Password: ", true);
+        password = ask("Password of " + printable(email) + " at " + printable(server) + ": ", true);
     else
         return failure(CommandFailure::usage(
             "There is no terminal to ask for the password; pass it with --password-stdin."));
@@ -58,33 +78,61 @@ bool isReadableOnTheWay(const std::string &server)
            !QHostAddress(host).isLoopback();
 }
 
+/// Whoever reads it knows which server did not let them in.
+CommandFailure failedAt(const std::string &server, const LoginOptions &options, CommandFailure failure)
+{
+    failure.message = std::string(options.registers ? "Registering" : "Signing in") + " at " +
+                      printable(server) + " failed. " + failure.message;
+    return failure;
+}
+
+/// Looks first whether it can be done at all, so that nobody types a password in vain.
+Task<Result<SignIn, CommandFailure>> wayIn(Context context, LoginOptions options, std::string server)
+{
+    const auto met = co_await context->meetServer(server);
+    if (!met)
+        co_return failure(failedAt(server, options, met.error()));
+    if (options.registers && !met->registrationOpen)
+        co_return failure(failedAt(server, options, CommandFailure::of("It takes no new accounts.")));
+    auto email = emailFor(options, server);
+    if (!email)
+        co_return failure(email.error());
+    auto password = passwordFor(options, *email, server);
+    if (!password)
+        co_return failure(password.error());
+    if (options.registers)
+        co_return Registration{std::move(*email), std::move(*password)};
+    co_return PasswordSignIn{std::move(*email), std::move(*password)};
+}
+
 CommandTask login(Context context, LoginOptions options)
 {
     if (options.provider)
         co_return failure(CommandFailure::of("Signing in with " + printable(*options.provider) +
                                              " needs the desktop application; here, sign in with --email."));
-    const auto server =
-        context->options().server ? context->options().server : context->installation().currentServer();
-    // Said before the password is typed.
-    if (server && isReadableOnTheWay(*server))
-        writeMessage(printable(*server) + " is not encrypted: your password and what you send can be read on "
-                                          "the way. Use https:// if the server offers it.");
-    auto email = emailFor(options);
-    if (!email)
-        co_return failure(email.error());
-    auto password = passwordFor(options);
-    if (!password)
-        co_return failure(password.error());
-    SignIn way = PasswordSignIn{*email, *password};
-    if (options.registers)
-        way = Registration{std::move(*email), std::move(*password)};
-    const auto opened = co_await context->signIn(std::move(way));
+    const auto server = serverFor(*context);
+    if (!server)
+        co_return failure(server.error());
+    std::vector<std::string> notes;
+    if (isReadableOnTheWay(*server)) {
+        notes.push_back(
+            printable(*server) +
+            " is not encrypted: your password and what you send can be read on the way. Use https:// "
+            "if the server offers it.");
+        writeMessage(notes.back());
+    }
+    auto way = co_await wayIn(context, options, *server);
+    if (!way)
+        co_return failure(way.error());
+    const auto opened = co_await context->signIn(std::move(*way));
     if (!opened)
-        co_return failure(opened.error());
-    const Account &account = **opened;
+        co_return failure(failedAt(*server, options, opened.error()));
+    Account &account = **opened;
+    if (!account.access().tokenNotice().empty())
+        notes.push_back(account.access().tokenNotice());
     if (context->json())
         co_return CommandAnswer{
-            .output = shapes::text(shapes::SignIn{shapes::person(account), shapes::server(account)})};
+            .output = shapes::text(shapes::SignIn{shapes::person(account), shapes::server(account), notes})};
     co_return CommandAnswer{.output = std::string(options.registers ? "Registered" : "Signed in") + " at " +
                                       account.server() + " as " + printable(account.me().email) + ".\n"};
 }
@@ -103,10 +151,21 @@ CommandTask leaveEndedSession(Context context)
     co_return CommandAnswer{.output = "The session at " + server + " was over already.\n"};
 }
 
+/// Whether there is no session, but what is left of one. Where nobody ever signed in nothing is left, unless
+/// it is the server in use all the same.
+bool isToBeLeft(CommandContext &context)
+{
+    using Kind = AccountError::Kind;
+    const auto current = context.installation().currentServer();
+    return context.openError() == Kind::signedOut ||
+           (context.openError() == Kind::neverSignedIn && current &&
+            context.options().server.value_or(*current) == *current);
+}
+
 CommandTask logout(Context context)
 {
     const auto opened = co_await context->openAccount();
-    if (!opened && context->openError() == AccountError::Kind::signedOut)
+    if (!opened && isToBeLeft(*context))
         co_return co_await leaveEndedSession(context);
     if (!opened)
         co_return failure(opened.error());
@@ -139,8 +198,9 @@ void addSignInCommands(CommandTree &tree)
     CommandTree::addText(command, "--provider", options->provider, "NAME",
                          "Sign in with another service's account");
     CommandTree::addFooter(
-        command, "Name the server with --server. Without a sign-in, the account on this computer is used, "
-                 "which needs none.");
+        command,
+        "Name the server with --server; else it is the one signed in to last, or asked for. Without a "
+        "sign-in, the account on this computer is used, which needs none.");
     tree.onRun(command, [options](Context context) { return login(std::move(context), *options); });
     tree.onRun(tree.add("logout", "Sign out, and go back to the account on this computer", group), logout);
 }

@@ -4,6 +4,7 @@
 #include "CommandTree.h"
 #include "Commands/EntryAnswers.h"
 #include "Input/MomentText.h"
+#include "Output/AccountText.h"
 #include "Output/EntryText.h"
 #include "Output/JsonShapes.h"
 #include "Time/AppClock.h"
@@ -23,7 +24,8 @@ CommandTask status(Context context)
     Tracker &tracker = account.tracker();
     const auto today = tracker.days(tracker.time().today(), 1);
     if (!context->json())
-        co_return CommandAnswer{.output = EntryWriter(tracker, context->style()).status(today.front())};
+        co_return CommandAnswer{.output = accountLine(account, context->style()) +
+                                          EntryWriter(tracker, context->style()).status(today.front())};
     const WorkspaceSummary &workspace = tracker.workspace();
     const Catalog &catalog = tracker.catalog();
     co_return CommandAnswer{.output = shapes::text(shapes::Status{
@@ -71,20 +73,33 @@ Result<Instant, CommandFailure> endOf(const std::optional<std::string> &at,
                                  AppClock::now());
 }
 
+/// What an end is to be after.
+std::string beganText(Instant start, const UserTime &time)
+{
+    const DayKey day = time.dayKey(start);
+    return "The timer began at " + time.clockLabel(start) +
+           (day == time.today() ? "." : ", " + time.dayLabel(day) + ".");
+}
+
 /// Stops the timer, with what else was said of it in the same change.
 CommandTask stopWith(Context context, EntryOptions options, TypedSentence typed, Instant end)
 {
     Tracker &tracker = context->account()->tracker();
     const std::optional<TimeEntryResponse> before = tracker.running();
-    if (!options.nameDetails() || !before)
-        co_return co_await conclude(context, co_await tracker.stop(end), "Stopped", before);
-    EntryDraft draft = EntryDraft::of(*before);
-    draft.take(typed.reading, tracker.catalog());
-    const auto whole = options.detailsIn(std::move(draft), tracker.catalog());
-    if (!whole)
-        co_return failure(CommandFailure::of(whole.error()));
-    const EntryRequest request = whole->at({before->start, end});
-    const SaveResult result = co_await tracker.stop(end, request.details, request.describeParts);
+    SaveResult result;
+    if (options.nameDetails() && before) {
+        EntryDraft draft = EntryDraft::of(*before);
+        draft.take(typed.reading, tracker.catalog());
+        const auto whole = options.detailsIn(std::move(draft), tracker.catalog());
+        if (!whole)
+            co_return failure(CommandFailure::of(whole.error()));
+        const EntryRequest request = whole->at({before->start, end});
+        result = co_await tracker.stop(end, request.details, request.describeParts);
+    } else {
+        result = co_await tracker.stop(end);
+    }
+    if (result.outcome == SaveOutcome::rejected && before && end < before->start)
+        result.message += " " + beganText(before->start, tracker.time());
     CommandAnswer answer =
         co_await conclude(context, result, "Stopped", before, typed.leftOut(tracker.catalog()));
     rememberPicks(*context, typed, answer);

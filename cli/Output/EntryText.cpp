@@ -42,7 +42,7 @@ std::string counted(std::int64_t count, std::string_view noun)
     return std::to_string(count) + " " + std::string(noun) + (count == 1 ? "" : "s");
 }
 
-std::string queueMessage(const Outbox &outbox, bool isReachable)
+std::string queueMessage(const Outbox &outbox, bool isReachable, const std::string &why)
 {
     const auto pending = static_cast<std::int64_t>(outbox.pending().size());
     const auto conflicts = static_cast<std::int64_t>(outbox.conflicts().size());
@@ -51,7 +51,7 @@ std::string queueMessage(const Outbox &outbox, bool isReachable)
         return "The server says that another account is signed in: " + waiting +
                " and will not be sent to it.";
     if (pending > conflicts && (outbox.isOffline() || !isReachable))
-        return "Offline: " + waiting + " to be sent.";
+        return (why.empty() ? "" : why + ": ") + waiting + " to be sent.";
     if (conflicts > 0)
         return counted(conflicts, "change") + (conflicts == 1 ? " waits" : " wait") +
                " for you to settle a conflict: orvane outbox";

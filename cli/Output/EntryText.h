@@ -67,9 +67,9 @@ private:
     Instant m_now;
 };
 
-/// "Offline: 2 changes are waiting to be sent.", or what else is to be said about the queue; empty when there
-/// is nothing to say.
-std::string queueMessage(const Outbox &outbox, bool isReachable);
+/// "Offline: 2 changes are waiting to be sent." (`why` says what is in the way), or what else is to be said
+/// about the queue; empty when there is nothing to say.
+std::string queueMessage(const Outbox &outbox, bool isReachable, const std::string &why);
 
 /// That changes wait in the store of another account of the server, or that it cannot be read.
 std::string besideMessage(const WaitingStore &store, bool isLocal);

@@ -76,7 +76,8 @@ struct JsonFields<shapes::Status> {
 template <>
 struct JsonFields<shapes::SignIn> {
     static constexpr auto list = JsonFieldList{jsonField<"account">(&shapes::SignIn::account),
-                                               jsonField<"server">(&shapes::SignIn::server)};
+                                               jsonField<"server">(&shapes::SignIn::server),
+                                               jsonField<"notes">(&shapes::SignIn::notes)};
 };
 template <>
 struct JsonFields<shapes::Days> {

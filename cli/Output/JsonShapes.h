@@ -80,6 +80,8 @@ struct Status {
 struct SignIn {
     std::optional<AccountPerson> account;
     Server server;
+    /// Sentences for people, such as where the sign-in lies.
+    std::vector<std::string> notes = {};
 };
 
 struct Days {

@@ -2,6 +2,7 @@
 #include "Account/Account.h"
 
 #include "support/Await.h"
+#include "support/KernelKeys.h"
 #include "support/TokenServer.h"
 
 #include <QTemporaryDir>
@@ -24,6 +25,7 @@ protected:
             connection.answer(200, request.path == "/api/me" ? encodeJson(profile()) : "[]");
         });
     }
+    ~AccountTest() override { testing::forgetKernelKeys(folder.path().toStdString()); }
     static MeResponse profile()
     {
         MeResponse me;
@@ -109,13 +111,46 @@ TEST_F(AccountTest, LeavesASessionThatIsOver)
     const auto account = signIn();
     ASSERT_NE(account, nullptr);
     await(account->close());
-    // The token went with the process that had it.
+    testing::forgetKernelKeys(folder.path().toStdString());
+    server.revokeRefreshTokens();
     const auto opened = await(Account::open(access(), {.livesOn = false}));
     ASSERT_FALSE(opened);
     EXPECT_EQ(opened.error().kind, AccountError::Kind::signedOut);
+    EXPECT_EQ(opened.error().message, "Your session has ended. Please sign in again.");
     EXPECT_EQ(installation.currentServer(), server.url());
     EXPECT_TRUE(await(access()->signOut()));
     EXPECT_EQ(installation.currentServer(), std::nullopt);
+    EXPECT_EQ(installation.lastServer(), server.url());
+}
+
+TEST_F(AccountTest, KnowsAServerThatNobodySignedInTo)
+{
+    server.setDown(true);
+    const auto opened = await(Account::open(access(), {.livesOn = false}));
+    ASSERT_FALSE(opened);
+    EXPECT_EQ(opened.error().kind, AccountError::Kind::neverSignedIn);
+    EXPECT_EQ(opened.error().message, "You are not signed in at " + server.url() + ".");
+}
+
+TEST_F(AccountTest, TellsAServerThatIsBusyFromOneThatIsAway)
+{
+    const auto account = signIn();
+    ASSERT_NE(account, nullptr);
+    const AccountState &state = account->state();
+    int status = 503;
+    server.setAnswer(
+        [&](const SeenRequest &, LoopbackServer::Connection &connection) { connection.answer(status, ""); });
+    for (const auto &[code, words] : {std::pair{503, "worked on (503)"}, {429, "wants a pause (429)"}}) {
+        status = code;
+        EXPECT_FALSE(await(account->tracker().refresh(Topic::running)));
+        EXPECT_EQ(state.kind(), AccountState::Kind::offline);
+        EXPECT_TRUE(state.isTurnedAway());
+        EXPECT_NE(state.reason().find(words), std::string::npos) << state.reason();
+    }
+    server.setDown(true);
+    EXPECT_FALSE(await(account->tracker().refresh(Topic::running)));
+    EXPECT_FALSE(state.isTurnedAway());
+    await(account->close());
 }
 
 TEST(InstallationFolder, IsRefusedWhenOthersCanWriteToIt)

@@ -2,8 +2,12 @@
 #include "Session/Keychain.h"
 
 #include "Http/NetworkThread.h"
+#include "Session/KernelKeyring.h"
+#include "Session/MemoryTokenStore.h"
+#include "Session/SparedKeychain.h"
 #include "Session/TokenStoreChoice.h"
 #include "support/Await.h"
+#include "support/KernelKeys.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -27,15 +31,15 @@ auto on(NetworkThread &thread, Make make)
     return await(thread.run(std::move(make)));
 }
 
-Task<bool> write(std::shared_ptr<Keychain> keychain, std::string value, std::string account)
+Task<bool> write(std::shared_ptr<TokenStore> store, std::string value, std::string account)
 {
-    co_await keychain->write(std::move(value), std::move(account));
+    co_await store->write(std::move(value), std::move(account));
     co_return true;
 }
 
-Task<bool> remove(std::shared_ptr<Keychain> keychain, std::string account)
+Task<bool> remove(std::shared_ptr<TokenStore> store, std::string account)
 {
-    co_await keychain->remove(std::move(account));
+    co_await store->remove(std::move(account));
     co_return true;
 }
 
@@ -45,18 +49,17 @@ protected:
     {
         return std::make_shared<Keychain>(QString::fromLatin1(service), 2s);
     }
-    StoredToken read(const std::shared_ptr<Keychain> &keychain, const std::string &account)
+    StoredToken read(const std::shared_ptr<TokenStore> &store, const std::string &account)
     {
-        return on(thread, [=] { return keychain->read(account); });
+        return on(thread, [=] { return store->read(account); });
     }
-    void write(const std::shared_ptr<Keychain> &keychain, const std::string &value,
-               const std::string &account)
+    void write(const std::shared_ptr<TokenStore> &store, const std::string &value, const std::string &account)
     {
-        on(thread, [=] { return orvane::write(keychain, value, account); });
+        on(thread, [=] { return orvane::write(store, value, account); });
     }
-    void remove(const std::shared_ptr<Keychain> &keychain, const std::string &account)
+    void remove(const std::shared_ptr<TokenStore> &store, const std::string &account)
     {
-        on(thread, [=] { return orvane::remove(keychain, account); });
+        on(thread, [=] { return orvane::remove(store, account); });
     }
     void lock()
     {
@@ -106,8 +109,8 @@ TEST_F(KeyringTest, KeepsTokensByServiceAndAccount)
 TEST_F(KeyringTest, IsChosenWhereItWorks)
 {
     const auto choice = await(makeTokenStore(thread, std::nullopt));
-    EXPECT_FALSE(choice.warning);
-    EXPECT_NE(std::dynamic_pointer_cast<Keychain>(choice.store), nullptr);
+    EXPECT_FALSE(choice.notice);
+    EXPECT_EQ(choice.place, TokenPlace::keychain);
 }
 
 TEST_F(KeyringTest, DoesNotHangWhenLocked)
@@ -150,13 +153,37 @@ TEST_F(KeyringTest, IsLeftAloneWhileItDoesNotAnswer)
         EXPECT_FALSE(read(keychain, "http://a.example"));
     // One that is only slow is no reason to forget who was signed in before.
     const auto choice = await(makeTokenStore(thread, std::nullopt));
-    EXPECT_TRUE(choice.warning);
-    EXPECT_NE(std::dynamic_pointer_cast<Keychain>(choice.store), nullptr);
+    EXPECT_TRUE(choice.notice);
+    EXPECT_EQ(choice.place, TokenPlace::silentKeychain);
+    EXPECT_FALSE(on(thread, [&] { return choice.store->read("http://a.example"); }));
     EXPECT_LT(timer.elapsed(), 5000);
     // As with a prompt that its user answers late.
     goOn();
     EXPECT_TRUE(testing::eventually([&] { return read(keychain, "http://a.example") == "token"; }));
-    EXPECT_FALSE(await(makeTokenStore(thread, std::nullopt)).warning);
+    EXPECT_FALSE(await(makeTokenStore(thread, std::nullopt)).notice);
+}
+
+TEST_F(KeyringTest, TakesWhatLayInTheSpare)
+{
+    const auto spare = std::make_shared<MemoryTokenStore>();
+    const auto inSpare = [&](const char *account) {
+        return on(thread, [spare, account] { return spare->read(account); });
+    };
+    const auto keychain = make();
+    const auto store = std::make_shared<SparedKeychain>(keychain, spare);
+    on(thread, [=] { return orvane::write(spare, "of ssh", "http://a.example"); });
+    write(keychain, "older", "http://a.example");
+    EXPECT_EQ(read(store, "http://a.example"), "of ssh");
+    write(store, "next", "http://a.example");
+    EXPECT_EQ(read(make(), "http://a.example"), "next");
+    EXPECT_EQ(inSpare("http://a.example"), std::nullopt) << "a token lies in one place";
+
+    ASSERT_EQ(::kill(keyringProcess(), SIGKILL), 0);
+    write(store, "not taken", "http://a.example");
+    EXPECT_EQ(inSpare("http://a.example"), "not taken");
+    EXPECT_EQ(read(store, "http://a.example"), "not taken");
+    remove(store, "http://a.example");
+    EXPECT_EQ(read(store, "http://a.example"), std::nullopt);
 }
 
 TEST_F(KeyringTest, WritesAgainWhatGotNoAnswer)
@@ -193,13 +220,36 @@ TEST_F(KeychainTest, IsNotChosenWithoutABus)
     if (qEnvironmentVariableIsSet("DBUS_SESSION_BUS_ADDRESS"))
         GTEST_SKIP() << "there is a bus";
     const auto choice = await(makeTokenStore(thread, std::nullopt));
-    EXPECT_EQ(choice.warning,
-              "Sign-ins will last only until this command ends, because no keychain is available.");
-    EXPECT_EQ(std::dynamic_pointer_cast<Keychain>(choice.store), nullptr);
+    EXPECT_EQ(choice.place, testing::hasKernelKeyring() ? TokenPlace::kernelKeyring : TokenPlace::memory);
+    EXPECT_TRUE(choice.notice);
     // A session in it goes on all the same.
     const auto keychain = make();
     write(keychain, "token", "http://a.example");
     EXPECT_EQ(read(keychain, "http://a.example"), "token");
+}
+
+TEST_F(KeychainTest, HasAKeyringOfTheKernelBeside)
+{
+    if (!testing::hasKernelKeyring())
+        GTEST_SKIP() << "this system has none, or forbids it";
+    const std::string service = "com.orvanetrack.test." + std::to_string(QCoreApplication::applicationPid());
+    const auto one = makeKernelKeyring(service);
+    const auto two = makeKernelKeyring(service + "0");
+    const std::string longToken(3000, 't');
+    write(one, "first", "http://a.example");
+    write(one, longToken, "http://a.example");
+    write(one, "other", "http://b.example");
+    EXPECT_EQ(read(makeKernelKeyring(service), "http://a.example"), longToken);
+    EXPECT_EQ(read(two, "http://a.example"), std::nullopt);
+    // One too long for the kernel is kept by this process alone, and the one before is gone.
+    const std::string tooLong(40'000, 't');
+    write(one, tooLong, "http://a.example");
+    EXPECT_EQ(read(one, "http://a.example"), tooLong);
+    EXPECT_EQ(read(makeKernelKeyring(service), "http://a.example"), std::nullopt);
+    for (const char *account : {"http://a.example", "http://b.example", "http://b.example"})
+        remove(one, account);
+    EXPECT_EQ(read(one, "http://a.example"), std::nullopt);
+    EXPECT_EQ(read(makeKernelKeyring(service), "http://b.example"), std::nullopt);
 }
 
 TEST(KeychainService, IsTheInstallationsOwn)

@@ -50,7 +50,7 @@ TEST(CommandTree, RefusesWhatItDoesNotUnderstand)
               "There is no command \"fly\". See: orvane --help");
     EXPECT_EQ(usageError({"undo", "all"}), "orvane undo does not take \"all\". See: orvane undo --help");
     EXPECT_EQ(usageError({"list", "--wek", "today"}),
-              "orvane list has no option \"--wek\". See: orvane list --help");
+              "orvane list has no option \"--wek\". Did you mean \"--week\"? See: orvane list --help");
     EXPECT_EQ(usageError({"projects", "rename", "x"}),
               "orvane projects has no command \"rename\". See: orvane projects --help");
     EXPECT_EQ(usageError({"undo", "[all]"}), "orvane undo does not take \"[all]\". See: orvane undo --help");
@@ -67,6 +67,23 @@ TEST(CommandTree, RefusesWhatItDoesNotUnderstand)
     EXPECT_THAT(usageError({"--home", "/no/such/folder"}), HasSubstr("--home"));
     EXPECT_THAT(usageError({"--fixtures", "/no/such/folder"}), HasSubstr("--fixtures"));
     EXPECT_THAT(usageError({"--data-dir", ""}), HasSubstr("--data-dir"));
+}
+
+TEST(CommandTree, SaysWhatWasProbablyMeant)
+{
+    const auto meant = [](std::vector<std::string> arguments) {
+        const std::string message = usageError(std::move(arguments));
+        const std::size_t begin = message.find("Did you mean \"");
+        return begin == std::string::npos ? "" : message.substr(begin + 14, message.find("\"?") - begin - 14);
+    };
+    EXPECT_EQ(meant({"statsu"}), "status");
+    EXPECT_EQ(meant({"strat", "Write", "the", "README"}), "start");
+    EXPECT_EQ(meant({"projects", "archvie", "x"}), "archive");
+    EXPECT_EQ(meant({"list", "--jsno"}), "--json");
+    EXPECT_EQ(meant({"add", "x", "--descripton=y"}), "--description");
+    EXPECT_EQ(meant({"complete-wrd"}), "") << "it is for the scripts";
+    EXPECT_EQ(meant({"fly"}), "");
+    EXPECT_EQ(meant({"list", "--"}), "");
 }
 
 TEST(CommandTree, AWordWithSpacesIsASentenceWhateverItBeginsWith)
@@ -140,6 +157,20 @@ TEST_P(Completions, KnowEveryCommandAndOption)
 }
 
 INSTANTIATE_TEST_SUITE_P(Shells, Completions, testing::Values("bash", "zsh", "fish"));
+
+TEST(Completions, DescribeInWholeWords)
+{
+    const QTemporaryDir folder;
+    WholeTree tree;
+    const auto shown = [&](const char *shell, const std::string &before, const std::string &after) {
+        const std::string program = before + completionScript(tree.root(), shell).value() + after;
+        const std::string option = std::string_view(shell) == "zsh" ? "-f" : "--no-config";
+        return runProgram(shell, {option, "-c", program}, {{"HOME", folder.path().toStdString()}}).output;
+    };
+    EXPECT_THAT(shown("zsh", "compdef() {}\n", "print -rl -- $_orvane_global"),
+                HasSubstr("agents' log folders"));
+    EXPECT_THAT(shown("fish", "", "complete -C 'orvane --hom'"), HasSubstr("agents' log folders"));
+}
 
 /// What bash offers for the words, the last of which is being typed.
 std::string offered(const std::string &script, const std::vector<std::string> &words)

@@ -15,7 +15,7 @@ TEST(JsonShapes, WriteEveryMemberInItsPlace)
               "{\"days\":[{\"day\":\"2026-03-01\",\"seconds\":90,\"entries\":[]}]}\n");
     EXPECT_EQ(shapes::text(shapes::SignIn{{}, {"http://127.0.0.1:1", true, false}}),
               "{\"account\":null,\"server\":{\"url\":\"http://"
-              "127.0.0.1:1\",\"local\":true,\"reachable\":false}}\n");
+              "127.0.0.1:1\",\"local\":true,\"reachable\":false},\"notes\":[]}\n");
     EXPECT_EQ(shapes::text(shapes::Status{{"u", false, true},
                                           {"1", "a@b", false},
                                           {"2", "W", WorkspaceRole::owner},
@@ -42,8 +42,7 @@ TEST(JsonShapes, WriteFailuresWithWhatTheServerSaid)
     EXPECT_EQ(shapes::text(shapes::Failure{shapes::error(CommandFailure::of(CallError(refused)))}),
               "{\"error\":{\"status\":422,\"type\":\"about:blank\",\"title\":\"Invalid\",\"detail\":\"Look "
               "again.\","
-              "\"fieldErrors\":{\"name\":[\"Too long.\"]},\"message\":\"" +
-                  refused.errorDescription() + "\"}}\n");
+              "\"fieldErrors\":{\"name\":[\"Too long.\"]},\"message\":\"Name: Too long.\"}}\n");
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 // The real command, signed in to a server elsewhere, with a keychain that keeps its tokens.
 #include "support/CommandRun.h"
 #include "support/FaultProxy.h"
+#include "support/KernelKeys.h"
 
 #include <QJsonDocument>
 #include <gmock/gmock.h>
@@ -11,6 +12,9 @@ namespace orvane {
 namespace {
 
 using orvane::testing::Fault;
+using ::testing::AllOf;
+using ::testing::HasSubstr;
+using ::testing::Not;
 
 std::string text(const QJsonValue &value)
 {
@@ -45,6 +49,12 @@ protected:
         ASSERT_EQ(session.exitStatus, 0) << session.all();
     }
     CommandRun run(const std::string &arguments) const { return inSession(call() + arguments); }
+    /// What people are told.
+    std::string said(const std::string &arguments) const
+    {
+        return inSession(builtProgram("orvane") + " --data-dir " + installation.folder() + " " + arguments)
+            .errors;
+    }
     /// From now on requests for that path get `status`; everything else passes.
     void refuse(const std::string &path, int status)
     {
@@ -81,6 +91,53 @@ TEST_F(SignedInCommand, GoesOnWhenARenewalIsRefusedForNow)
     EXPECT_EQ(email(after.object()), "ada@example.com") << after.all();
     EXPECT_TRUE(isReachable(after.object())) << after.all();
     EXPECT_EQ(after.object()[QStringLiteral("outbox")][QStringLiteral("pending")].toInt(), 0) << after.all();
+}
+
+TEST_F(SignedInCommand, SaysThatTheServerIsBusyAndNotThatItIsAway)
+{
+    signIn();
+    proxy.setPlan([](const orvane::testing::SeenRequest &request) {
+        return request.method == "POST" && request.path.ends_with("/time-entries") ? Fault::answer(503)
+                                                                                   : Fault::pass();
+    });
+    EXPECT_THAT(said("start Writing"),
+                HasSubstr("The server is busy or being worked on (503): 1 change is waiting to be sent."));
+    proxy.setPlan([](const orvane::testing::SeenRequest &request) {
+        return request.path.starts_with("/api/workspaces") ? Fault::answer(429) : Fault::pass();
+    });
+    EXPECT_THAT(said("status"), AllOf(HasSubstr("wants a pause (429)"), Not(HasSubstr("Offline"))));
+    EXPECT_THAT(said("projects add Website"), Not(HasSubstr("cannot be reached")));
+    proxy.setDown(true);
+    EXPECT_THAT(said("status"), HasSubstr("Offline: 1 change is waiting"));
+}
+
+TEST_F(SignedInCommand, DoesNotTakeAKeychainThatHangsForOneThatIsMissing)
+{
+    signIn();
+    const CommandRun hanging = inSession(
+        "keyring=$(dbus-send --session --print-reply=literal --dest=org.freedesktop.DBus / "
+        "org.freedesktop.DBus.GetConnectionUnixProcessID string:org.freedesktop.secrets | sed 's/.*uint32 "
+        "*//')\n"
+        "kill -STOP $keyring\n" +
+        builtProgram("orvane") + " --data-dir " + installation.folder() + " status\nkill -CONT $keyring\n");
+    EXPECT_THAT(hanging.output, HasSubstr("ada@example.com at " + proxy.url())) << hanging.all();
+    EXPECT_THAT(hanging.errors, HasSubstr("The keychain does not answer; this is what was known last."));
+    EXPECT_TRUE(isReachable(run("status").object())) << "nothing was lost";
+}
+
+TEST_F(SignedInCommand, MovesIntoTheKeychainWhenThereIsOne)
+{
+    if (!orvane::testing::hasKernelKeyring())
+        GTEST_SKIP() << "this system has no such keyring, or forbids it";
+    const CommandRun overSsh = installation.json(
+        {"--server", proxy.url(), "login", "--register", "--email", "ada@example.com", "--password-stdin"},
+        "correct horse battery\n");
+    ASSERT_EQ(overSsh.exitStatus, 0) << overSsh.all();
+    EXPECT_TRUE(orvane::testing::hasKernelKeys(installation.folder()));
+    EXPECT_EQ(email(run("status").object()), "ada@example.com");
+    EXPECT_FALSE(orvane::testing::hasKernelKeys(installation.folder()));
+    EXPECT_EQ(email(run("status").object()), "ada@example.com");
+    EXPECT_EQ(installation.json({"status"}).exitStatus, 1) << "it lies in one place";
 }
 
 TEST_F(SignedInCommand, StaysSignedInWhenItCannotSignOut)

@@ -21,6 +21,20 @@ TEST_F(Command, StartsAheadOfTimeOnlyWhenTheDayIsNamed)
               "2026-03-04T17:30:00.000Z");
 }
 
+TEST_F(Command, SaysWhatARefusedTimeIsMeasuredBy)
+{
+    setNow("2026-03-04T09:30:00Z");
+    done({"start", "Writing"});
+    setNow("2026-03-04T10:00:00Z");
+    EXPECT_THAT(installation.run({"--zone", "UTC", "stop", "--at", "2026-03-04 8:00"}).errors,
+                HasSubstr("The end must not be before the start. The timer began at 09:30.\n"));
+    EXPECT_THAT(installation
+                    .run({"--zone", "UTC", "add", "Far ahead", "--start", "2150-01-01 9:00", "--stop",
+                          "2150-01-01 10:00"})
+                    .errors,
+                HasSubstr("Start: "));
+}
+
 TEST_F(Command, NamesTheWaysOutOfATimerThatBeginsLater)
 {
     setNow("2026-03-05T10:00:30Z");

@@ -3,6 +3,7 @@
 
 #include "Support/FileLock.h"
 #include "support/Await.h"
+#include "support/KernelKeys.h"
 
 #include <QDeadlineTimer>
 #include <QDir>
@@ -64,9 +65,10 @@ std::string builtProgram(const std::string &name)
 }
 
 CommandRun runProgram(const std::string &program, const Arguments &arguments, const Environment &environment,
-                      const std::string &input)
+                      const std::string &input, const std::function<void()> &inChild)
 {
     QProcess process;
+    process.setChildProcessModifier(inChild);
     process.setProcessEnvironment(bareEnvironment(environment));
     process.start(QString::fromStdString(program), texts(arguments));
     process.write(QByteArray::fromStdString(input));
@@ -87,6 +89,7 @@ TestInstallation::TestInstallation() = default;
 TestInstallation::~TestInstallation()
 {
     killServer();
+    testing::forgetKernelKeys(folder());
 }
 
 std::string TestInstallation::folder() const
@@ -102,7 +105,7 @@ Arguments TestInstallation::withFolder(Arguments arguments) const
 
 CommandRun TestInstallation::run(const Arguments &arguments, const std::string &input) const
 {
-    return runProgram(builtProgram("orvane"), withFolder(arguments), environment, input);
+    return runProgram(builtProgram("orvane"), withFolder(arguments), environment, input, inChild);
 }
 
 CommandRun TestInstallation::json(const Arguments &arguments, const std::string &input) const

@@ -5,6 +5,7 @@
 #include <QJsonObject>
 #include <QTemporaryDir>
 #include <chrono>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -37,8 +38,10 @@ struct CommandRun {
 /// The path of a program of this build.
 std::string builtProgram(const std::string &name);
 
+/// `inChild` runs between fork and exec.
 CommandRun runProgram(const std::string &program, const Arguments &arguments,
-                      const Environment &environment = {}, const std::string &input = {});
+                      const Environment &environment = {}, const std::string &input = {},
+                      const std::function<void()> &inChild = {});
 
 /// A server as its socket introduces it.
 struct ServerHello {
@@ -47,7 +50,7 @@ struct ServerHello {
 };
 
 /// An installation in a folder of its own that goes away with this object, together with a server that was
-/// started for it.
+/// started for it and what it left in the kernel's keyring.
 class TestInstallation {
 public:
     TestInstallation();
@@ -59,6 +62,8 @@ public:
     std::string serverFolder() const { return folder() + "/server"; }
     /// Added to every run.
     Environment environment;
+    /// Runs in each command's process between fork and exec.
+    std::function<void()> inChild;
 
     /// `orvane --data-dir FOLDER ARGUMENTS`.
     CommandRun run(const Arguments &arguments, const std::string &input = {}) const;
