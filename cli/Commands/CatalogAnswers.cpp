@@ -16,4 +16,16 @@ Task<Result<Account *, CommandFailure>> openOnline(Context context)
     co_return static_cast<Account *>(*opened);
 }
 
+Task<Result<ProjectResponse, CommandFailure>> projectOf(Context context, std::string typed,
+                                                        LookupPurpose purpose)
+{
+    const Tracker &tracker = context->account()->tracker();
+    // What is put away can be changed, but nothing is put on it.
+    const auto projects = co_await context->account()->client().listProjects(
+        tracker.workspace().id, purpose == LookupPurpose::change);
+    co_return chosenOf(projects, "project", typed,
+                       projects ? namedItems(*projects, tracker.catalog()) : std::vector<NamedItem>(),
+                       purpose);
+}
+
 } // namespace orvane

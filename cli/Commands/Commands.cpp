@@ -11,6 +11,7 @@ void addCommands(CommandTree &tree)
     addListCommand(tree);
     addActivityCommand(tree);
     addProjectCommands(tree);
+    addTaskCommands(tree);
     addCatalogCommands(tree);
     addSignInCommands(tree);
     addSettingsCommands(tree);

@@ -45,7 +45,7 @@ CommandTask useWorkspace(Context context, std::string typed)
     std::vector<NamedItem> named;
     for (const WorkspaceSummary &workspace : workspaces)
         named.push_back({workspace.id, workspace.name});
-    const auto found = choose("workspace", typed, named);
+    const auto found = choose("workspace", typed, named, LookupPurpose::use);
     if (!found)
         co_return failure(CommandFailure::of(found.error()));
     const WorkspaceSummary workspace = workspaces[*found];

@@ -1,7 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Input/LookupText.h"
 
+#include "Input/NearestName.h"
+#include "Input/ShellText.h"
 #include "Terminal/TextWidth.h"
+
+#include <algorithm>
+#include <array>
 
 namespace orvane {
 
@@ -28,9 +33,38 @@ std::string listed(std::string_view kind, const std::vector<NamedItem> &items)
     return text;
 }
 
+/// Where one is near it is named, else all that there are.
+std::string unknownText(std::string_view kind, std::string_view typed, const std::vector<NamedItem> &items,
+                        LookupPurpose purpose)
+{
+    const std::string sort(kind);
+    std::vector<std::string> names;
+    for (const NamedItem &item : items)
+        names.push_back(item.name);
+    const std::string near = didYouMean(typed, names);
+    const std::string making = purpose == LookupPurpose::use ? makingCommand(kind, typed) : "";
+    std::string text = "There is no " + sort + " " + quoted(typed);
+    text += items.empty() && making.empty() ? ": there are no " + sort + "s yet." : "." + near;
+    if (!making.empty())
+        text += " To make it: " + making;
+    if (!items.empty() && near.empty())
+        text += (making.empty() ? " " : "\n") + ("There are:" + listed(kind, items));
+    return text;
+}
+
 } // namespace
 
-std::string lookupText(std::string_view kind, std::string_view typed, const NoSingleItem &error)
+std::string makingCommand(std::string_view kind, std::string_view name)
+{
+    constexpr std::array<std::string_view, 4> kinds{"project", "client", "tag", "task"};
+    if (name.empty() || std::ranges::find(kinds, kind) == kinds.end())
+        return {};
+    const std::string argument = (name.starts_with('-') ? "-- " : "") + shellArgument(name);
+    return "orvane " + std::string(kind) + "s add " + (kind == "task" ? "PROJECT " : "") + argument;
+}
+
+std::string lookupText(std::string_view kind, std::string_view typed, const NoSingleItem &error,
+                       LookupPurpose purpose)
 {
     const std::string sort(kind);
     const auto &items = error.items;
@@ -44,10 +78,7 @@ std::string lookupText(std::string_view kind, std::string_view typed, const NoSi
     case NoSingleItem::Why::unknown:
         break;
     }
-    const std::string unknown = "There is no " + sort + " " + quoted(typed);
-    if (items.empty())
-        return unknown + ": there are no " + sort + "s yet.";
-    return unknown + ". There are:" + listed(kind, items);
+    return unknownText(kind, typed, items, purpose);
 }
 
 std::string lookupText(std::string_view kind, std::string_view typed, const NoSingleId &error)
@@ -59,10 +90,10 @@ std::string lookupText(std::string_view kind, std::string_view typed, const NoSi
 }
 
 Result<std::size_t, std::string> choose(std::string_view kind, std::string_view typed,
-                                        const std::vector<NamedItem> &items)
+                                        const std::vector<NamedItem> &items, LookupPurpose purpose)
 {
     return lookUp(typed, items).map_error([&](const NoSingleItem &error) {
-        return lookupText(kind, typed, error);
+        return lookupText(kind, typed, error, purpose);
     });
 }
 

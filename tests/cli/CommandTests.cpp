@@ -324,18 +324,18 @@ TEST_F(Command, KeepsTheCatalog)
     const QJsonObject task = done({"tasks", "add", "Website", "Design"});
     EXPECT_EQ(keys(task), (Names{"id", "isActive", "name", "projectId"}));
     EXPECT_EQ(listed({"tasks"}).size(), 1);
-    EXPECT_EQ(done({"tasks", "delete", "Design"})[idKey], task[idKey]);
+    EXPECT_EQ(done({"tasks", "delete", "Design", "--yes"})[idKey], task[idKey]);
     EXPECT_TRUE(listed({"tasks"}).isEmpty());
     const QJsonObject tag = done({"tags", "add", "review"});
     EXPECT_EQ(keys(tag), (Names{"id", "name", "workspaceId"}));
     EXPECT_NE(failed(1, {"tags", "add", "review"})[u"status"].toInteger(), 0)
         << "the server refuses a second one";
-    EXPECT_EQ(done({"tags", "delete", "review"})[idKey], tag[idKey]);
+    EXPECT_EQ(done({"tags", "delete", "review", "--yes"})[idKey], tag[idKey]);
     EXPECT_TRUE(done({"clients", "archive", "Acme"})[u"isArchived"].toBool());
     EXPECT_TRUE(listed({"clients"}).isEmpty());
     done({"clients", "restore", "Acme"});
-    done({"clients", "delete", "Acme"});
-    done({"projects", "delete", "Website"});
+    done({"clients", "delete", "Acme", "--yes"});
+    done({"projects", "delete", "Website", "--yes"});
     EXPECT_TRUE(listed({"projects", "--archived"}).isEmpty());
 }
 
