@@ -3,6 +3,7 @@
 
 #include "CommandTree.h"
 #include "Commands/EntryAnswers.h"
+#include "Commands/ZoneMessage.h"
 #include "Input/MomentText.h"
 #include "Output/EntryText.h"
 #include "Output/JsonShapes.h"
@@ -23,7 +24,8 @@ CommandTask status(Context context)
     Tracker &tracker = account.tracker();
     const auto today = tracker.days(tracker.time().today(), 1);
     if (!context->json())
-        co_return CommandAnswer{.output = EntryWriter(tracker, context->style()).status(today.front())};
+        co_return CommandAnswer{.output = EntryWriter(tracker, context->style()).status(today.front()),
+                                .messages = zoneMessages(*context)};
     const WorkspaceSummary &workspace = tracker.workspace();
     co_return CommandAnswer{.output = shapes::text(shapes::Status{
                                 .server = shapes::server(account),
