@@ -20,9 +20,7 @@ Task<Result<ProjectResponse, CommandFailure>> projectOf(Context context, std::st
                                                         LookupPurpose purpose)
 {
     const Tracker &tracker = context->account()->tracker();
-    // What is put away can be changed, but nothing is put on it.
-    const auto projects = co_await context->account()->client().listProjects(
-        tracker.workspace().id, purpose == LookupPurpose::change);
+    const auto projects = co_await context->account()->client().listProjects(tracker.workspace().id, true);
     co_return chosenOf(projects, "project", typed,
                        projects ? namedItems(*projects, tracker.catalog()) : std::vector<NamedItem>(),
                        purpose);

@@ -132,7 +132,7 @@ Task<Result<ProjectFields, CommandFailure>> withOptions(Context context, Project
         changed->clientId.reset();
     } else if (options.client) {
         Account &account = *context->account();
-        const auto clients = co_await account.client().listClients(account.tracker().workspace().id);
+        const auto clients = co_await account.client().listClients(account.tracker().workspace().id, true);
         const auto client =
             chosenOf(clients, "client", *options.client,
                      clients ? namedItems(*clients) : std::vector<NamedItem>(), LookupPurpose::use);

@@ -92,9 +92,9 @@ std::string lookupText(std::string_view kind, std::string_view typed, const NoSi
 Result<std::size_t, std::string> choose(std::string_view kind, std::string_view typed,
                                         const std::vector<NamedItem> &items, LookupPurpose purpose)
 {
-    return lookUp(typed, items).map_error([&](const NoSingleItem &error) {
-        return lookupText(kind, typed, error, purpose);
-    });
+    const auto found = purpose == LookupPurpose::use ? lookUpActive(typed, items) : lookUp(typed, items);
+    return found.map_error(
+        [&](const NoSingleItem &error) { return lookupText(kind, typed, error, purpose); });
 }
 
 } // namespace orvane

@@ -24,7 +24,7 @@ std::string lookupText(std::string_view kind, std::string_view typed, const NoSi
 /// A sentence that says how many there are.
 std::string lookupText(std::string_view kind, std::string_view typed, const NoSingleId &error);
 
-/// As `lookUp`, with the sentence for its error.
+/// As `lookUp`, for a use as `lookUpActive`, with the sentence for its error.
 Result<std::size_t, std::string> choose(std::string_view kind, std::string_view typed,
                                         const std::vector<NamedItem> &items, LookupPurpose purpose);
 

@@ -42,7 +42,7 @@ constexpr Setting::Group groupOf =
 
 /// How the values of one kind are read and written.
 template <class T>
-struct Kind {
+struct ValueKind {
     std::string meaning;
     std::function<std::string(const T &, const UserTime &)> shown;
     std::function<std::optional<T>(const std::string &, const UserTime &)> read;
@@ -50,7 +50,7 @@ struct Kind {
 };
 
 template <class Part, class T>
-Setting setting(std::string name, T Part::*member, Kind<T> kind)
+Setting makeSetting(std::string name, T Part::*member, ValueKind<T> kind)
 {
     constexpr const Part *which = nullptr;
     return {
@@ -72,7 +72,7 @@ Setting setting(std::string name, T Part::*member, Kind<T> kind)
 }
 
 /// The one of the choices that was typed, in whatever letter case.
-std::optional<std::string> chosen(const Choices &choices, std::string_view typed)
+std::optional<std::string> chosenText(const Choices &choices, std::string_view typed)
 {
     const std::string wanted = asciiLowered(TextScanner::trimmed(typed));
     const auto found =
@@ -80,27 +80,28 @@ std::optional<std::string> chosen(const Choices &choices, std::string_view typed
     return found == choices.end() ? std::nullopt : std::optional(*found);
 }
 
-Kind<bool> toggle(std::string meaning)
+ValueKind<bool> toggleKind(std::string meaning)
 {
     return {.meaning = std::move(meaning),
             .shown = [](bool value, const UserTime &) { return std::string(value ? "on" : "off"); },
             .read = [](const std::string &typed, const UserTime &) -> std::optional<bool> {
-                if (chosen({"on", "true", "yes"}, typed))
+                if (chosenText({"on", "true", "yes"}, typed))
                     return true;
-                return chosen({"off", "false", "no"}, typed) ? std::optional(false) : std::nullopt;
+                return chosenText({"off", "false", "no"}, typed) ? std::optional(false) : std::nullopt;
             },
             .choices = [] { return Choices{"on", "off"}; }};
 }
 
-Kind<std::string> oneOf(std::string meaning, Choices choices)
+ValueKind<std::string> choiceKind(std::string meaning, Choices choices)
 {
-    return {.meaning = std::move(meaning),
-            .shown = [](const std::string &value, const UserTime &) { return printable(value); },
-            .read = [choices](const std::string &typed, const UserTime &) { return chosen(choices, typed); },
-            .choices = [choices] { return choices; }};
+    return {
+        .meaning = std::move(meaning),
+        .shown = [](const std::string &value, const UserTime &) { return printable(value); },
+        .read = [choices](const std::string &typed, const UserTime &) { return chosenText(choices, typed); },
+        .choices = [choices] { return choices; }};
 }
 
-Kind<std::string> freeText(std::string meaning, bool canBeEmpty)
+ValueKind<std::string> textKind(std::string meaning, bool canBeEmpty)
 {
     return {.meaning = std::move(meaning),
             .shown = [](const std::string &value, const UserTime &) { return printable(value); },
@@ -112,7 +113,7 @@ Kind<std::string> freeText(std::string meaning, bool canBeEmpty)
 }
 
 /// Whole minutes, with or without their unit.
-Kind<std::int64_t> minutes(std::string meaning, std::int64_t most)
+ValueKind<std::int64_t> minutesKind(std::string meaning, std::int64_t most)
 {
     return {.meaning = std::move(meaning),
             .shown = [](std::int64_t value, const UserTime &) { return std::to_string(value); },
@@ -125,7 +126,7 @@ Kind<std::int64_t> minutes(std::string meaning, std::int64_t most)
             }};
 }
 
-Choices weekdays()
+Choices weekdayNames()
 {
     Choices names;
     for (int day = 0; day < 7; ++day)
@@ -133,8 +134,8 @@ Choices weekdays()
     return names;
 }
 
-/// The server numbers the weekdays, which can be typed too.
-Kind<std::int64_t> weekday()
+/// The server numbers the weekdayNames, which can be typed too.
+ValueKind<std::int64_t> weekdayKind()
 {
     return {.meaning = "a weekday such as monday",
             .shown =
@@ -149,21 +150,21 @@ Kind<std::int64_t> weekday()
                 const auto day = parseTypedWeekday(text);
                 return day ? std::optional<std::int64_t>(*day) : std::nullopt;
             },
-            .choices = weekdays};
+            .choices = weekdayNames};
 }
 
-Kind<std::string> zone()
+ValueKind<std::string> zoneKind()
 {
     return {.meaning = "a time zone such as Europe/Paris",
             .shown = [](const std::string &value, const UserTime &) { return printable(value); },
             .read =
                 [](const std::string &typed, const UserTime &) {
-                    return isUtc(typed) ? std::optional(typed) : chosen(zoneNames(), typed);
+                    return isUtc(typed) ? std::optional(typed) : chosenText(zoneNames(), typed);
                 },
             .choices = [] { return zoneNames(); }};
 }
 
-Kind<std::string> currency()
+ValueKind<std::string> currencyKind()
 {
     return {.meaning = "three letters such as EUR",
             .shown = [](const std::string &value, const UserTime &) { return printable(value); },
@@ -180,7 +181,7 @@ Kind<std::string> currency()
 }
 
 /// The outer one of what `read` gives says whether the text can be used; an empty text takes the value away.
-Kind<std::optional<double>> rate()
+ValueKind<std::optional<double>> rateKind()
 {
     using Rate = std::optional<double>;
     return {.meaning = "an amount such as 12.50; \"\" for none",
@@ -194,7 +195,7 @@ Kind<std::optional<double>> rate()
 }
 
 /// A day's beginning in the user's zone; what was tracked before it cannot be changed.
-Kind<std::optional<Instant>> dayBegin()
+ValueKind<std::optional<Instant>> dayKind()
 {
     using Begin = std::optional<Instant>;
     return {.meaning = "a day such as 2026-03-01; \"\" for none",
@@ -219,34 +220,35 @@ std::vector<Setting> allSettings()
     using Preferences = PreferencesResponse;
     using Profile = AccountSettings::Profile;
     using Rules = WorkspaceSettingsResponse;
-    const Kind<bool> onOff = toggle("on or off");
-    const Kind<bool> required = toggle("on or off: needed to end an entry");
+    const ValueKind<bool> onOff = toggleKind("on or off");
+    const ValueKind<bool> required = toggleKind("on or off: needed to end an entry");
     return {
-        setting("zone", &Profile::timeZone, zone()),
-        setting("fullName", &Profile::fullName, freeText("your name", true)),
-        setting("weekStart", &Preferences::weekStart, weekday()),
-        setting("dateFormat", &Preferences::dateFormat,
-                oneOf("dd/MM/yyyy, MM/dd/yyyy, yyyy-MM-dd or dd.MM.yyyy",
-                      {"dd/MM/yyyy", "MM/dd/yyyy", "yyyy-MM-dd", "dd.MM.yyyy"})),
-        setting("timeFormat", &Preferences::timeFormat, oneOf("24h or 12h", {"24h", "12h"})),
-        setting("durationFormat", &Preferences::durationFormat,
-                oneOf("hms (2:05:09), hm (2:05) or decimal (2.09 h)", {"hms", "hm", "decimal"})),
-        setting("pomodoroEnabled", &Preferences::pomodoroEnabled, onOff),
-        setting("pomodoroMinutes", &Preferences::pomodoroMinutes, minutes("1 to 240 minutes of work", 240)),
-        setting("pomodoroBreakMinutes", &Preferences::pomodoroBreakMinutes,
-                minutes("1 to 120 minutes of rest", 120)),
-        setting("pomodoroAutoStop", &Preferences::pomodoroAutoStop, onOff),
-        setting("workspaceName", &Rules::name, freeText("the workspace's name", false)),
-        setting("currency", &Rules::currency, currency()),
-        setting("defaultHourlyRate", &Rules::defaultHourlyRate, rate()),
-        setting("requireDescription", &Rules::requireDescription, required),
-        setting("requireProject", &Rules::requireProject, required),
-        setting("requireTask", &Rules::requireTask, required),
-        setting("requireTag", &Rules::requireTag, required),
-        setting("onlyAdminsCreateProjects", &Rules::onlyAdminsCreateProjects,
-                toggle("on or off: clients and tasks too")),
-        setting("onlyAdminsCreateTags", &Rules::onlyAdminsCreateTags, onOff),
-        setting("lockedBefore", &Rules::lockedBefore, dayBegin()),
+        makeSetting("zone", &Profile::timeZone, zoneKind()),
+        makeSetting("fullName", &Profile::fullName, textKind("your name", true)),
+        makeSetting("weekStart", &Preferences::weekStart, weekdayKind()),
+        makeSetting("dateFormat", &Preferences::dateFormat,
+                    choiceKind("dd/MM/yyyy, MM/dd/yyyy, yyyy-MM-dd or dd.MM.yyyy",
+                               {"dd/MM/yyyy", "MM/dd/yyyy", "yyyy-MM-dd", "dd.MM.yyyy"})),
+        makeSetting("timeFormat", &Preferences::timeFormat, choiceKind("24h or 12h", {"24h", "12h"})),
+        makeSetting("durationFormat", &Preferences::durationFormat,
+                    choiceKind("hms (2:05:09), hm (2:05) or decimal (2.09 h)", {"hms", "hm", "decimal"})),
+        makeSetting("pomodoroEnabled", &Preferences::pomodoroEnabled, onOff),
+        makeSetting("pomodoroMinutes", &Preferences::pomodoroMinutes,
+                    minutesKind("1 to 240 minutes of work", 240)),
+        makeSetting("pomodoroBreakMinutes", &Preferences::pomodoroBreakMinutes,
+                    minutesKind("1 to 120 minutes of rest", 120)),
+        makeSetting("pomodoroAutoStop", &Preferences::pomodoroAutoStop, onOff),
+        makeSetting("workspaceName", &Rules::name, textKind("the workspace's name", false)),
+        makeSetting("currency", &Rules::currency, currencyKind()),
+        makeSetting("defaultHourlyRate", &Rules::defaultHourlyRate, rateKind()),
+        makeSetting("requireDescription", &Rules::requireDescription, required),
+        makeSetting("requireProject", &Rules::requireProject, required),
+        makeSetting("requireTask", &Rules::requireTask, required),
+        makeSetting("requireTag", &Rules::requireTag, required),
+        makeSetting("onlyAdminsCreateProjects", &Rules::onlyAdminsCreateProjects,
+                    toggleKind("on or off: clients and tasks too")),
+        makeSetting("onlyAdminsCreateTags", &Rules::onlyAdminsCreateTags, onOff),
+        makeSetting("lockedBefore", &Rules::lockedBefore, dayKind()),
     };
 }
 

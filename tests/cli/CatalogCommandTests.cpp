@@ -139,6 +139,11 @@ TEST_F(CatalogCommand, TellsAnUnknownNameAsUnknown)
         "There is no project \"Wesbite\". Did you mean \"Website\"? To make it: orvane projects add Wesbite");
     EXPECT_THAT(message(1, {"projects", "add", "Shop", "--client", "Big Corp"}),
                 HasSubstr("To make it: orvane clients add \"Big Corp\""));
+    const std::string old = id(done({"clients", "add", "Old Corp"}));
+    done({"clients", "archive", "Old Corp"});
+    EXPECT_EQ(message(1, {"projects", "edit", "Website", "--client", "old"}),
+              "The client \"Old Corp\" is archived. Take it back with: orvane clients restore " +
+                  old.substr(0, 8));
     EXPECT_THAT(message(1, {"projects", "archive", "Wesbite"}),
                 AllOf(HasSubstr("Did you mean \"Website\"?"), Not(HasSubstr("To make it"))));
 }
