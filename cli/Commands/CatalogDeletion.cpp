@@ -30,8 +30,6 @@ KindWords wordsFor(ItemKind kind)
     return {"tag", " is on ", "all entries with it lose it."};
 }
 
-} // namespace
-
 std::string useText(const CatalogDeletion &deletion, const CatalogUse &use, const UserTime &time)
 {
     const KindWords words = wordsFor(deletion.item.kind);
@@ -51,6 +49,8 @@ std::string useText(const CatalogDeletion &deletion, const CatalogUse &use, cons
         text += "\nTo put it away without loss instead: " + deletion.instead;
     return text;
 }
+
+} // namespace
 
 Task<Result<void, CommandFailure>> confirmDeletion(Context context, CatalogDeletion deletion)
 {
@@ -72,7 +72,7 @@ CommandFailure deletionFailure(const CallError &error, const CatalogDeletion &de
     const auto *answer = std::get_if<APIError>(&error);
     const bool isForRules = answer && answer->type == detailRequiredProblemType;
     return CommandFailure::of(error, isForRules && !deletion.instead.empty()
-                                         ? describe(error) + " To do so: " + deletion.instead
+                                         ? describe(error) + " Instead: " + deletion.instead
                                          : std::string());
 }
 

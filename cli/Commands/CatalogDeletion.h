@@ -19,9 +19,6 @@ struct CatalogDeletion {
     bool isYes = false; ///< the user's --yes
 };
 
-/// What hangs on it, in sentences for people.
-std::string useText(const CatalogDeletion &deletion, const CatalogUse &use, const UserTime &time);
-
 /// Tells what hangs on it and asks; with --yes neither. The account is open.
 Task<Result<void, CommandFailure>> confirmDeletion(Context context, CatalogDeletion deletion);
 

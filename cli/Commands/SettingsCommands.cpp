@@ -142,6 +142,14 @@ CommandTask setSetting(Context context, std::string key, std::string value)
     co_return CommandAnswer{.output = setting->name + " is " + (shown.empty() ? "empty" : shown) + " now.\n"};
 }
 
+std::string settingNames()
+{
+    std::string names;
+    for (const Setting &setting : settingList())
+        names += (names.empty() ? "" : ", ") + setting.name;
+    return names;
+}
+
 } // namespace
 
 void addSettingsCommands(CommandTree &tree)
@@ -161,8 +169,9 @@ void addSettingsCommands(CommandTree &tree)
     const auto value = std::make_shared<std::string>();
     CLI::App *set =
         CommandTree::addVerb(command, "set", "Change a setting; the workspace's are its administrators'");
-    CommandTree::addRequired(set, "KEY", *key, "Which, as orvane settings names it: zone, weekStart, …");
+    CommandTree::addRequired(set, "KEY", *key, "Which setting");
     CommandTree::addRequired(set, "VALUE", *value, "What it shall be");
+    CommandTree::addFooter(set, "A KEY is one of: " + settingNames() + ". What each wants: orvane settings");
     tree.onRun(set, [key, value](Context context) { return setSetting(std::move(context), *key, *value); });
 }
 

@@ -33,6 +33,15 @@ std::string listed(std::string_view kind, const std::vector<NamedItem> &items)
     return text;
 }
 
+/// The project that all of the tasks belong to; empty when there are several, or none.
+std::string projectOfAll(const std::vector<NamedItem> &tasks)
+{
+    const bool isOne = !tasks.empty() && std::ranges::all_of(tasks, [&](const NamedItem &task) {
+        return task.context == tasks.front().context;
+    });
+    return isOne ? tasks.front().context : std::string();
+}
+
 /// Where one is near it is named, else all that there are.
 std::string unknownText(std::string_view kind, std::string_view typed, const std::vector<NamedItem> &items,
                         LookupPurpose purpose)
@@ -42,7 +51,8 @@ std::string unknownText(std::string_view kind, std::string_view typed, const std
     for (const NamedItem &item : items)
         names.push_back(item.name);
     const std::string near = didYouMean(typed, names);
-    const std::string making = purpose == LookupPurpose::use ? makingCommand(kind, typed) : "";
+    const std::string making =
+        purpose == LookupPurpose::use ? makingCommand(kind, typed, projectOfAll(items)) : "";
     std::string text = "There is no " + sort + " " + quoted(typed);
     text += items.empty() && making.empty() ? ": there are no " + sort + "s yet." : "." + near;
     if (!making.empty())
@@ -54,13 +64,14 @@ std::string unknownText(std::string_view kind, std::string_view typed, const std
 
 } // namespace
 
-std::string makingCommand(std::string_view kind, std::string_view name)
+std::string makingCommand(std::string_view kind, std::string_view name, std::string_view project)
 {
     constexpr std::array<std::string_view, 4> kinds{"project", "client", "tag", "task"};
     if (name.empty() || std::ranges::find(kinds, kind) == kinds.end())
         return {};
     const std::string argument = (name.starts_with('-') ? "-- " : "") + shellArgument(name);
-    return "orvane " + std::string(kind) + "s add " + (kind == "task" ? "PROJECT " : "") + argument;
+    const std::string where = project.empty() ? "PROJECT" : shellArgument(project);
+    return "orvane " + std::string(kind) + "s add " + (kind == "task" ? where + " " : "") + argument;
 }
 
 std::string lookupText(std::string_view kind, std::string_view typed, const NoSingleItem &error,

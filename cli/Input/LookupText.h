@@ -15,8 +15,9 @@ namespace orvane {
 /// change the thing itself.
 enum class LookupPurpose { use, change };
 
-/// The command that makes such a thing ("orvane tags add review"); empty for what no command makes.
-std::string makingCommand(std::string_view kind, std::string_view name);
+/// The command that makes such a thing ("orvane tags add review"); empty for what no command makes. A task
+/// is made in a `project`; empty: in one that is left to be named.
+std::string makingCommand(std::string_view kind, std::string_view name, std::string_view project = {});
 
 /// Sentences that say what could have been meant, and how to make what is not there.
 std::string lookupText(std::string_view kind, std::string_view typed, const NoSingleItem &error,

@@ -29,7 +29,7 @@ TEST(LookupText, SaysHowToMakeWhatIsNotThere)
     };
     EXPECT_EQ(unknown("tag", "newtag", {}), "There is no tag \"newtag\". To make it: orvane tags add newtag");
     EXPECT_EQ(unknown("task", "x", {{"0a11c0de-0000", "Design", "Website"}}),
-              "There is no task \"x\". To make it: orvane tasks add PROJECT x\nThere are:\n"
+              "There is no task \"x\". To make it: orvane tasks add Website x\nThere are:\n"
               "  0a11c0de  Design of Website");
     EXPECT_EQ(unknown("project", "Web sit", websites),
               "There is no project \"Web sit\". Did you mean \"Website\"? To make it: "
@@ -52,6 +52,7 @@ TEST(LookupText, QuotesCommandsForTheShell)
     EXPECT_EQ(makingCommand("tag", "-x"), "orvane tags add -- -x");
     EXPECT_EQ(makingCommand("tag", "$(rm) 'it'"), "orvane tags add '$(rm) '\\''it'\\'''");
     EXPECT_EQ(makingCommand("tag", "a\nb"), "orvane tags add \"a b\"");
+    EXPECT_EQ(makingCommand("task", "x"), "orvane tasks add PROJECT x");
     EXPECT_EQ(makingCommand("entry", "x"), "");
 }
 
