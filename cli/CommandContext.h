@@ -61,6 +61,8 @@ public:
     /// Null before it was opened.
     Account *account() const { return m_account.get(); }
 
+    /// The user was asked something and has answered: the time they took is not the server's.
+    void noteAnswer() { m_patience.restart(); }
     /// How long the command has been at it.
     std::chrono::milliseconds waited() const { return m_moment.held(); }
     /// Sends what waits, with a progress bar, for as long as the server goes on answering. Does nothing for

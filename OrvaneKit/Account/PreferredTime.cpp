@@ -100,4 +100,17 @@ Task<PreferredTime> storedTime(const Installation &installation, const std::opti
     return timeFromStore(storePath(installation, server), std::move(zone));
 }
 
+std::optional<std::string> differingSystemZone(const MeResponse &me, Instant now)
+{
+    constexpr std::chrono::days halfYear{182};
+    const auto system = systemZone();
+    const auto here = system ? UserTime::make(*system) : std::nullopt;
+    const auto account = UserTime::make(me.timeZone);
+    if (!here || !account)
+        return std::nullopt;
+    const bool isSame = here->offset(now) == account->offset(now) &&
+                        here->offset(now + halfYear) == account->offset(now + halfYear);
+    return isSame ? std::nullopt : std::optional(*system);
+}
+
 } // namespace orvane

@@ -31,4 +31,8 @@ PreferredTime preferredTime(const MeResponse &me, const std::optional<std::strin
 Task<PreferredTime> storedTime(const Installation &installation, const std::optional<std::string> &server,
                                std::optional<std::string> zone);
 
+/// The computer's zone when its clock shows other times than the account's, today or half a year from now;
+/// nothing when both show the same, whatever they are called, and when either is not known here.
+std::optional<std::string> differingSystemZone(const MeResponse &me, Instant now);
+
 } // namespace orvane

@@ -7,7 +7,7 @@ namespace {
 
 Result<std::string, NoSingleItem> lookUpIn(std::string_view typed, const std::vector<NamedItem> &items)
 {
-    const auto found = lookUp(typed, items);
+    const auto found = lookUpActive(typed, items);
     if (!found)
         return failure(found.error());
     return items[*found].id;
@@ -20,7 +20,8 @@ std::vector<NamedItem> namedItems(const std::vector<ProjectResponse> &projects, 
     std::vector<NamedItem> items;
     for (const ProjectResponse &project : projects) {
         const ClientResponse *client = project.clientId ? catalog.client(*project.clientId) : nullptr;
-        items.push_back({project.id, project.name, client ? client->name : std::string()});
+        items.push_back(
+            {project.id, project.name, client ? client->name : std::string(), project.isArchived});
     }
     return items;
 }
@@ -29,7 +30,7 @@ std::vector<NamedItem> namedItems(const std::vector<ClientResponse> &clients)
 {
     std::vector<NamedItem> items;
     for (const ClientResponse &client : clients)
-        items.push_back({client.id, client.name});
+        items.push_back({client.id, client.name, {}, client.isArchived});
     return items;
 }
 
@@ -63,17 +64,7 @@ std::vector<TaskResponse> tasksOf(const Catalog &catalog, const std::optional<st
 
 Result<std::string, NoSingleItem> lookUpProject(std::string_view typed, const Catalog &catalog)
 {
-    std::vector<ProjectResponse> active;
-    std::vector<ProjectResponse> archived;
-    for (const ProjectResponse &project : catalog.projects())
-        (project.isArchived ? archived : active).push_back(project);
-    const auto found = lookUpIn(typed, namedItems(active, catalog));
-    if (found)
-        return found;
-    const std::vector<NamedItem> away = namedItems(archived, catalog);
-    if (const auto old = lookUp(typed, away))
-        return failure(NoSingleItem{NoSingleItem::Why::archived, {away[*old]}});
-    return found;
+    return lookUpIn(typed, namedItems(catalog.projects(), catalog));
 }
 
 Result<std::string, NoSingleItem> lookUpTask(std::string_view typed, const Catalog &catalog,

@@ -67,6 +67,27 @@ Result<std::size_t, NoSingleItem> lookUp(std::string_view typed, const std::vect
     return failure(ambiguous(items, matches));
 }
 
+Result<std::size_t, NoSingleItem> lookUpActive(std::string_view typed, const std::vector<NamedItem> &items)
+{
+    std::vector<NamedItem> active;
+    std::vector<std::size_t> places;
+    std::vector<NamedItem> archived;
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        if (items[i].isArchived) {
+            archived.push_back(items[i]);
+        } else {
+            active.push_back(items[i]);
+            places.push_back(i);
+        }
+    }
+    const auto found = lookUp(typed, active);
+    if (found)
+        return places[*found];
+    if (const auto old = lookUp(typed, archived))
+        return failure(NoSingleItem{NoSingleItem::Why::archived, {archived[*old]}});
+    return found;
+}
+
 Result<std::string, NoSingleId> lookUpId(std::string_view typed, const std::vector<std::string> &ids)
 {
     std::vector<std::string> matches;

@@ -17,6 +17,7 @@ struct NamedItem {
     std::string name;
     /// What tells it apart from others of its name: a project's client, a task's project. May be empty.
     std::string context = {};
+    bool isArchived = false;
 
     bool operator==(const NamedItem &) const = default;
 };
@@ -39,6 +40,9 @@ struct NoSingleItem {
 /// plays no part), else the only one whose name or identifier (of at least four characters) begins with it.
 /// Gives its place.
 Result<std::size_t, NoSingleItem> lookUp(std::string_view typed, const std::vector<NamedItem> &items);
+
+/// The same among what is not put away. Naming what is deserves a better answer than "unknown".
+Result<std::size_t, NoSingleItem> lookUpActive(std::string_view typed, const std::vector<NamedItem> &items);
 
 /// How many identifiers begin with what was typed: none, or too many.
 struct NoSingleId {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Time/TypedDay.h"
 
+#include "Support/Require.h"
 #include "Time/TextScanner.h"
 
 #include <array>
@@ -29,11 +30,25 @@ std::optional<DayKey> parseTypedDay(std::string_view text, DayKey today)
         return today;
     if (isWord(text, "yesterday"))
         return today.adding(-1);
+    if (const auto weekday = parseTypedWeekday(text))
+        return today.adding(-((today.weekday() - *weekday + 7) % 7));
+    return DayKey::parse(text);
+}
+
+std::optional<int> parseTypedWeekday(std::string_view text)
+{
+    text = TextScanner::trimmed(text);
     for (std::size_t i = 0; i < weekdays.size(); ++i) {
         if (text.size() >= leastLetters && isWord(text, weekdays[i].substr(0, text.size())))
-            return today.adding(-((today.weekday() - static_cast<int>(i) + 7) % 7));
+            return static_cast<int>(i);
     }
-    return DayKey::parse(text);
+    return std::nullopt;
+}
+
+std::string_view weekdayName(int weekday)
+{
+    ORVANE_REQUIRE(weekday >= 0 && weekday < static_cast<int>(weekdays.size()), "no such weekday");
+    return weekdays[static_cast<std::size_t>(weekday)];
 }
 
 } // namespace orvane

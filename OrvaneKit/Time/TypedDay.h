@@ -13,4 +13,9 @@ namespace orvane {
 /// other text. Any thread.
 std::optional<DayKey> parseTypedDay(std::string_view text, DayKey today);
 
+/// The weekday that a typed text names in the same way: 0 for Sunday to 6 for Saturday.
+std::optional<int> parseTypedWeekday(std::string_view text);
+/// "monday"; the number is 0 to 6.
+std::string_view weekdayName(int weekday);
+
 } // namespace orvane

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Tracker/CatalogEditor.h"
 
+#include "Time/AppClock.h"
+#include "Tracker/Overlay.h"
 #include "Tracker/Tracker.h"
+
+#include <set>
 
 namespace orvane {
 
@@ -15,6 +19,23 @@ Task<CallResult<T>> thenReloaded(QPointer<Tracker> tracker, Task<CallResult<T>> 
     if (result && tracker)
         co_await tracker->reloadCatalog();
     co_return result;
+}
+
+Task<CallResult<CatalogUse>> useAmong(QPointer<Tracker> tracker, CatalogItem item,
+                                      Task<CallResult<std::vector<TimeEntryResponse>>> listing)
+{
+    auto listed = co_await listing;
+    if (!listed)
+        co_return failure(std::move(listed.error()));
+    if (!tracker)
+        co_return failure(CallError(ConnectionError{}));
+    const std::vector<EntryChange> changes = tracker->outbox().changes();
+    std::set<std::string> waiting;
+    for (const EntryChange &change : changes)
+        waiting.insert(change.entryId());
+    // A timer that runs in this workspace is among the listed ones.
+    const ShownEntries shown = overlay(std::move(*listed), std::nullopt, changes, tracker->workspace().id);
+    co_return CatalogUse::of(item, shown.entries, waiting, AppClock::now());
 }
 
 } // namespace
@@ -104,6 +125,13 @@ Task<CallResult<TagResponse>> CatalogEditor::renameTag(std::string id, std::stri
 Task<CallResult<void>> CatalogEditor::deleteTag(std::string id)
 {
     return thenReloaded(m_tracker, m_client.deleteTag(m_workspace, std::move(id)));
+}
+
+Task<CallResult<CatalogUse>> CatalogEditor::useOf(CatalogItem item)
+{
+    // The last instant that can be written: a plan for next year is an entry too.
+    const Instant end = instantLimit - std::chrono::milliseconds{1};
+    return useAmong(m_tracker, std::move(item), m_client.listTimeEntries(m_workspace, earliestInstant, end));
 }
 
 } // namespace orvane

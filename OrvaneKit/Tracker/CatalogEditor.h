@@ -5,6 +5,7 @@
 #include "Client/OrvaneClient.h"
 #include "OrvaneAPI/Schemas.h"
 #include "Support/Task.h"
+#include "Tracker/CatalogUse.h"
 
 #include <QPointer>
 #include <string>
@@ -48,6 +49,10 @@ public:
     Task<CallResult<TagResponse>> createTag(std::string name);
     Task<CallResult<TagResponse>> renameTag(std::string id, std::string name);
     Task<CallResult<void>> deleteTag(std::string id);
+
+    /// What of the user's time a deletion would touch: of all their entries at the server, with the changes
+    /// on top that wait in the outbox.
+    Task<CallResult<CatalogUse>> useOf(CatalogItem item);
 
 private:
     OrvaneClient &m_client;

@@ -18,4 +18,14 @@ Task<Result<Account *, CommandFailure>> openOnline(Context context)
     co_return static_cast<Account *>(*opened);
 }
 
+Task<Result<ProjectResponse, CommandFailure>> projectOf(Context context, std::string typed,
+                                                        LookupPurpose purpose)
+{
+    const Tracker &tracker = context->account()->tracker();
+    const auto projects = co_await context->account()->client().listProjects(tracker.workspace().id, true);
+    co_return chosenOf(projects, "project", typed,
+                       projects ? namedItems(*projects, tracker.catalog()) : std::vector<NamedItem>(),
+                       purpose);
+}
+
 } // namespace orvane

@@ -22,6 +22,10 @@ namespace orvane {
 /// The account, ready for a change that needs the server; a failure when the server is away.
 Task<Result<Account *, CommandFailure>> openOnline(Context context);
 
+/// The project that a typed name or identifier means, out of those that the server lists now.
+Task<Result<ProjectResponse, CommandFailure>> projectOf(Context context, std::string typed,
+                                                        LookupPurpose purpose);
+
 /// The editor of the account's workspace.
 inline CatalogEditor catalogEditor(Account &account)
 {
@@ -59,11 +63,12 @@ CommandResult answerWithout(const CommandContext &context, const CallResult<void
 /// The item that a typed name or identifier means, out of those that the server just listed.
 template <class T>
 Result<T, CommandFailure> chosenOf(const CallResult<std::vector<T>> &items, std::string_view kind,
-                                   const std::string &typed, const std::vector<NamedItem> &named)
+                                   const std::string &typed, const std::vector<NamedItem> &named,
+                                   LookupPurpose purpose)
 {
     if (!items)
         return failure(CommandFailure::of(items.error()));
-    const auto found = choose(kind, typed, named);
+    const auto found = choose(kind, typed, named, purpose);
     if (!found)
         return failure(CommandFailure::of(found.error()));
     return (*items)[*found];

@@ -12,6 +12,7 @@ void addCommands(CommandTree &tree)
     addListCommand(tree);
     addActivityCommand(tree);
     addProjectCommands(tree);
+    addTaskCommands(tree);
     addCatalogCommands(tree);
     addSignInCommands(tree);
     addSettingsCommands(tree);

@@ -17,6 +17,7 @@ void addQuickEntryCommands(CommandTree &tree);
 void addListCommand(CommandTree &tree);
 void addActivityCommand(CommandTree &tree);
 void addProjectCommands(CommandTree &tree);
+void addTaskCommands(CommandTree &tree);
 void addCatalogCommands(CommandTree &tree);
 void addSignInCommands(CommandTree &tree);
 void addSettingsCommands(CommandTree &tree);

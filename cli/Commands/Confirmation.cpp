@@ -19,7 +19,7 @@ bool isConsent(std::string_view answer)
 
 } // namespace
 
-Result<void, CommandFailure> confirm(const CommandContext &context, const std::string &facts,
+Result<void, CommandFailure> confirm(CommandContext &context, const std::string &facts,
                                      const std::string &question, bool isYes)
 {
     if (isYes)
@@ -28,7 +28,9 @@ Result<void, CommandFailure> confirm(const CommandContext &context, const std::s
     if (context.json() || !canAsk())
         return failure(
             CommandFailure::usage(before + "This asks first, and nobody can be asked here. To do it: --yes"));
-    if (!isConsent(ask(before + question + " [y/N] ", false)))
+    const std::string answer = ask(before + question + " [y/N] ", false);
+    context.noteAnswer();
+    if (!isConsent(answer))
         return failure(CommandFailure::of("Nothing was changed."));
     return {};
 }

@@ -10,7 +10,7 @@ namespace orvane {
 
 /// Whether the user wants it: `isYes` (their --yes) says so beforehand, else they are shown `facts` and asked
 /// `question` ("Delete the project Website?"). Refused where nobody can be asked, for programs too.
-Result<void, CommandFailure> confirm(const CommandContext &context, const std::string &facts,
+Result<void, CommandFailure> confirm(CommandContext &context, const std::string &facts,
                                      const std::string &question, bool isYes);
 
 /// What the option --yes is, for the help text.

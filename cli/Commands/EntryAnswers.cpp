@@ -120,7 +120,7 @@ std::string outcomeText(const CommandContext &context, const SaveResult &result,
     const auto entry = shapes::entry(result.entry, tracker.catalog(), AppClock::now());
     if (isDone(result.outcome))
         return shapes::text(
-            shapes::Outcome{result.outcome, result.isQueued, entry, text(result.message), notes});
+            shapes::Outcome{result.outcome, result.isQueued, entry, text(messageOf(result)), notes});
     const CommandFailure failure = result.error ? CommandFailure::of(*result.error, messages.front())
                                                 : CommandFailure::of(messages.front());
     if (result.outcome == SaveOutcome::needsDetails)

@@ -3,8 +3,12 @@
 
 #include "Catalog/NameOrder.h"
 #include "Catalog/ProjectColor.h"
+#include "Catalog/TypedAmounts.h"
 #include "CommandTree.h"
 #include "Commands/CatalogAnswers.h"
+#include "Commands/CatalogDeletion.h"
+#include "Commands/Confirmation.h"
+#include "Input/ProjectOptions.h"
 
 #include <algorithm>
 
@@ -12,18 +16,62 @@ namespace orvane {
 
 namespace {
 
-struct NewProject {
-    ProjectFields fields;
-    std::optional<std::string> client; ///< as typed
-    std::optional<std::string> colour;
-};
+std::string rateOf(const ProjectResponse &project, const Tracker &tracker)
+{
+    const std::string currency = tracker.settings() ? " " + tracker.settings()->currency : std::string();
+    return project.hourlyRate ? rateText(*project.hourlyRate) + printable(currency) + "/h" : std::string();
+}
+
+std::string estimateOf(const ProjectResponse &project, const Tracker &tracker)
+{
+    return project.estimateSeconds ? tracker.time().duration(static_cast<double>(*project.estimateSeconds))
+                                   : std::string();
+}
+
+std::string clientNameOf(const ProjectResponse &project, const Catalog &catalog)
+{
+    const ClientResponse *client = project.clientId ? catalog.client(*project.clientId) : nullptr;
+    return client ? printable(client->name) : std::string();
+}
+
+/// "billable, 12.50 EUR/h, 40:00 planned, private".
+std::string factsOf(const ProjectResponse &project, const Tracker &tracker)
+{
+    const std::string estimate = estimateOf(project, tracker);
+    std::string text;
+    for (const std::string &fact :
+         {std::string(project.isBillable ? "billable" : ""), rateOf(project, tracker),
+          estimate.empty() ? "" : estimate + " planned", std::string(project.isPrivate ? "private" : ""),
+          std::string(project.isArchived ? "archived" : "")}) {
+        if (!fact.empty())
+            text += (text.empty() ? "" : ", ") + fact;
+    }
+    return text;
+}
+
+/// Line by line, so that nothing of it has to be cut.
+std::string changedText(const ProjectResponse &project, const Tracker &tracker, const TerminalStyle &style)
+{
+    const auto orNone = [](const std::string &text) { return text.empty() ? "none" : text; };
+    TextTable table({{}, {.shrinksTo = 12}});
+    const auto add = [&](const char *what, const std::string &value) {
+        table.add({TextCell(what, quiet), TextCell(value)});
+    };
+    add("client", orNone(clientNameOf(project, tracker.catalog())));
+    add("rate", project.hourlyRate ? rateOf(project, tracker) : "the workspace's");
+    add("estimate", orNone(estimateOf(project, tracker)));
+    add("billable", project.isBillable ? "yes" : "no");
+    add("private", project.isPrivate ? "yes" : "no");
+    return "Changed the project " + printable(project.name) + "  " + project.id.substr(0, 8) + "\n" +
+           table.render(style);
+}
 
 TextCell named(const ProjectResponse &project)
 {
     return TextCell(printable(project.name), {.ownColour = colourFromText(project.color)});
 }
 
-std::string projectTable(std::vector<ProjectResponse> projects, const Catalog &catalog,
+std::string projectTable(std::vector<ProjectResponse> projects, const Tracker &tracker,
                          const TerminalStyle &style)
 {
     if (projects.empty())
@@ -35,19 +83,14 @@ std::string projectTable(std::vector<ProjectResponse> projects, const Catalog &c
     for (const ProjectResponse &project : projects)
         ids.push_back(project.id);
     ids = shortIds(ids);
-    TextTable table({{}, {.shrinksTo = 12}, {.shrinksTo = 10}, {}, {}});
+    TextTable table({{}, {.shrinksTo = 12}, {.shrinksTo = 8}, {}, {.shrinksTo = 8}});
     for (std::size_t i = 0; i < projects.size(); ++i) {
         const ProjectResponse &project = projects[i];
-        const ClientResponse *client = project.clientId ? catalog.client(*project.clientId) : nullptr;
         const auto tasks = static_cast<std::int64_t>(project.tasks.size());
-        std::string marks = project.isBillable ? "billable" : "";
-        for (const auto &[is, mark] :
-             {std::pair{project.isPrivate, "private"}, std::pair{project.isArchived, "archived"}}) {
-            if (is)
-                marks += (marks.empty() ? "" : ", ") + std::string(mark);
-        }
-        table.add({TextCell(ids[i], quiet), named(project), TextCell(client ? printable(client->name) : ""),
-                   TextCell(tasks > 0 ? counted(tasks, "task") : "", quiet), TextCell(marks, quiet)});
+        table.add({TextCell(ids[i], quiet), named(project),
+                   TextCell(clientNameOf(project, tracker.catalog())),
+                   TextCell(tasks > 0 ? counted(tasks, "task") : "", quiet),
+                   TextCell(factsOf(project, tracker), quiet)});
     }
     return table.render(style);
 }
@@ -75,54 +118,85 @@ CommandTask listProjects(Context context, bool archivedToo)
     if (context->json())
         co_return CommandAnswer{.output = shapes::text(projects)};
     co_return CommandAnswer{
-        .output =
-            projectTable(std::move(projects), context->account()->tracker().catalog(), context->style())};
+        .output = projectTable(std::move(projects), context->account()->tracker(), context->style())};
 }
 
-CommandTask addProject(Context context, NewProject project)
+/// The fields with what the options say, the client looked up at the server.
+Task<Result<ProjectFields, CommandFailure>> withOptions(Context context, ProjectFields fields,
+                                                        ProjectOptions options)
 {
+    auto changed = options.appliedTo(std::move(fields));
+    if (!changed)
+        co_return failure(CommandFailure::usage(changed.error()));
+    if (options.client && options.client->empty()) {
+        changed->clientId.reset();
+    } else if (options.client) {
+        Account &account = *context->account();
+        const auto clients = co_await account.client().listClients(account.tracker().workspace().id, true);
+        const auto client =
+            chosenOf(clients, "client", *options.client,
+                     clients ? namedItems(*clients) : std::vector<NamedItem>(), LookupPurpose::use);
+        if (!client)
+            co_return failure(client.error());
+        changed->clientId = client->id;
+    }
+    co_return std::move(*changed);
+}
+
+CommandTask addProject(Context context, ProjectOptions options)
+{
+    if (const auto checked = options.appliedTo({}); !checked)
+        co_return failure(CommandFailure::usage(checked.error()));
     const auto opened = co_await openOnline(context);
     if (!opened)
         co_return failure(opened.error());
-    if (project.client) {
-        const auto clients = co_await (*opened)->client().listClients((*opened)->tracker().workspace().id);
-        const auto client = chosenOf(clients, "client", *project.client,
-                                     clients ? namedItems(*clients) : std::vector<NamedItem>());
-        if (!client)
-            co_return failure(client.error());
-        project.fields.clientId = client->id;
-    }
-    const std::size_t known = (*opened)->tracker().catalog().projects().size();
-    project.fields.color = project.colour.value_or(newProjectColor(known));
-    co_return answerMade(*context, co_await catalogEditor(**opened).createProject(std::move(project.fields)),
+    ProjectFields plain;
+    plain.color = newProjectColor((*opened)->tracker().catalog().projects().size());
+    auto fields = co_await withOptions(context, std::move(plain), options);
+    if (!fields)
+        co_return failure(fields.error());
+    co_return answerMade(*context, co_await catalogEditor(**opened).createProject(std::move(*fields)),
                          "the project");
 }
 
-/// The project that a typed name or identifier means, out of those that the server lists now.
-Task<Result<ProjectResponse, CommandFailure>> projectOf(Context context, std::string typed, bool archivedToo)
+CommandTask editProject(Context context, std::string typed, ProjectOptions options)
 {
-    const Tracker &tracker = context->account()->tracker();
-    const auto projects =
-        co_await context->account()->client().listProjects(tracker.workspace().id, archivedToo);
-    co_return chosenOf(projects, "project", typed,
-                       projects ? namedItems(*projects, tracker.catalog()) : std::vector<NamedItem>());
+    if (options == ProjectOptions())
+        co_return failure(CommandFailure::usage("Say what to change, such as --name or --rate. See: orvane "
+                                                "projects edit --help"));
+    if (const auto checked = options.appliedTo({}); !checked)
+        co_return failure(CommandFailure::usage(checked.error()));
+    const auto opened = co_await openOnline(context);
+    if (!opened)
+        co_return failure(opened.error());
+    const auto project = co_await projectOf(context, typed, LookupPurpose::change);
+    if (!project)
+        co_return failure(project.error());
+    auto fields = co_await withOptions(context, ProjectFields::of(*project), options);
+    if (!fields)
+        co_return failure(fields.error());
+    const auto changed = co_await catalogEditor(**opened).updateProject(project->id, std::move(*fields));
+    if (!changed || context->json())
+        co_return answerWith(*context, changed, "");
+    // For the currency.
+    Tracker &tracker = (*opened)->tracker();
+    if (!tracker.settings())
+        co_await tracker.refresh(Topic::settings);
+    co_return CommandAnswer{.output = changedText(*changed, tracker, context->style())};
 }
 
-enum class ProjectVerb { archive, restore, remove };
+enum class ProjectVerb { archive, restore };
 
 CommandTask changeProject(Context context, std::string typed, ProjectVerb verb)
 {
     const auto opened = co_await openOnline(context);
     if (!opened)
         co_return failure(opened.error());
-    const auto project = co_await projectOf(context, typed, true);
+    const auto project = co_await projectOf(context, typed, LookupPurpose::change);
     if (!project)
         co_return failure(project.error());
     CatalogEditor editor = catalogEditor(**opened);
     const std::string name = printable(project->name);
-    if (verb == ProjectVerb::remove)
-        co_return answerWithout(*context, co_await editor.deleteProject(project->id), *project,
-                                "Deleted the project " + name);
     if (verb == ProjectVerb::archive)
         co_return answerWith(*context, co_await editor.archiveProject(project->id),
                              "Archived the project " + name);
@@ -130,61 +204,26 @@ CommandTask changeProject(Context context, std::string typed, ProjectVerb verb)
                          "Restored the project " + name);
 }
 
-CommandTask listTasks(Context context)
-{
-    const auto opened = co_await context->openAccount();
-    if (!opened)
-        co_return failure(opened.error());
-    co_await context->bringUpToDate();
-    const Catalog &catalog = (*opened)->tracker().catalog();
-    const std::vector<TaskResponse> tasks = tasksOf(catalog);
-    if (context->json())
-        co_return CommandAnswer{.output = shapes::text(tasks)};
-    if (tasks.empty())
-        co_return CommandAnswer{
-            .output = "There are no tasks yet. Make one with: orvane tasks add PROJECT \"Design\"\n"};
-    std::vector<std::string> ids;
-    for (const TaskResponse &task : tasks)
-        ids.push_back(task.id);
-    ids = shortIds(ids);
-    TextTable table({{}, {.shrinksTo = 12}, {.shrinksTo = 12}, {}});
-    for (std::size_t i = 0; i < tasks.size(); ++i) {
-        const ProjectResponse *project = catalog.project(tasks[i].projectId);
-        table.add({TextCell(ids[i], quiet), TextCell(printable(tasks[i].name)),
-                   project ? named(*project) : TextCell(), TextCell(tasks[i].isActive ? "" : "done", quiet)});
-    }
-    co_return CommandAnswer{.output = table.render(context->style())};
-}
-
-CommandTask addTask(Context context, std::string typedProject, std::string name)
+CommandTask deleteProject(Context context, std::string typed, bool isYes)
 {
     const auto opened = co_await openOnline(context);
     if (!opened)
         co_return failure(opened.error());
-    const auto project = co_await projectOf(context, typedProject, false);
+    const auto project = co_await projectOf(context, typed, LookupPurpose::change);
     if (!project)
         co_return failure(project.error());
-    const auto made = co_await catalogEditor(**opened).createTask(project->id, std::move(name));
-    co_return answerWith(*context, made,
-                         made ? "Added the task " + printable(made->name) + " to " +
-                                    printable(project->name) + "  " + made->id.substr(0, 8)
-                              : std::string());
-}
-
-CommandTask deleteTask(Context context, std::string typed)
-{
-    const auto opened = co_await openOnline(context);
-    if (!opened)
-        co_return failure(opened.error());
-    co_await context->bringUpToDate();
-    const Catalog &catalog = (*opened)->tracker().catalog();
-    const std::vector<TaskResponse> tasks = tasksOf(catalog);
-    const auto task = chosenOf<TaskResponse>(CallResult<std::vector<TaskResponse>>(tasks), "task", typed,
-                                             namedItems(tasks, catalog));
-    if (!task)
-        co_return failure(task.error());
-    co_return answerWithout(*context, co_await catalogEditor(**opened).deleteTask(task->projectId, task->id),
-                            *task, "Deleted the task " + printable(task->name));
+    CatalogDeletion deletion{
+        .item = {CatalogItem::Kind::project, project->id}, .name = project->name, .isYes = isYes};
+    const std::size_t tasks = project->tasks.size();
+    if (tasks > 0)
+        deletion.alsoLost = tasks == 1 ? "Its task is deleted with it."
+                                       : "Its " + std::to_string(tasks) + " tasks are deleted with it.";
+    if (!project->isArchived)
+        deletion.instead = "orvane projects archive " + project->id.substr(0, 8);
+    if (const auto wanted = co_await confirmDeletion(context, deletion); !wanted)
+        co_return failure(wanted.error());
+    co_return answerDeletion(*context, co_await catalogEditor(**opened).deleteProject(project->id), *project,
+                             deletion, "Deleted the project " + printable(project->name));
 }
 
 const std::string projectText = "A name or an identifier";
@@ -198,21 +237,20 @@ void addProjectVerb(CommandTree &tree, CLI::App *projects, const char *name, con
     tree.onRun(command, [id, verb](Context context) { return changeProject(std::move(context), *id, verb); });
 }
 
-void addTaskCommands(CommandTree &tree, const std::string &group)
+/// What `add` and `edit` have in common.
+void addProjectOptions(CLI::App *command, ProjectOptions &options)
 {
-    CLI::App *tasks = tree.add("tasks", "List the tasks of the projects, or change them", group);
-    tree.onRun(tasks, listTasks);
-    const auto project = std::make_shared<std::string>();
-    const auto name = std::make_shared<std::string>();
-    CLI::App *add = CommandTree::addVerb(tasks, "add", "Make a task of a project");
-    CommandTree::addRequired(add, "PROJECT", *project, projectText);
-    CommandTree::addRequired(add, "NAME", *name, "The task's name");
-    tree.onRun(add,
-               [project, name](Context context) { return addTask(std::move(context), *project, *name); });
-    const auto id = std::make_shared<std::string>();
-    CLI::App *remove = CommandTree::addVerb(tasks, "delete", "Delete a task");
-    CommandTree::addRequired(remove, "ID", *id, "A name or an identifier");
-    tree.onRun(remove, [id](Context context) { return deleteTask(std::move(context), *id); });
+    CommandTree::addText(command, "--client", options.client, "CLIENT",
+                         "Whom it is for: a name or an identifier; \"\" for nobody");
+    CommandTree::addText(command, "--color", options.color, "RRGGBB", "Its colour, such as 33aa77");
+    CommandTree::addText(command, "--rate", options.rate, "AMOUNT",
+                         "What an hour costs, such as 80 or 12.50; \"\" for the workspace's rate");
+    CommandTree::addText(command, "--estimate", options.estimate, "LENGTH",
+                         "How long it is planned to take, such as 40h or 1:30; \"\" for no plan");
+    CommandTree::addSwitch(command, "billable", options.isBillable, "Its time can be billed",
+                           "Its time cannot be billed");
+    CommandTree::addSwitch(command, "private", options.isPrivate, "Only its members see it",
+                           "All of the workspace see it");
 }
 
 } // namespace
@@ -226,20 +264,30 @@ void addProjectCommands(CommandTree &tree)
     tree.onRun(projects,
                [archivedToo](Context context) { return listProjects(std::move(context), *archivedToo); });
 
-    const auto project = std::make_shared<NewProject>();
+    const auto made = std::make_shared<ProjectOptions>();
+    made->name.emplace();
     CLI::App *add = CommandTree::addVerb(projects, "add", "Make a project");
-    CommandTree::addRequired(add, "NAME", project->fields.name, "The project's name");
-    CommandTree::addText(add, "--client", project->client, "CLIENT",
-                         "Whom it is for: a name or an identifier");
-    CommandTree::addText(add, "--color", project->colour, "#RRGGBB",
-                         "Its colour; one is chosen unless it is named");
-    CommandTree::addFlag(add, "--billable", project->fields.isBillable, "Its time can be billed");
-    CommandTree::addFlag(add, "--private", project->fields.isPrivate, "Only its members see it");
-    tree.onRun(add, [project](Context context) { return addProject(std::move(context), *project); });
+    CommandTree::addRequired(add, "NAME", *made->name, "The project's name");
+    addProjectOptions(add, *made);
+    tree.onRun(add, [made](Context context) { return addProject(std::move(context), *made); });
+
+    const auto edited = std::make_shared<ProjectOptions>();
+    const auto id = std::make_shared<std::string>();
+    CLI::App *edit = CommandTree::addVerb(projects, "edit", "Change a project; what is not named stays");
+    CommandTree::addRequired(edit, "ID", *id, projectText);
+    CommandTree::addText(edit, "--name", edited->name, "NAME", "Its name");
+    addProjectOptions(edit, *edited);
+    tree.onRun(edit, [id, edited](Context context) { return editProject(std::move(context), *id, *edited); });
+
     addProjectVerb(tree, projects, "archive", "Put a project away; its entries stay", ProjectVerb::archive);
     addProjectVerb(tree, projects, "restore", "Take a project back from the archive", ProjectVerb::restore);
-    addProjectVerb(tree, projects, "delete", "Delete a project", ProjectVerb::remove);
-    addTaskCommands(tree, group);
+    const auto isYes = std::make_shared<bool>(false);
+    CLI::App *remove = CommandTree::addVerb(projects, "delete",
+                                            "Delete a project for good; asks first, and says what is on it");
+    CommandTree::addRequired(remove, "ID", *id, projectText);
+    CommandTree::addFlag(remove, "--yes", *isYes, yesText);
+    tree.onRun(remove,
+               [id, isYes](Context context) { return deleteProject(std::move(context), *id, *isYes); });
 }
 
 } // namespace orvane

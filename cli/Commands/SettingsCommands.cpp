@@ -3,11 +3,10 @@
 
 #include "CommandTree.h"
 #include "Commands/CatalogAnswers.h"
+#include "Input/SettingList.h"
 #include "Output/JsonShapes.h"
+#include "Output/SettingsShapes.h"
 #include "Terminal/TextWidth.h"
-
-#include <QString>
-#include <array>
 
 namespace orvane {
 
@@ -45,7 +44,7 @@ CommandTask useWorkspace(Context context, std::string typed)
     std::vector<NamedItem> named;
     for (const WorkspaceSummary &workspace : workspaces)
         named.push_back({workspace.id, workspace.name});
-    const auto found = choose("workspace", typed, named);
+    const auto found = choose("workspace", typed, named, LookupPurpose::use);
     if (!found)
         co_return failure(CommandFailure::of(found.error()));
     const WorkspaceSummary workspace = workspaces[*found];
@@ -56,54 +55,42 @@ CommandTask useWorkspace(Context context, std::string typed)
     co_return CommandAnswer{.output = "Using the workspace " + printable(workspace.name) + " from now on.\n"};
 }
 
-enum class SettingKind { number, toggle, text };
-
-struct Setting {
-    const char *name;
-    SettingKind kind;
-    const char *meaning;
-};
-
-constexpr std::array settings{
-    Setting{"weekStart", SettingKind::number, "0 (Sunday) to 6 (Saturday)"},
-    Setting{"dateFormat", SettingKind::text, "dd/MM/yyyy, MM/dd/yyyy, yyyy-MM-dd or dd.MM.yyyy"},
-    Setting{"timeFormat", SettingKind::text, "24h or 12h"},
-    Setting{"durationFormat", SettingKind::text, "hms, hm or decimal"},
-    Setting{"pomodoroEnabled", SettingKind::toggle, "on or off"},
-    Setting{"pomodoroMinutes", SettingKind::number, "minutes of work"},
-    Setting{"pomodoroBreakMinutes", SettingKind::number, "minutes of rest"},
-    Setting{"pomodoroAutoStop", SettingKind::toggle, "on or off"},
-};
-
-std::string shown(const RawJson &value)
+std::string headingOf(Setting::Group group, const AccountSettings &settings, const Tracker &tracker)
 {
-    if (value.text == "true")
-        return "on";
-    if (value.text == "false")
-        return "off";
-    // The texts among the settings are names of formats, which hold nothing that JSON would escape.
-    const std::string &text = value.text;
-    const bool isText = text.size() >= 2 && text.front() == '"' && text.back() == '"';
-    return isText ? text.substr(1, text.size() - 2) : text;
-}
-
-std::string settingsText(const PreferencesResponse &preferences, const TerminalStyle &style)
-{
-    const auto values = decodeJson<shapes::Members>(encodeJson(preferences));
-    TextTable table({{}, {}, {.shrinksTo = 12}});
-    for (const Setting &setting : settings) {
-        const auto value = values->find(setting.name);
-        table.add({TextCell(setting.name),
-                   TextCell(value == values->end() ? "" : shown(value->second), {.bold = true}),
-                   TextCell(setting.meaning, quiet)});
+    switch (group) {
+    case Setting::Group::profile:
+        return "Profile of " + printable(settings.profile.email);
+    case Setting::Group::preferences:
+        return "Preferences";
+    case Setting::Group::workspace:
+        break;
     }
-    return table.render(style);
+    const std::string name = "Workspace " + printable(tracker.workspace().name);
+    return tracker.rules().isAdmin ? name : name + " (its administrators change these)";
 }
 
-CommandAnswer settingsAnswer(const CommandContext &context, const PreferencesResponse &preferences)
+/// In a narrow terminal names and values alone: both are to be copied, so neither is cut.
+std::string settingsText(const AccountSettings &settings, const Tracker &tracker, const TerminalStyle &style)
 {
-    return {.output =
-                context.json() ? shapes::text(preferences) : settingsText(preferences, context.style())};
+    constexpr int leastWidth = 64;
+    const bool isNarrow = style.width > 0 && style.width < leastWidth;
+    TextTable table({{}, {}, {.shrinksTo = 12}});
+    std::vector<Setting::Group> groups;
+    for (const Setting &setting : settingList()) {
+        if (setting.group == Setting::Group::workspace && !settings.workspace)
+            continue;
+        table.add({TextCell(setting.name), TextCell(setting.shown(settings, tracker.time()), strong),
+                   TextCell(isNarrow ? "" : setting.meaning, quiet)});
+        groups.push_back(setting.group);
+    }
+    std::string text;
+    const std::vector<std::string> lines = table.lines(style);
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        if (i == 0 || groups[i] != groups[i - 1])
+            text += TextCell(headingOf(groups[i], settings, tracker)).render(style) + "\n";
+        text += lines[i] + "\n";
+    }
+    return text;
 }
 
 CommandTask listSettings(Context context)
@@ -111,76 +98,56 @@ CommandTask listSettings(Context context)
     const auto opened = co_await context->openAccount();
     if (!opened)
         co_return failure(opened.error());
-    co_return settingsAnswer(*context, (*opened)->me().preferences);
+    co_await context->bringUpToDate();
+    const AccountSettings settings = AccountSettings::of(**opened);
+    co_return CommandAnswer{.output = context->json()
+                                          ? shapes::settingsText(settings)
+                                          : settingsText(settings, (*opened)->tracker(), context->style())};
 }
 
-QString lower(const std::string &text)
+/// Wrong usage is told before a server is asked.
+Result<Setting, CommandFailure> checkedSetting(const std::string &key, const std::string &value)
 {
-    return QString::fromStdString(text).toLower();
-}
-
-/// The value as JSON; nothing when it is none of the kind.
-std::optional<std::string> jsonValue(const std::string &value, SettingKind kind)
-{
-    const QString text = lower(value).trimmed();
-    bool isNumber = false;
-    const qlonglong number = text.toLongLong(&isNumber);
-    switch (kind) {
-    case SettingKind::number:
-        return isNumber ? std::optional(std::to_string(number)) : std::nullopt;
-    case SettingKind::toggle:
-        for (const char *word : {"on", "true", "yes", "1"}) {
-            if (text == QLatin1String(word))
-                return "true";
-        }
-        for (const char *word : {"off", "false", "no", "0"}) {
-            if (text == QLatin1String(word))
-                return "false";
-        }
-        return {};
-    case SettingKind::text:
-        return encodeJson(value);
-    }
-    return {};
-}
-
-Result<PreferencesRequest, CommandFailure> requestFor(const std::string &key, const std::string &value)
-{
-    TextTable known({{}, {}});
-    for (const Setting &setting : settings) {
-        known.add({TextCell(setting.name), TextCell(setting.meaning)});
-        if (lower(key) != lower(setting.name))
-            continue;
-        const auto json = jsonValue(value, setting.kind);
-        const auto request =
-            json ? decodeJson<PreferencesRequest>("{\"" + std::string(setting.name) + "\":" + *json + "}")
-                 : Result<PreferencesRequest, JsonError>(failure(JsonError{}));
-        if (!request)
-            return failure(CommandFailure::usage(std::string(setting.name) + " wants " + setting.meaning +
-                                                 ", not \"" + printable(value) + "\"."));
-        return *request;
-    }
-    std::string names = known.render({});
-    names.pop_back();
-    return failure(
-        CommandFailure::usage("There is no setting \"" + printable(key) + "\". There are:\n" + names));
+    AccountSettings any;
+    any.workspace.emplace();
+    auto setting = settingNamed(key);
+    if (!setting)
+        return failure(CommandFailure::usage(setting.error()));
+    if (const auto taken = setting->with(std::move(any), value, UserTime::utc()); !taken)
+        return failure(CommandFailure::usage(taken.error()));
+    return std::move(*setting);
 }
 
 CommandTask setSetting(Context context, std::string key, std::string value)
 {
-    const auto request = requestFor(key, value);
-    if (!request)
-        co_return failure(request.error());
+    const auto setting = checkedSetting(key, value);
+    if (!setting)
+        co_return failure(setting.error());
     const auto opened = co_await openOnline(context);
     if (!opened)
         co_return failure(opened.error());
-    const auto preferences = co_await (*opened)->client().updatePreferences(*request);
-    if (!preferences)
-        co_return failure(CommandFailure::of(preferences.error()));
-    MeResponse me = (*opened)->me();
-    me.preferences = *preferences;
-    co_await (*opened)->updateMe(std::move(me));
-    co_return settingsAnswer(*context, *preferences);
+    Account *account = *opened;
+    const auto before = co_await freshSettings(account);
+    if (!before)
+        co_return failure(CommandFailure::of(before.error()));
+    const auto after = setting->with(*before, value, account->time());
+    if (!after)
+        co_return failure(CommandFailure::usage(after.error()));
+    const auto kept = co_await saveSettings(account, *before, *after);
+    if (!kept)
+        co_return failure(CommandFailure::of(kept.error()));
+    if (context->json())
+        co_return CommandAnswer{.output = shapes::settingsText(*kept)};
+    const std::string shown = setting->shown(*kept, account->time());
+    co_return CommandAnswer{.output = setting->name + " is " + (shown.empty() ? "empty" : shown) + " now.\n"};
+}
+
+std::string settingNames()
+{
+    std::string names;
+    for (const Setting &setting : settingList())
+        names += (names.empty() ? "" : ", ") + setting.name;
+    return names;
 }
 
 } // namespace
@@ -195,13 +162,16 @@ void addSettingsCommands(CommandTree &tree)
     CommandTree::addRequired(use, "ID", *id, "A name or an identifier");
     tree.onRun(use, [id](Context context) { return useWorkspace(std::move(context), *id); });
 
-    CLI::App *command = tree.add("settings", "Show the account's preferences, or change one", group);
+    CLI::App *command =
+        tree.add("settings", "Show the account's settings and the workspace's rules, or change one", group);
     tree.onRun(command, listSettings);
     const auto key = std::make_shared<std::string>();
     const auto value = std::make_shared<std::string>();
-    CLI::App *set = CommandTree::addVerb(command, "set", "Change a preference");
-    CommandTree::addRequired(set, "KEY", *key, "The preference, as orvane settings names it");
+    CLI::App *set =
+        CommandTree::addVerb(command, "set", "Change a setting; the workspace's are its administrators'");
+    CommandTree::addRequired(set, "KEY", *key, "Which setting");
     CommandTree::addRequired(set, "VALUE", *value, "What it shall be");
+    CommandTree::addFooter(set, "A KEY is one of: " + settingNames() + ". What each wants: orvane settings");
     tree.onRun(set, [key, value](Context context) { return setSetting(std::move(context), *key, *value); });
 }
 

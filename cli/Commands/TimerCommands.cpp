@@ -3,6 +3,7 @@
 
 #include "CommandTree.h"
 #include "Commands/EntryAnswers.h"
+#include "Commands/ZoneMessage.h"
 #include "Input/MomentText.h"
 #include "Output/AccountText.h"
 #include "Output/EntryText.h"
@@ -25,7 +26,8 @@ CommandTask status(Context context)
     const auto today = tracker.days(tracker.time().today(), 1);
     if (!context->json())
         co_return CommandAnswer{.output = accountLine(account, context->style()) +
-                                          EntryWriter(tracker, context->style()).status(today.front())};
+                                          EntryWriter(tracker, context->style()).status(today.front()),
+                                .messages = zoneMessages(*context)};
     const WorkspaceSummary &workspace = tracker.workspace();
     const Catalog &catalog = tracker.catalog();
     co_return CommandAnswer{.output = shapes::text(shapes::Status{

@@ -1,7 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Input/LookupText.h"
 
+#include "Input/NearestName.h"
+#include "Input/ShellText.h"
 #include "Terminal/TextWidth.h"
+
+#include <algorithm>
+#include <array>
 
 namespace orvane {
 
@@ -28,9 +33,49 @@ std::string listed(std::string_view kind, const std::vector<NamedItem> &items)
     return text;
 }
 
+/// The project that all of the tasks belong to; empty when there are several, or none.
+std::string projectOfAll(const std::vector<NamedItem> &tasks)
+{
+    const bool isOne = !tasks.empty() && std::ranges::all_of(tasks, [&](const NamedItem &task) {
+        return task.context == tasks.front().context;
+    });
+    return isOne ? tasks.front().context : std::string();
+}
+
+/// Where one is near it is named, else all that there are.
+std::string unknownText(std::string_view kind, std::string_view typed, const std::vector<NamedItem> &items,
+                        LookupPurpose purpose)
+{
+    const std::string sort(kind);
+    std::vector<std::string> names;
+    for (const NamedItem &item : items)
+        names.push_back(item.name);
+    const std::string near = didYouMean(typed, names);
+    const std::string making =
+        purpose == LookupPurpose::use ? makingCommand(kind, typed, projectOfAll(items)) : "";
+    std::string text = "There is no " + sort + " " + quoted(typed);
+    text += items.empty() && making.empty() ? ": there are no " + sort + "s yet." : "." + near;
+    if (!making.empty())
+        text += " To make it: " + making;
+    if (!items.empty() && near.empty())
+        text += (making.empty() ? " " : "\n") + ("There are:" + listed(kind, items));
+    return text;
+}
+
 } // namespace
 
-std::string lookupText(std::string_view kind, std::string_view typed, const NoSingleItem &error)
+std::string makingCommand(std::string_view kind, std::string_view name, std::string_view project)
+{
+    constexpr std::array<std::string_view, 4> kinds{"project", "client", "tag", "task"};
+    if (name.empty() || std::ranges::find(kinds, kind) == kinds.end())
+        return {};
+    const std::string argument = (name.starts_with('-') ? "-- " : "") + shellArgument(name);
+    const std::string where = project.empty() ? "PROJECT" : shellArgument(project);
+    return "orvane " + std::string(kind) + "s add " + (kind == "task" ? where + " " : "") + argument;
+}
+
+std::string lookupText(std::string_view kind, std::string_view typed, const NoSingleItem &error,
+                       LookupPurpose purpose)
 {
     const std::string sort(kind);
     const auto &items = error.items;
@@ -44,10 +89,7 @@ std::string lookupText(std::string_view kind, std::string_view typed, const NoSi
     case NoSingleItem::Why::unknown:
         break;
     }
-    const std::string unknown = "There is no " + sort + " " + quoted(typed);
-    if (items.empty())
-        return unknown + ": there are no " + sort + "s yet.";
-    return unknown + ". There are:" + listed(kind, items);
+    return unknownText(kind, typed, items, purpose);
 }
 
 std::string lookupText(std::string_view kind, std::string_view typed, const NoSingleId &error)
@@ -59,11 +101,11 @@ std::string lookupText(std::string_view kind, std::string_view typed, const NoSi
 }
 
 Result<std::size_t, std::string> choose(std::string_view kind, std::string_view typed,
-                                        const std::vector<NamedItem> &items)
+                                        const std::vector<NamedItem> &items, LookupPurpose purpose)
 {
-    return lookUp(typed, items).map_error([&](const NoSingleItem &error) {
-        return lookupText(kind, typed, error);
-    });
+    const auto found = purpose == LookupPurpose::use ? lookUpActive(typed, items) : lookUp(typed, items);
+    return found.map_error(
+        [&](const NoSingleItem &error) { return lookupText(kind, typed, error, purpose); });
 }
 
 } // namespace orvane

@@ -13,7 +13,8 @@ namespace orvane::server {
 enum class EntryReference { project, task, tag };
 
 /// Takes a reference that is about to be deleted out of all entries that hold it: their time stays. Refused
-/// when entries of locked time hold it, which may not change.
+/// when entries of locked time hold it, which may not change, and when a finished entry would be left without
+/// a detail that the workspace requires.
 std::optional<HttpResponse> releaseReferences(Call &call, const WorkspaceAccess &workspace,
                                               EntryReference kind, const std::string &id);
 

@@ -82,7 +82,8 @@ TEST(CatalogLookup, FindsWhatCanBeChosenForAnEntry)
     catalog.replace({website, shop, old}, {{"c-acme", "w", "Acme", false}}, {{"g-docs", "w", "docs"}});
 
     EXPECT_EQ(lookUpProject("web", catalog), "p-website");
-    EXPECT_EQ(lookUpProject("old", catalog).error(), (NoSingleItem{Why::archived, {{"p-old", "Old"}}}));
+    EXPECT_EQ(lookUpProject("old", catalog).error(),
+              (NoSingleItem{Why::archived, {{"p-old", "Old", {}, true}}}));
     EXPECT_THAT(lookUpProject("x", catalog).error().items,
                 ElementsAre(NamedItem{"p-website", "Website", "Acme"}, NamedItem{"p-shop", "Shop"}))
         << "what is offered can be chosen";

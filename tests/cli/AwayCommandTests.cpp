@@ -135,7 +135,7 @@ TEST_F(AwayCommand, StartsThoughTheTimerBeforeIsRefused)
     done({"status"});
     ASSERT_TRUE(installation.killServer());
     done({"--no-start-server", "start", "On the web @web"});
-    onAnotherDevice([&] { done({"projects", "delete", "Web"}); });
+    onAnotherDevice([&] { done({"projects", "delete", "Web", "--yes"}); });
     const CommandRun next = installation.run({"start", "Next"});
     EXPECT_EQ(next.exitStatus, 0) << next.all();
     EXPECT_THAT(next.errors, AllOf(HasSubstr("The timer before it could not be stopped: "),

@@ -272,7 +272,7 @@ TEST_F(Command, SaysWhatIsWrongWithACall)
     failed(2, {"start", "x", "--stop", "9:00"});
     failed(2, {"edit", "abc"});
     failed(2, {"list", "--day", "2026-02-30"});
-    failed(2, {"settings", "set", "weekStart", "monday"});
+    failed(2, {"settings", "set", "weekStart", "9"});
     failed(2, {"settings", "set", "colour", "red"});
     EXPECT_THAT(text(failed(1, {"start", "x", "--project", "Nope"})[u"message"]),
                 HasSubstr("no project \"Nope\""));
@@ -340,30 +340,34 @@ TEST_F(Command, KeepsTheCatalog)
     const QJsonObject task = done({"tasks", "add", "Website", "Design"});
     EXPECT_EQ(keys(task), (Names{"id", "isActive", "name", "projectId"}));
     EXPECT_EQ(listed({"tasks"}).size(), 1);
-    EXPECT_EQ(done({"tasks", "delete", "Design"})[idKey], task[idKey]);
+    EXPECT_EQ(done({"tasks", "delete", "Design", "--yes"})[idKey], task[idKey]);
     EXPECT_TRUE(listed({"tasks"}).isEmpty());
     const QJsonObject tag = done({"tags", "add", "review"});
     EXPECT_EQ(keys(tag), (Names{"id", "name", "workspaceId"}));
     EXPECT_NE(failed(1, {"tags", "add", "review"})[u"status"].toInteger(), 0)
         << "the server refuses a second one";
-    EXPECT_EQ(done({"tags", "delete", "review"})[idKey], tag[idKey]);
+    EXPECT_EQ(done({"tags", "delete", "review", "--yes"})[idKey], tag[idKey]);
     EXPECT_TRUE(done({"clients", "archive", "Acme"})[u"isArchived"].toBool());
     EXPECT_TRUE(listed({"clients"}).isEmpty());
     done({"clients", "restore", "Acme"});
-    done({"clients", "delete", "Acme"});
-    done({"projects", "delete", "Website"});
+    done({"clients", "delete", "Acme", "--yes"});
+    done({"projects", "delete", "Website", "--yes"});
     EXPECT_TRUE(listed({"projects", "--archived"}).isEmpty());
 }
 
 TEST_F(Command, KeepsSettingsAndTheWorkspace)
 {
+    const auto preferences = [](const QJsonObject &settings) { return settings[u"preferences"].toObject(); };
     const QJsonObject before = done({"settings"});
-    EXPECT_EQ(keys(before), (Names{"dateFormat", "durationFormat", "pomodoroAutoStop", "pomodoroBreakMinutes",
-                                   "pomodoroEnabled", "pomodoroMinutes", "timeFormat", "weekStart"}));
-    EXPECT_EQ(text(done({"settings", "set", "durationformat", "decimal"})[u"durationFormat"]), "decimal");
-    EXPECT_TRUE(done({"settings", "set", "pomodoroEnabled", "on"})[u"pomodoroEnabled"].toBool());
-    EXPECT_EQ(done({"settings", "set", "weekStart", "0"})[u"weekStart"].toInteger(), 0);
-    EXPECT_EQ(failed(1, {"settings", "set", "weekStart", "9"})[u"status"].toInteger(), 400);
+    EXPECT_EQ(keys(before), (Names{"preferences", "profile", "workspace"}));
+    EXPECT_EQ(keys(preferences(before)),
+              (Names{"dateFormat", "durationFormat", "pomodoroAutoStop", "pomodoroBreakMinutes",
+                     "pomodoroEnabled", "pomodoroMinutes", "timeFormat", "weekStart"}));
+    EXPECT_EQ(keys(before[u"profile"].toObject()), (Names{"email", "fullName", "timeZone"}));
+    EXPECT_EQ(text(preferences(done({"settings", "set", "durationformat", "decimal"}))[u"durationFormat"]),
+              "decimal");
+    EXPECT_TRUE(preferences(done({"settings", "set", "pomodoroEnabled", "on"}))[u"pomodoroEnabled"].toBool());
+    EXPECT_EQ(preferences(done({"settings", "set", "weekStart", "Sunday"}))[u"weekStart"].toInteger(), 0);
     setNow("2026-03-04T12:00:00Z");
     EXPECT_EQ(text(done({"list", "--week", "today"})[u"days"].toArray()[0].toObject()[u"day"]), "2026-03-01")
         << "weeks begin on Sunday now";

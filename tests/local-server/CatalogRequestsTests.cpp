@@ -143,6 +143,58 @@ TEST_F(CatalogRequests, WhatLockedTimeUsesIsNotDeleted)
     EXPECT_EQ(get(made.id), made);
 }
 
+TEST_F(CatalogRequests, WhatTheWorkspaceRequiresIsNotTakenFromFinishedEntries)
+{
+    const ProjectResponse work = project("Work");
+    const auto docs = expect<CreateTask, Created<TaskResponse>>({workspaceId, work.id, {"Docs", {}}}).body;
+    const auto urgent = expect<CreateTag, Created<TagResponse>>({workspaceId, {"urgent"}}).body;
+    const auto calm = expect<CreateTag, Created<TagResponse>>({workspaceId, {"calm"}}).body;
+    WorkspaceSettingsRequest settings;
+    settings.name = "My workspace";
+    settings.currency = "EUR";
+    const auto require = [&](bool aProject, bool aTask, bool aTag) {
+        settings.requireProject = aProject;
+        settings.requireTask = aTask;
+        settings.requireTag = aTag;
+        expect<UpdateWorkspaceSettings, Ok<WorkspaceSettingsResponse>>({workspaceId, settings});
+    };
+    const auto expectRefused = [](const HttpResponse &answer, const std::string &detail) {
+        EXPECT_EQ(answer.status, 403) << answer.body;
+        EXPECT_NE(answer.body.find("urn:orvane:problem:detail-required"), std::string::npos) << answer.body;
+        EXPECT_NE(answer.body.find("lose the " + detail), std::string::npos) << answer.body;
+    };
+    const TimeEntryResponse split = entryOn(work.id, docs.id, urgent.id);
+    CreateTimeEntryRequest plain;
+    plain.id = newIdentifier();
+    plain.projectId = project("Other").id;
+    plain.tagIds = {urgent.id, calm.id};
+    plain.start = now - 2h;
+    plain.stop = now;
+    expect<CreateTimeEntry, Created<TimeEntryResponse>>({workspaceId, plain});
+    CreateTimeEntryRequest running = plain;
+    running.id = newIdentifier();
+    running.projectId = project("Running").id;
+    running.tagIds = {};
+    running.stop.reset();
+    expect<CreateTimeEntry, Created<TimeEntryResponse>>({workspaceId, running});
+
+    require(true, true, true);
+    expectRefused(call<DeleteProject>({workspaceId, work.id}), "project");
+    expectRefused(call<DeleteProject>({workspaceId, *plain.projectId}), "project");
+    expectRefused(call<DeleteTask>({workspaceId, work.id, docs.id}), "task");
+    expectRefused(call<DeleteTag>({workspaceId, urgent.id}), "tag");
+    EXPECT_EQ(get(split.id), split);
+    EXPECT_EQ((call<DeleteProject>({workspaceId, *running.projectId}).status), 204) << "it can still get one";
+    EXPECT_EQ((call<DeleteTag>({workspaceId, calm.id}).status), 204) << "its entry has another one";
+
+    require(false, true, false);
+    expectRefused(call<DeleteProject>({workspaceId, work.id}), "task");
+    EXPECT_EQ((call<DeleteProject>({workspaceId, *plain.projectId}).status), 204) << "no task is lost";
+    require(true, false, false);
+    EXPECT_EQ((call<DeleteTask>({workspaceId, work.id, docs.id}).status), 204);
+    EXPECT_EQ((call<DeleteTag>({workspaceId, urgent.id}).status), 204);
+}
+
 TEST_F(CatalogRequests, TasksClientsAndTagsAreChanged)
 {
     const ProjectResponse work = project("Work");

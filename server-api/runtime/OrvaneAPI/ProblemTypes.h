@@ -10,5 +10,7 @@ namespace orvane {
 inline constexpr std::string_view entryChangedProblemType = "urn:orvane:problem:entry-changed";
 /// The workspace no longer allows changes to that time.
 inline constexpr std::string_view timeLockedProblemType = "urn:orvane:problem:time-locked";
+/// Finished entries would lose a detail that the workspace requires.
+inline constexpr std::string_view detailRequiredProblemType = "urn:orvane:problem:detail-required";
 
 } // namespace orvane
