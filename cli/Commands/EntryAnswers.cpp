@@ -117,8 +117,10 @@ CommandAnswer answerTo(const CommandContext &context, const SaveResult &result, 
     if (done && !context.json())
         addNotes(answer, notes);
     if (context.json()) {
-        const shapes::Outcome outcome{result.outcome, result.isQueued, result.entry, text(result.message),
-                                      notes};
+        const Tracker &tracker = context.account()->tracker();
+        const shapes::Outcome outcome{result.outcome, result.isQueued,
+                                      shapes::entry(result.entry, tracker.catalog(), AppClock::now()),
+                                      text(result.message), notes};
         if (done) {
             answer.output = shapes::text(outcome);
         } else {

@@ -82,7 +82,7 @@ CommandTask list(Context context, ListOptions options)
         co_return CommandAnswer{.output = EntryWriter(tracker, context->style()).days(days)};
     shapes::Days answer;
     for (const DayGroup &group : days)
-        answer.days.push_back(shapes::day(group, AppClock::now()));
+        answer.days.push_back(shapes::day(group, tracker.catalog(), AppClock::now()));
     co_return CommandAnswer{.output = shapes::text(answer)};
 }
 

@@ -4,6 +4,7 @@
 #include "CommandTree.h"
 #include "Output/EntryText.h"
 #include "Output/JsonShapes.h"
+#include "Time/AppClock.h"
 
 namespace orvane {
 
@@ -15,7 +16,9 @@ Task<CommandAnswer> queueAnswer(Context context)
     const bool isMoreBeside = co_await context->lookBeside();
     const Outbox &outbox = context->account()->outbox();
     if (context->json())
-        co_return CommandAnswer{.output = shapes::text(shapes::queuedChanges(outbox, context->unreadable()))};
+        co_return CommandAnswer{
+            .output = shapes::text(shapes::queuedChanges(
+                outbox, context->unreadable(), context->account()->tracker().catalog(), AppClock::now()))};
     const bool isMore = isMoreBeside || !context->unreadable().empty();
     co_return CommandAnswer{.output =
                                 EntryWriter(context->account()->tracker(), context->style())

@@ -25,12 +25,13 @@ CommandTask status(Context context)
     if (!context->json())
         co_return CommandAnswer{.output = EntryWriter(tracker, context->style()).status(today.front())};
     const WorkspaceSummary &workspace = tracker.workspace();
+    const Catalog &catalog = tracker.catalog();
     co_return CommandAnswer{.output = shapes::text(shapes::Status{
                                 .server = shapes::server(account),
                                 .account = shapes::person(account),
                                 .workspace = {workspace.id, workspace.name, workspace.role},
-                                .running = tracker.running(),
-                                .today = shapes::day(today.front(), AppClock::now()),
+                                .running = shapes::entry(tracker.running(), catalog, AppClock::now()),
+                                .today = shapes::day(today.front(), catalog, AppClock::now()),
                                 .outbox = shapes::queue(account.outbox(), account.isReachable())})};
 }
 

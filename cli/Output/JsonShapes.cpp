@@ -28,6 +28,33 @@ struct JsonFields<shapes::Workspace> {
                       jsonField<"role">(&shapes::Workspace::role)};
 };
 template <>
+struct JsonFields<shapes::EntryNames> {
+    static constexpr auto list = JsonFieldList{
+        jsonField<"project">(&shapes::EntryNames::project), jsonField<"client">(&shapes::EntryNames::client),
+        jsonField<"task">(&shapes::EntryNames::task), jsonField<"tags">(&shapes::EntryNames::tags),
+        jsonField<"color">(&shapes::EntryNames::color)};
+};
+
+namespace {
+
+/// A field of the server's entry as one of ours.
+template <JsonName Name, class Member>
+constexpr auto entryField(const JsonField<Name, TimeEntryResponse, Member> &field)
+{
+    return JsonField<Name, shapes::Entry, Member>{field.member, field.presence};
+}
+
+} // namespace
+
+template <>
+struct JsonFields<shapes::Entry> {
+    static constexpr auto list =
+        json::withFields(JsonFields<TimeEntryResponse>::list, [](const auto &...field) {
+            return JsonFieldList{entryField(field)..., jsonField<"seconds">(&shapes::Entry::seconds),
+                                 jsonField<"names">(&shapes::Entry::names)};
+        });
+};
+template <>
 struct JsonFields<shapes::Day> {
     static constexpr auto list =
         JsonFieldList{jsonField<"day">(&shapes::Day::day), jsonField<"seconds">(&shapes::Day::seconds),
@@ -128,12 +155,13 @@ Queue queue(const Outbox &outbox, bool isReachable)
             static_cast<std::int64_t>(outbox.conflicts().size())};
 }
 
-std::vector<QueuedChange> queuedChanges(const Outbox &outbox, const std::vector<std::int64_t> &unreadable)
+std::vector<QueuedChange> queuedChanges(const Outbox &outbox, const std::vector<std::int64_t> &unreadable,
+                                        const Catalog &catalog, Instant now)
 {
     std::vector<QueuedChange> rows;
     for (const Outbox::Pending &pending : outbox.pending()) {
         rows.push_back({pending.seq, RawJson{encodeJson(pending.change, JsonStyle{.writeNulls = true})},
-                        pending.conflict});
+                        entry(pending.conflict, catalog, now)});
     }
     for (const std::int64_t seq : unreadable)
         rows.push_back({seq, RawJson{"null"}, std::nullopt});
@@ -141,9 +169,37 @@ std::vector<QueuedChange> queuedChanges(const Outbox &outbox, const std::vector<
     return rows;
 }
 
-Day day(const DayGroup &group, Instant now)
+Entry entry(const TimeEntryResponse &entry, const Catalog &catalog, Instant now)
 {
-    return {group.day.civil(), entrySeconds(group.entries, now), group.entries};
+    EntryNames names;
+    const ProjectResponse *project = entry.projectId ? catalog.project(*entry.projectId) : nullptr;
+    if (project) {
+        names.project = project->name;
+        names.color = project->color;
+        if (const auto *client = project->clientId ? catalog.client(*project->clientId) : nullptr)
+            names.client = client->name;
+    }
+    if (const TaskResponse *task = entry.taskId ? catalog.task(*entry.taskId) : nullptr)
+        names.task = task->name;
+    for (const std::string &id : entry.tagIds) {
+        const TagResponse *tag = catalog.tag(id);
+        names.tags.push_back(tag ? std::optional(tag->name) : std::nullopt);
+    }
+    return {entry, entrySeconds(entry, now), std::move(names)};
+}
+
+std::optional<Entry> entry(const std::optional<TimeEntryResponse> &known, const Catalog &catalog, Instant now)
+{
+    return known ? std::optional(entry(*known, catalog, now)) : std::nullopt;
+}
+
+Day day(const DayGroup &group, const Catalog &catalog, Instant now)
+{
+    Day day{group.day.civil(), entrySeconds(group.entries, now), {}};
+    day.entries.reserve(group.entries.size());
+    for (const TimeEntryResponse &known : group.entries)
+        day.entries.push_back(entry(known, catalog, now));
+    return day;
 }
 
 Error error(const CommandFailure &failure)

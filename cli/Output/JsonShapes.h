@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Account/Account.h"
+#include "Catalog/Catalog.h"
 #include "Catalog/DayGroup.h"
 #include "Output/CommandFailure.h"
 #include "Support/Json.h"
@@ -39,10 +40,26 @@ struct Workspace {
     WorkspaceRole role{};
 };
 
+/// What an entry's identifiers stand for; no text for what is not known here. Of a split entry, too, it is
+/// the entry's own project.
+struct EntryNames {
+    std::optional<std::string> project;
+    std::optional<std::string> client; ///< the project's
+    std::optional<std::string> task;
+    std::vector<std::optional<std::string>> tags; ///< in the order of the identifiers
+    std::optional<std::string> color;             ///< the project's, "#rrggbb"
+};
+
+/// The server's members, and behind them what a script would otherwise have to work out.
+struct Entry : TimeEntryResponse {
+    std::int64_t seconds = 0; ///< of a running one up to now
+    EntryNames names = {};
+};
+
 struct Day {
     std::chrono::year_month_day day;
     std::int64_t seconds = 0;
-    std::vector<TimeEntryResponse> entries;
+    std::vector<Entry> entries;
 };
 
 struct Queue {
@@ -55,7 +72,7 @@ struct Status {
     Server server;
     AccountPerson account;
     Workspace workspace;
-    std::optional<TimeEntryResponse> running;
+    std::optional<Entry> running;
     Day today;
     Queue outbox;
 };
@@ -72,7 +89,7 @@ struct Days {
 struct Outcome {
     SaveOutcome outcome = SaveOutcome::failed;
     bool queued = false;
-    std::optional<TimeEntryResponse> entry;
+    std::optional<Entry> entry;
     std::optional<std::string> message;
     std::vector<std::string> notes = {};
 };
@@ -94,7 +111,7 @@ struct Failure {
 struct FailedOutcome {
     SaveOutcome outcome = SaveOutcome::failed;
     bool queued = false;
-    std::optional<TimeEntryResponse> entry;
+    std::optional<Entry> entry;
     std::optional<std::string> message;
     std::vector<std::string> notes = {};
     Error error;
@@ -103,7 +120,7 @@ struct FailedOutcome {
 struct QueuedChange {
     std::int64_t seq = 0;
     RawJson change;
-    std::optional<TimeEntryResponse> conflict;
+    std::optional<Entry> conflict;
 };
 
 struct Version {
@@ -115,8 +132,13 @@ AccountPerson person(const Account &account);
 /// Offline is also who found the server away and so did not try to send anything.
 Queue queue(const Outbox &outbox, bool isReachable);
 /// A row that cannot be read has no change.
-std::vector<QueuedChange> queuedChanges(const Outbox &outbox, const std::vector<std::int64_t> &unreadable);
-Day day(const DayGroup &group, Instant now);
+std::vector<QueuedChange> queuedChanges(const Outbox &outbox, const std::vector<std::int64_t> &unreadable,
+                                        const Catalog &catalog, Instant now);
+Entry entry(const TimeEntryResponse &entry, const Catalog &catalog, Instant now);
+/// Nothing of nothing.
+std::optional<Entry> entry(const std::optional<TimeEntryResponse> &entry, const Catalog &catalog,
+                           Instant now);
+Day day(const DayGroup &group, const Catalog &catalog, Instant now);
 Error error(const CommandFailure &failure);
 
 /// A value as `--json` prints it: one line, ended by a line break.

@@ -22,8 +22,8 @@ TEST_F(Command, TracksADay)
     EXPECT_EQ(text(started[u"outcome"]), "saved");
     EXPECT_FALSE(started[u"queued"].toBool(true));
     const QJsonObject first = started[u"entry"].toObject();
-    EXPECT_EQ(keys(first), (Names{"description", "id", "isBillable", "projectId", "shares", "start", "stop",
-                                  "tagIds", "taskId", "version", "workspaceId"}));
+    EXPECT_EQ(keys(first), (Names{"description", "id", "isBillable", "names", "projectId", "seconds",
+                                  "shares", "start", "stop", "tagIds", "taskId", "version", "workspaceId"}));
     EXPECT_EQ(text(first[u"description"]), "Write the README");
     EXPECT_THAT(text(first[u"start"]), StartsWith("2026-03-04T09:00:"));
     EXPECT_TRUE(first[u"stop"].isNull());
@@ -31,7 +31,8 @@ TEST_F(Command, TracksADay)
     setNow("2026-03-04T09:30:00Z");
     const QJsonObject status = done({"status"});
     EXPECT_EQ(keys(status), (Names{"account", "outbox", "running", "server", "today", "workspace"}));
-    EXPECT_EQ(status[u"running"].toObject(), first);
+    EXPECT_EQ(id(status[u"running"].toObject()), id(first));
+    EXPECT_NEAR(static_cast<double>(status[u"running"].toObject()[u"seconds"].toInteger()), 1800, 60);
     EXPECT_TRUE(status[u"server"].toObject()[u"local"].toBool());
     EXPECT_TRUE(status[u"server"].toObject()[u"reachable"].toBool());
     EXPECT_TRUE(status[u"account"].toObject()[u"automatic"].toBool());
@@ -75,6 +76,11 @@ TEST_F(Command, TakesSentences)
     EXPECT_TRUE(added[u"isBillable"].toBool());
     EXPECT_EQ(text(added[u"start"]), "2026-03-04T09:00:00.000Z");
     EXPECT_EQ(text(added[u"stop"]), "2026-03-04T10:30:00.000Z");
+    EXPECT_EQ(added[u"seconds"].toInteger(), 5400);
+    EXPECT_EQ(keys(added[u"names"].toObject()), (Names{"client", "color", "project", "tags", "task"}));
+    EXPECT_EQ(text(added[u"names"].toObject()[u"project"]), "API");
+    EXPECT_TRUE(added[u"names"].toObject()[u"client"].isNull());
+    EXPECT_EQ(text(added[u"names"].toObject()[u"tags"].toArray()[0]), "deep-work");
 
     // Options say the last word; a sentence changes only what it names, on the entry's own day.
     setNow("2026-03-06T12:00:00Z");
@@ -82,6 +88,7 @@ TEST_F(Command, TakesSentences)
     const QJsonObject moved = entry(utc({"edit", entryId, "@big-project 9:15-10:00", "--no-billable"}));
     EXPECT_EQ(text(moved[u"description"]), "Fix the sync bug");
     EXPECT_EQ(text(moved[u"projectId"]), project);
+    EXPECT_EQ(text(moved[u"names"].toObject()[u"client"]), "Acme");
     EXPECT_FALSE(moved[u"isBillable"].toBool(true));
     EXPECT_EQ(text(moved[u"start"]), "2026-03-04T09:15:00.000Z");
     EXPECT_EQ(text(entry(utc({"edit", entryId, "2h"}))[u"stop"]), "2026-03-04T11:15:00.000Z");
