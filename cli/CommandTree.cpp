@@ -245,9 +245,7 @@ void CommandTree::addDayOrWeek(CLI::App *command, std::optional<std::string> &da
                                std::optional<std::string> &week)
 {
     CLI::Option *dayOption = addText(command, "--day", day, "DAY", "The day; today unless it is named");
-    addText(command, "--week", week, "[DAY]", "The seven days of the week that holds it, or of this week")
-        ->expected(0, 1)
-        ->default_str("today")
+    addDay(command, "--week", week, "The seven days of the week that holds it, or of this week")
         ->excludes(dayOption);
 }
 
@@ -259,6 +257,12 @@ void CommandTree::addTexts(CLI::App *command, const std::string &name,
         ->add_option_function<std::vector<std::string>>(
             name, [&target](const std::vector<std::string> &values) { target = asTyped(values); },
             description)
+CLI::Option *CommandTree::addDay(CLI::App *command, const std::string &name,
+                                 std::optional<std::string> &target, const std::string &description)
+{
+    return addText(command, name, target, "[DAY]", description)->expected(0, 1)->default_str("today");
+}
+
         ->type_name(type)
         ->allow_extra_args(false);
 }

@@ -76,6 +76,9 @@ public:
                          const std::string &description);
     /// All remaining words.
     static void addWords(CLI::App *command, const std::string &name, std::vector<std::string> &target,
+    /// "--month [DAY]", which means today without its value.
+    static CLI::Option *addDay(CLI::App *command, const std::string &name, std::optional<std::string> &target,
+                               const std::string &description);
                          const std::string &description);
     /// The same as one text with single spaces.
     static void addSentence(CLI::App *command, const std::string &name, std::optional<std::string> &target,

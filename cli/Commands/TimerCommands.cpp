@@ -23,7 +23,8 @@ CommandTask status(Context context)
     Tracker &tracker = account.tracker();
     const auto today = tracker.days(tracker.time().today(), 1);
     if (!context->json())
-        co_return CommandAnswer{.output = EntryWriter(tracker, context->style()).status(today.front())};
+        co_return CommandAnswer{
+            .output = EntryWriter(tracker, context->style()).status(today.front(), account.me().preferences)};
     const WorkspaceSummary &workspace = tracker.workspace();
     const Catalog &catalog = tracker.catalog();
     co_return CommandAnswer{.output = shapes::text(shapes::Status{
