@@ -171,7 +171,7 @@ int run(const std::vector<std::string> &arguments, int argc, char **argv)
         return end(CommandAnswer{.output = tree.help()});
     if (const auto clock = setClock(); !clock)
         return end(failure(clock.error()));
-    if (tree.action().plain)
+    if (tree.action().isPlain())
         return end(tree.action().plain(tree));
     return runWithEventLoop(tree, argc, argv);
 }

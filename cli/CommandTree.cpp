@@ -188,12 +188,20 @@ CLI::App *CommandTree::addVerb(CLI::App *command, const std::string &name, const
 
 void CommandTree::onRun(const CLI::App *command, Handler handler, FailureForm failureForm)
 {
-    m_actions[command] = {std::move(handler), {}, failureForm};
+    m_actions[command] = {std::move(handler), {}, failureForm, {}};
 }
 
 void CommandTree::onRunPlain(const CLI::App *command, PlainHandler handler)
 {
-    m_actions[command] = {{}, std::move(handler), FailureForm::error};
+    m_actions[command] = {{}, std::move(handler), FailureForm::error, {}};
+}
+
+void CommandTree::onRunPlain(const CLI::App *command, PlainHandler handler,
+                             std::function<bool()> prefersPlain)
+{
+    Action &action = m_actions[command];
+    action.plain = std::move(handler);
+    action.prefersPlain = std::move(prefersPlain);
 }
 
 CLI::Option *CommandTree::addText(CLI::App *command, const std::string &name,
@@ -249,6 +257,12 @@ void CommandTree::addDayOrWeek(CLI::App *command, std::optional<std::string> &da
         ->excludes(dayOption);
 }
 
+CLI::Option *CommandTree::addDay(CLI::App *command, const std::string &name,
+                                 std::optional<std::string> &target, const std::string &description)
+{
+    return addText(command, name, target, "[DAY]", description)->expected(0, 1)->default_str("today");
+}
+
 void CommandTree::addTexts(CLI::App *command, const std::string &name,
                            std::optional<std::vector<std::string>> &target, const std::string &type,
                            const std::string &description)
@@ -257,12 +271,6 @@ void CommandTree::addTexts(CLI::App *command, const std::string &name,
         ->add_option_function<std::vector<std::string>>(
             name, [&target](const std::vector<std::string> &values) { target = asTyped(values); },
             description)
-CLI::Option *CommandTree::addDay(CLI::App *command, const std::string &name,
-                                 std::optional<std::string> &target, const std::string &description)
-{
-    return addText(command, name, target, "[DAY]", description)->expected(0, 1)->default_str("today");
-}
-
         ->type_name(type)
         ->allow_extra_args(false);
 }
