@@ -5,6 +5,7 @@
 #include "Catalog/ProjectColor.h"
 #include "CommandTree.h"
 #include "Commands/CatalogAnswers.h"
+#include "Output/ProjectText.h"
 
 #include <algorithm>
 
@@ -18,9 +19,9 @@ struct NewProject {
     std::optional<std::string> colour;
 };
 
-TextCell named(const ProjectResponse &project)
+TextCell named(const ProjectResponse &project, const TerminalStyle &style)
 {
-    return TextCell(printable(project.name), {.ownColour = colourFromText(project.color)});
+    return colouredName(project.name, project.color, style);
 }
 
 std::string projectTable(std::vector<ProjectResponse> projects, const Catalog &catalog,
@@ -46,7 +47,8 @@ std::string projectTable(std::vector<ProjectResponse> projects, const Catalog &c
             if (is)
                 marks += (marks.empty() ? "" : ", ") + std::string(mark);
         }
-        table.add({TextCell(ids[i], quiet), named(project), TextCell(client ? printable(client->name) : ""),
+        table.add({TextCell(ids[i], quiet), named(project, style),
+                   TextCell(client ? printable(client->name) : ""),
                    TextCell(tasks > 0 ? counted(tasks, "task") : "", quiet), TextCell(marks, quiet)});
     }
     return table.render(style);
@@ -151,7 +153,8 @@ CommandTask listTasks(Context context)
     for (std::size_t i = 0; i < tasks.size(); ++i) {
         const ProjectResponse *project = catalog.project(tasks[i].projectId);
         table.add({TextCell(ids[i], quiet), TextCell(printable(tasks[i].name)),
-                   project ? named(*project) : TextCell(), TextCell(tasks[i].isActive ? "" : "done", quiet)});
+                   project ? named(*project, context->style()) : TextCell(),
+                   TextCell(tasks[i].isActive ? "" : "done", quiet)});
     }
     co_return CommandAnswer{.output = table.render(context->style())};
 }
