@@ -18,6 +18,7 @@ import uuid
 
 ENTRIES = 5000
 ENTRIES_TODAY = 20
+QUEUED = 100
 
 
 def run(*arguments):
@@ -105,12 +106,26 @@ def fill(link, workspace, monday, today):
             "describeParts": False, "start": instant(start), "stop": instant(start + datetime.timedelta(seconds=60))})
 
 
+def store_file():
+    (store,) = [name for name in os.listdir() if name.endswith(".sqlite")]
+    return store
+
+
 def snapshot_size():
     """How many entries the installation keeps for the time without the server."""
-    (store,) = [name for name in os.listdir() if name.endswith(".sqlite")]
-    with sqlite3.connect(store) as database:
+    with sqlite3.connect(store_file()) as database:
         rows = database.execute("SELECT value FROM document WHERE key LIKE 'workspace:%'").fetchall()
     return sum(len(json.loads(value)["entries"]) for (value,) in rows)
+
+
+def queue_changes(orvane):
+    """Makes changes while the server is away, so that they wait."""
+    for number in range(QUEUED):
+        run(*orvane, "--no-start-server", "start", f"Look at the report's totals, number {number}")
+    with sqlite3.connect(store_file()) as database:
+        (rows,) = database.execute("SELECT COUNT(*) FROM outbox").fetchone()
+    if rows < QUEUED:
+        raise RuntimeError(f"{rows} changes wait")
 
 
 def wait_until_gone(pid):
@@ -127,7 +142,7 @@ def wait_until_gone(pid):
 
 
 def measure(binaries, programs, folder, runs):
-    """Times and memory of `status` and `list`, each beside its bare program."""
+    """Times and memory of `status`, `list` and a bar's line, each beside its bare program."""
     os.chdir(folder)
     orvane = [binaries / "orvane", "--data-dir", folder, "--zone", "UTC"]
     run(*orvane, "status")
@@ -150,4 +165,7 @@ def measure(binaries, programs, folder, runs):
     finally:
         wait_until_gone(pid)
     offline = side_by_side(runs, [*orvane, "--no-start-server", "list"], [programs / "BareIdle"])
-    return status, offline
+    queue_changes(orvane)
+    line = side_by_side(runs, [*orvane, "status", "--format", "{running} {elapsed} {today} {project} {waiting}"],
+                        [programs / "BareStatusLine", store_file()])
+    return status, offline, line

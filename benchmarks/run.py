@@ -124,10 +124,11 @@ def quick_entry_rows(arguments):
 
 def command_rows(arguments):
     with tempfile.TemporaryDirectory(dir=arguments.folder) as folder:
-        status, offline = command_runs.measure(BUILD / "bin", PROGRAMS, folder, 2 * arguments.repetitions)
+        status, offline, line = command_runs.measure(BUILD / "bin", PROGRAMS, folder, 2 * arguments.repetitions)
     yield row("status with 5,000 entries, beside the same requests alone", status[0] / status[1], 2)
     yield row("status with 5,000 entries, peak memory in MB", status[2], 60, form="{:.0f}")
     yield row("list without the server, beside a program that does nothing", offline[0] / offline[1], 3)
+    yield row("a bar's line with 5,000 entries and 100 changes, beside a parse of the snapshot", line[0] / line[1], 1.5)
 
 
 def activity_rows(arguments):
@@ -180,7 +181,7 @@ GROUPS = {"store": (store_rows, ["StoreBenchmark"]), "json": (json_rows, ["JsonB
           "queue": (queue_rows, ["orvane", "orvane-server", "BareDrain"]),
           "server": (server_rows, ["orvane-server", "ServerLoad", "BareTransactions"]),
           "compile": (compile_rows, ["OrvaneKit"]),
-          "command": (command_rows, ["orvane", "orvane-server", "BareStatus", "BareIdle"])}
+          "command": (command_rows, ["orvane", "orvane-server", "BareStatus", "BareStatusLine", "BareIdle"])}
 
 
 def main():

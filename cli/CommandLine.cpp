@@ -6,6 +6,8 @@
 #include "Output/JsonShapes.h"
 #include "Support/DateText.h"
 #include "Terminal/StandardStreams.h"
+#include "Terminal/TerminalStyle.h"
+#include "Terminal/TextWidth.h"
 #include "Time/AppClock.h"
 
 #include <QCoreApplication>
@@ -16,6 +18,7 @@
 #include <cstring>
 #include <langinfo.h>
 #include <simdjson.h>
+#include <unistd.h>
 
 #ifdef __GLIBC__
 #include <malloc.h>
@@ -45,6 +48,12 @@ std::string failureText(const CommandFailure &failure, FailureForm form)
     return shapes::text(shapes::Failure{error});
 }
 
+/// The text with its sentences broken between words where a terminal would break them anywhere.
+std::string forReading(const std::string &text)
+{
+    return wrapped(text, TerminalStyle::of(STDOUT_FILENO).width);
+}
+
 ExitStatus show(const CommandResult &result, bool json, FailureForm form)
 {
     if (!result) {
@@ -53,7 +62,7 @@ ExitStatus show(const CommandResult &result, bool json, FailureForm form)
         writeMessage(result.error().message);
         return result.error().exitStatus;
     }
-    const bool isWritten = writeOutput(result->output);
+    const bool isWritten = writeOutput(json ? result->output : forReading(result->output));
     const int reason = errno;
     for (const std::string &message : result->messages)
         writeMessage(message);
@@ -162,7 +171,7 @@ int run(const std::vector<std::string> &arguments, int argc, char **argv)
         return end(CommandAnswer{.output = tree.help()});
     if (const auto clock = setClock(); !clock)
         return end(failure(clock.error()));
-    if (tree.action().plain)
+    if (tree.action().isPlain())
         return end(tree.action().plain(tree));
     if (const auto place = tree.checkPlace(); !place)
         return end(failure(place.error()));

@@ -192,12 +192,20 @@ CLI::App *CommandTree::addVerb(CLI::App *command, const std::string &name, const
 
 void CommandTree::onRun(const CLI::App *command, Handler handler, FailureForm failureForm)
 {
-    m_actions[command] = {std::move(handler), {}, failureForm};
+    m_actions[command] = {std::move(handler), {}, failureForm, {}};
 }
 
 void CommandTree::onRunPlain(const CLI::App *command, PlainHandler handler)
 {
-    m_actions[command] = {{}, std::move(handler), FailureForm::error};
+    m_actions[command] = {{}, std::move(handler), FailureForm::error, {}};
+}
+
+void CommandTree::onRunPlain(const CLI::App *command, PlainHandler handler,
+                             std::function<bool()> prefersPlain)
+{
+    Action &action = m_actions[command];
+    action.plain = std::move(handler);
+    action.prefersPlain = std::move(prefersPlain);
 }
 
 CLI::Option *CommandTree::addText(CLI::App *command, const std::string &name,
@@ -249,10 +257,14 @@ void CommandTree::addDayOrWeek(CLI::App *command, std::optional<std::string> &da
                                std::optional<std::string> &week)
 {
     CLI::Option *dayOption = addText(command, "--day", day, "DAY", "The day; today unless it is named");
-    addText(command, "--week", week, "[DAY]", "The seven days of the week that holds it, or of this week")
-        ->expected(0, 1)
-        ->default_str("today")
+    addDay(command, "--week", week, "The seven days of the week that holds it, or of this week")
         ->excludes(dayOption);
+}
+
+CLI::Option *CommandTree::addDay(CLI::App *command, const std::string &name,
+                                 std::optional<std::string> &target, const std::string &description)
+{
+    return addText(command, name, target, "[DAY]", description)->expected(0, 1)->default_str("today");
 }
 
 void CommandTree::addTexts(CLI::App *command, const std::string &name,

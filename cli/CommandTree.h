@@ -36,6 +36,10 @@ public:
         Handler handler;
         PlainHandler plain;
         FailureForm failureForm = FailureForm::error;
+        /// Whether `plain` does it where both are there.
+        std::function<bool()> prefersPlain = {};
+
+        bool isPlain() const { return plain && (!handler || prefersPlain()); }
     };
 
     CommandTree();
@@ -53,6 +57,8 @@ public:
     static void addFooter(CLI::App *command, const std::string &text);
     void onRun(const CLI::App *command, Handler handler, FailureForm failureForm = FailureForm::error);
     void onRunPlain(const CLI::App *command, PlainHandler handler);
+    /// Once the arguments are read, `prefersPlain` says whether the plain handler runs instead of the other.
+    void onRunPlain(const CLI::App *command, PlainHandler handler, std::function<bool()> prefersPlain);
 
     /// An option or (without dashes) an argument with one value; `target` outlives the tree's use.
     static CLI::Option *addText(CLI::App *command, const std::string &name,
@@ -70,6 +76,9 @@ public:
     /// "--day DAY" or "--week [DAY]", which means today without its value.
     static void addDayOrWeek(CLI::App *command, std::optional<std::string> &day,
                              std::optional<std::string> &week);
+    /// "--month [DAY]", which means today without its value.
+    static CLI::Option *addDay(CLI::App *command, const std::string &name, std::optional<std::string> &target,
+                               const std::string &description);
     /// An option that may be given several times, one value each time.
     static void addTexts(CLI::App *command, const std::string &name,
                          std::optional<std::vector<std::string>> &target, const std::string &type,

@@ -60,7 +60,9 @@ std::string section(const std::string &title, const std::vector<Item> &items, st
     std::size_t term = 0;
     for (const Item &item : items)
         term = std::max(term, item.term.size());
-    term = std::min<std::size_t>(term, 30);
+    // On a narrow terminal the terms leave room for words; longer ones stand on lines of their own.
+    constexpr std::size_t leastText = 26;
+    term = std::min({term, std::size_t{30}, width - std::min(leastText + 4, width)});
     std::string out = "\n" + title + ":\n";
     for (const Item &item : items) {
         out += "  " + item.term;

@@ -4,6 +4,7 @@
 #include "Account/AccountStores.h"
 #include "Account/PreferredTime.h"
 #include "Account/ProfileDocument.h"
+#include "Account/StoredAccount.h"
 #include "Client/OrvaneClient.h"
 #include "Http/Connectivity.h"
 #include "Outbox/OutboxRules.h"
@@ -253,17 +254,8 @@ Task<Result<void, AccountError>> Account::startTracking()
 /// The workspace asked for, else the one used last, else the account's default, else its first.
 const WorkspaceSummary *Account::chosenWorkspace() const
 {
-    const auto named = [this](const std::optional<std::string> &id) -> const WorkspaceSummary * {
-        const auto found = std::ranges::find(m_me.workspaces, id.value_or(""), &WorkspaceSummary::id);
-        return found == m_me.workspaces.end() ? nullptr : &*found;
-    };
-    if (m_options.workspace)
-        return named(m_options.workspace);
-    if (const auto *last = named(m_access->installation().workspace(server(), m_accountId)))
-        return last;
-    if (const auto *usual = named(m_me.defaultWorkspaceId))
-        return usual;
-    return m_me.workspaces.empty() ? nullptr : &m_me.workspaces.front();
+    return workspaceInUse(m_me, m_options.workspace,
+                          m_access->installation().workspace(server(), m_accountId));
 }
 
 bool Account::makeTracker()

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Account/PreferredTime.h"
 
-#include "Account/Installation.h"
 #include "Account/ProfileDocument.h"
+#include "Account/StoredAccount.h"
 #include "LocalStore/LocalStore.h"
 #include "Time/SystemZone.h"
 #include "Time/ZoneRules.h"
 
-#include <filesystem>
 #include <utility>
 
 namespace orvane {
@@ -57,20 +56,6 @@ PreferredTime timeOf(const ZoneChoice &zone, int weekStart, bool hour12, Duratio
     return {time.value_or(UserTime::utc()), zone.notice};
 }
 
-/// The file of the account in use; empty when there is none yet.
-std::string storePath(const Installation &installation, const std::optional<std::string> &server)
-{
-    std::optional<std::string> address = server ? server : installation.currentServer();
-    if (!address)
-        address = installation.localServer();
-    const auto account = address ? installation.account(*address) : std::nullopt;
-    std::string path;
-    if (account)
-        path = LocalStore::filePath(installation.root(), *address, *account);
-    std::error_code error;
-    return std::filesystem::is_regular_file(path, error) ? path : std::string();
-}
-
 Task<PreferredTime> timeFromStore(std::string path, std::optional<std::string> zone)
 {
     if (!path.empty()) {
@@ -97,7 +82,8 @@ PreferredTime preferredTime(const MeResponse &me, const std::optional<std::strin
 Task<PreferredTime> storedTime(const Installation &installation, const std::optional<std::string> &server,
                                std::optional<std::string> zone)
 {
-    return timeFromStore(storePath(installation, server), std::move(zone));
+    const auto account = StoredAccount::find(installation, server);
+    return timeFromStore(account ? account->storePath : std::string(), std::move(zone));
 }
 
 std::optional<std::string> differingSystemZone(const MeResponse &me, Instant now)

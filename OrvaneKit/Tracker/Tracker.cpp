@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Tracker/Tracker.h"
 
+#include "Catalog/EntryDays.h"
 #include "Client/OrvaneClient.h"
 #include "Outbox/OutboxRules.h"
 #include "Support/Require.h"
@@ -496,21 +497,7 @@ std::optional<TimeEntryResponse> Tracker::entry(const std::string &id) const
 
 std::vector<DayGroup> Tracker::days(DayKey first, int count) const
 {
-    std::vector<DayGroup> groups;
-    std::vector<Instant> starts;
-    groups.reserve(static_cast<std::size_t>(count));
-    starts.reserve(static_cast<std::size_t>(count) + 1);
-    for (int i = 0; i <= count; ++i)
-        starts.push_back(m_parts.time.startOfDay(first.adding(i)));
-    for (int i = 0; i < count; ++i)
-        groups.push_back({first.adding(i), {}});
-    // Shown newest first; a day reads from its morning on.
-    for (auto entry = entries().rbegin(); entry != entries().rend(); ++entry) {
-        const auto next = std::ranges::upper_bound(starts, entry->start);
-        if (next != starts.begin() && next != starts.end())
-            groups[static_cast<std::size_t>(next - starts.begin() - 1)].entries.push_back(*entry);
-    }
-    return groups;
+    return entryDays(entries(), m_parts.time, first, count);
 }
 
 EntryRules Tracker::rules() const

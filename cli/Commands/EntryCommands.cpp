@@ -138,7 +138,7 @@ CommandTask addOrRead(Context context, EntryOptions options)
 }
 
 /// Asks before an entry becomes longer than a day, which it was not before.
-Result<void, CommandFailure> confirmLength(const CommandContext &context, const TimeEntryResponse &before,
+Result<void, CommandFailure> confirmLength(CommandContext &context, const TimeEntryResponse &before,
                                            const std::vector<EntryWarning> &warnings, bool isYes)
 {
     const bool isLong = std::ranges::any_of(warnings, [](const EntryWarning &warning) {

@@ -9,6 +9,7 @@
 #include "Commands/CatalogDeletion.h"
 #include "Commands/Confirmation.h"
 #include "Input/ProjectOptions.h"
+#include "Output/ProjectText.h"
 
 #include <algorithm>
 
@@ -66,9 +67,9 @@ std::string changedText(const ProjectResponse &project, const Tracker &tracker, 
            table.render(style);
 }
 
-TextCell named(const ProjectResponse &project)
+TextCell named(const ProjectResponse &project, const TerminalStyle &style)
 {
-    return TextCell(printable(project.name), {.ownColour = colourFromText(project.color)});
+    return colouredName(project.name, project.color, style);
 }
 
 std::string projectTable(std::vector<ProjectResponse> projects, const Tracker &tracker,
@@ -87,7 +88,7 @@ std::string projectTable(std::vector<ProjectResponse> projects, const Tracker &t
     for (std::size_t i = 0; i < projects.size(); ++i) {
         const ProjectResponse &project = projects[i];
         const auto tasks = static_cast<std::int64_t>(project.tasks.size());
-        table.add({TextCell(ids[i], quiet), named(project),
+        table.add({TextCell(ids[i], quiet), named(project, style),
                    TextCell(clientNameOf(project, tracker.catalog())),
                    TextCell(tasks > 0 ? counted(tasks, "task") : "", quiet),
                    TextCell(factsOf(project, tracker), quiet)});

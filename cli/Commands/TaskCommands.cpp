@@ -6,6 +6,7 @@
 #include "Commands/CatalogDeletion.h"
 #include "Commands/Confirmation.h"
 #include "Input/ProjectOptions.h"
+#include "Output/ProjectText.h"
 
 namespace orvane {
 
@@ -37,8 +38,7 @@ CommandTask listTasks(Context context)
     for (std::size_t i = 0; i < tasks.size(); ++i) {
         const ProjectResponse *project = catalog.project(tasks[i].projectId);
         const TextCell where =
-            project ? TextCell(printable(project->name), {.ownColour = colourFromText(project->color)})
-                    : TextCell();
+            project ? colouredName(project->name, project->color, context->style()) : TextCell();
         table.add({TextCell(ids[i], quiet), TextCell(printable(tasks[i].name)), where,
                    TextCell(tasks[i].isActive ? "" : "done", quiet)});
     }

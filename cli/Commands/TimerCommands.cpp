@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Commands/Commands.h"
 
+#include "Account/StoredStatus.h"
 #include "CommandTree.h"
 #include "Commands/EntryAnswers.h"
 #include "Commands/ZoneMessage.h"
@@ -8,6 +9,7 @@
 #include "Output/AccountText.h"
 #include "Output/EntryText.h"
 #include "Output/JsonShapes.h"
+#include "Output/StatusLine.h"
 #include "Time/AppClock.h"
 
 namespace orvane {
@@ -25,9 +27,10 @@ CommandTask status(Context context)
     Tracker &tracker = account.tracker();
     const auto today = tracker.days(tracker.time().today(), 1);
     if (!context->json())
-        co_return CommandAnswer{.output = accountLine(account, context->style()) +
-                                          EntryWriter(tracker, context->style()).status(today.front()),
-                                .messages = zoneMessages(*context)};
+        co_return CommandAnswer{
+            .output = accountLine(account, context->style()) +
+                      EntryWriter(tracker, context->style()).status(today.front(), account.me().preferences),
+            .messages = zoneMessages(*context)};
     const WorkspaceSummary &workspace = tracker.workspace();
     const Catalog &catalog = tracker.catalog();
     co_return CommandAnswer{.output = shapes::text(shapes::Status{
@@ -37,6 +40,38 @@ CommandTask status(Context context)
                                 .running = shapes::entry(tracker.running(), catalog, AppClock::now()),
                                 .today = shapes::day(today.front(), catalog, AppClock::now()),
                                 .outbox = shapes::queue(account.outbox(), account.isReachable())})};
+}
+
+/// For a bar that asks again and again: only what is kept here is looked at, without an event loop.
+CommandResult formattedStatus(const GlobalOptions &options, const std::string &format)
+{
+    if (options.json)
+        return failure(CommandFailure::usage("--format and --json do not go together."));
+    if (const auto checked = statusLine(format, std::nullopt); !checked)
+        return failure(CommandFailure::usage(checked.error()));
+    const Installation installation(options.dataFolder);
+    const auto status = StoredStatus::read(
+        installation, {.server = options.server, .workspace = options.workspace, .zone = options.zone},
+        AppClock::now());
+    return statusLine(format, status)
+        .map([](const std::string &line) { return CommandAnswer{.output = line + "\n"}; })
+        .map_error([](const std::string &message) { return CommandFailure::usage(message); });
+}
+
+void addStatusCommand(CommandTree &tree, const std::string &group)
+{
+    const auto format = std::make_shared<std::optional<std::string>>();
+    CLI::App *command =
+        tree.add("status", "Show the running timer and today's entries; so does orvane alone", group);
+    CommandTree::addText(command, "--format", *format, "TEXT",
+                         "One line for a status bar from what is known here, without asking the server: "
+                         "{running}, {elapsed}, {today}, {project} and {waiting} are filled in");
+    tree.onRun(&tree.root(), status);
+    tree.onRun(command, status);
+    tree.onRunPlain(
+        command,
+        [format](const CommandTree &used) { return formattedStatus(used.options(), format->value()); },
+        [format] { return format->has_value(); });
 }
 
 CommandTask start(Context context, EntryOptions options)
@@ -193,9 +228,7 @@ CommandTask continueEntry(Context context, ContinueOptions options)
 void addTimerCommands(CommandTree &tree)
 {
     const std::string group = "The timer";
-    tree.onRun(&tree.root(), status);
-    tree.onRun(tree.add("status", "Show the running timer and today's entries; so does orvane alone", group),
-               status);
+    addStatusCommand(tree, group);
 
     const auto options = std::make_shared<EntryOptions>();
     CLI::App *startCommand =

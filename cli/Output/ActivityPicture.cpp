@@ -25,12 +25,30 @@ constexpr int leastCells = 6;
 constexpr int margin = 2;
 constexpr int gap = 2;
 
+constexpr int narrowPicture = 60;
+
 const std::string attentionTitle = "█ attention";
 const std::string agentTitle = "░ agents";
 
 int pictureWidth(const TerminalStyle &style)
 {
     return style.width > 0 ? std::min(style.width, widestPicture) : usualWidth;
+}
+
+/// Where columns have no room for words, their titles are signs and the words stand above.
+bool isNarrow(const TerminalStyle &style)
+{
+    return pictureWidth(style) < narrowPicture;
+}
+
+std::string columnTitle(const std::string &title, const TerminalStyle &style)
+{
+    return isNarrow(style) ? title.substr(0, title.find(' ')) : title;
+}
+
+std::string legend(const TerminalStyle &style)
+{
+    return isNarrow(style) ? style.apply(attentionTitle + "  " + agentTitle, quiet) : std::string();
 }
 
 TextCell lengthCell(double seconds, const UserTime &time, TextStyle style = {})
@@ -135,12 +153,14 @@ std::string strips(const ActivityDay &day, const std::vector<RepositoryRow> &row
     }
     const int width = pictureWidth(style);
     nameWidth = std::min(nameWidth, std::max(width / 5, 8));
-    const int taken = margin + nameWidth + 3 * gap + lengthWidth(attentionTitle, attention, time) +
-                      lengthWidth(agentTitle, agent, time);
+    const std::string attentionHead = columnTitle(attentionTitle, style);
+    const std::string agentHead = columnTitle(agentTitle, style);
+    const int taken = margin + nameWidth + 3 * gap + lengthWidth(attentionHead, attention, time) +
+                      lengthWidth(agentHead, agent, time);
     const Axis axis = axisOf(day, time, width - taken);
     TextTable table({{}, {}, {.alignsRight = true}, {.alignsRight = true}}, margin);
-    table.add({TextCell(), TextCell(axisLabels(axis, time), quiet), TextCell(attentionTitle, quiet),
-               TextCell(agentTitle, quiet)});
+    table.add({TextCell(), TextCell(axisLabels(axis, time), quiet), TextCell(attentionHead, quiet),
+               TextCell(agentHead, quiet)});
     for (const RepositoryRow &row : rows)
         table.add({TextCell(truncatedToWidth(printable(row.name), nameWidth)),
                    timeStrip(axis.range, axis.cells, row.attention, row.runs, barStyle(row)),
@@ -303,7 +323,6 @@ public:
     }
 
 private:
-    static constexpr int leastBar = 8;
     static constexpr int widestBar = 24;
 
     static double sumOf(const std::map<std::string, double> &totals)
@@ -321,9 +340,11 @@ private:
 
     void makeColumns()
     {
-        const int room = pictureWidth(m_style) - margin - m_labelWidth - 2 * gap -
-                         lengthWidth(attentionTitle, std::array{m_attendedTotal}, m_time) -
-                         lengthWidth(agentTitle, std::array{m_workedTotal}, m_time);
+        const int room =
+            pictureWidth(m_style) - margin - m_labelWidth - 2 * gap -
+            lengthWidth(columnTitle(attentionTitle, m_style), std::array{m_attendedTotal}, m_time) -
+            lengthWidth(columnTitle(agentTitle, m_style), std::array{m_workedTotal}, m_time);
+        const int leastBar = isNarrow(m_style) ? 6 : 8;
         const std::size_t most = static_cast<std::size_t>(std::max(room / (leastBar + gap), 1));
         for (const RepositoryRow &row : m_rows) {
             if (m_columns.size() < most)
@@ -355,8 +376,8 @@ private:
         std::vector<TextCell> cells{TextCell()};
         for (const BarColumn &column : m_columns)
             cells.emplace_back(truncatedToWidth(column.name, m_barWidth));
-        cells.emplace_back(attentionTitle, quiet);
-        cells.emplace_back(agentTitle, quiet);
+        cells.emplace_back(columnTitle(attentionTitle, m_style), quiet);
+        cells.emplace_back(columnTitle(agentTitle, m_style), quiet);
         return cells;
     }
 
@@ -411,14 +432,17 @@ std::string ActivityPicture::day(const ActivityDay &day) const
 {
     const auto rows = RepositoryRow::of({&day, 1});
     const RepositoryNames names(rows);
-    return m_style.apply(m_time.dayLabel(day.day), strong) + "\n" + strips(day, rows, m_time, m_style) +
-           focus(day, names, m_time, m_style) + sessions(day, names, m_time, m_style) +
-           notes({&day, 1}, m_time, m_style);
+    const std::string above = legend(m_style);
+    return m_style.apply(m_time.dayLabel(day.day), strong) + (above.empty() ? "" : "   " + above) + "\n" +
+           strips(day, rows, m_time, m_style) + focus(day, names, m_time, m_style) +
+           sessions(day, names, m_time, m_style) + notes({&day, 1}, m_time, m_style);
 }
 
 std::string ActivityPicture::week(std::span<const ActivityDay> days) const
 {
-    return WeekTable(days, m_time, m_style).text() + notes(days, m_time, m_style);
+    const std::string above = legend(m_style);
+    return (above.empty() ? "" : "  " + above + "\n") + WeekTable(days, m_time, m_style).text() +
+           notes(days, m_time, m_style);
 }
 
 } // namespace orvane

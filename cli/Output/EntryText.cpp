@@ -2,8 +2,8 @@
 #include "Output/EntryText.h"
 
 #include "Catalog/EntryConversions.h"
-#include "Catalog/EntrySeconds.h"
 #include "Catalog/NameLookup.h"
+#include "Output/ProjectText.h"
 #include "Terminal/TextWidth.h"
 #include "Time/AppClock.h"
 
@@ -15,6 +15,12 @@ namespace {
 
 constexpr TextStyle good{.bold = true, .colour = TextStyle::Colour::green};
 constexpr TextStyle warning{.colour = TextStyle::Colour::yellow};
+
+/// What the work was matters most on a line, and project and tags give way to it.
+constexpr TextTable::Column descriptionColumn{.shrinksTo = 14, .shrinksLast = true};
+constexpr TextTable::Column placeColumn{.shrinksTo = 12};
+
+constexpr int headingWidth = 40;
 
 /// As wide as "12:30 pm": clock labels of a 12-hour clock are lined up on it.
 constexpr std::size_t clockWidth12 = 8;
@@ -73,15 +79,24 @@ std::string unreadableMessage(std::int64_t count, const std::string &file)
            (count == 1 ? "it stays" : "they stay") + " in " + file + ".";
 }
 
-EntryWriter::EntryWriter(Tracker &tracker, TerminalStyle style)
-    : m_tracker(tracker), m_time(tracker.time()), m_style(style), m_now(AppClock::now())
+EntryWriter::EntryWriter(Tracker &tracker, TerminalStyle style, EntryFilter filter)
+    : m_tracker(tracker)
+    , m_time(tracker.time())
+    , m_style(style)
+    , m_filter(std::move(filter))
+    , m_now(AppClock::now())
 {
 }
 
 TextTable EntryWriter::table() const
 {
     // Identifier, times, length, description, project and tags.
-    return TextTable({{}, {}, {.alignsRight = true}, {.shrinksTo = 14}, {.shrinksTo = 10}});
+    return TextTable({{}, {}, {.alignsRight = true}, descriptionColumn, placeColumn});
+}
+
+std::int64_t EntryWriter::seconds(std::span<const TimeEntryResponse> entries) const
+{
+    return m_filter.seconds(entries, m_tracker.catalog(), m_now);
 }
 
 std::string EntryWriter::clock(Instant instant) const
@@ -102,7 +117,7 @@ std::string EntryWriter::span(Instant start, std::optional<Instant> stop) const
 
 std::string EntryWriter::duration(const TimeEntryResponse &entry) const
 {
-    return m_time.duration(static_cast<double>(entrySeconds(entry, m_now)));
+    return m_time.duration(static_cast<double>(seconds(std::span(&entry, 1))));
 }
 
 std::string EntryWriter::shortId(const std::string &id) const
@@ -127,22 +142,30 @@ void EntryWriter::addProject(TextCell &cell, const std::optional<std::string> &p
         return;
     const ProjectResponse *project = m_tracker.catalog().project(*projectId);
     // Deleted elsewhere, or not known yet: the entry still says that it had one.
-    std::string name = project ? printable(project->name) : "unknown project";
+    std::string name = project ? project->name : "unknown project";
     if (const TaskResponse *task = taskId ? m_tracker.catalog().task(*taskId) : nullptr)
-        name += ": " + printable(task->name);
-    cell.runs.push_back(
-        {std::move(name), {.ownColour = project ? colourFromText(project->color) : std::nullopt}});
+        name += ": " + task->name;
+    for (TextRun &run : colouredName(name, project ? project->color : "", m_style).runs)
+        cell.runs.push_back(std::move(run));
 }
 
-TextCell EntryWriter::where(const TimeEntryResponse &entry) const
+TextCell EntryWriter::split(const TimeEntryResponse &entry) const
 {
     TextCell cell;
     for (const TimeShareResponse &share : entry.shares) {
+        if (!m_filter.takesProject(share.projectId, m_tracker.catalog()))
+            continue;
         if (!cell.runs.empty())
             cell.runs.push_back({", "});
         addProject(cell, share.projectId, share.taskId);
         cell.runs.push_back({(share.projectId ? " " : "no project ") + std::to_string(share.percent) + "%"});
     }
+    return cell;
+}
+
+TextCell EntryWriter::where(const TimeEntryResponse &entry) const
+{
+    TextCell cell = split(entry);
     if (entry.shares.empty())
         addProject(cell, entry.projectId, entry.taskId);
     std::string tags;
@@ -172,23 +195,43 @@ std::string EntryWriter::runningTimer(int width) const
     TextCell left("● ", good);
     for (const TextRun &run : description(running->description).runs)
         left.runs.push_back({run.text, run.style.dim ? run.style : strong});
-    const TextCell place = where(*running);
-    if (!place.runs.empty())
-        left.runs.push_back({"  "});
-    left.runs.insert(left.runs.end(), place.runs.begin(), place.runs.end());
     const DayKey day = m_time.dayKey(running->start);
     std::string since = "since " + clock(running->start);
     if (day != m_time.today())
         since += ", " + m_time.dayLabel(day);
     TextCell right(since + "  ", quiet);
     right.runs.push_back({duration(*running), good});
-    return alignedLine(left, right, width, m_style);
+    TextCell place = where(*running);
+    constexpr int apart = 2;
+    const int whole = left.width() + place.width() + right.width() + 2 * apart;
+    if (m_style.width == 0 || whole <= m_style.width) {
+        if (!place.runs.empty())
+            left.runs.push_back({std::string(apart, ' ')});
+        left.runs.insert(left.runs.end(), place.runs.begin(), place.runs.end());
+        return alignedLine(left, right, width, m_style);
+    }
+    std::string below;
+    for (const TextCell &line : place.wrapped(m_style.width - apart))
+        below += std::string(apart, ' ') + line.render(m_style) + "\n";
+    return alignedLine(left, right, width, m_style) + below;
 }
 
-std::string EntryWriter::status(const DayGroup &today) const
+std::string EntryWriter::pomodoro(const PreferencesResponse &preferences) const
+{
+    if (!preferences.pomodoroEnabled)
+        return {};
+    std::string text = "Pomodoro: " + std::to_string(preferences.pomodoroMinutes) + " min of work, " +
+                       std::to_string(preferences.pomodoroBreakMinutes) + " min of rest";
+    if (preferences.pomodoroAutoStop)
+        text += ", and the timer stops by itself";
+    return m_style.apply(text, quiet) + "\n";
+}
+
+std::string EntryWriter::status(const DayGroup &today, const PreferencesResponse &preferences) const
 {
     const Layout layout = layoutOf({today});
-    return runningTimer(today.entries.empty() ? 0 : layout.width) + "\n" + dayText(today, layout, 0);
+    return runningTimer(today.entries.empty() ? 0 : layout.width) + pomodoro(preferences) + "\n" +
+           dayText(today, layout, 0);
 }
 
 EntryWriter::Layout EntryWriter::layoutOf(const std::vector<DayGroup> &days) const
@@ -205,7 +248,8 @@ EntryWriter::Layout EntryWriter::layoutOf(const std::vector<DayGroup> &days) con
         for (const TimeEntryResponse &entry : day.entries)
             all.add(row(entry, *id++));
     }
-    constexpr int narrowest = 40;
+    // A heading alone would have its total right beside it; where nobody looks, nothing is filled up.
+    const int narrowest = m_style.isTerminal ? std::min(headingWidth, m_style.width) : 0;
     return {all.lines(m_style), std::max(all.width(m_style), narrowest)};
 }
 
@@ -227,7 +271,7 @@ std::string EntryWriter::dayText(const DayGroup &day, const Layout &layout, std:
 {
     if (day.entries.empty())
         return emptyDay(day.day);
-    std::string out = heading(m_time.dayLabel(day.day), entrySeconds(day.entries, m_now), layout.width);
+    std::string out = heading(m_time.dayLabel(day.day), seconds(day.entries), layout.width);
     for (std::size_t i = 0; i < day.entries.size(); ++i)
         out += layout.lines[firstLine + i] + "\n";
     return out;
@@ -246,14 +290,14 @@ std::string EntryWriter::days(const std::vector<DayGroup> &days) const
                                                  TextCell("–", quiet), layout.width, m_style)
                                    : dayText(day, layout, line);
         line += day.entries.size();
-        total += entrySeconds(day.entries, m_now);
+        total += seconds(day.entries);
     }
     return out + heading("Total", total, layout.width);
 }
 
 std::string EntryWriter::done(std::string_view verb, const TimeEntryResponse &entry) const
 {
-    TextTable line({{}, {}, {}, {.alignsRight = true}, {.shrinksTo = 14}, {.shrinksTo = 10}}, 0);
+    TextTable line({{}, {}, {}, {.alignsRight = true}, descriptionColumn, placeColumn}, 0);
     std::vector<TextCell> cells = row(entry, shortId(entry.id));
     const DayKey day = m_time.dayKey(entry.start);
     if (day != m_time.today())
@@ -293,7 +337,7 @@ std::string EntryWriter::queue(const std::deque<Outbox::Pending> &pending, std::
 {
     if (pending.empty())
         return std::string(nothing) + "\n";
-    TextTable rows({{.alignsRight = true}, {}, {}, {}, {.shrinksTo = 14}, {.shrinksTo = 10}});
+    TextTable rows({{.alignsRight = true}, {}, {}, {}, descriptionColumn, placeColumn});
     for (const Outbox::Pending &item : pending) {
         const auto known = m_tracker.entry(item.change.entryId());
         const bool saysWhen = known || item.change.request();
@@ -333,7 +377,7 @@ std::string EntryWriter::conflict(const Outbox::Pending &pending) const
 {
     const TimeEntryResponse theirs = pending.conflict.value_or(TimeEntryResponse{});
     const std::string seq = std::to_string(pending.seq);
-    TextTable both({{}, {}, {}, {.alignsRight = true}, {.shrinksTo = 14}, {.shrinksTo = 10}});
+    TextTable both({{}, {}, {}, {.alignsRight = true}, descriptionColumn, placeColumn});
     const bool isDelete = std::holds_alternative<EntryChange::Delete>(pending.change.action);
     const auto add = [&](const char *whose, const TimeEntryResponse &entry) {
         std::vector<TextCell> cells = row(entry, shortId(entry.id));

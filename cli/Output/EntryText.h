@@ -4,9 +4,11 @@
 #include "Account/AccountStores.h"
 #include "Catalog/DayGroup.h"
 #include "Outbox/Outbox.h"
+#include "Report/EntryFilter.h"
 #include "Terminal/TextTable.h"
 #include "Tracker/Tracker.h"
 
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,10 +19,12 @@ namespace orvane {
 /// Used from the main thread while the tracker lives.
 class EntryWriter {
 public:
-    EntryWriter(Tracker &tracker, TerminalStyle style);
+    /// What the filter does not take of entries is neither shown nor counted.
+    EntryWriter(Tracker &tracker, TerminalStyle style, EntryFilter filter = {});
 
-    /// The running timer, or that there is none, and today's entries.
-    std::string status(const DayGroup &today) const;
+    /// The running timer, or that there is none, the user's rhythm of work and rest where it is on, and
+    /// today's entries.
+    std::string status(const DayGroup &today, const PreferencesResponse &preferences) const;
     /// Entries by day under headings with totals; all days share their columns. A single day without entries
     /// says what to do next.
     std::string days(const std::vector<DayGroup> &days) const;
@@ -44,6 +48,7 @@ private:
     };
 
     std::string runningTimer(int width) const;
+    std::string pomodoro(const PreferencesResponse &preferences) const;
     Layout layoutOf(const std::vector<DayGroup> &days) const;
     std::string dayText(const DayGroup &day, const Layout &layout, std::size_t firstLine) const;
     std::string emptyDay(DayKey day) const;
@@ -52,8 +57,10 @@ private:
     std::vector<TextCell> row(const TimeEntryResponse &entry, const std::string &shortId) const;
     TextCell description(const std::string &text) const;
     TextCell where(const TimeEntryResponse &entry) const;
+    TextCell split(const TimeEntryResponse &entry) const;
     void addProject(TextCell &cell, const std::optional<std::string> &projectId,
                     const std::optional<std::string> &taskId) const;
+    std::int64_t seconds(std::span<const TimeEntryResponse> entries) const;
     std::string clock(Instant instant) const;
     std::string span(Instant start, std::optional<Instant> stop) const;
     std::string duration(const TimeEntryResponse &entry) const;
@@ -64,6 +71,7 @@ private:
     Tracker &m_tracker;
     const UserTime &m_time;
     TerminalStyle m_style;
+    EntryFilter m_filter;
     Instant m_now;
 };
 

@@ -84,6 +84,24 @@ struct JsonFields<shapes::Days> {
     static constexpr auto list = JsonFieldList{jsonField<"days">(&shapes::Days::days)};
 };
 template <>
+struct JsonFields<shapes::ReportGroup> {
+    static constexpr auto list =
+        JsonFieldList{jsonField<"id">(&shapes::ReportGroup::id),
+                      jsonField<"name">(&shapes::ReportGroup::name),
+                      jsonField<"color">(&shapes::ReportGroup::color),
+                      jsonField<"seconds">(&shapes::ReportGroup::seconds),
+                      jsonField<"billableSeconds">(&shapes::ReportGroup::billableSeconds),
+                      jsonField<"amount">(&shapes::ReportGroup::amount),
+                      jsonField<"currency">(&shapes::ReportGroup::currency)};
+};
+template <>
+struct JsonFields<shapes::Report> {
+    static constexpr auto list = JsonFieldList{
+        jsonField<"groups">(&shapes::Report::groups), jsonField<"seconds">(&shapes::Report::seconds),
+        jsonField<"billableSeconds">(&shapes::Report::billableSeconds),
+        jsonField<"amount">(&shapes::Report::amount), jsonField<"currency">(&shapes::Report::currency)};
+};
+template <>
 struct JsonFields<shapes::Outcome> {
     static constexpr auto list = JsonFieldList{
         jsonField<"outcome">(&shapes::Outcome::outcome), jsonField<"queued">(&shapes::Outcome::queued),
@@ -136,6 +154,7 @@ struct JsonFields<shapes::Version> {
 ORVANE_JSON(shapes::Status)
 ORVANE_JSON(shapes::SignIn)
 ORVANE_JSON(shapes::Days)
+ORVANE_JSON(shapes::Report)
 ORVANE_JSON(shapes::Outcome)
 ORVANE_JSON(shapes::Failure)
 ORVANE_JSON(shapes::FailedOutcome)
@@ -205,13 +224,30 @@ std::optional<Entry> entry(const std::optional<TimeEntryResponse> &known, const 
     return known ? std::optional(entry(*known, catalog, now)) : std::nullopt;
 }
 
-Day day(const DayGroup &group, const Catalog &catalog, Instant now)
+Day day(const DayGroup &group, const Catalog &catalog, Instant now, const EntryFilter &filter)
 {
-    Day day{group.day.civil(), entrySeconds(group.entries, now), {}};
+    Day day{group.day.civil(), filter.seconds(group.entries, catalog, now), {}};
     day.entries.reserve(group.entries.size());
     for (const TimeEntryResponse &known : group.entries)
         day.entries.push_back(entry(known, catalog, now));
     return day;
+}
+
+Report report(const EntryReport &report)
+{
+    const auto amount = [](const EntryReport::Line &line) {
+        constexpr double hundredths = 100;
+        return line.amount ? std::optional(static_cast<double>(*line.amount) / hundredths) : std::nullopt;
+    };
+    Report shape{.groups = {},
+                 .seconds = report.total.seconds,
+                 .billableSeconds = report.total.billableSeconds,
+                 .amount = amount(report.total),
+                 .currency = report.currency};
+    for (const EntryReport::Line &line : report.groups)
+        shape.groups.push_back({line.id, line.name, line.color, line.seconds, line.billableSeconds,
+                                amount(line), report.currency});
+    return shape;
 }
 
 Error error(const CommandFailure &failure)

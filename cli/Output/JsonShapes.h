@@ -5,6 +5,7 @@
 #include "Catalog/Catalog.h"
 #include "Catalog/DayGroup.h"
 #include "Output/CommandFailure.h"
+#include "Report/EntryReport.h"
 #include "Support/Json.h"
 #include "Tracker/Tracker.h"
 
@@ -88,6 +89,24 @@ struct Days {
     std::vector<Day> days;
 };
 
+struct ReportGroup {
+    std::optional<std::string> id;
+    std::optional<std::string> name;
+    std::optional<std::string> color;
+    std::int64_t seconds = 0;
+    std::int64_t billableSeconds = 0;
+    std::optional<double> amount;
+    std::optional<std::string> currency;
+};
+
+struct Report {
+    std::vector<ReportGroup> groups;
+    std::int64_t seconds = 0;
+    std::int64_t billableSeconds = 0;
+    std::optional<double> amount;
+    std::optional<std::string> currency;
+};
+
 struct Outcome {
     SaveOutcome outcome = SaveOutcome::failed;
     bool queued = false;
@@ -151,7 +170,9 @@ Entry entry(const TimeEntryResponse &entry, const Catalog &catalog, Instant now)
 /// Nothing of nothing.
 std::optional<Entry> entry(const std::optional<TimeEntryResponse> &entry, const Catalog &catalog,
                            Instant now);
-Day day(const DayGroup &group, const Catalog &catalog, Instant now);
+/// The day's seconds are those that the filter takes; an entry's are its own.
+Day day(const DayGroup &group, const Catalog &catalog, Instant now, const EntryFilter &filter = {});
+Report report(const EntryReport &report);
 Error error(const CommandFailure &failure);
 
 /// A value as `--json` prints it: one line, ended by a line break.

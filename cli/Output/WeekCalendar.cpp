@@ -97,6 +97,21 @@ public:
     Box(const DaySegment &segment, const WeekCalendar::Label &label, int rows, int width)
         : m_segment(segment), m_label(label), m_rows(rows), m_inner(width - 2)
     {
+        const auto add = [this](const std::string &text, const TextStyle &style) {
+            for (std::string &line : wordLines(text, m_inner))
+                m_lines.push_back({std::move(line), style});
+        };
+        add(label.title, strong);
+        const std::size_t titleLines = m_lines.size();
+        add(label.detail, {});
+        const bool isOpen = !segment.entry.stop && !segment.continuesAfter;
+        const auto room = static_cast<std::size_t>(std::max(rows - (isOpen ? 1 : 0), 1));
+        if (m_lines.size() > room) {
+            std::string &last = m_lines[room - 1].text;
+            if (room != titleLines)
+                last = displayWidth(last) < m_inner ? last + "…" : truncatedToWidth(last + "…", m_inner);
+            m_lines.resize(room);
+        }
     }
 
     TextCell row(int index) const
@@ -109,11 +124,9 @@ public:
             return between("[", filled(m_label.title, m_inner, " "), strong, "]");
         const std::string_view left = isTop ? "┌" : isBottom ? "└" : "│";
         const std::string_view right = isTop ? "┐" : isBottom ? "┘" : "│";
-        if (index == 0)
-            return lettered(left, m_label.title, strong, line, right);
-        const bool hasDetail = index == 1 && !(isBottom && isRunning);
-        return hasDetail ? lettered(left, m_label.detail, {}, line, right)
-                         : between(left, repeated(line, m_inner), edge(), right);
+        const auto place = static_cast<std::size_t>(index);
+        return place < m_lines.size() ? lettered(left, m_lines[place], line, right)
+                                      : between(left, repeated(line, m_inner), edge(), right);
     }
 
 private:
@@ -129,13 +142,12 @@ private:
     }
 
     /// The text and behind it the line.
-    TextCell lettered(std::string_view left, const std::string &text, const TextStyle &style,
-                      std::string_view line, std::string_view right) const
+    TextCell lettered(std::string_view left, const TextRun &text, std::string_view line,
+                      std::string_view right) const
     {
-        const std::string cut = truncatedToWidth(text, m_inner);
         TextCell cell(std::string(left), edge());
-        cell.runs.push_back({cut, style});
-        cell.runs.push_back({repeated(line, m_inner - displayWidth(cut)).append(right), edge()});
+        cell.runs.push_back(text);
+        cell.runs.push_back({repeated(line, m_inner - displayWidth(text.text)).append(right), edge()});
         return cell;
     }
 
@@ -143,6 +155,7 @@ private:
     const WeekCalendar::Label &m_label;
     int m_rows;
     int m_inner;
+    std::vector<TextRun> m_lines;
 };
 
 /// The pieces of one day, row by row.

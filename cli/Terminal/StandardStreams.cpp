@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Terminal/StandardStreams.h"
 
+#include "Terminal/TerminalStyle.h"
+#include "Terminal/TextWidth.h"
+
 #include <array>
 #include <atomic>
 #include <cerrno>
@@ -100,7 +103,7 @@ void writeMessage(std::string_view text)
         return;
     if (progressIsShown.load())
         writeErrors(clearLine);
-    writeErrors(std::string(text) + "\n");
+    writeErrors(wrapped(text, TerminalStyle::of(STDERR_FILENO).width) + "\n");
 }
 
 std::string readInputLine()

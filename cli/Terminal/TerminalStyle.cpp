@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Terminal/TerminalStyle.h"
 
+#include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstdlib>
 #include <sys/ioctl.h>
@@ -27,6 +29,54 @@ int widthOf(int descriptor)
     return error == std::errc() && columns > 0 && columns < 10'000 ? columns : 80;
 }
 
+struct Shade {
+    int red = 0;
+    int green = 0;
+    int blue = 0;
+
+    explicit Shade(std::uint32_t rgb)
+        : red(static_cast<int>(rgb >> 16 & 0xFF))
+        , green(static_cast<int>(rgb >> 8 & 0xFF))
+        , blue(static_cast<int>(rgb & 0xFF))
+    {
+    }
+
+    int distance(const Shade &other) const
+    {
+        const auto square = [](int number) { return number * number; };
+        return square(red - other.red) + square(green - other.green) + square(blue - other.blue);
+    }
+};
+
+/// The nearest colour of the palette's cube of six shades each.
+std::string paletteCode(std::uint32_t rgb)
+{
+    static constexpr std::array levels{0, 95, 135, 175, 215, 255};
+    const auto nearest = [](int value) {
+        const auto isNearer = [value](int one, int other) {
+            return std::abs(one - value) < std::abs(other - value);
+        };
+        return static_cast<int>(std::ranges::min_element(levels, isNearer) - levels.begin());
+    };
+    const Shade shade(rgb);
+    constexpr int cube = 16;
+    return "38;5;" +
+           std::to_string(cube + 36 * nearest(shade.red) + 6 * nearest(shade.green) + nearest(shade.blue));
+}
+
+/// The nearest of the six basic colours, as terminals commonly draw them.
+std::string basicCode(std::uint32_t rgb)
+{
+    static constexpr std::array<std::uint32_t, 6> colours{0xCD3131, 0x0DBC79, 0xE5E510,
+                                                          0x2472C8, 0xBC3FBC, 0x11A8CD};
+    const Shade shade(rgb);
+    const auto isNearer = [&](std::uint32_t one, std::uint32_t other) {
+        return shade.distance(Shade(one)) < shade.distance(Shade(other));
+    };
+    constexpr int red = 31;
+    return std::to_string(red + (std::ranges::min_element(colours, isNearer) - colours.begin()));
+}
+
 void appendCode(std::string &codes, std::string_view code)
 {
     if (!codes.empty())
@@ -47,6 +97,7 @@ TerminalStyle TerminalStyle::of(int descriptor)
     style.hasColour = variable("NO_COLOR").empty() && !term.empty() && term != "dumb";
     const std::string_view colours = variable("COLORTERM");
     style.hasAllColours = style.hasColour && (colours == "truecolor" || colours == "24bit");
+    style.hasPalette = style.hasColour && term.find("256color") != std::string_view::npos;
     return style;
 }
 
@@ -73,9 +124,13 @@ std::string TerminalStyle::apply(std::string_view text, const TextStyle &style) 
         break;
     }
     if (style.ownColour && hasAllColours) {
-        const std::uint32_t rgb = *style.ownColour;
-        appendCode(codes, "38;2;" + std::to_string(rgb >> 16 & 0xFF) + ";" + std::to_string(rgb >> 8 & 0xFF) +
-                              ";" + std::to_string(rgb & 0xFF));
+        const Shade shade(*style.ownColour);
+        appendCode(codes, "38;2;" + std::to_string(shade.red) + ";" + std::to_string(shade.green) + ";" +
+                              std::to_string(shade.blue));
+    } else if (style.ownColour && hasPalette) {
+        appendCode(codes, paletteCode(*style.ownColour));
+    } else if (style.ownColour && style.colour == TextStyle::Colour::none) {
+        appendCode(codes, basicCode(*style.ownColour));
     }
     if (codes.empty())
         return std::string(text);

@@ -13,7 +13,8 @@ struct TextStyle {
     bool bold = false;
     bool dim = false;
     enum class Colour { none, green, yellow, red } colour = Colour::none;
-    /// A colour of its own (0xRRGGBB), shown only where the terminal has all colours.
+    /// A colour of its own (0xRRGGBB): as near as the terminal comes to it. Of the basic colours `colour`
+    /// goes first.
     std::optional<std::uint32_t> ownColour = {};
 
     bool operator==(const TextStyle &) const = default;
@@ -31,6 +32,8 @@ struct TerminalStyle {
     /// Bold, dim and the basic colours.
     bool hasColour = false;
     bool hasAllColours = false;
+    /// The palette of 256.
+    bool hasPalette = false;
 
     /// Asks the system and the environment (NO_COLOR, TERM, COLORTERM, COLUMNS) about an open descriptor.
     static TerminalStyle of(int descriptor);

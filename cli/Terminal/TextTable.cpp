@@ -52,6 +52,34 @@ TextCell TextCell::truncated(int limit) const
     return cut;
 }
 
+std::vector<TextCell> TextCell::wrapped(int limit) const
+{
+    // A word may go over several runs.
+    std::vector<TextCell> words(1);
+    for (const TextRun &run : runs) {
+        for (std::size_t at = 0; at < run.text.size();) {
+            const std::size_t end = std::min(run.text.find(' ', at), run.text.size());
+            if (end > at)
+                words.back().runs.push_back({run.text.substr(at, end - at), run.style});
+            if (end < run.text.size() && !words.back().runs.empty())
+                words.emplace_back();
+            at = end + 1;
+        }
+    }
+    std::vector<TextCell> lines;
+    for (const TextCell &whole : words) {
+        const TextCell word = whole.truncated(limit);
+        if (word.width() == 0)
+            continue;
+        if (lines.empty() || lines.back().width() + 1 + word.width() > limit)
+            lines.emplace_back();
+        else
+            lines.back().runs.push_back({" "});
+        lines.back().runs.insert(lines.back().runs.end(), word.runs.begin(), word.runs.end());
+    }
+    return lines;
+}
+
 std::string TextCell::render(const TerminalStyle &style) const
 {
     std::string out;
@@ -71,7 +99,7 @@ void TextTable::add(std::vector<TextCell> row)
     m_rows.push_back(std::move(row));
 }
 
-int TextTable::total(const std::vector<int> &widths) const
+int TextTable::total(std::span<const int> widths) const
 {
     int total = m_indent;
     bool first = true;
@@ -82,20 +110,35 @@ int TextTable::total(const std::vector<int> &widths) const
     return total;
 }
 
-std::vector<int> TextTable::widths(const TerminalStyle &style) const
+std::vector<int> TextTable::naturalWidths() const
 {
     std::vector<int> widths(m_columns.size());
     for (const auto &row : m_rows) {
         for (std::size_t i = 0; i < row.size(); ++i)
             widths[i] = std::max(widths[i], row[i].width());
     }
+    return widths;
+}
+
+std::vector<int> TextTable::widths(const TerminalStyle &style) const
+{
+    std::vector<int> widths = naturalWidths();
     for (int excess = style.width > 0 ? total(widths) - style.width : 0; excess > 0; --excess) {
         const std::size_t widest = widestThatShrinks(widths);
+        // What stands below the line has no reason to be cut.
         if (widest == widths.size())
-            break;
+            return naturalWidths();
         --widths[widest];
     }
     return widths;
+}
+
+std::size_t TextTable::columnsInLine(const std::vector<int> &widths, const TerminalStyle &style) const
+{
+    std::size_t count = widths.size();
+    while (style.width > 0 && count > 1 && total(std::span(widths).first(count)) > style.width)
+        --count;
+    return count;
 }
 
 /// The column that gives way next; their number when none can.
@@ -104,7 +147,12 @@ std::size_t TextTable::widestThatShrinks(const std::vector<int> &widths) const
     std::size_t widest = widths.size();
     for (std::size_t i = 0; i < widths.size(); ++i) {
         const bool canShrink = m_columns[i].shrinksTo > 0 && widths[i] > m_columns[i].shrinksTo;
-        if (canShrink && (widest == widths.size() || widths[i] >= widths[widest]))
+        if (!canShrink)
+            continue;
+        const bool isFirst = widest == widths.size();
+        const bool isWider = !isFirst && widths[i] >= widths[widest];
+        const bool isOfOrder = !isFirst && m_columns[i].shrinksLast != m_columns[widest].shrinksLast;
+        if (isFirst || (isOfOrder ? m_columns[widest].shrinksLast : isWider))
             widest = i;
     }
     return widest;
@@ -112,30 +160,60 @@ std::size_t TextTable::widestThatShrinks(const std::vector<int> &widths) const
 
 int TextTable::width(const TerminalStyle &style) const
 {
-    return total(widths(style));
+    const int width = total(widths(style));
+    return style.width > 0 ? std::min(width, style.width) : width;
+}
+
+std::string TextTable::rowText(const std::vector<TextCell> &row, const std::vector<int> &columnWidths,
+                               const TerminalStyle &style) const
+{
+    std::string line;
+    // Spaces are written only before something, so no line ends in them.
+    int owed = m_indent;
+    bool first = true;
+    for (std::size_t i = 0; i < columnWidths.size(); ++i) {
+        if (columnWidths[i] == 0)
+            continue;
+        const TextCell cell = row[i].truncated(columnWidths[i]);
+        const int padding = columnWidths[i] - cell.width();
+        owed += (std::exchange(first, false) ? 0 : gap) + (m_columns[i].alignsRight ? padding : 0);
+        if (cell.width() > 0)
+            line += spaces(std::exchange(owed, 0)) + cell.render(style);
+        owed += m_columns[i].alignsRight ? 0 : padding;
+    }
+    return line;
+}
+
+std::string TextTable::tailText(std::span<const TextCell> cells, const TerminalStyle &style) const
+{
+    const int indent = m_indent + gap;
+    const int room = std::max(style.width - indent, 1);
+    std::string text;
+    int column = room;
+    for (const TextCell &cell : cells) {
+        if (cell.width() == 0)
+            continue;
+        if (!text.empty() && column + gap + cell.width() <= room) {
+            text += spaces(gap) + cell.render(style);
+            column += gap + cell.width();
+            continue;
+        }
+        for (const TextCell &line : cell.wrapped(room)) {
+            text += "\n" + spaces(indent) + line.render(style);
+            column = line.width();
+        }
+    }
+    return text;
 }
 
 std::vector<std::string> TextTable::lines(const TerminalStyle &style) const
 {
-    const std::vector<int> columnWidths = widths(style);
+    std::vector<int> columnWidths = widths(style);
+    const std::size_t inLine = columnsInLine(columnWidths, style);
+    columnWidths.resize(inLine);
     std::vector<std::string> lines;
-    for (const auto &row : m_rows) {
-        std::string line;
-        // Spaces are written only before something, so no line ends in them.
-        int owed = m_indent;
-        bool first = true;
-        for (std::size_t i = 0; i < row.size(); ++i) {
-            if (columnWidths[i] == 0)
-                continue;
-            const TextCell cell = row[i].truncated(columnWidths[i]);
-            const int padding = columnWidths[i] - cell.width();
-            owed += (std::exchange(first, false) ? 0 : gap) + (m_columns[i].alignsRight ? padding : 0);
-            if (cell.width() > 0)
-                line += spaces(std::exchange(owed, 0)) + cell.render(style);
-            owed += m_columns[i].alignsRight ? 0 : padding;
-        }
-        lines.push_back(std::move(line));
-    }
+    for (const auto &row : m_rows)
+        lines.push_back(rowText(row, columnWidths, style) + tailText(std::span(row).subspan(inLine), style));
     return lines;
 }
 

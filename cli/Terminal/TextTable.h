@@ -3,6 +3,7 @@
 
 #include "Terminal/TerminalStyle.h"
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -24,17 +25,23 @@ struct TextCell {
     int width() const;
     /// Cut to so many columns, with "…" where something is missing.
     TextCell truncated(int width) const;
+    /// Its words on lines of so many columns; a word that is wider has "…" for its end.
+    std::vector<TextCell> wrapped(int width) const;
     std::string render(const TerminalStyle &style) const;
 };
 
 /// Rows in aligned columns, two spaces apart. Of the columns that may shrink the widest gives way, until the
-/// table fits the terminal; what no longer fits is cut with "…". Cells hold text that is `printable`.
+/// table fits the terminal; what no longer fits is cut with "…". Where even that does not fit, the first
+/// columns stand in line and the others below them, on lines that break between words. Cells hold text that
+/// is `printable`.
 class TextTable {
 public:
     struct Column {
         bool alignsRight = false;
         /// The least width that the column may shrink to; 0: it never shrinks.
         int shrinksTo = 0;
+        /// Gives way only when no other column can any more.
+        bool shrinksLast = false;
     };
 
     explicit TextTable(std::vector<Column> columns, int indent = 2);
@@ -43,14 +50,21 @@ public:
     bool isEmpty() const { return m_rows.empty(); }
     /// The widest line in columns, for what is set out beside the table.
     int width(const TerminalStyle &style) const;
-    /// One line for each row, without line breaks.
+    /// The text of each row, without the line break at its end.
     std::vector<std::string> lines(const TerminalStyle &style) const;
     /// The lines, each ended by a line break.
     std::string render(const TerminalStyle &style) const;
 
 private:
+    std::vector<int> naturalWidths() const;
     std::vector<int> widths(const TerminalStyle &style) const;
-    int total(const std::vector<int> &widths) const;
+    /// How many columns stand in line.
+    std::size_t columnsInLine(const std::vector<int> &widths, const TerminalStyle &style) const;
+    std::string rowText(const std::vector<TextCell> &row, const std::vector<int> &widths,
+                        const TerminalStyle &style) const;
+    /// What does not stand in line, below it.
+    std::string tailText(std::span<const TextCell> cells, const TerminalStyle &style) const;
+    int total(std::span<const int> widths) const;
     std::size_t widestThatShrinks(const std::vector<int> &widths) const;
 
     std::vector<Column> m_columns;

@@ -94,6 +94,46 @@ void append(std::string &out, UChar32 character)
     out.append(bytes, static_cast<std::size_t>(length));
 }
 
+template <class Function>
+void forEachWord(std::string_view text, const Function &function)
+{
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = std::min(text.find(' ', at), text.size());
+        if (end > at)
+            function(text.substr(at, end - at));
+        at = end + 1;
+    }
+}
+
+/// The columns that the text takes beside what switches styles on and off.
+int shownWidth(std::string_view text)
+{
+    std::string shown;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t code = std::min(text.find("\x1b[", at), text.size());
+        shown += text.substr(at, code - at);
+        at = code == text.size() ? code : std::min(text.find('m', code), text.size() - 1) + 1;
+    }
+    return displayWidth(shown);
+}
+
+void appendWrapped(std::string &out, std::string_view line, int width)
+{
+    if (line.starts_with(' ') || shownWidth(line) <= width) {
+        out += line;
+        return;
+    }
+    int column = 0;
+    forEachWord(line, [&](std::string_view word) {
+        const int wide = shownWidth(word);
+        const bool isNewLine = column > 0 && column + 1 + wide > width;
+        if (column > 0)
+            out += isNewLine ? '\n' : ' ';
+        out += word;
+        column = column == 0 || isNewLine ? wide : column + 1 + wide;
+    });
+}
+
 } // namespace
 
 int displayWidth(std::string_view text)
@@ -130,6 +170,32 @@ std::string truncatedToWidth(std::string_view text, int width)
     while (!kept.empty() && kept.back() == ' ')
         kept.remove_suffix(1);
     return std::string(kept) + "…";
+}
+
+std::vector<std::string> wordLines(std::string_view text, int width)
+{
+    std::vector<std::string> lines;
+    forEachWord(text, [&](std::string_view word) {
+        const std::string cut = truncatedToWidth(word, width);
+        if (!lines.empty() && displayWidth(lines.back()) + 1 + displayWidth(cut) <= width)
+            lines.back() += " " + cut;
+        else
+            lines.push_back(cut);
+    });
+    return lines;
+}
+
+std::string wrapped(std::string_view text, int width)
+{
+    std::string out;
+    while (width > 0 && !text.empty()) {
+        const std::size_t end = std::min(text.find('\n'), text.size());
+        appendWrapped(out, text.substr(0, end), width);
+        if (end < text.size())
+            out += '\n';
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return width > 0 ? out : std::string(text);
 }
 
 std::string printable(std::string_view text)

@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// Text as a terminal shows it. Widths are columns: most characters take one, East Asian wide ones and emoji
 /// two, combining marks none. Everything takes UTF-8; broken bytes count as U+FFFD. Any thread.
@@ -14,6 +15,13 @@ int displayWidth(std::string_view text);
 /// The text, or when it is wider its beginning and "…", together at most `width` columns. Never cuts through
 /// a character and its marks.
 std::string truncatedToWidth(std::string_view text, int width);
+
+/// The text's words on lines of at most `width` columns; a word that is wider has "…" for its end.
+std::vector<std::string> wordLines(std::string_view text, int width);
+
+/// The text with line breaks put in between words, so that no line is wider than `width`; 0: as it is. Codes
+/// for colours take no room. Lines that begin with a space are set out already and stay.
+std::string wrapped(std::string_view text, int width);
 
 /// The text without what would drive the terminal or disguise other text: control characters and line breaks
 /// become spaces, marks that turn the writing direction go. Texts of entries and names come from servers and

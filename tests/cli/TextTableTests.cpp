@@ -4,6 +4,7 @@
 #include "Terminal/TextWidth.h"
 
 #include <gtest/gtest.h>
+#include <sstream>
 
 namespace orvane {
 namespace {
@@ -33,12 +34,37 @@ TEST(TextTable, ShrinksTheWidestColumnsAndNoneBelowItsLeast)
                                          "  b2  12:30  日本語\n");
     EXPECT_EQ(sample().render(wide(30)), "  a1   0:05  Write t…  Website\n"
                                          "  b2  12:30  日本語\n");
-    for (int width = 29; width < 45; ++width) {
-        for (const std::string &line : sample().lines(wide(width)))
-            EXPECT_LE(displayWidth(line), width);
+    TextTable kept({{.shrinksTo = 8, .shrinksLast = true}, {.shrinksTo = 6}}, 0);
+    kept.add({TextCell("Write the README"), TextCell("Website")});
+    EXPECT_EQ(kept.render(wide(24)), "Write the README  Websi…\n") << "the other column goes first";
+    EXPECT_EQ(kept.render(wide(20)), "Write the R…  Websi…\n");
+}
+
+TEST(TextTable, PutsBelowTheLineWhatHasNoRoomInIt)
+{
+    TextTable table = sample();
+    TextCell place("Library of ", {.bold = true});
+    place.runs.push_back({"everything", {.dim = true}});
+    table.add({TextCell("c3"), TextCell("1:00"), TextCell("Answer mail"), place});
+    EXPECT_EQ(table.render(wide(24)), "  a1   0:05\n    Write the README\n    Website\n"
+                                      "  b2  12:30\n    日本語\n"
+                                      "  c3   1:00\n    Answer mail\n    Library of\n    everything\n");
+    for (int width = 16; width < 60; ++width) {
+        std::istringstream lines(table.render(wide(width)));
+        for (std::string line; std::getline(lines, line);)
+            ASSERT_LE(displayWidth(line), width) << line;
+        EXPECT_LE(table.width(wide(width)), width);
     }
-    EXPECT_EQ(sample().width(wide(10)), sample().width(wide(20)))
-        << "what is left does not fit, but can be read";
+}
+
+TEST(TextWidth, BreaksLinesBetweenWords)
+{
+    EXPECT_EQ(wrapped("Nothing tracked today.\n", 10), "Nothing\ntracked\ntoday.\n");
+    EXPECT_EQ(wrapped("\x1b[1mNothing\x1b[0m at all", 10), "\x1b[1mNothing\x1b[0m at\nall");
+    EXPECT_EQ(wrapped("  set out by hand already", 10), "  set out by hand already");
+    EXPECT_EQ(wrapped("as it is in a pipe", 0), "as it is in a pipe");
+    EXPECT_EQ(wordLines("Fix the synchronisation bug", 7),
+              (std::vector<std::string>{"Fix the", "synchr…", "bug"}));
 }
 
 TEST(TextTable, LeavesOutColumnsThatAreEmptyEverywhere)
@@ -68,6 +94,11 @@ TEST(TextTable, StylesOnlyWhatTheTerminalHas)
     EXPECT_EQ((TerminalStyle{.isTerminal = true, .hasColour = true, .hasAllColours = true}.apply("x", style)),
               "\x1b[1;32;38;2;59;130;246mx\x1b[0m");
     EXPECT_EQ(colourFromText("#3b82f6"), 0x3b82f6U);
+    // As near as the terminal comes to it.
+    const TextStyle own{.ownColour = 0x3b82f6};
+    EXPECT_EQ((TerminalStyle{.hasColour = true, .hasPalette = true}.apply("x", own)),
+              "\x1b[38;5;69mx\x1b[0m");
+    EXPECT_EQ((TerminalStyle{.hasColour = true}.apply("x", own)), "\x1b[34mx\x1b[0m");
     for (const char *text : {"", "3b82f6", "#3b82f", "#3b82fg", "#3b82f6a", "red"})
         EXPECT_EQ(colourFromText(text), std::nullopt) << text;
 }

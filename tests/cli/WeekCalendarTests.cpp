@@ -70,9 +70,9 @@ TEST(WeekCalendarTest, DrawsEntriesAsBoxesByTheHour)
       Mon 2     Tue 3     Wed 4     Thu 5     Fri 6     Sat 7     Sun 8
       1:30:00   –         –         –         –         –         –
 09:00 ┌Website┐ ·         ·         [a][b]┌c┐ ┌Call───┐ ·         ·
-      │Write… │                           └─┘ └Acme───┘
-10:00 │       │ ·         ┌Now────┐ ·         ·         ·         ·
-      └───────┘           └╌╌╌╌╌╌╌┘
+      │Write  │                           └─┘ └Acme───┘
+10:00 │the    │ ·         ┌Now────┐ ·         ·         ·         ·
+      └README─┘           └╌╌╌╌╌╌╌┘
 11:00 [L…][A  ] ·         ·         ·         ·         ·         ·
 
 12:00 ·         ·         ·         ·         ·         ·         ·

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Report/EntryFilter.h"
+
+#include "Catalog/EntrySeconds.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace orvane {
+
+std::vector<EntryPart> partsOf(const TimeEntryResponse &entry, Instant now)
+{
+    const Instant::duration whole = std::max(entry.stop.value_or(now) - entry.start, Instant::duration{0});
+    if (entry.shares.empty())
+        return {{whole, entry.projectId, entry.taskId, entry.isBillable}};
+    const std::vector<std::int64_t> seconds = shareSeconds(entry, now);
+    std::vector<EntryPart> parts;
+    for (std::size_t i = 0; i < seconds.size(); ++i) {
+        const TimeShareResponse &share = entry.shares[i];
+        parts.push_back({std::chrono::seconds{seconds[i]}, share.projectId, share.taskId, share.isBillable});
+    }
+    parts.front().length += whole - std::chrono::floor<std::chrono::seconds>(whole);
+    return parts;
+}
+
+bool EntryFilter::takesProject(const std::optional<std::string> &id, const Catalog &catalog) const
+{
+    if (projectId && *projectId != id.value_or(""))
+        return false;
+    if (!clientId)
+        return true;
+    const ProjectResponse *project = id ? catalog.project(*id) : nullptr;
+    return *clientId == (project ? project->clientId.value_or("") : "");
+}
+
+bool EntryFilter::takesTags(const TimeEntryResponse &entry) const
+{
+    if (!tagId)
+        return true;
+    return tagId->empty() ? entry.tagIds.empty()
+                          : std::ranges::find(entry.tagIds, *tagId) != entry.tagIds.end();
+}
+
+std::vector<EntryPart> EntryFilter::partsOf(const TimeEntryResponse &entry, const Catalog &catalog,
+                                            Instant now) const
+{
+    if (!takesTags(entry))
+        return {};
+    std::vector<EntryPart> parts = orvane::partsOf(entry, now);
+    std::erase_if(parts, [&](const EntryPart &part) { return !takesProject(part.projectId, catalog); });
+    return parts;
+}
+
+std::vector<TimeEntryResponse> EntryFilter::entriesOf(std::vector<TimeEntryResponse> entries,
+                                                      const Catalog &catalog) const
+{
+    if (!isEmpty())
+        std::erase_if(entries, [&](const TimeEntryResponse &entry) {
+            return partsOf(entry, catalog, entry.start).empty();
+        });
+    return entries;
+}
+
+std::int64_t EntryFilter::seconds(std::span<const TimeEntryResponse> entries, const Catalog &catalog,
+                                  Instant now) const
+{
+    Instant::duration sum{0};
+    for (const TimeEntryResponse &entry : entries) {
+        for (const EntryPart &part : partsOf(entry, catalog, now))
+            sum += part.length;
+    }
+    return std::chrono::floor<std::chrono::seconds>(sum).count();
+}
+
+} // namespace orvane
