@@ -154,6 +154,8 @@ public:
     std::vector<DayGroup> days(DayKey first, int count) const;
     /// What is missing in `details` by the workspace's rules.
     EntryRules rules() const;
+    /// What the workspace requires before this entry may end.
+    std::vector<RequiredDetail> missingTo(const TimeEntryResponse &running) const;
     /// The refusal of such an entry that needs no server, if there is one.
     std::optional<SaveResult> checkRules(const EntryRequest &request) const;
 
@@ -221,7 +223,6 @@ private:
     Submission made(EntryChange change, const TimeEntryResponse &shown) const;
     SaveResult refusedHere(SaveOutcome outcome, std::string message) const;
     SaveResult lacking(std::vector<RequiredDetail> missing, std::string message) const;
-    std::vector<RequiredDetail> missingTo(const TimeEntryResponse &running) const;
     Result<std::vector<Submission>, SaveResult> takenBack(const EntryStep &step);
     std::string nextIdentifier() const;
     DaySpan currentWeeks() const;

@@ -178,7 +178,6 @@ Task<SaveResult> Tracker::create(EntryRequest request)
     co_return co_await submit(std::move(changes), id, SaveOutcome::saved);
 }
 
-/// What the workspace requires before this entry may end.
 std::vector<RequiredDetail> Tracker::missingTo(const TimeEntryResponse &running) const
 {
     // The rules of another workspace, where the timer may run as well, are not known here.

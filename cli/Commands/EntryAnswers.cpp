@@ -293,8 +293,7 @@ std::vector<std::string> laterNeeds(const EntryDraft &draft, const Tracker &trac
     const auto missing = tracker.settings() ? draft.missing(tracker.rules()) : std::vector<RequiredDetail>();
     if (missing.empty())
         return {};
-    return {"To stop, this workspace wants " + missingText(missing) + ": orvane stop \"" +
-            missingSentence(missing) + "\""};
+    return {stopNeedsText(missing)};
 }
 
 CommandTask recordFinished(Context context, TypedSentence typed, EntryRequest request)

@@ -7,14 +7,28 @@
 #include "Commands/ZoneMessage.h"
 #include "Input/MomentText.h"
 #include "Output/AccountText.h"
+#include "Output/EntryHints.h"
 #include "Output/EntryText.h"
 #include "Output/JsonShapes.h"
 #include "Output/StatusLine.h"
 #include "Time/AppClock.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace orvane {
 
 namespace {
+
+/// What the running timer lacks, and the command that gives it.
+std::vector<std::string> lackMessages(const Tracker &tracker)
+{
+    const auto missing =
+        tracker.running() ? tracker.missingTo(*tracker.running()) : std::vector<RequiredDetail>();
+    if (missing.empty())
+        return {};
+    return {stopNeedsText(missing)};
+}
 
 CommandTask status(Context context)
 {
@@ -26,11 +40,13 @@ CommandTask status(Context context)
     Account &account = **opened;
     Tracker &tracker = account.tracker();
     const auto today = tracker.days(tracker.time().today(), 1);
+    std::vector<std::string> messages = lackMessages(tracker);
+    std::ranges::move(zoneMessages(*context), std::back_inserter(messages));
     if (!context->json())
         co_return CommandAnswer{
             .output = accountLine(account, context->style()) +
                       EntryWriter(tracker, context->style()).status(today.front(), account.me().preferences),
-            .messages = zoneMessages(*context)};
+            .messages = std::move(messages)};
     const WorkspaceSummary &workspace = tracker.workspace();
     const Catalog &catalog = tracker.catalog();
     co_return CommandAnswer{.output = shapes::text(shapes::Status{

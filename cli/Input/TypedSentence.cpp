@@ -117,8 +117,13 @@ std::vector<std::string> TypedSentence::leftOut(const Catalog &catalog) const
 
 std::string TypedSentence::withNotes(std::string message, const Catalog &catalog) const
 {
-    for (const std::string &note : leftOut(catalog))
-        message += "\nNote: " + note;
+    constexpr std::string_view stays = ", so it stays in the description";
+    for (std::string note : leftOut(catalog)) {
+        // Nothing stays of what is refused.
+        if (const std::size_t at = note.find(stays); at != std::string::npos)
+            note.erase(at, stays.size());
+        message += "\n" + note;
+    }
     return message;
 }
 

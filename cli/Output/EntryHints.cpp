@@ -80,6 +80,12 @@ std::string missingSentence(const std::vector<RequiredDetail> &missing)
     return sentence;
 }
 
+std::string stopNeedsText(const std::vector<RequiredDetail> &missing)
+{
+    return "To stop, this workspace wants " + missingText(missing) + ": orvane stop \"" +
+           missingSentence(missing) + "\"";
+}
+
 std::vector<std::string> missingNames(const std::vector<RequiredDetail> &missing)
 {
     std::vector<std::string> names;

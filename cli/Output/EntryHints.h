@@ -16,6 +16,8 @@ namespace orvane {
 std::string missingText(const std::vector<RequiredDetail> &missing);
 /// A sentence that has them, to be filled in: "what it was @project #tag".
 std::string missingSentence(const std::vector<RequiredDetail> &missing);
+/// What a timer needs before it may stop, and the command that gives it.
+std::string stopNeedsText(const std::vector<RequiredDetail> &missing);
 /// As programs know them: "description", "projectId", "taskId", "tagIds".
 std::vector<std::string> missingNames(const std::vector<RequiredDetail> &missing);
 

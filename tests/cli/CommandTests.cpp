@@ -162,7 +162,7 @@ TEST_F(Command, SaysWhatItDidNotTakeForATimeADayOrAName)
     EXPECT_THAT(started.output, HasSubstr("Started"));
     EXPECT_THAT(started.errors, HasSubstr("Note: " + unknown.front()));
     EXPECT_THAT(installation.run({"parse", "call @acme"}).errors, HasSubstr("Note: " + unknown.front()));
-    EXPECT_THAT(text(failed(2, {"add", "work 9-17"})[u"message"]), HasSubstr("Note: " + hours.front()));
+    EXPECT_THAT(text(failed(2, {"add", "work 9-17"})[u"message"]), HasSubstr(hours.front()));
 }
 
 TEST_F(Command, FindsByAFewLetters)
