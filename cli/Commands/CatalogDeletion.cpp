@@ -58,7 +58,8 @@ Task<Result<void, CommandFailure>> confirmDeletion(Context context, CatalogDelet
         co_return Result<void, CommandFailure>{};
     Account &account = *context->account();
     context->progress().begin("Looking what is on it …");
-    const auto use = co_await catalogEditor(account).useOf(deletion.item);
+    const auto use =
+        co_await catalogEditor(account).useOf(deletion.item, [context] { context->noteAnswer(); });
     context->progress().finish();
     if (!use)
         co_return failure(CommandFailure::of(use.error()));
