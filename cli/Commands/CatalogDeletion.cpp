@@ -73,7 +73,7 @@ CommandFailure deletionFailure(const CallError &error, const CatalogDeletion &de
     const auto *answer = std::get_if<APIError>(&error);
     const bool isForRules = answer && answer->type == detailRequiredProblemType;
     return CommandFailure::of(error, isForRules && !deletion.instead.empty()
-                                         ? describe(error) + " Instead: " + deletion.instead
+                                         ? describe(error) + " To put it away: " + deletion.instead
                                          : std::string());
 }
 
