@@ -61,7 +61,7 @@ public:
     /// Null before it was opened.
     Account *account() const { return m_account.get(); }
 
-    /// The user was asked something and has answered: the time they took is not the server's.
+    /// Somebody has answered, the server or the user who was asked: the wait for the server counts anew.
     void noteAnswer() { m_patience.restart(); }
     /// How long the command has been at it.
     std::chrono::milliseconds waited() const { return m_moment.held(); }

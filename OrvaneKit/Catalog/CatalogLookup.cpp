@@ -47,7 +47,7 @@ std::vector<NamedItem> namedItems(const std::vector<TaskResponse> &tasks, const 
     std::vector<NamedItem> items;
     for (const TaskResponse &task : tasks) {
         const ProjectResponse *project = catalog.project(task.projectId);
-        items.push_back({task.id, task.name, project ? project->name : std::string()});
+        items.push_back({task.id, task.name, project ? project->name : std::string(), !task.isActive});
     }
     return items;
 }
@@ -70,9 +70,7 @@ Result<std::string, NoSingleItem> lookUpProject(std::string_view typed, const Ca
 Result<std::string, NoSingleItem> lookUpTask(std::string_view typed, const Catalog &catalog,
                                              const std::optional<std::string> &projectId)
 {
-    std::vector<TaskResponse> tasks = tasksOf(catalog, projectId);
-    std::erase_if(tasks, [](const TaskResponse &task) { return !task.isActive; });
-    return lookUpIn(typed, namedItems(tasks, catalog));
+    return lookUpIn(typed, namedItems(tasksOf(catalog, projectId), catalog));
 }
 
 Result<std::string, NoSingleItem> lookUpTag(std::string_view typed, const Catalog &catalog)

@@ -16,7 +16,7 @@ namespace orvane {
 std::vector<NamedItem> namedItems(const std::vector<ProjectResponse> &projects, const Catalog &catalog);
 std::vector<NamedItem> namedItems(const std::vector<ClientResponse> &clients);
 std::vector<NamedItem> namedItems(const std::vector<TagResponse> &tags);
-/// A task's context is its project.
+/// A task's context is its project; one that is no longer active counts as archived.
 std::vector<NamedItem> namedItems(const std::vector<TaskResponse> &tasks, const Catalog &catalog);
 
 /// The tasks of every project, or of one.

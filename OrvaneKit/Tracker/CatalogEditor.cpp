@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Tracker/CatalogEditor.h"
 
+#include "Client/AllEntries.h"
 #include "Time/AppClock.h"
 #include "Tracker/Overlay.h"
 #include "Tracker/Tracker.h"
@@ -127,11 +128,10 @@ Task<CallResult<void>> CatalogEditor::deleteTag(std::string id)
     return thenReloaded(m_tracker, m_client.deleteTag(m_workspace, std::move(id)));
 }
 
-Task<CallResult<CatalogUse>> CatalogEditor::useOf(CatalogItem item)
+Task<CallResult<CatalogUse>> CatalogEditor::useOf(CatalogItem item, std::function<void()> onAnswer)
 {
-    // The last instant that can be written: a plan for next year is an entry too.
-    const Instant end = instantLimit - std::chrono::milliseconds{1};
-    return useAmong(m_tracker, std::move(item), m_client.listTimeEntries(m_workspace, earliestInstant, end));
+    return useAmong(m_tracker, std::move(item),
+                    listAllEntries(m_client, m_workspace, AppClock::now(), std::move(onAnswer)));
 }
 
 } // namespace orvane

@@ -8,6 +8,7 @@
 #include "Tracker/CatalogUse.h"
 
 #include <QPointer>
+#include <functional>
 #include <string>
 
 namespace orvane {
@@ -51,8 +52,8 @@ public:
     Task<CallResult<void>> deleteTag(std::string id);
 
     /// What of the user's time a deletion would touch: of all their entries at the server, with the changes
-    /// on top that wait in the outbox.
-    Task<CallResult<CatalogUse>> useOf(CatalogItem item);
+    /// on top that wait in the outbox. The server is asked several times; `onAnswer` is told of each answer.
+    Task<CallResult<CatalogUse>> useOf(CatalogItem item, std::function<void()> onAnswer);
 
 private:
     OrvaneClient &m_client;

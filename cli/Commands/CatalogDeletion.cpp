@@ -58,7 +58,8 @@ Task<Result<void, CommandFailure>> confirmDeletion(Context context, CatalogDelet
         co_return Result<void, CommandFailure>{};
     Account &account = *context->account();
     context->progress().begin("Looking what is on it …");
-    const auto use = co_await catalogEditor(account).useOf(deletion.item);
+    const auto use =
+        co_await catalogEditor(account).useOf(deletion.item, [context] { context->noteAnswer(); });
     context->progress().finish();
     if (!use)
         co_return failure(CommandFailure::of(use.error()));
@@ -72,7 +73,7 @@ CommandFailure deletionFailure(const CallError &error, const CatalogDeletion &de
     const auto *answer = std::get_if<APIError>(&error);
     const bool isForRules = answer && answer->type == detailRequiredProblemType;
     return CommandFailure::of(error, isForRules && !deletion.instead.empty()
-                                         ? describe(error) + " Instead: " + deletion.instead
+                                         ? describe(error) + " To put it away: " + deletion.instead
                                          : std::string());
 }
 

@@ -44,7 +44,7 @@ CommandTask useWorkspace(Context context, std::string typed)
     std::vector<NamedItem> named;
     for (const WorkspaceSummary &workspace : workspaces)
         named.push_back({workspace.id, workspace.name});
-    const auto found = choose("workspace", typed, named, LookupPurpose::use);
+    const auto found = choose("workspace", typed, named);
     if (!found)
         co_return failure(CommandFailure::of(found.error()));
     const WorkspaceSummary workspace = workspaces[*found];

@@ -84,7 +84,12 @@ std::string lookupText(std::string_view kind, std::string_view typed, const NoSi
         return quoted(typed) + " can mean " + std::to_string(items.size()) + " " + sort +
                "s:" + listed(kind, items);
     case NoSingleItem::Why::archived:
-        return "The " + sort + " \"" + items.front().name + "\" is archived. Take it back with: orvane " +
+        if (kind == "task")
+            return "The task " + quoted(items.front().name) +
+                   " is done. Take it up again with: orvane "
+                   "tasks edit " +
+                   items.front().id.substr(0, 8) + " --active";
+        return "The " + sort + " " + quoted(items.front().name) + " is archived. Take it back with: orvane " +
                sort + "s restore " + items.front().id.substr(0, 8);
     case NoSingleItem::Why::unknown:
         break;

@@ -27,6 +27,7 @@ std::string lookupText(std::string_view kind, std::string_view typed, const NoSi
 
 /// As `lookUp`, for a use as `lookUpActive`, with the sentence for its error.
 Result<std::size_t, std::string> choose(std::string_view kind, std::string_view typed,
-                                        const std::vector<NamedItem> &items, LookupPurpose purpose);
+                                        const std::vector<NamedItem> &items,
+                                        LookupPurpose purpose = LookupPurpose::change);
 
 } // namespace orvane

@@ -91,7 +91,7 @@ TEST(CatalogLookup, FindsWhatCanBeChosenForAnEntry)
               (NoSingleItem{Why::ambiguous,
                             {{"t-design", "Design", "Website"}, {"t-shop-design", "Design", "Shop"}}}));
     EXPECT_EQ(lookUpTask("design", catalog, "p-shop"), "t-shop-design");
-    EXPECT_FALSE(lookUpTask("done", catalog)) << "not active";
+    EXPECT_EQ(lookUpTask("done", catalog).error().why, Why::archived) << "not active";
     EXPECT_EQ(lookUpTag("DOCS", catalog), "g-docs");
 }
 

@@ -36,12 +36,16 @@ TEST_F(CatalogCommand, SaysWhatADeletionTouchesAndAsks)
     done({"tasks", "add", "Website", "Design"});
     done({"tags", "add", "review"});
     done({"add", "x", "--task", "Design", "--tag", "review", "--start", "9:00", "--stop", "10:30"});
-    done({"add", "long ago", "--project", "Website", "--start", "2019-06-01 9:00", "--stop",
-          "2019-06-01 10:00"});
+    for (const char *year : {"1999", "2019", "2030"})
+        done({"add", "x", "--project", "Website", "--start", std::string(year) + "-06-01 9:00", "--stop",
+              std::string(year) + "-06-01 10:00"});
+    // Half a year ago, where one of the questions ends and the next begins.
+    done({"add", "x", "--project", "Website", "--start", "2025-09-03T11:30:00Z", "--stop",
+          "2025-09-03T12:30:00Z"});
 
     EXPECT_THAT(
         message(2, {"projects", "delete", "Website"}),
-        AllOf(HasSubstr("Website holds 2 of your entries, 2:30:00; all entries on it lose project and "
+        AllOf(HasSubstr("Website holds 5 of your entries, 5:30:00; all entries on it lose project and "
                         "task. Its task is deleted with it."),
               HasSubstr("orvane projects archive " + website.substr(0, 8)), HasSubstr("--yes")));
     EXPECT_THAT(message(2, {"tasks", "delete", "Design"}),
@@ -56,7 +60,7 @@ TEST_F(CatalogCommand, SaysWhatADeletionTouchesAndAsks)
     const CommandRun no = answered("projects delete Website", "");
     EXPECT_EQ(no.exitStatus, 1) << no.all();
     EXPECT_THAT(no.output,
-                AllOf(HasSubstr("holds 2 of your entries"), HasSubstr("Delete the project Website?"),
+                AllOf(HasSubstr("holds 5 of your entries"), HasSubstr("Delete the project Website?"),
                       HasSubstr("Nothing was changed.")));
     EXPECT_EQ(listed({"projects"}).size(), 1);
     const CommandRun yes = answered("projects delete Website", "y");

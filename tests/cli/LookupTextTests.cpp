@@ -17,6 +17,9 @@ TEST(LookupText, ListsWhatCouldBeMeant)
 {
     EXPECT_EQ(lookupText("project", "Website", NoSingleItem{Why::ambiguous, websites}),
               "\"Website\" can mean 2 projects:\n  0a11c0de  Website for Acme\n  bead0000  web [31msite");
+    EXPECT_EQ(
+        lookupText("task", "des", NoSingleItem{Why::archived, {{"0a11c0de-0000", "Design", "Website"}}}),
+        "The task \"Design\" is done. Take it up again with: orvane tasks edit 0a11c0de --active");
     EXPECT_EQ(lookupText("project", "old", NoSingleItem{Why::archived, {{"0a11c0de-0000", "Old"}}}),
               "The project \"Old\" is archived. Take it back with: orvane projects restore 0a11c0de");
 }
