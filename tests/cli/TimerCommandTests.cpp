@@ -64,5 +64,31 @@ TEST_F(Command, NamesTheWaysOutOfATimerThatBeginsLater)
     EXPECT_EQ(text(done({"start", "Back then"})[u"outcome"]), "saved") << "and so does the second";
 }
 
+TEST_F(Command, SaysWhatAStopNeedsAndTakesIt)
+{
+    done({"settings", "set", "requireProject", "on"});
+    done({"settings", "set", "requireTag", "on"});
+    done({"projects", "add", "Website"});
+    const CommandRun started = installation.run({"start", "Fix it"});
+    EXPECT_THAT(started.errors, HasSubstr("orvane stop \"@project #tag\"")) << "at once";
+    EXPECT_THAT(installation.run({"status"}).errors, HasSubstr("orvane stop \"@project #tag\""));
+    const CommandRun lacking = installation.json({"stop"});
+    EXPECT_EQ(lacking.exitStatus, 1);
+    EXPECT_EQ(text(lacking.object()[u"outcome"]), "needsDetails");
+    EXPECT_EQ(lacking.object()[u"missing"].toArray(),
+              (QJsonArray{QStringLiteral("projectId"), QStringLiteral("tagIds")}));
+    // A name that is not there is no missing detail.
+    const CommandRun unknown = installation.run({"stop", "@website #newtag"});
+    EXPECT_NE(unknown.exitStatus, 0);
+    EXPECT_THAT(unknown.errors, HasSubstr("orvane tags add newtag"));
+    EXPECT_FALSE(done({"status"})[u"running"].isNull()) << "nothing was sent";
+    done({"tags", "add", "newtag"});
+    const QJsonObject stopped = done({"stop", "@website #newtag"});
+    EXPECT_EQ(text(stopped[u"outcome"]), "stopped");
+    EXPECT_EQ(text(stopped[u"entry"][u"names"][u"project"]), "Website");
+    EXPECT_EQ(text(stopped[u"entry"][u"description"]), "Fix it");
+    EXPECT_EQ(installation.json({"add", "Lunch 12-12:30"}).exitStatus, 1);
+}
+
 } // namespace
 } // namespace orvane
