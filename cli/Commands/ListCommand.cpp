@@ -18,6 +18,8 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
+#include <span>
 
 namespace orvane {
 
@@ -35,8 +37,21 @@ struct ListOptions {
 struct Listed {
     DayRange range;
     EntryFilter filter;
-    /// Newest start first; what begins on the evening before is among them.
-    std::vector<TimeEntryResponse> entries;
+    /// Every day of the range, with what the filter takes.
+    std::vector<DayGroup> days;
+    /// For a picture, newest start first: with what begins on the evening before.
+    std::vector<TimeEntryResponse> drawn;
+
+    static Listed of(std::span<const TimeEntryResponse> newestFirst, const DayRange &range,
+                     const EntryFilter &filter, const Tracker &tracker, bool isPicture)
+    {
+        Listed listed{range, filter, entryDays(newestFirst, tracker.time(), range.first, range.count), {}};
+        for (DayGroup &day : listed.days)
+            day.entries = filter.entriesOf(std::move(day.entries), tracker.catalog());
+        if (isPicture)
+            listed.drawn = filter.entriesOf({newestFirst.begin(), newestFirst.end()}, tracker.catalog());
+        return listed;
+    }
 };
 
 Result<std::optional<EntryGrouping>, CommandFailure> groupingOf(const std::optional<std::string> &typed)
@@ -142,20 +157,20 @@ Task<Result<Listed, CommandFailure>> listed(Context context, DayRange range, Ent
         asked = {range.kind, range.first.adding(-1), range.count + 1};
     const auto kept = common(asked, keptDays(tracker));
     if (kept && kept->count == asked.count)
-        co_return Listed{range, filter, filter.entriesOf(tracker.entries(), tracker.catalog())};
+        co_return Listed::of(tracker.entries(), range, filter, tracker, isPicture);
     context->progress().begin("Waiting for the server …");
     auto entries = account.isReachable() ? co_await askedEntries(&account, asked.interval(tracker.time()))
                                          : CallResult<std::vector<TimeEntryResponse>>(
                                                failure(CallError(ConnectionError{account.state().reason()})));
     context->progress().finish();
     if (entries)
-        co_return Listed{range, filter, filter.entriesOf(*std::move(entries), tracker.catalog())};
+        co_return Listed::of(*entries, range, filter, tracker, isPicture);
     if (account.isReachable())
         co_return failure(CommandFailure::of(entries.error()));
     const auto known = knownOf(*context, range, isSum);
     if (!known)
         co_return failure(known.error());
-    co_return Listed{*known, filter, filter.entriesOf(tracker.entries(), tracker.catalog())};
+    co_return Listed::of(tracker.entries(), *known, filter, tracker, isPicture);
 }
 
 /// What the days are called over a report.
@@ -185,8 +200,8 @@ CommandAnswer reportAnswer(const CommandContext &context, const Listed &listed, 
     const Account &account = *context.account();
     const Tracker &tracker = account.tracker();
     std::vector<TimeEntryResponse> entries;
-    for (DayGroup &day : entryDays(listed.entries, tracker.time(), listed.range.first, listed.range.count))
-        std::ranges::move(day.entries, std::back_inserter(entries));
+    for (const DayGroup &day : listed.days)
+        std::ranges::copy(day.entries, std::back_inserter(entries));
     const EntryReport report =
         EntryReport::of(entries, grouping, listed.filter, tracker.catalog(), tracker.settings());
     if (context.json())
@@ -203,11 +218,11 @@ CommandAnswer reportAnswer(const CommandContext &context, const Listed &listed, 
 }
 
 /// The week as a picture; nothing of an empty week, for which the list has better words.
-std::optional<std::string> picture(const Tracker &tracker, const Listed &listed,
-                                   const std::vector<DayGroup> &days, const TerminalStyle &style)
+std::optional<std::string> picture(const Tracker &tracker, const Listed &listed, const TerminalStyle &style)
 {
-    const auto columns = CalendarLayout::days(listed.entries, days.front().day, days.back().day,
-                                              tracker.time(), AppClock::now());
+    const std::vector<DayGroup> &days = listed.days;
+    const auto columns = CalendarLayout::days(listed.drawn, days.front().day, days.back().day, tracker.time(),
+                                              AppClock::now());
     if (std::ranges::all_of(columns, [](const CalendarDay &column) { return column.segments.empty(); }))
         return std::nullopt;
     std::vector<std::int64_t> seconds;
@@ -218,9 +233,10 @@ std::optional<std::string> picture(const Tracker &tracker, const Listed &listed,
         .text(columns, seconds);
 }
 
-std::string daysText(const CommandContext &context, const Listed &listed, std::vector<DayGroup> days)
+std::string daysText(const CommandContext &context, const Listed &listed)
 {
     Account &account = *context.account();
+    std::vector<DayGroup> days = listed.days;
     // The days of a week are always seven; a month of them would be mostly dashes.
     if (listed.range.kind == DayRange::Kind::month || listed.range.kind == DayRange::Kind::span)
         std::erase_if(days, [](const DayGroup &day) { return day.entries.empty(); });
@@ -255,13 +271,12 @@ CommandTask list(Context context, ListOptions options)
         co_return failure(found.error());
     if (*grouping)
         co_return reportAnswer(*context, *found, **grouping);
-    auto days = entryDays(found->entries, tracker.time(), found->range.first, found->range.count);
-    if (auto drawn = isPicture ? picture(tracker, *found, days, context->style()) : std::nullopt)
+    if (auto drawn = isPicture ? picture(tracker, *found, context->style()) : std::nullopt)
         co_return CommandAnswer{.output = *std::move(drawn)};
     if (!context->json())
-        co_return CommandAnswer{.output = daysText(*context, *found, std::move(days))};
+        co_return CommandAnswer{.output = daysText(*context, *found)};
     shapes::Days answer;
-    for (const DayGroup &group : days)
+    for (const DayGroup &group : found->days)
         answer.days.push_back(shapes::day(group, tracker.catalog(), AppClock::now(), *filter));
     co_return CommandAnswer{.output = shapes::text(answer)};
 }

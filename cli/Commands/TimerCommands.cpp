@@ -82,6 +82,8 @@ void addStatusCommand(CommandTree &tree, const std::string &group)
     CommandTree::addText(command, "--format", *format, "TEXT",
                          "One line for a status bar from what is known here, without asking the server: "
                          "{running}, {elapsed}, {today}, {project} and {waiting} are filled in");
+    CommandTree::addFooter(command, "In the configuration of tmux: set -g status-right "
+                                    "\"#(orvane status --format '{running} {elapsed}')\"");
     tree.onRun(&tree.root(), status);
     tree.onRun(command, status);
     tree.onRunPlain(

@@ -8,6 +8,7 @@
 #include "Time/AppClock.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace orvane {
 
@@ -192,28 +193,44 @@ std::string EntryWriter::runningTimer(int width) const
     const auto &running = m_tracker.running();
     if (!running)
         return m_style.apply("No timer is running.", quiet) + "\n";
-    TextCell left("● ", good);
+    TextCell what;
     for (const TextRun &run : description(running->description).runs)
-        left.runs.push_back({run.text, run.style.dim ? run.style : strong});
+        what.runs.push_back({run.text, run.style.dim ? run.style : strong});
     const DayKey day = m_time.dayKey(running->start);
     std::string since = "since " + clock(running->start);
     if (day != m_time.today())
         since += ", " + m_time.dayLabel(day);
-    TextCell right(since + "  ", quiet);
-    right.runs.push_back({duration(*running), good});
-    TextCell place = where(*running);
+    TextCell length(since + "  ", quiet);
+    length.runs.push_back({duration(*running), good});
+    return timerLines(std::move(what), where(*running), length, width);
+}
+
+/// On one line where there is room for all, else the project below, and the description over several lines.
+std::string EntryWriter::timerLines(TextCell what, const TextCell &place, const TextCell &length,
+                                    int width) const
+{
+    constexpr int mark = 2;
     constexpr int apart = 2;
-    const int whole = left.width() + place.width() + right.width() + 2 * apart;
-    if (m_style.width == 0 || whole <= m_style.width) {
-        if (!place.runs.empty())
-            left.runs.push_back({std::string(apart, ' ')});
-        left.runs.insert(left.runs.end(), place.runs.begin(), place.runs.end());
-        return alignedLine(left, right, width, m_style);
+    const auto indented = [this](const TextCell &cell) {
+        std::string lines;
+        for (const TextCell &line : cell.wrapped(std::max(m_style.width - mark, 1)))
+            lines += std::string(mark, ' ') + line.render(m_style) + "\n";
+        return lines;
+    };
+    const auto fits = [this](int columns) { return m_style.width == 0 || columns <= m_style.width; };
+    TextCell left("● ", good);
+    const int timer = mark + what.width() + apart + length.width();
+    if (!fits(timer)) {
+        std::string lines = indented(what).replace(0, mark, left.render(m_style));
+        return lines + indented(length) + indented(place);
     }
-    std::string below;
-    for (const TextCell &line : place.wrapped(m_style.width - apart))
-        below += std::string(apart, ' ') + line.render(m_style) + "\n";
-    return alignedLine(left, right, width, m_style) + below;
+    std::ranges::move(what.runs, std::back_inserter(left.runs));
+    if (!fits(timer + apart + place.width()))
+        return alignedLine(left, length, width, m_style) + indented(place);
+    if (!place.runs.empty())
+        left.runs.push_back({std::string(apart, ' ')});
+    left.runs.insert(left.runs.end(), place.runs.begin(), place.runs.end());
+    return alignedLine(left, length, width, m_style);
 }
 
 std::string EntryWriter::pomodoro(const PreferencesResponse &preferences) const

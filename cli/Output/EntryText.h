@@ -48,6 +48,7 @@ private:
     };
 
     std::string runningTimer(int width) const;
+    std::string timerLines(TextCell what, const TextCell &place, const TextCell &length, int width) const;
     std::string pomodoro(const PreferencesResponse &preferences) const;
     Layout layoutOf(const std::vector<DayGroup> &days) const;
     std::string dayText(const DayGroup &day, const Layout &layout, std::size_t firstLine) const;

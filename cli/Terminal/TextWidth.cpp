@@ -119,18 +119,24 @@ int shownWidth(std::string_view text)
 
 void appendWrapped(std::string &out, std::string_view line, int width)
 {
-    if (line.starts_with(' ') || shownWidth(line) <= width) {
+    if (shownWidth(line) <= width) {
         out += line;
         return;
     }
+    const std::string_view indent = line.substr(0, std::min(line.find_first_not_of(' '), line.size()));
+    const auto margin = static_cast<int>(indent.size());
     int column = 0;
     forEachWord(line, [&](std::string_view word) {
         const int wide = shownWidth(word);
-        const bool isNewLine = column > 0 && column + 1 + wide > width;
-        if (column > 0)
-            out += isNewLine ? '\n' : ' ';
+        const bool isFirst = column == 0;
+        if (isFirst || column + 1 + wide > width) {
+            out.append(isFirst ? "" : "\n").append(indent);
+            column = margin + wide;
+        } else {
+            out += ' ';
+            column += 1 + wide;
+        }
         out += word;
-        column = column == 0 || isNewLine ? wide : column + 1 + wide;
     });
 }
 

@@ -19,8 +19,8 @@ std::string truncatedToWidth(std::string_view text, int width);
 /// The text's words on lines of at most `width` columns; a word that is wider has "…" for its end.
 std::vector<std::string> wordLines(std::string_view text, int width);
 
-/// The text with line breaks put in between words, so that no line is wider than `width`; 0: as it is. Codes
-/// for colours take no room. Lines that begin with a space are set out already and stay.
+/// The text with line breaks put in between words, so that no line is wider than `width`, as far as words
+/// allow; 0: as it is. What a line breaks into keeps its margin. Codes for colours take no room.
 std::string wrapped(std::string_view text, int width);
 
 /// The text without what would drive the terminal or disguise other text: control characters and line breaks

@@ -95,7 +95,7 @@ TEST_F(ActivityPictureTest, DrawsADay)
                                       "           09  10  11  12  13  14    █ attention  ░ agents\n"
                                       "  website  █▋  █                         0:40:00   0:10:00\n"
                                       "  api        █ ░                         0:15:00   0:06:00\n"));
-    for (int width = 60; width < 160; ++width)
+    for (int width = 40; width < 160; ++width)
         expectFits(drawn(width), width);
 }
 
@@ -146,7 +146,7 @@ TEST_F(ActivityPictureTest, DrawsAWeek)
     days[1] = day();
     EXPECT_THAT(drawn(60), StartsWith("                   website   4 others  █ attention  ░ agents\n"));
     EXPECT_THAT(drawn(60), HasSubstr("0:55:00   0:22:00"));
-    for (int width = 60; width < 160; ++width)
+    for (int width = 40; width < 160; ++width)
         expectFits(drawn(width), width);
 }
 

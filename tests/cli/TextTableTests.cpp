@@ -61,7 +61,7 @@ TEST(TextWidth, BreaksLinesBetweenWords)
 {
     EXPECT_EQ(wrapped("Nothing tracked today.\n", 10), "Nothing\ntracked\ntoday.\n");
     EXPECT_EQ(wrapped("\x1b[1mNothing\x1b[0m at all", 10), "\x1b[1mNothing\x1b[0m at\nall");
-    EXPECT_EQ(wrapped("  set out by hand already", 10), "  set out by hand already");
+    EXPECT_EQ(wrapped("  /a/long/folder (not there)\n  /b", 18), "  /a/long/folder\n  (not there)\n  /b");
     EXPECT_EQ(wrapped("as it is in a pipe", 0), "as it is in a pipe");
     EXPECT_EQ(wordLines("Fix the synchronisation bug", 7),
               (std::vector<std::string>{"Fix the", "synchr…", "bug"}));
