@@ -84,7 +84,9 @@ std::string projectTable(std::vector<ProjectResponse> projects, const Tracker &t
     for (const ProjectResponse &project : projects)
         ids.push_back(project.id);
     ids = shortIds(ids);
-    TextTable table({{}, {.shrinksTo = 12}, {.shrinksTo = 8}, {}, {.shrinksTo = 8}});
+    // A rate that is cut says nothing: on a narrow terminal what is known of a project stands below it.
+    constexpr int billableAndRate = 22;
+    TextTable table({{}, {.shrinksTo = 12}, {.shrinksTo = 8}, {}, {.shrinksTo = billableAndRate}});
     for (std::size_t i = 0; i < projects.size(); ++i) {
         const ProjectResponse &project = projects[i];
         const auto tasks = static_cast<std::int64_t>(project.tasks.size());
