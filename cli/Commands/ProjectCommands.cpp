@@ -9,6 +9,7 @@
 #include "Commands/CatalogDeletion.h"
 #include "Commands/Confirmation.h"
 #include "Input/ProjectOptions.h"
+#include "Input/ShellText.h"
 #include "Output/ProjectText.h"
 
 #include <algorithm>
@@ -158,8 +159,15 @@ CommandTask addProject(Context context, ProjectOptions options)
     auto fields = co_await withOptions(context, std::move(plain), options);
     if (!fields)
         co_return failure(fields.error());
-    co_return answerMade(*context, co_await catalogEditor(**opened).createProject(std::move(*fields)),
-                         "the project");
+    const auto made = co_await catalogEditor(**opened).createProject(std::move(*fields));
+    CommandResult answer = answerMade(*context, made, "the project");
+    // A rate suggests that its time is worth it, which only a bill would deny.
+    if (made && made->hourlyRate && !made->isBillable && !options.isBillable)
+        answer->messages.push_back(
+            "Its time is billable only where an entry says $. To bill all of it: orvane "
+            "projects edit " +
+            shellArgument(printable(made->name)) + " --billable");
+    co_return std::move(answer);
 }
 
 CommandTask editProject(Context context, std::string typed, ProjectOptions options)

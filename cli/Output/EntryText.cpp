@@ -210,10 +210,15 @@ std::string EntryWriter::runningTimer(int width) const
         left.runs.insert(left.runs.end(), place.runs.begin(), place.runs.end());
         return alignedLine(left, right, width, m_style);
     }
-    std::string below;
-    for (const TextCell &line : place.wrapped(m_style.width - apart))
-        below += std::string(apart, ' ') + line.render(m_style) + "\n";
-    return alignedLine(left, right, width, m_style) + below;
+    const auto wrapped = [this](const TextCell &cell, std::string_view indent) {
+        std::string text;
+        for (const TextCell &line : cell.wrapped(m_style.width - apart))
+            text += std::string(text.empty() ? indent : "  ") + line.render(m_style) + "\n";
+        return text;
+    };
+    if (left.width() + apart + right.width() <= m_style.width)
+        return alignedLine(left, right, width, m_style) + wrapped(place, "  ");
+    return wrapped(left, "") + wrapped(place, "  ") + "  " + right.render(m_style) + "\n";
 }
 
 std::string EntryWriter::pomodoro(const PreferencesResponse &preferences) const
@@ -297,7 +302,8 @@ std::string EntryWriter::days(const std::vector<DayGroup> &days) const
 
 std::string EntryWriter::done(std::string_view verb, const TimeEntryResponse &entry) const
 {
-    TextTable line({{}, {}, {}, {.alignsRight = true}, descriptionColumn, placeColumn}, 0);
+    // Nothing is cut: this is where one sees what was understood.
+    TextTable line({{}, {}, {}, {.alignsRight = true}, {}, {}}, 0);
     std::vector<TextCell> cells = row(entry, shortId(entry.id));
     const DayKey day = m_time.dayKey(entry.start);
     if (day != m_time.today())
