@@ -583,7 +583,7 @@ TEST_F(Command, AnswersHelpAndVersion)
               R"({"help":"The project's name","name":"NAME","repeats":false,"required":true})");
     EXPECT_EQ(
         compact(add[u"options"].toArray()[0]),
-        R"({"help":"Whom it is for: a name or an identifier","name":"--client","short":null,"value":"CLIENT"})");
+        R"({"help":"Whom it is for: a name or an identifier; \"\" for nobody","name":"--client","short":null,"value":"CLIENT"})");
     const QJsonArray commands = tree[u"commands"].toArray();
     const auto projects = std::ranges::find_if(
         commands, [](const QJsonValue &command) { return text(command.toObject()[u"name"]) == "projects"; });

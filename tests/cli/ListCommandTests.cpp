@@ -27,7 +27,7 @@ protected:
         add("@website Old work", "2026-01-31 23:00", "2026-02-01 01:00");
         add("@website #deep Night", "2026-03-02 23:00", "2026-03-03 00:30");
         add("@warehouse #deep #review Fix", "2026-03-03 09:00", "2026-03-03 10:00", "--billable");
-        done({"start", "Running"});
+        done({"start", "Running", "--start", "15:00"});
         setNow("2026-03-04T15:30:00Z");
     }
 
