@@ -30,6 +30,11 @@ std::vector<const CLI::Option *> optionsOf(const CLI::App *command, bool arePosi
         [arePositional](const CLI::Option *option) { return option->get_positional() == arePositional; });
 }
 
+std::size_t widthOf(const std::string &text)
+{
+    return static_cast<std::size_t>(displayWidth(text));
+}
+
 /// Words on lines of at most `width` columns; lines after the first begin with `indent` spaces.
 std::string wrapped(const std::string &text, std::size_t indent, std::size_t width)
 {
@@ -38,7 +43,7 @@ std::string wrapped(const std::string &text, std::size_t indent, std::size_t wid
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t end = std::min(text.find(' ', at), text.size());
         const std::string word = text.substr(at, end - at);
-        const auto wide = static_cast<std::size_t>(displayWidth(word));
+        const std::size_t wide = widthOf(word);
         if (column > indent && column + 1 + wide > width) {
             out += "\n" + std::string(indent, ' ');
             column = indent;
@@ -59,15 +64,15 @@ std::string section(const std::string &title, const std::vector<Item> &items, st
         return {};
     std::size_t term = 0;
     for (const Item &item : items)
-        term = std::max(term, item.term.size());
+        term = std::max(term, widthOf(item.term));
     // On a narrow terminal the terms leave room for words; longer ones stand on lines of their own.
     constexpr std::size_t leastText = 26;
     term = std::min({term, std::size_t{30}, width - std::min(leastText + 4, width)});
     std::string out = "\n" + title + ":\n";
     for (const Item &item : items) {
         out += "  " + item.term;
-        out += item.term.size() > term ? "\n" + std::string(term + 4, ' ')
-                                       : std::string(term + 2 - item.term.size(), ' ');
+        out += widthOf(item.term) > term ? "\n" + std::string(term + 4, ' ')
+                                         : std::string(term + 2 - widthOf(item.term), ' ');
         out += wrapped(item.text, term + 4, width) + "\n";
     }
     return out;
@@ -82,18 +87,24 @@ Item itemOf(const CLI::Option *option)
     return {term, option->get_description()};
 }
 
+/// The arguments of a command, as they are typed: " ID… [SENTENCE]".
+std::string argumentsText(const CLI::App *command)
+{
+    std::string out;
+    for (const CLI::Option *argument : optionsOf(command, true)) {
+        const std::string name = argument->get_name(true) + (argument->get_expected_max() > 1 ? "…" : "");
+        out += argument->get_required() ? " " + name : " [" + name + "]";
+    }
+    return out;
+}
+
 std::string usage(const CLI::App *command)
 {
     std::string out = callOf(command);
     const bool isRoot = command->get_parent() == nullptr;
     if (isRoot || !optionsOf(command, false).empty())
         out += " [OPTIONS]";
-    for (const CLI::Option *argument : optionsOf(command, true)) {
-        std::string name = argument->get_name(true);
-        if (argument->get_expected_max() > 1)
-            name += "…";
-        out += argument->get_required() ? " " + name : " [" + name + "]";
-    }
+    out += argumentsText(command);
     if (!commandsOf(command).empty())
         out += " [COMMAND]";
     return out;
@@ -112,11 +123,7 @@ std::string commandSections(const CLI::App *command, std::size_t width)
         for (const CLI::App *sub : commandsOf(command)) {
             if (sub->get_group() != group)
                 continue;
-            std::string term = sub->get_name();
-            for (const CLI::Option *argument : optionsOf(sub, true))
-                term += argument->get_required() ? " " + argument->get_name(true)
-                                                 : " [" + argument->get_name(true) + "]";
-            items.push_back({std::move(term), sub->get_description()});
+            items.push_back({sub->get_name() + argumentsText(sub), sub->get_description()});
         }
         out += section(group, items, width);
     }

@@ -104,13 +104,15 @@ std::string refusedStart(Instant at, const UserTime &time)
 }
 
 /// What is missing, and the command that gives it.
-std::string lackText(const SaveResult &result, std::string_view verb)
+std::string lackText(const SaveResult &result, std::string_view verb, const Tracker &tracker)
 {
-    const std::string sentence = missingSentence(result.missing);
-    const bool isStop = verb == "Stopped" || verb == "Started";
-    return "It lacks " + missingText(result.missing) +
-           (isStop ? ". To add that and stop: orvane stop \"" + sentence + "\""
-                   : ". Say it in the line, as in: \"… " + sentence + "\"");
+    const std::string lack = "It lacks " + missingText(result.missing) + ". ";
+    if (verb != "Stopped" && verb != "Started")
+        return lack + "Say it in the line, as in: \"… " + missingSentence(result.missing) + "\"";
+    // Nothing stays of a stop that is refused: what it did name has to be said again.
+    const auto all = tracker.running() ? tracker.missingTo(*tracker.running()) : result.missing;
+    return lack + (all == result.missing ? "To add that and stop" : "Say all of it in one line to stop") +
+           ": orvane stop \"" + missingSentence(all) + "\"";
 }
 
 std::string outcomeText(const CommandContext &context, const SaveResult &result,
@@ -154,7 +156,7 @@ CommandAnswer answerTo(const CommandContext &context, const SaveResult &result, 
     else if (!done)
         answer.messages.emplace_back("That could not be done.");
     if (result.outcome == SaveOutcome::needsDetails)
-        answer.messages.push_back(lackText(result, verb));
+        answer.messages.push_back(lackText(result, verb, context.account()->tracker()));
     if ((done || result.outcome == SaveOutcome::needsDetails) && !context.json())
         addNotes(answer, notes);
     if (context.json())

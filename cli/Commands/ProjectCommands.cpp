@@ -9,6 +9,7 @@
 #include "Commands/CatalogDeletion.h"
 #include "Commands/Confirmation.h"
 #include "Input/ProjectOptions.h"
+#include "Input/ShellText.h"
 #include "Output/ProjectText.h"
 
 #include <algorithm>
@@ -84,7 +85,9 @@ std::string projectTable(std::vector<ProjectResponse> projects, const Tracker &t
     for (const ProjectResponse &project : projects)
         ids.push_back(project.id);
     ids = shortIds(ids);
-    TextTable table({{}, {.shrinksTo = 12}, {.shrinksTo = 8}, {}, {.shrinksTo = 8}});
+    // A rate that is cut says nothing: on a narrow terminal what is known of a project stands below it.
+    constexpr int billableAndRate = 22;
+    TextTable table({{}, {.shrinksTo = 12}, {.shrinksTo = 8}, {}, {.shrinksTo = billableAndRate}});
     for (std::size_t i = 0; i < projects.size(); ++i) {
         const ProjectResponse &project = projects[i];
         const auto tasks = static_cast<std::int64_t>(project.tasks.size());
@@ -156,8 +159,15 @@ CommandTask addProject(Context context, ProjectOptions options)
     auto fields = co_await withOptions(context, std::move(plain), options);
     if (!fields)
         co_return failure(fields.error());
-    co_return answerMade(*context, co_await catalogEditor(**opened).createProject(std::move(*fields)),
-                         "the project");
+    const auto made = co_await catalogEditor(**opened).createProject(std::move(*fields));
+    CommandResult answer = answerMade(*context, made, "the project");
+    // A rate suggests that its time is worth it, which only a bill would deny.
+    if (made && made->hourlyRate && !made->isBillable && !options.isBillable)
+        answer->messages.push_back(
+            "Its time is billable only where an entry says $. To bill all of it: orvane "
+            "projects edit " +
+            shellArgument(printable(made->name)) + " --billable");
+    co_return std::move(answer);
 }
 
 CommandTask editProject(Context context, std::string typed, ProjectOptions options)

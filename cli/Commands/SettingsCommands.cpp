@@ -8,6 +8,9 @@
 #include "Output/SettingsShapes.h"
 #include "Terminal/TextWidth.h"
 
+#include <algorithm>
+#include <limits>
+
 namespace orvane {
 
 namespace {
@@ -69,19 +72,48 @@ std::string headingOf(Setting::Group group, const AccountSettings &settings, con
     return tracker.rules().isAdmin ? name : name + " (its administrators change these)";
 }
 
-/// In a narrow terminal names and values alone: both are to be copied, so neither is cut.
+struct SettingRow {
+    Setting setting;
+    TextCell value;
+};
+
+/// What is left for the settings' meanings beside names and values; 0 where that is too little.
+int roomForMeanings(const std::vector<SettingRow> &rows, const TerminalStyle &style)
+{
+    constexpr int leastRoom = 24;
+    if (style.width == 0)
+        return std::numeric_limits<int>::max();
+    int name = 0;
+    int value = 0;
+    for (const SettingRow &row : rows) {
+        name = std::max(name, displayWidth(row.setting.name));
+        value = std::max(value, row.value.width());
+    }
+    // Two spaces in front, and two after each.
+    const int room = style.width - 6 - name - value;
+    return room < leastRoom ? 0 : room;
+}
+
+/// Names, values and meanings are there to be copied, so nothing is cut: meanings go on below, and are left
+/// out of a narrow terminal.
 std::string settingsText(const AccountSettings &settings, const Tracker &tracker, const TerminalStyle &style)
 {
-    constexpr int leastWidth = 64;
-    const bool isNarrow = style.width > 0 && style.width < leastWidth;
-    TextTable table({{}, {}, {.shrinksTo = 12}});
-    std::vector<Setting::Group> groups;
+    std::vector<SettingRow> rows;
     for (const Setting &setting : settingList()) {
-        if (setting.group == Setting::Group::workspace && !settings.workspace)
-            continue;
-        table.add({TextCell(setting.name), TextCell(setting.shown(settings, tracker.time()), strong),
-                   TextCell(isNarrow ? "" : setting.meaning, quiet)});
-        groups.push_back(setting.group);
+        if (setting.group != Setting::Group::workspace || settings.workspace)
+            rows.push_back({setting, TextCell(setting.shown(settings, tracker.time()), strong)});
+    }
+    const int room = roomForMeanings(rows, style);
+    TextTable table({{}, {}, {}});
+    std::vector<Setting::Group> groups;
+    for (const SettingRow &row : rows) {
+        const auto meaning =
+            room > 0 ? TextCell(row.setting.meaning, quiet).wrapped(room) : std::vector<TextCell>();
+        for (std::size_t i = 0; i < std::max<std::size_t>(meaning.size(), 1); ++i) {
+            table.add({i == 0 ? TextCell(row.setting.name) : TextCell(), i == 0 ? row.value : TextCell(),
+                       i < meaning.size() ? meaning[i] : TextCell()});
+            groups.push_back(row.setting.group);
+        }
     }
     std::string text;
     const std::vector<std::string> lines = table.lines(style);

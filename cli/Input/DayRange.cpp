@@ -50,6 +50,8 @@ Result<DayRange, std::string> DayRangeOptions::range(const UserTime &time) const
     if (std::ranges::count(ways, true) > 1)
         return failure(std::string(
             "The days can be named in one way only: a DAY, --week, --month, or --from and --to."));
+    if (word == "week" || word == "month")
+        return failure("\"" + *word + "\" is not a day. Type --" + *word + " for this " + *word + ".");
     if (from || to)
         return spanOf(from, to.value_or("today"), time);
     const auto &named = word ? word : day ? day : week ? week : month;

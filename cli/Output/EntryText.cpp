@@ -314,7 +314,8 @@ std::string EntryWriter::days(const std::vector<DayGroup> &days) const
 
 std::string EntryWriter::done(std::string_view verb, const TimeEntryResponse &entry) const
 {
-    TextTable line({{}, {}, {}, {.alignsRight = true}, descriptionColumn, placeColumn}, 0);
+    // Nothing is cut: this is where one sees what was understood.
+    TextTable line({{}, {}, {}, {.alignsRight = true}, {}, {}}, 0);
     std::vector<TextCell> cells = row(entry, shortId(entry.id));
     const DayKey day = m_time.dayKey(entry.start);
     if (day != m_time.today())

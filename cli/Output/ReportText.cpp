@@ -63,7 +63,7 @@ public:
             table.add(row(name(line), line, {}));
         if (m_report.groups.size() > 1)
             table.add(row(TextCell("Total", strong), m_report.total, strong));
-        return table.render(m_style);
+        return table.render(m_style) + shareLine();
     }
 
 private:
@@ -86,12 +86,27 @@ private:
     }
 
     /// The billable part of the time, to the nearest.
+    static std::string percentText(const EntryReport::Line &line)
+    {
+        return std::to_string((200 * line.billableSeconds + line.seconds) / (2 * line.seconds)) + "%";
+    }
+
     static TextCell percent(const EntryReport::Line &line)
     {
-        if (line.billableSeconds == 0)
+        return line.billableSeconds == 0 ? TextCell() : TextCell(percentText(line), quiet);
+    }
+
+    /// Of the whole, where the table has no room for a share of each line.
+    std::string shareLine() const
+    {
+        const EntryReport::Line &total = m_report.total;
+        if (m_shows.percent || total.billableSeconds == 0)
             return {};
-        const std::int64_t percent = (200 * line.billableSeconds + line.seconds) / (2 * line.seconds);
-        return {std::to_string(percent) + "%", quiet};
+        return "  " +
+               m_style.apply("Billable: " + m_time.duration(static_cast<double>(total.billableSeconds)) +
+                                 ", " + percentText(total) + " of the time",
+                             quiet) +
+               "\n";
     }
 
     TextCell amount(const EntryReport::Line &line, const TextStyle &style) const
