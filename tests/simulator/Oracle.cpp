@@ -179,10 +179,13 @@ std::optional<std::string> Oracle::judgeConflict(int id, const TimeEntryResponse
     const Deed &mine = deed(id);
     const auto isNews = [&](const auto &item) {
         const auto writer = m_writer.find({mine.entry, item.first, item.second});
-        // A snapshot can be older than what is queued over it.
-        const auto shown = mine.shown.find(item.first);
-        if (mine.writes.contains(item.first) && (shown == mine.shown.end() || shown->second != item.second) &&
-            mine.kind == Kind::edit && mine.writes.at(item.first) != item.second)
+        // A snapshot can be older than what is queued over it: then not all that is behind a shown value was
+        // shown.
+        const bool isShown = valueOf(mine.shown, item.first) == item.second;
+        const auto written = mine.writes.find(item.first);
+        if (!isShown &&
+            (mine.kind == Kind::remove ||
+             (mine.kind == Kind::edit && written != mine.writes.end() && written->second != item.second)))
             return true;
         // The server's own doing, as when another timer's start ends this one.
         if (writer == m_writer.end() || (item.first == Field::stop && isAnothersStart(item.second)))

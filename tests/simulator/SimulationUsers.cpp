@@ -278,6 +278,7 @@ Task<> Simulation::settle(ProcessPtr process, std::int64_t seq, bool keepsMine)
                                       std::to_string(seq) + " of " + current.id);
 
     std::optional<std::string> wrong;
+    const bool wasDropped = deed && m_oracle.deed(*deed).fate == Oracle::Fate::dropped;
     if (deed) {
         // A stop whose number was never heard comes back as an edit of the end.
         m_oracle.number(*deed, process->device().name, seq);
@@ -294,6 +295,9 @@ Task<> Simulation::settle(ProcessPtr process, std::int64_t seq, bool keepsMine)
         co_return;
     if (process->isGone() || !settled) {
         m_oracle.mayAskAgain(*deed);
+        // Whether it was done again, before the program died, nobody knows.
+        if (wasDropped)
+            m_oracle.tell(*deed, Oracle::Fate::unknown);
         co_return;
     }
     // Another program may have settled it meanwhile.
