@@ -53,20 +53,19 @@ const TimeEntryResponse *KnownEntries::find(const std::string &id) const
     return m_running && m_running->id == id ? &*m_running : nullptr;
 }
 
-TouchedEntries KnownEntries::takeSnapshot(const Snapshot &snapshot)
+TouchedEntries KnownEntries::takeSnapshot(Snapshot snapshot)
 {
     if (m_answers > 0)
         return {};
-    m_saved = snapshot;
-    m_saved->entries.clear();
-    m_savedEntries = digest(snapshot.entries);
-    m_snapshotBegin = snapshot.weekStart;
     TouchedEntries changes;
     std::ranges::transform(m_entries, std::back_inserter(changes), touched);
-    std::ranges::transform(snapshot.entries, std::back_inserter(changes), touched);
-    m_entries = snapshot.entries;
+    m_entries = std::exchange(snapshot.entries, {});
+    std::ranges::transform(m_entries, std::back_inserter(changes), touched);
     m_isSorted = false;
+    m_savedEntries = digest(m_entries);
+    m_snapshotBegin = snapshot.weekStart;
     m_running = snapshot.running;
+    m_saved = std::move(snapshot);
     if (m_running)
         changes.push_back(touched(*m_running));
     return changes;

@@ -38,7 +38,7 @@ public:
 
     /// Takes over an earlier run's snapshot, of which the lists of the catalog are left for the caller.
     /// Nothing once the server has answered.
-    TouchedEntries takeSnapshot(const Snapshot &snapshot);
+    TouchedEntries takeSnapshot(Snapshot snapshot);
     /// The loaded weeks and the running entry, each as the server listed it; entries that lie in no known day
     /// are forgotten.
     TouchedEntries takeWindow(DaySpan days, std::vector<TimeEntryResponse> entries);

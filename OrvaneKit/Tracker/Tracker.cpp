@@ -66,10 +66,11 @@ Task<bool> Tracker::loadSnapshot()
     m_isSnapshotRead = true;
     if (!snapshot || m_known.hasAnswer())
         co_return snapshot.has_value();
-    const TouchedEntries touched = m_known.takeSnapshot(*snapshot);
-    m_catalog.replace(std::move(snapshot->projects), std::move(snapshot->clients), std::move(snapshot->tags));
-    if (snapshot->settings)
-        setSettings(std::move(*snapshot->settings));
+    m_catalog.replace(snapshot->projects, snapshot->clients, snapshot->tags);
+    auto settings = snapshot->settings;
+    const TouchedEntries touched = m_known.takeSnapshot(std::move(*snapshot));
+    if (settings)
+        setSettings(std::move(*settings));
     if (self)
         show(touched);
     co_return true;
