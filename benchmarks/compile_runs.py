@@ -8,8 +8,8 @@ import resource
 import shlex
 import subprocess
 
-# Compiled as any source of the kit is.
-MODEL = "OrvaneKit/Tracker/Tracker.cpp"
+# Compiled as any folder of the kit is.
+MODEL = "OrvaneKit.dir/Unity/unity_Tracker_cxx.cxx"
 
 
 def calls(header):
@@ -36,16 +36,17 @@ def source(found):
             f"void callAll(const ServerCalls &calls)\n{{\n{''.join(lines)}}}\n}} // namespace orvane\n")
 
 
-def all_calls(root, build, folder):
+def all_calls(build, folder):
     """How many there are, and the seconds."""
     found = calls(build / "server-api" / "generated" / "Http" / "ServerCalls.h")
     made = pathlib.Path(folder) / "AllCalls.cpp"
     made.write_text(source(found), encoding="utf-8")
     commands = json.loads((build / "compile_commands.json").read_text(encoding="utf-8"))
-    words = shlex.split(next(entry["command"] for entry in commands if entry["file"] == str(root / MODEL)))
+    model = next(entry for entry in commands if entry["file"].endswith(MODEL))
+    words = shlex.split(model["command"])
     words = words[next(at for at, word in enumerate(words) if "clang++" in word):]
     words[words.index("-o") + 1] = str(pathlib.Path(folder) / "AllCalls.o")
-    words[words.index(str(root / MODEL))] = str(made)
+    words[words.index(model["file"])] = str(made)
     before = resource.getrusage(resource.RUSAGE_CHILDREN).ru_utime
     subprocess.run(words, check=True, cwd=build)
     return len(found), resource.getrusage(resource.RUSAGE_CHILDREN).ru_utime - before

@@ -169,7 +169,7 @@ def server_rows(arguments):
 
 def compile_rows(arguments):
     with tempfile.TemporaryDirectory(dir=arguments.folder) as folder:
-        count, seconds = compile_runs.all_calls(ROOT, BUILD, folder)
+        count, seconds = compile_runs.all_calls(BUILD, folder)
     yield row(f"a source that calls all {count} operations, in seconds of the compiler", seconds, 20)
 
 
