@@ -69,8 +69,17 @@ public:
     }
 
     bool isContested() const { return m_isContested || !m_isPossible; }
-    /// The whole of mine where the two sides together make no entry.
-    EntryRequest result() const { return m_isPossible ? m_result : m_mine; }
+    /// Where the two sides' times together make no entry, both are mine; the rest stays as it was put
+    /// together.
+    EntryRequest result() const
+    {
+        EntryRequest result = m_result;
+        if (!m_isPossible) {
+            result.start = m_mine.start;
+            result.stop = m_mine.stop;
+        }
+        return result;
+    }
 
 private:
     /// An entry that runs contradicts no end that is given to it: it was seen as ended when another timer's

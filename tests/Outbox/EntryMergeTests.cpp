@@ -60,6 +60,21 @@ TEST_F(EntryMergeTest, KeepsWhatEachSideChangedInAFieldOfItsOwn)
     EXPECT_EQ(rebased.change.version(), "1") << "what it is made against is for others to say";
 }
 
+TEST_F(EntryMergeTest, TakesBothOfMyTimesWhereTheyDoNotGoTogetherWithTheirs)
+{
+    base.stop.reset();
+    TimeEntryResponse head = base;
+    head.stop = base.start + std::chrono::minutes{10};
+    head.description = "Theirs";
+    const Instant late = base.start + std::chrono::minutes{30};
+    const Rebased rebased = putOn(edit([&](EntryRequest &mine) { mine.start = late; }), head);
+    EXPECT_TRUE(rebased.isContested);
+    const TimeEntryResponse result = outcome(rebased, head);
+    EXPECT_EQ(result.start, late);
+    EXPECT_FALSE(result.stop) << "it would end before it starts";
+    EXPECT_EQ(result.description, "Theirs") << "which I did not touch";
+}
+
 TEST_F(EntryMergeTest, TellsTheSameFieldTwice)
 {
     struct Case {

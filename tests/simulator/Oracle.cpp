@@ -221,11 +221,9 @@ void Oracle::keptMine(int id, const TimeEntryResponse &current)
     deed.seen.insert(known.begin(), known.end());
     deed.seen.erase(id);
     deed.isMadeAnew = true;
-    // The whole of what the user saw takes the place of what it does not go together with.
-    if (endsBeforeItStarts(deed.writes, current)) {
-        for (const Field field : {Field::description, Field::stop})
-            deed.writes.emplace(field, valueOf(deed.shown, field));
-    }
+    // Of times that do not go together both are the user's.
+    if (endsBeforeItStarts(deed.writes, current))
+        deed.writes.emplace(Field::stop, valueOf(deed.shown, Field::stop));
     if (deed.fate == Fate::dropped)
         deed.fate = Fate::taken;
 }
