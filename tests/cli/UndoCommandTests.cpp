@@ -143,7 +143,10 @@ TEST_F(Slips, ATimerGoesOnWithAnEntryOfOnesChoice)
     EXPECT_EQ(text(again[u"description"]), "once more");
     EXPECT_EQ(again[u"tagIds"].toArray().size(), 1);
     EXPECT_EQ(run({"stop", "Until 9:30"}).exitStatus, 2) << "a time goes to --at";
+    // Each process begins at this moment anew; what follows a start is to come after it.
+    setNow("2026-03-04T09:10:00Z");
     did({"stop"});
+    setNow("2026-03-04T09:20:00Z");
     EXPECT_EQ(text(did({"continue"})[u"entry"][u"description"]), "once more") << "what ended last";
 }
 
