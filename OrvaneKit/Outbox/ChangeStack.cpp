@@ -103,7 +103,7 @@ void placeOnTop(StoreSteps &steps, Submission &submission)
     if (rows.empty()) {
         if (head && isLineOfOurs(*head, seen))
             place(submission, head->entry, head->entry.version);
-        else if (submission.server && submission.server->version == submission.base->version)
+        else if (seen && submission.server && submission.server->version == seen)
             place(submission, TimeEntryResponse(*submission.server), {});
         else if (!head && !seen)
             contest(submission); // what has become of the entry meanwhile is not known

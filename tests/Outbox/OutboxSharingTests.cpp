@@ -220,6 +220,21 @@ TEST_F(OutboxSharingTest, ASubmitIsAnsweredWheneverItComes)
     }
 }
 
+TEST_F(OutboxSharingTest, WhatWasNeverSeenAtTheServerIsNotRemovedUnseen)
+{
+    // Another program's creation has arrived, and a device changed it; here it is known from the queue alone.
+    const std::string theirs = newId();
+    EntryRequest request = requestAt("made by another program", 300, 10);
+    TimeEntryResponse shown = entryResponse(request, theirs, stack.workspaceId());
+    request.details.description = "changed since";
+    ASSERT_TRUE(await(
+        stack.otherDevice().createTimeEntry(stack.workspaceId(), createTimeEntryRequest(request, theirs))));
+    EXPECT_FALSE(isSent(await(submit(
+        one.outbox.get(), {EntryChange{EntryChange::Delete{theirs, shown.workspaceId, {}}}, shown, shown}))));
+    EXPECT_EQ(one.outbox->conflicts().size(), 1U);
+    EXPECT_EQ(held(theirs).description, "changed since");
+}
+
 TEST_F(OutboxSharingTest, ACreationTakesItsStopAlongAndEndsNobodysTimer)
 {
     const std::string elsewhere = newId();
