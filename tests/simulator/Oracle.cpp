@@ -183,9 +183,11 @@ std::optional<std::string> Oracle::judgeConflict(int id, const TimeEntryResponse
         // shown.
         const bool isShown = valueOf(mine.shown, item.first) == item.second;
         const auto written = mine.writes.find(item.first);
-        if (!isShown &&
-            (mine.kind == Kind::remove ||
-             (mine.kind == Kind::edit && written != mine.writes.end() && written->second != item.second)))
+        const bool isAnothers = written != mine.writes.end() && written->second != item.second;
+        // Of two stops by one hand the second is no news.
+        const bool isOwnStop =
+            mine.kind == Kind::stop && writer != m_writer.end() && deed(writer->second).device == mine.device;
+        if (!isShown && !isOwnStop && (mine.kind == Kind::remove || isAnothers))
             return true;
         // The server's own doing, as when another timer's start ends this one.
         if (writer == m_writer.end() || (item.first == Field::stop && isAnothersStart(item.second)))
