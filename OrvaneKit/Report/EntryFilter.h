@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Catalog/Catalog.h"
+#include "Catalog/EntryParts.h"
 #include "OrvaneAPI/Schemas.h"
 #include "Support/Instant.h"
 
@@ -12,20 +13,6 @@
 #include <vector>
 
 namespace orvane {
-
-/// The time of an entry that goes to one project: all of it, or what one share has of a split one.
-struct EntryPart {
-    Instant::duration length{0};
-    std::optional<std::string> projectId;
-    std::optional<std::string> taskId;
-    bool isBillable = false;
-
-    bool operator==(const EntryPart &) const = default;
-};
-
-/// The parts of an entry, together as long as it is; a running one lasts up to now. The parts of a split one
-/// have whole seconds but for the first, as `shareSeconds` has them. Any thread.
-std::vector<EntryPart> partsOf(const TimeEntryResponse &entry, Instant now);
 
 /// Which time is looked at: what is of this client, this project and has this tag. What is not named plays no
 /// part; an empty identifier means what has none. Of a split entry only the shares that fit are looked at.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Tracker/CatalogUse.h"
 
+#include "Catalog/EntryParts.h"
 #include "Catalog/EntrySeconds.h"
 
 #include <algorithm>
@@ -10,30 +11,24 @@ namespace orvane {
 
 namespace {
 
-/// Of an entry or one of its shares.
-template <class T>
-bool refersTo(const T &part, const CatalogItem &item)
+bool isOn(const EntryPart &part, const CatalogItem &item)
 {
     return (item.kind == CatalogItem::Kind::project ? part.projectId : part.taskId) == item.id;
 }
 
-/// What an entry has on the item; nothing when it does not refer to it. The project and task of a split entry
-/// count nowhere, those of its shares do.
+/// What an entry has on the item; nothing when it does not refer to it.
 std::optional<std::int64_t> secondsOn(const CatalogItem &item, const TimeEntryResponse &entry, Instant now)
 {
-    const bool isTag = item.kind == CatalogItem::Kind::tag;
-    if (isTag || entry.shares.empty()) {
-        const bool refers =
-            isTag ? std::ranges::find(entry.tagIds, item.id) != entry.tagIds.end() : refersTo(entry, item);
-        return refers ? std::optional(entrySeconds(entry, now)) : std::nullopt;
+    if (item.kind == CatalogItem::Kind::tag) {
+        const bool hasTag = std::ranges::find(entry.tagIds, item.id) != entry.tagIds.end();
+        return hasTag ? std::optional(entrySeconds(entry, now)) : std::nullopt;
     }
-    std::optional<std::int64_t> sum;
-    const std::vector<std::int64_t> parts = shareSeconds(entry, now);
-    for (std::size_t i = 0; i < parts.size(); ++i) {
-        if (refersTo(entry.shares[i], item))
-            sum = sum.value_or(0) + parts[i];
+    std::optional<Instant::duration> sum;
+    for (const EntryPart &part : partsOf(entry, now)) {
+        if (isOn(part, item))
+            sum = sum.value_or(Instant::duration{0}) + part.length;
     }
-    return sum;
+    return sum ? std::optional(std::chrono::floor<std::chrono::seconds>(*sum).count()) : std::nullopt;
 }
 
 } // namespace

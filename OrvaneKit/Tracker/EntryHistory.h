@@ -2,7 +2,7 @@
 #pragma once
 
 #include "LocalStore/LocalStore.h"
-#include "OrvaneAPI/SchemaFields.h"
+#include "OrvaneAPI/Schemas.h"
 #include "Support/Json.h"
 
 #include <memory>

@@ -57,10 +57,6 @@ struct SaveResult {
     std::vector<EntryTurn> turns;
 };
 
-/// A value, or why there is none.
-template <class T>
-using SaveResultOr = Result<T, SaveResult>;
-
 /// What a quiet refresh asks the server for.
 enum class Topic { entries = 1, running = 2, settings = 4, catalog = 8 };
 Q_DECLARE_FLAGS(Topics, Topic)
@@ -166,7 +162,7 @@ public:
     /// Stops the timer with other details: one change, checked as such.
     Task<SaveResult> stop(Instant at, EntryDetails details, bool describeParts);
     /// The entry that ended last, of the weeks loaded and up to eight before them.
-    Task<SaveResultOr<TimeEntryResponse>> lastStopped();
+    Task<Result<TimeEntryResponse, SaveResult>> lastStopped();
     /// Starts a new entry with the details of the last one.
     Task<SaveResult> continueLast(Instant at);
     /// Records an entry; one without a stop starts the timer as `start` does.
@@ -176,8 +172,6 @@ public:
     /// Divides an entry's time between projects; the shares sum to 100.
     Task<SaveResult> split(std::string id, std::vector<SplitPart> shares);
     Task<SaveResult> remove(std::string id);
-    /// Several at once: one action.
-    Task<SaveResult> removeAll(std::vector<std::string> ids);
     /// Takes an action back: each entry becomes what it was before. Refused as a whole when one of them is
     /// no longer what the action made of it. A deleted entry comes back under a new identifier, since no
     /// server takes a used one: `turns` of the answer tell which.

@@ -218,7 +218,7 @@ Task<SaveResult> Tracker::stop(Instant at, EntryDetails details, bool describePa
     co_return result;
 }
 
-Task<SaveResultOr<TimeEntryResponse>> Tracker::lastStopped()
+Task<Result<TimeEntryResponse, SaveResult>> Tracker::lastStopped()
 {
     const QPointer<Tracker> self(this);
     const auto find = [this]() {
@@ -297,25 +297,15 @@ Task<SaveResult> Tracker::split(std::string id, std::vector<SplitPart> shares)
 
 Task<SaveResult> Tracker::remove(std::string id)
 {
-    std::vector<std::string> ids;
-    ids.push_back(std::move(id));
-    co_return co_await removeAll(std::move(ids));
-}
-
-Task<SaveResult> Tracker::removeAll(std::vector<std::string> ids)
-{
+    const auto known = entry(id);
+    if (!known)
+        co_return refusedHere(SaveOutcome::failed, "There is no such entry.");
+    if (m_settings && rules().isLocked(known->start))
+        co_return refusedHere(SaveOutcome::rejected, "This entry lies in a locked period of the workspace.");
     std::vector<Submission> changes;
-    for (const std::string &id : ids) {
-        const auto known = entry(id);
-        if (!known)
-            co_return refusedHere(SaveOutcome::failed, "There is no such entry.");
-        if (m_settings && rules().isLocked(known->start))
-            co_return refusedHere(SaveOutcome::rejected,
-                                  "This entry lies in a locked period of the workspace.");
-        changes.push_back(
-            made(EntryChange{EntryChange::Delete{id, known->workspaceId, versionOf(*known)}}, *known));
-    }
-    SaveResult result = co_await submit(std::move(changes), ids.back(), SaveOutcome::saved);
+    changes.push_back(
+        made(EntryChange{EntryChange::Delete{id, known->workspaceId, versionOf(*known)}}, *known));
+    SaveResult result = co_await submit(std::move(changes), id, SaveOutcome::saved);
     if (result.outcome != SaveOutcome::rejected)
         result.entry.reset();
     co_return result;

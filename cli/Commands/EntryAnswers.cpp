@@ -263,18 +263,31 @@ Result<EntryDraft, CommandFailure> draftOf(const TypedSentence &typed, const Ent
         .map_error([](const std::string &message) { return CommandFailure::usage(message); });
 }
 
-std::optional<CommandFailure> misread(const TypedSentence &typed, const Tracker &tracker,
-                                      std::string_view verb)
+namespace {
+
+std::string refusedLine(const std::string &why, std::string_view verb)
 {
-    const std::string literally = " To take the line as it stands: --literally";
-    const std::string nothing = " Nothing was " + std::string(verb) + ".";
-    if (const auto unread = typed.unreadTime(tracker.time()))
-        return CommandFailure::usage(*unread + nothing + literally);
-    // It would take the place of what the entry says.
-    if (verb != recordedVerb && typed.saysNothing())
-        return CommandFailure::usage(typed.withNotes(
-            "The line says nothing that is understood." + nothing + literally, tracker.catalog()));
-    return {};
+    return why + " Nothing was " + std::string(verb) + ". To take the line as it stands: --literally";
+}
+
+} // namespace
+
+std::optional<CommandFailure> misreadTime(const TypedSentence &typed, const Tracker &tracker,
+                                          std::string_view verb)
+{
+    const auto unread = typed.unreadTime(tracker.time());
+    return unread ? std::optional(CommandFailure::usage(refusedLine(*unread, verb))) : std::nullopt;
+}
+
+std::optional<CommandFailure> misreadChange(const TypedSentence &typed, const Tracker &tracker,
+                                            std::string_view verb)
+{
+    if (auto wrong = misreadTime(typed, tracker, verb))
+        return wrong;
+    if (!typed.saysNothing())
+        return {};
+    const std::string why = refusedLine("The line says nothing that is understood.", verb);
+    return CommandFailure::usage(typed.withNotes(why, tracker.catalog()));
 }
 
 Task<std::vector<EntryWarning>> warningsOf(Context context, EntryTimes times, std::string id)
@@ -316,8 +329,6 @@ CommandTask record(Context context, EntryOptions options, TypedSentence typed, E
 {
     Tracker &tracker = context->account()->tracker();
     const UserTime &time = tracker.time();
-    if (auto wrong = misread(typed, tracker, recordedVerb))
-        co_return failure(std::move(*wrong));
     const auto whole = options.detailsIn(std::move(draft), tracker.catalog());
     if (!whole)
         co_return failure(CommandFailure::of(whole.error()));

@@ -63,18 +63,21 @@ CommandAnswer refusalAhead(const CommandContext &context, std::string_view what)
 Result<EntryDraft, CommandFailure> draftOf(const TypedSentence &typed, const EntryOptions &options,
                                            const Tracker &tracker, EntryDraft draft = {});
 
-/// The refusal of a sentence from which a time, or all of it, was not understood. `verb` says what was not
-/// done: "recorded".
-inline constexpr std::string_view recordedVerb = "recorded";
-std::optional<CommandFailure> misread(const TypedSentence &typed, const Tracker &tracker,
-                                      std::string_view verb);
+/// The refusal of a sentence in which a time was typed and not read. `verb` says what was not done:
+/// "recorded".
+std::optional<CommandFailure> misreadTime(const TypedSentence &typed, const Tracker &tracker,
+                                          std::string_view verb);
+/// The same for a sentence that would take the place of what an entry says: none of it was understood.
+std::optional<CommandFailure> misreadChange(const TypedSentence &typed, const Tracker &tracker,
+                                            std::string_view verb);
 
 /// What is unusual about when an entry would lie, among those of its days, which are asked for when they are
 /// not known.
 Task<std::vector<EntryWarning>> warningsOf(Context context, EntryTimes times, std::string id);
 
 /// Records what a sentence and its options say: a finished entry when they name an end, else the timer
-/// starts, now or when they say. The draft has all of it but the options' details, which are looked up here.
+/// starts, now or when they say. The draft has all of it but the options' details, which are looked up here;
+/// that the sentence's time was read is for the caller to see.
 CommandTask record(Context context, EntryOptions options, TypedSentence typed, EntryDraft draft);
 
 /// The timer that a start stopped, in front of the answer to the start.

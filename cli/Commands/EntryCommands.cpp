@@ -27,7 +27,7 @@ struct EditOptions {
 Result<EntryDraft, CommandFailure> finishedDraft(const TypedSentence &typed, const EntryOptions &options,
                                                  const Tracker &tracker)
 {
-    if (auto wrong = misread(typed, tracker, recordedVerb))
+    if (auto wrong = misreadTime(typed, tracker, "recorded"))
         return failure(std::move(*wrong));
     auto draft = draftOf(typed, options, tracker);
     if (!draft)
@@ -160,7 +160,7 @@ CommandTask edit(Context context, EditOptions options)
     Tracker &tracker = context->account()->tracker();
     const TypedSentence typed =
         TypedSentence::read(options.entry.sentence, *context->account(), options.entry.literally);
-    if (auto wrong = misread(typed, tracker, "changed"))
+    if (auto wrong = misreadChange(typed, tracker, "changed"))
         co_return failure(std::move(*wrong));
     const auto draft = draftOf(typed, options.entry, tracker, EntryDraft::of(*entry));
     if (!draft)

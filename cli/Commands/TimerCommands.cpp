@@ -100,6 +100,8 @@ CommandTask start(Context context, EntryOptions options)
     co_await context->loadState();
     const Tracker &tracker = (*opened)->tracker();
     const TypedSentence typed = TypedSentence::read(options.sentence, **opened, options.literally);
+    if (auto wrong = misreadTime(typed, tracker, "recorded"))
+        co_return failure(std::move(*wrong));
     const auto draft = draftOf(typed, options, tracker);
     if (!draft)
         co_return failure(draft.error());
@@ -174,7 +176,7 @@ CommandTask stop(Context context, StopOptions options)
         co_return failure(
             CommandFailure::usage("When the timer ended is said with --at, as in: orvane stop --at 17:30. "
                                   "To take the line as it stands: --literally"));
-    if (auto wrong = misread(typed, tracker, "stopped"))
+    if (auto wrong = misreadChange(typed, tracker, "stopped"))
         co_return failure(std::move(*wrong));
     const ActionMoment moment = actionMoment(*context);
     const auto end = endOf(options.at, typed.options, tracker, moment.at);
@@ -235,6 +237,8 @@ CommandTask continueEntry(Context context, ContinueOptions options)
     const Tracker &tracker = (*opened)->tracker();
     const TypedSentence typed =
         TypedSentence::read(options.entry.sentence, **opened, options.entry.literally);
+    if (auto wrong = misreadTime(typed, tracker, "recorded"))
+        co_return failure(std::move(*wrong));
     const auto draft = draftOf(typed, options.entry, tracker, EntryDraft::continuing(*entry));
     if (!draft)
         co_return failure(draft.error());

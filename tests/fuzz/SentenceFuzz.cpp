@@ -4,6 +4,7 @@
 // choose the options, the zone and the time.
 #include "QuickEntry/EntrySentence.h"
 #include "QuickEntry/FoldedText.h"
+#include "QuickEntry/UnreadTime.h"
 #include "QuickEntry/UnreadWords.h"
 #include "Support/Require.h"
 
@@ -109,6 +110,12 @@ void checkReading(std::string_view line, const EntrySentence::Options &options, 
     ORVANE_REQUIRE(reading.time.has_value() == !reading.timeText.empty(), "a time without its text");
     ORVANE_REQUIRE(reading.time.has_value() == !reading.timeRanges.empty(), "a time without its place");
     checkRanges(reading.timeRanges, utf16Length(line));
+    if (const auto unread = UnreadTime::of(reading, options, now, time))
+        ORVANE_REQUIRE(!reading.time && !unread->text.empty() && areWordsOf(unread->text, words) &&
+                           unread->mark.empty() == (unread->why == UnreadTime::Why::noRange),
+                       "an unread time that was not typed");
+    ORVANE_REQUIRE(!saysNothing(reading) || !reading.description.empty(),
+                   "nothing at all was not understood");
     if (!reading.time)
         return;
     const auto span = EntrySentence::resolve(*reading.time, reading.day, now, time);

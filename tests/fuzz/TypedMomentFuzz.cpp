@@ -2,6 +2,7 @@
 // Any two lines: typed as the start and the stop of an entry they either make no times or some that make
 // sense, and white space around them plays no part.
 #include "EntryInput/EntryTimes.h"
+#include "EntryInput/NamedMoment.h"
 #include "Support/Require.h"
 #include "Time/AppClock.h"
 #include "Time/TypedDay.h"
@@ -52,6 +53,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     ORVANE_REQUIRE(TypedMoment::parse(" " + std::string(text.substr(0, end)) + "\t", time) == start,
                    "white space counts");
     const auto stop = TypedMoment::parse(text.substr(std::min(end + 1, text.size())), time);
+    const auto named = readNamedMoment(text.substr(0, end), {}, time, now);
+    ORVANE_REQUIRE(!start || named == start, "a moment without its day is another");
     if (start && stop)
         checkTimes(*start, *stop, time);
     return 0;
