@@ -1,17 +1,99 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Account/Account.h"
+#include "Account/Installation.h"
+#include "AppModel/Notices.h"
+#include "AppModel/SecondTick.h"
+#include "AppModel/SyncStatus.h"
+#include "Support/Task.h"
+
 #include <QObject>
+#include <QString>
+#include <memory>
+#include <optional>
+#include <string>
 
 namespace orvane {
 
+/// The application without its windows: the installation, the account in use and what every window shows of
+/// them. View models listen to `trackerChanged` and get what they show from the tracker.
+///
+/// Owner: the program. Thread: the main thread. `close` before it goes.
 class AppModel final : public QObject {
     Q_OBJECT
-    Q_PROPERTY(QString name READ name CONSTANT)
+    Q_PROPERTY(Phase phase READ phase NOTIFY phaseChanged)
+    Q_PROPERTY(QString problem READ problem NOTIFY phaseChanged)
+    Q_PROPERTY(QString workspaceName READ workspaceName NOTIFY placeChanged)
+    Q_PROPERTY(QString placeName READ placeName NOTIFY placeChanged)
+    Q_PROPERTY(orvane::SyncStatus *sync READ sync CONSTANT)
+    Q_PROPERTY(orvane::Notices *notices READ notices CONSTANT)
 
 public:
-    explicit AppModel(QObject *parent);
-    QString name() const { return QStringLiteral("x"); }
+    enum class Phase {
+        /// On the way to the account in use.
+        opening,
+        /// There is an account; the server may be away all the same.
+        open,
+        /// It could not be opened; `problem` says why.
+        failed,
+    };
+    Q_ENUM(Phase)
+
+    struct Options {
+        /// Of the installation; empty: the platform's place.
+        std::string folder = {};
+        /// None: the server signed in to, at first use the one on this computer.
+        std::optional<std::string> server = {};
+        bool startsServer = true;
+        /// Empty: beside the running program.
+        std::string serverProgram = {};
+        Account::Options account = {};
+    };
+
+    explicit AppModel(Options options);
+    ~AppModel() override;
+
+    /// Opens the account in use, starting the server on this computer when it is that one's. Afterwards
+    /// `phase` is open or failed.
+    Task<> open();
+    /// The same once more, after a failure.
+    Q_INVOKABLE void openAgain();
+    /// Ends what is under way and saves what has to be.
+    Task<> close();
+
+    Phase phase() const { return m_phase; }
+    QString problem() const { return m_problem; }
+    QString workspaceName() const;
+    /// "This Computer", or the server's host.
+    QString placeName() const;
+    SyncStatus *sync() { return &m_sync; }
+    Notices *notices() { return &m_notices; }
+    SecondTick &tick() { return m_tick; }
+    Installation &installation() { return m_installation; }
+    /// Null while there is none.
+    Account *account() const { return m_account.get(); }
+    Tracker *tracker() const { return m_account ? &m_account->tracker() : nullptr; }
+
+Q_SIGNALS:
+    void phaseChanged();
+    void placeChanged();
+    /// `tracker` is another one, or the first.
+    void trackerChanged();
+
+private:
+    void setPhase(Phase phase, const std::string &problem = {});
+    void adopt(std::unique_ptr<Account> account);
+    Task<> load();
+
+    Options m_options;
+    Installation m_installation;
+    SecondTick m_tick;
+    Notices m_notices;
+    SyncStatus m_sync;
+    std::unique_ptr<Account> m_account;
+    Phase m_phase = Phase::opening;
+    QString m_problem;
 };
 
 } // namespace orvane

@@ -3,16 +3,46 @@ import QtQuick
 import Orvane
 import Orvane.Components
 
+// The window: where one is at the left, what one does there beside it.
 Window {
     id: window
 
     required property AppModel app
+    required property TimerModel timer
+
+    readonly property bool isWide: width >= 1200
 
     width: 1440
     height: 900
     minimumWidth: 720
     minimumHeight: 450
     visible: true
-    title: qsTr("Orvane")
+    title: timer.isRunning ? qsTr("%1 – Orvane").arg(timer.description === "" ? qsTr("No description") : timer.description) : qsTr("Orvane")
     color: Theme.content
+
+    Row {
+        anchors.fill: parent
+
+        Sidebar {
+            id: sidebar
+            app: window.app
+            width: window.isWide ? 216 : 192
+            height: parent.height
+        }
+        TimerPage {
+            app: window.app
+            timer: window.timer
+            isWide: window.isWide
+            width: parent.width - sidebar.width
+            height: parent.height
+            focus: true
+        }
+    }
+
+    NoticeLine {
+        notices: window.app.notices
+        anchors.horizontalCenter: parent.horizontalCenter
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: 32 + Theme.space16
+    }
 }

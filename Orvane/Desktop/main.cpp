@@ -1,17 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "AppModel/AppModel.h"
-
-#include <QGuiApplication>
-#include <QQmlApplicationEngine>
+#include "Desktop/DesktopProgram.h"
 
 int main(int argc, char **argv)
 {
-    QGuiApplication application(argc, argv);
-    orvane::AppModel app(nullptr);
-    QQmlApplicationEngine engine;
-    // Where our modules lie; Qt 6.4 does not look there by itself.
-    engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
-    engine.setInitialProperties({{QStringLiteral("app"), QVariant::fromValue(&app)}});
-    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Orvane/Main.qml")));
-    return engine.rootObjects().isEmpty() ? 1 : application.exec();
+    return orvane::runDesktop(argc, argv);
 }

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+import QtQuick
+import Orvane
+import Orvane.Components
+
+// The sections, how what was recorded stands with the server, and the workspace.
+Rectangle {
+    id: sidebar
+
+    required property AppModel app
+
+    color: Theme.chrome
+    Accessible.role: Accessible.Pane
+    Accessible.name: qsTr("Sections")
+
+    Rectangle {
+        anchors.right: parent.right
+        width: 1
+        height: parent.height
+        color: Theme.line
+    }
+
+    Column {
+        x: Theme.space12
+        y: 20
+        width: parent.width - 2 * Theme.space12
+        spacing: 2
+
+        SectionRow {
+            width: parent.width
+            text: qsTr("Timer")
+            iconName: "timer"
+            isCurrent: true
+        }
+    }
+
+    Column {
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: Theme.space12
+        width: parent.width
+
+        Rectangle {
+            width: parent.width
+            height: 1
+            color: Theme.line
+        }
+        Item {
+            width: 1
+            height: Theme.space8
+        }
+        SyncLine {
+            sync: sidebar.app.sync
+            x: Theme.space12
+            width: parent.width - 2 * Theme.space12
+        }
+        WorkspaceLine {
+            app: sidebar.app
+            x: Theme.space12
+            width: parent.width - 2 * Theme.space12
+        }
+    }
+}

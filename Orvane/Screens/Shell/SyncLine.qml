@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+import QtQuick
+import Orvane
+import Orvane.Components
+
+// Whether all is saved and sent, and what waits.
+Item {
+    id: line
+
+    required property SyncStatus sync
+
+    readonly property bool needsAttention: [SyncStatus.Offline, SyncStatus.Conflict, SyncStatus.HeldBack, SyncStatus.SessionEnded].includes(sync.kind)
+
+    height: sync.subtitle === "" ? 32 : 44
+    Accessible.role: Accessible.StaticText
+    Accessible.name: sync.subtitle === "" ? sync.title : qsTr("%1. %2").arg(sync.title).arg(sync.subtitle)
+
+    Icon {
+        x: 10
+        anchors.verticalCenter: parent.verticalCenter
+        visible: line.sync.kind !== SyncStatus.Loading
+        name: line.sync.kind === SyncStatus.Conflict ? "fork" : line.needsAttention ? "offline" : line.sync.kind === SyncStatus.Sending ? "pending" : "synced"
+        color: line.needsAttention ? Theme.warning : Theme.ink3
+    }
+    Spinner {
+        x: 11
+        anchors.verticalCenter: parent.verticalCenter
+        visible: line.sync.kind === SyncStatus.Loading
+        color: Theme.ink3
+    }
+    Column {
+        anchors.left: parent.left
+        anchors.leftMargin: 36
+        anchors.right: parent.right
+        anchors.verticalCenter: parent.verticalCenter
+
+        Label {
+            type: Label.Type.Small
+            width: parent.width
+            text: line.sync.title
+            font.weight: line.needsAttention ? Font.Medium : Font.Normal
+            color: line.needsAttention ? Theme.ink1 : Theme.ink2
+            Accessible.ignored: true
+        }
+        Label {
+            type: Label.Type.Caption
+            width: parent.width
+            visible: text !== ""
+            text: line.sync.subtitle
+            color: Theme.ink3
+            Accessible.ignored: true
+        }
+    }
+}

@@ -1,0 +1,310 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Screens/Timer/EntryEditor.h"
+
+#include "AppModel/AppModel.h"
+#include "EntryInput/NamedMoment.h"
+#include "Time/AppClock.h"
+
+namespace orvane {
+
+namespace {
+
+QString text(const std::string &utf8)
+{
+    return QString::fromStdString(utf8);
+}
+
+QString timesProblemText(EntryTimesProblem problem)
+{
+    switch (problem) {
+    case EntryTimesProblem::endBeforeStart:
+        return EntryEditor::tr("The end has to be after the start.");
+    case EntryTimesProblem::endWithoutStart:
+        return EntryEditor::tr("An end needs a start.");
+    case EntryTimesProblem::tooLong:
+        return EntryEditor::tr("That is more than 16 hours; give the end its day, as in “mon 9:30”.");
+    case EntryTimesProblem::countedFromNow:
+        break;
+    }
+    return EntryEditor::tr("That counts from now, and the entry ended on another day.");
+}
+
+/// Tags as the field shows them, so that it reads them again.
+QString tagsText(const std::vector<std::string> &ids, const Catalog &catalog)
+{
+    QStringList tags;
+    for (const std::string &id : ids) {
+        const TagResponse *tag = catalog.tag(id);
+        if (tag == nullptr)
+            continue;
+        const QString name = text(tag->name);
+        tags << (name.contains(QLatin1Char(' ')) ? QStringLiteral("#\"%1\"").arg(name)
+                                                 : QLatin1Char('#') + name);
+    }
+    return tags.join(QLatin1Char(' '));
+}
+
+} // namespace
+
+EntryEditor::EntryEditor(AppModel &app) : m_app(&app)
+{
+    connect(m_app, &AppModel::trackerChanged, this, [this] {
+        m_tracker = m_app->tracker();
+        close();
+    });
+    m_tracker = m_app->tracker();
+}
+
+bool EntryEditor::open(const QString &id)
+{
+    const auto entry = m_tracker ? m_tracker->entry(id.toStdString()) : std::nullopt;
+    if (!entry || (m_tracker->settings() && m_tracker->rules().isLocked(entry->start)))
+        return false;
+    m_entryId = entry->id;
+    m_base = *entry;
+    m_draft = EntryDraft::of(*entry);
+    m_picked.reset();
+    m_isRunning = !entry->stop;
+    m_description = text(entry->description);
+    m_tags = tagsText(entry->tagIds, m_tracker->catalog());
+    show({entry->start, entry->stop});
+    setProblem(Field::none, {});
+    Q_EMIT entryChanged();
+    Q_EMIT edited();
+    return true;
+}
+
+void EntryEditor::show(const EntryTimes &times)
+{
+    const UserTime &time = m_tracker->time();
+    m_times = times;
+    m_start = text(time.clockLabel(times.start));
+    m_stop = times.stop ? text(time.clockLabel(*times.stop)) : QString();
+    m_length = times.stop ? text(Durations::shortLabel(secondsBetween(times.start, *times.stop))) : QString();
+}
+
+void EntryEditor::cancel()
+{
+    close();
+}
+
+void EntryEditor::close()
+{
+    if (m_entryId.empty())
+        return;
+    m_entryId.clear();
+    m_draft = {};
+    setProblem(Field::none, {});
+    Q_EMIT entryChanged();
+    Q_EMIT edited();
+}
+
+// What is shown
+
+QString EntryEditor::project() const
+{
+    const auto &id = m_draft.details().projectId;
+    const ProjectResponse *project = id && m_tracker ? m_tracker->catalog().project(*id) : nullptr;
+    return project != nullptr ? text(project->name) : QString();
+}
+
+QString EntryEditor::task() const
+{
+    const auto &id = m_draft.details().taskId;
+    const TaskResponse *task = id && m_tracker ? m_tracker->catalog().task(*id) : nullptr;
+    return task != nullptr ? text(task->name) : QString();
+}
+
+QString EntryEditor::projectColor() const
+{
+    const auto &id = m_draft.details().projectId;
+    const ProjectResponse *project = id && m_tracker ? m_tracker->catalog().project(*id) : nullptr;
+    return project != nullptr ? text(project->color) : QString();
+}
+
+void EntryEditor::setProblem(Field field, const QString &problem)
+{
+    if (m_wrongField == field && m_problem == problem)
+        return;
+    m_wrongField = field;
+    m_problem = problem;
+    Q_EMIT problemChanged();
+}
+
+// What is changed
+
+void EntryEditor::setProject(const QString &projectId, const QString &taskId)
+{
+    if (!m_tracker)
+        return;
+    m_picked = {projectId.toStdString(), taskId.toStdString()};
+    applyPick(m_draft);
+    Q_EMIT edited();
+}
+
+void EntryEditor::applyPick(EntryDraft &draft) const
+{
+    const auto &[projectId, taskId] = *m_picked;
+    if (!taskId.empty())
+        draft.setTask(taskId, m_tracker->catalog());
+    else
+        draft.setProject(projectId.empty() ? std::nullopt : std::optional(projectId), m_tracker->catalog());
+}
+
+void EntryEditor::setBillable(bool isBillable)
+{
+    m_draft.setBillable(isBillable);
+    Q_EMIT edited();
+}
+
+std::optional<TypedMoment> EntryEditor::moment(const QString &typed) const
+{
+    return readNamedMoment(typed.trimmed().toStdString(),
+                           EntrySentence::Options::of(m_app->account()->me().preferences), m_tracker->time(),
+                           AppClock::now());
+}
+
+/// What the two fields say; one that still says what is shown changes nothing, so seconds that are not shown
+/// stay.
+Result<EntryTimes, EntryTimesProblem> EntryEditor::typedTimes() const
+{
+    const UserTime &time = m_tracker->time();
+    const bool isStartTyped = m_start.trimmed() != text(time.clockLabel(m_times.start));
+    const bool isStopTyped = m_times.stop && m_stop.trimmed() != text(time.clockLabel(*m_times.stop));
+    return m_times.changed(isStartTyped ? moment(m_start) : std::nullopt,
+                           isStopTyped ? moment(m_stop) : std::nullopt, time, AppClock::now());
+}
+
+void EntryEditor::nudge(Field field, int minutes)
+{
+    if (m_entryId.empty() || !takeTimes())
+        return;
+    EntryTimes times = m_times;
+    const std::chrono::minutes step{minutes};
+    if (field == Field::start)
+        times.start += step;
+    else if (times.stop)
+        *times.stop += step;
+    if (times.stop && *times.stop <= times.start)
+        return;
+    show(times);
+    Q_EMIT edited();
+}
+
+void EntryEditor::settle(Field field)
+{
+    if (m_entryId.empty())
+        return;
+    if (field == Field::length && m_times.stop) {
+        const auto seconds = Durations::parse(m_length.toStdString());
+        if (!seconds || *seconds <= 0) {
+            setProblem(Field::length, tr("“%1” is no length. Type 1:30, 1.5h or 90.").arg(m_length));
+            return;
+        }
+        if (m_length != text(Durations::shortLabel(secondsBetween(m_times.start, *m_times.stop))))
+            show({m_times.start, m_times.start + std::chrono::seconds(static_cast<std::int64_t>(*seconds))});
+        setProblem(Field::none, {});
+        Q_EMIT edited();
+        return;
+    }
+    takeTimes();
+}
+
+bool EntryEditor::takeTimes()
+{
+    const auto unread = [&](Field field, const QString &typed) {
+        setProblem(field, tr("“%1” is not a time. Type 930, 9:30 or -15 for 15 min ago.").arg(typed));
+        return false;
+    };
+    if (!moment(m_start))
+        return unread(Field::start, m_start);
+    if (m_times.stop && !moment(m_stop))
+        return unread(Field::stop, m_stop);
+    const auto times = typedTimes();
+    if (!times) {
+        setProblem(Field::stop, timesProblemText(times.error()));
+        return false;
+    }
+    setProblem(Field::none, {});
+    show(*times);
+    Q_EMIT edited();
+    return true;
+}
+
+bool EntryEditor::takeTags()
+{
+    const Catalog &catalog = m_tracker->catalog();
+    const SentenceCatalog names({}, {}, catalog.tags());
+    const auto reading = EntrySentence::read(m_tags.toStdString(), names,
+                                             EntrySentence::Options::of(m_app->account()->me().preferences),
+                                             AppClock::now(), m_tracker->time());
+    if (!reading.unreadMentions.empty() || !reading.description.empty()) {
+        const std::string unread =
+            reading.unreadMentions.empty() ? reading.description : reading.unreadMentions.front().text;
+        setProblem(Field::tags, tr("No tag is called “%1”.").arg(text(unread)));
+        return false;
+    }
+    m_draft.setTags(reading.tagIDs);
+    return true;
+}
+
+/// Reads every field; false where one cannot be read.
+bool EntryEditor::takeTexts()
+{
+    setProblem(Field::none, {});
+    if (m_times.stop)
+        settle(Field::length);
+    if (m_problem.isEmpty())
+        takeTimes();
+    return m_problem.isEmpty() && takeTags();
+}
+
+/// What was changed here, in the entry as it is by now: what another device changed meanwhile stays.
+EntryRequest EntryEditor::changed(const TimeEntryResponse &entry) const
+{
+    EntryDraft draft = EntryDraft::of(entry);
+    const EntryDetails &edited = m_draft.details();
+    if (m_description != text(m_base.description))
+        draft.setDescription(m_description.trimmed().toStdString());
+    if (m_picked)
+        applyPick(draft);
+    if (edited.tagIds != m_base.tagIds)
+        draft.setTags(edited.tagIds);
+    if (edited.isBillable != m_base.isBillable)
+        draft.setBillable(edited.isBillable);
+    EntryTimes times{entry.start, entry.stop};
+    if (m_times.start != m_base.start)
+        times.start = m_times.start;
+    if (times.stop && m_times.stop != m_base.stop)
+        times.stop = m_times.stop;
+    return draft.at(times);
+}
+
+void EntryEditor::save()
+{
+    if (m_entryId.empty() || !m_tracker || !takeTexts())
+        return;
+    const auto entry = m_tracker->entry(m_entryId);
+    if (!entry) {
+        m_app->notices()->tellFailure(tr("The entry was deleted meanwhile; nothing was changed."));
+        close();
+        return;
+    }
+    EntryRequest request = changed(*entry);
+    close();
+    if (request != EntryDraft::of(*entry).at({entry->start, entry->stop}))
+        write(entry->id, std::move(request));
+}
+
+Task<> EntryEditor::write(std::string id, EntryRequest request)
+{
+    const QPointer<EntryEditor> self(this);
+    const SaveResult result = co_await m_tracker->update(std::move(id), std::move(request));
+    if (!self)
+        co_return;
+    if (result.outcome == SaveOutcome::rejected || result.outcome == SaveOutcome::failed ||
+        result.outcome == SaveOutcome::needsDetails)
+        m_app->notices()->tellFailure(text(result.message));
+}
+
+} // namespace orvane

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "QuickEntry/EntrySentence.h"
+#include "Support/Task.h"
+#include "Tracker/Tracker.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QStringList>
+#include <QVariantList>
+
+namespace orvane {
+
+class AppModel;
+
+/// A field that takes an entry as one sentence, and what is understood of it while it is typed. It takes any
+/// sentence; what was perhaps meant otherwise is said before Return.
+///
+/// Owner: the screen's view model. Thread: the main thread.
+class EntryField final : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QString text READ text WRITE setText NOTIFY textChanged)
+    /// Where the time phrase stands: { start, length } in UTF-16 units, in order.
+    Q_PROPERTY(QVariantList timeRanges READ timeRanges NOTIFY readingChanged)
+    /// What is understood: { kind, name, color }, in the order project, client, tags, billable.
+    Q_PROPERTY(QVariantList chips READ chips NOTIFY readingChanged)
+    /// "15:20 – now", and how long that is; empty without a time.
+    Q_PROPERTY(QString span READ span NOTIFY readingChanged)
+    Q_PROPERTY(QString spanLength READ spanLength NOTIFY readingChanged)
+    /// What was not taken as it was perhaps meant, a sentence each.
+    Q_PROPERTY(QStringList notes READ notes NOTIFY readingChanged)
+    /// What Return will do, in words; empty while nothing is typed.
+    Q_PROPERTY(QString plan READ plan NOTIFY readingChanged)
+
+public:
+    explicit EntryField(AppModel &app);
+
+    QString text() const { return m_text; }
+    void setText(const QString &text);
+    QVariantList timeRanges() const;
+    QVariantList chips() const;
+    QString span() const;
+    QString spanLength() const;
+    QStringList notes() const { return m_notes; }
+    QString plan() const { return m_plan; }
+
+    /// Records the sentence. The field is empty afterwards, unless it could not be recorded.
+    Q_INVOKABLE void submit();
+
+Q_SIGNALS:
+    void textChanged();
+    void readingChanged();
+
+private:
+    void follow();
+    void readAgain();
+    void read();
+    QString planText() const;
+    Task<> record();
+
+    AppModel *m_app;
+    QPointer<Tracker> m_tracker;
+    SentenceCatalog m_names;
+    bool m_areNamesStale = true;
+    QString m_text;
+    EntrySentence::Reading m_reading;
+    std::optional<EntrySentence::Span> m_span;
+    QStringList m_notes;
+    QString m_plan;
+};
+
+} // namespace orvane

@@ -1,0 +1,185 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+import QtQuick
+import Orvane
+import Orvane.Components
+
+// What an entry's line shows.
+Item {
+    id: row
+
+    required property TimerLine line
+    required property bool isHovered
+
+    readonly property TimerEntries columns: line.columns
+    // The text before the state shrinks to its icon.
+    readonly property bool hasRoom: title.width + 130 < what.width
+
+    Rectangle {
+        x: 0
+        y: 8
+        width: 3
+        height: parent.height - 16
+        radius: 1.5
+        color: row.line.shade
+        visible: row.line.partCount === 0
+    }
+    Column {
+        y: 8
+        visible: row.line.partCount > 0
+
+        Repeater {
+            model: row.line.partCount > 0 ? row.line.parts : []
+
+            Rectangle {
+                required property var modelData
+                width: 3
+                height: 20 * modelData.weight / 100
+                color: modelData.color === "" ? Theme.none : Theme.projectColor(modelData.color)
+            }
+        }
+    }
+
+    Item {
+        id: what
+        x: 16
+        anchors.right: where.left
+        anchors.rightMargin: 12
+        height: parent.height
+
+        Label {
+            id: title
+            anchors.verticalCenter: parent.verticalCenter
+            width: Math.min(implicitWidth, parent.width - (state.visible ? state.width + 8 : 0) - (fork.visible ? 24 : 0))
+            text: row.line.title
+            color: row.line.isLocked ? Theme.ink2 : Theme.ink1
+        }
+        Icon {
+            id: fork
+            anchors.left: title.right
+            anchors.leftMargin: 8
+            anchors.verticalCenter: parent.verticalCenter
+            visible: row.line.partCount > 0
+            name: "split"
+            color: Theme.ink3
+        }
+        EntryMark {
+            id: state
+            anchors.left: fork.visible ? fork.right : title.right
+            anchors.leftMargin: 8
+            anchors.verticalCenter: parent.verticalCenter
+            mark: row.line.mark
+            isShort: title.implicitWidth + 150 > what.width
+        }
+    }
+    Item {
+        id: where
+        anchors.right: row.columns.isWide ? tags.left : times.left
+        anchors.rightMargin: 12
+        width: row.columns.projectWidth
+        height: parent.height
+
+        ProjectChip {
+            anchors.verticalCenter: parent.verticalCenter
+            width: parent.width
+            visible: row.line.partCount === 0
+            project: row.line.project
+            task: row.columns.width < 560 ? "" : row.line.task
+            color: row.line.shade
+        }
+        ShareBar {
+            id: bar
+            anchors.verticalCenter: parent.verticalCenter
+            width: 72
+            visible: row.line.partCount > 0
+            parts: row.line.parts
+        }
+        Label {
+            anchors.left: bar.right
+            anchors.leftMargin: 8
+            anchors.right: parent.right
+            anchors.verticalCenter: parent.verticalCenter
+            visible: row.line.partCount > 0
+            text: qsTr("%1 projects").arg(row.line.partCount)
+            color: Theme.ink2
+        }
+    }
+    Label {
+        id: tags
+        anchors.right: bill.left
+        anchors.rightMargin: 12
+        anchors.verticalCenter: parent.verticalCenter
+        width: row.columns.isWide ? 104 : 0
+        visible: row.columns.isWide && !row.isHovered
+        type: Label.Type.Small
+        text: row.line.tags
+        color: Theme.ink2
+    }
+    Icon {
+        id: bill
+        anchors.right: times.left
+        anchors.rightMargin: 12
+        anchors.verticalCenter: parent.verticalCenter
+        width: row.columns.isWide ? 16 : 0
+        visible: row.columns.isWide && row.line.isBillable
+        name: "bill"
+        color: Theme.ink3
+    }
+    Label {
+        id: times
+        anchors.right: duration.left
+        anchors.rightMargin: 12
+        anchors.verticalCenter: parent.verticalCenter
+        width: row.columns.timesWidth
+        horizontalAlignment: Text.AlignRight
+        text: row.line.times
+        color: row.line.mark === TimerList.Overlap ? Theme.warning : Theme.ink2
+    }
+    Label {
+        id: duration
+        anchors.right: parent.right
+        anchors.rightMargin: 40
+        anchors.verticalCenter: parent.verticalCenter
+        width: row.columns.durationWidth
+        horizontalAlignment: Text.AlignRight
+        text: row.line.duration
+        font.weight: Font.Medium
+    }
+    Loader {
+        anchors.right: parent.right
+        anchors.verticalCenter: parent.verticalCenter
+        active: row.isHovered
+        sourceComponent: IconButton {
+            iconName: "play"
+            name: qsTr("Continue %1").arg(row.line.title)
+            onClicked: row.line.timer.continueEntry(row.line.entryId)
+        }
+    }
+    Loader {
+        anchors.right: times.left
+        anchors.rightMargin: 40
+        anchors.verticalCenter: parent.verticalCenter
+        active: row.isHovered && row.columns.isWide
+        sourceComponent: Rectangle {
+            width: actions.width
+            height: 28
+            radius: Theme.radiusControl
+            color: Theme.control
+            border.color: Theme.line2
+
+            Row {
+                id: actions
+
+                IconButton {
+                    iconName: "copy"
+                    name: qsTr("Duplicate %1").arg(row.line.title)
+                    onClicked: row.line.timer.duplicate(row.line.entryId)
+                }
+                IconButton {
+                    iconName: "x"
+                    name: qsTr("Delete %1").arg(row.line.title)
+                    onClicked: row.line.timer.remove(row.line.entryId)
+                }
+            }
+        }
+    }
+}

@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+import QtQuick
+import Orvane
+import Orvane.Components
+
+// The entries by day.
+FocusScope {
+    id: root
+
+    required property TimerModel timer
+    required property bool isWide
+
+    readonly property int projectWidth: isWide ? 192 : width < 560 ? 120 : 152
+    readonly property int timesWidth: isWide ? 112 : 104
+    readonly property int durationWidth: isWide ? 64 : 60
+
+    // The keyboard leaves upwards.
+    signal left
+
+    function enter() {
+        list.forceActiveFocus(Qt.TabFocusReason);
+        if (list.currentIndex < 0 || root.timer.list.choosable(list.currentIndex - 1, 1) !== list.currentIndex)
+            list.currentIndex = root.timer.list.choosable(-1, 1);
+    }
+
+    ListView {
+        id: list
+        anchors.fill: parent
+        anchors.leftMargin: -4
+        anchors.rightMargin: -4
+        clip: true
+        focus: true
+        activeFocusOnTab: true
+        boundsBehavior: Flickable.StopAtBounds
+        model: root.timer.list
+        reuseItems: true
+        currentIndex: -1
+        highlightFollowsCurrentItem: false
+        Accessible.role: Accessible.List
+        Accessible.name: qsTr("Entries")
+
+        function step(by: int) {
+            const next = root.timer.list.choosable(currentIndex, by);
+            if (next === currentIndex && by < 0) {
+                root.left();
+            } else {
+                currentIndex = next;
+                positionViewAtIndex(next, ListView.Contain);
+            }
+        }
+        function entryId(): string {
+            return root.timer.list.kindAt(currentIndex) === TimerList.Entry ? root.timer.list.idAt(currentIndex) : "";
+        }
+
+        Keys.onUpPressed: step(-1)
+        Keys.onDownPressed: step(1)
+        Keys.onLeftPressed: if (root.timer.list.kindAt(currentIndex) === TimerList.Entry)
+            root.timer.list.turn(currentIndex)
+        Keys.onRightPressed: if (root.timer.list.kindAt(currentIndex) === TimerList.Folded)
+            root.timer.list.turn(currentIndex)
+        Keys.onPressed: event => {
+            const id = entryId();
+            event.accepted = true;
+            if ((event.key === Qt.Key_Return || event.key === Qt.Key_Enter) && id === "")
+                root.timer.list.turn(currentIndex);
+            else if (event.key === Qt.Key_Return || event.key === Qt.Key_Enter)
+                root.timer.editor.open(id);
+            else if (event.key === Qt.Key_C && event.modifiers === Qt.NoModifier)
+                root.timer.continueEntry(id);
+            else if (event.key === Qt.Key_D && event.modifiers === Qt.ControlModifier)
+                root.timer.duplicate(id);
+            else if (event.key === Qt.Key_Delete || event.key === Qt.Key_Backspace)
+                root.timer.remove(id);
+            else
+                event.accepted = false;
+        }
+
+        delegate: TimerLine {
+            timer: root.timer
+            columns: root
+            width: list.width
+            isChosen: ListView.isCurrentItem && list.activeFocus
+            onEdited: list.forceActiveFocus(Qt.OtherFocusReason)
+        }
+
+        footer: Item {
+            width: list.width
+            height: 72
+
+            ActionButton {
+                anchors.centerIn: parent
+                visible: root.timer.weekProblem === ""
+                text: qsTr("Load the Week Before")
+                iconName: "down"
+                isPending: root.timer.isLoadingMore
+                onClicked: root.timer.loadWeekBefore()
+            }
+            Rectangle {
+                anchors.verticalCenter: parent.verticalCenter
+                x: 4
+                width: parent.width - 8
+                height: 44
+                visible: root.timer.weekProblem !== ""
+                color: "transparent"
+                radius: Theme.radiusCard
+                border.color: Theme.line2
+
+                Icon {
+                    x: 16
+                    anchors.verticalCenter: parent.verticalCenter
+                    name: "warn"
+                    color: Theme.danger
+                }
+                Label {
+                    x: 40
+                    anchors.verticalCenter: parent.verticalCenter
+                    text: root.timer.weekProblem
+                }
+                ActionButton {
+                    anchors.right: parent.right
+                    anchors.rightMargin: 8
+                    anchors.verticalCenter: parent.verticalCenter
+                    text: qsTr("Try Again")
+                    onClicked: root.timer.loadWeekBefore()
+                }
+            }
+        }
+    }
+}

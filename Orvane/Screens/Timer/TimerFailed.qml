@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+import QtQuick
+import Orvane.Components
+
+// Why nothing can be shown, and the way to try again.
+Item {
+    id: failed
+
+    required property string problem
+
+    signal tryAgain
+
+    Column {
+        x: 16
+        anchors.verticalCenter: parent.verticalCenter
+        width: parent.width - 32
+        spacing: 16
+
+        Label {
+            width: parent.width
+            text: failed.problem
+            wrapMode: Text.Wrap
+            elide: Text.ElideNone
+            Accessible.role: Accessible.AlertMessage
+        }
+        ActionButton {
+            text: qsTr("Try Again")
+            onClicked: failed.tryAgain()
+        }
+    }
+}

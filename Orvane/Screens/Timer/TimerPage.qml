@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+import QtQuick
+import Orvane
+import Orvane.Components
+
+// Start, stop, correct.
+FocusScope {
+    id: page
+
+    required property AppModel app
+    required property TimerModel timer
+    required property bool isWide
+
+    Accessible.role: Accessible.Pane
+    Accessible.name: qsTr("Timer")
+
+    Shortcut {
+        sequences: ["Ctrl+N"]
+        onActivated: field.take()
+    }
+    Shortcut {
+        sequences: ["Ctrl+T"]
+        onActivated: page.timer.startOrStop()
+    }
+    Shortcut {
+        sequences: ["Ctrl+Shift+T"]
+        onActivated: page.timer.continueLast()
+    }
+
+    Item {
+        id: main
+        width: parent.width - (rail.visible ? rail.width : 0)
+        height: parent.height
+
+        RunningBand {
+            id: band
+            timer: page.timer
+            isWide: page.isWide
+            width: parent.width
+            visible: page.timer.isRunning
+        }
+        SentenceField {
+            id: field
+            field: page.timer.field
+            focus: true
+            x: Theme.space24
+            y: (band.visible ? band.height : 8) + Theme.space16
+            width: Math.min(parent.width - 2 * x, 1040)
+        }
+        TimerEntries {
+            id: entries
+            timer: page.timer
+            isWide: page.isWide
+            x: Theme.space24
+            anchors.top: field.bottom
+            anchors.topMargin: Theme.space8
+            anchors.bottom: keys.top
+            width: Math.min(parent.width - 2 * x, 1040)
+            visible: !empty.visible && !failed.visible && !loading.visible
+            onLeft: field.take()
+        }
+        TimerEmpty {
+            id: empty
+            anchors.fill: entries
+            visible: page.timer.isEmpty
+        }
+        TimerLoading {
+            id: loading
+            anchors.fill: entries
+            visible: page.timer.isLoading
+        }
+        TimerFailed {
+            id: failed
+            anchors.fill: entries
+            visible: page.app.phase === AppModel.Failed
+            problem: page.timer.loadProblem
+            onTryAgain: page.timer.loadAgain()
+        }
+        KeyBar {
+            id: keys
+            anchors.bottom: parent.bottom
+            width: parent.width
+            hints: page.timer.editor.entryId !== "" ? [
+                { keys: "Return", text: qsTr("Save") },
+                { keys: "Esc", text: qsTr("Leave as it was") },
+                { keys: "Tab", text: qsTr("Next field") },
+                { keys: "Up Down", text: qsTr("1 min") },
+                { keys: "Shift+Up Shift+Down", text: qsTr("15 min") }
+            ] : entries.activeFocus ? [
+                { keys: "Up Down", text: qsTr("Choose") },
+                { keys: "Return", text: qsTr("Edit") },
+                { keys: "C", text: qsTr("Continue") },
+                { keys: "Ctrl+D", text: qsTr("Duplicate") },
+                { keys: "Del", text: qsTr("Delete") }
+            ] : [
+                { keys: "Return", text: page.timer.field.plan === "" ? qsTr("Start") : page.timer.field.plan },
+                { keys: "Down", text: qsTr("Entries") },
+                { keys: "Ctrl+T", text: page.timer.isRunning ? qsTr("Stop") : qsTr("Continue") }
+            ]
+        }
+    }
+    TimerRail {
+        id: rail
+        anchors.right: parent.right
+        width: 296
+        height: parent.height
+        visible: page.isWide
+        timer: page.timer
+    }
+
+    Keys.onDownPressed: event => {
+        event.accepted = entries.visible && !entries.activeFocus;
+        if (event.accepted)
+            entries.enter();
+    }
+}
