@@ -7,7 +7,11 @@
 namespace orvane {
 
 AppModel::AppModel(Options options)
-    : m_options(std::move(options)), m_installation(m_options.folder), m_sync(m_tick)
+    : m_options(std::move(options))
+    , m_installation(m_options.folder)
+    , m_tick(nullptr)
+    , m_notices(nullptr)
+    , m_sync(m_tick)
 {
 }
 
@@ -15,13 +19,19 @@ AppModel::~AppModel() = default;
 
 Task<> AppModel::open()
 {
+    return openFrom(false);
+}
+
+Task<> AppModel::openFrom(bool waitsForServer)
+{
     const QPointer<AppModel> self(this);
     setPhase(Phase::opening);
     const auto access =
         std::make_shared<ServerAccess>(ServerAccess::Options{.installation = &m_installation,
                                                              .server = m_options.server,
                                                              .startsServer = m_options.startsServer,
-                                                             .serverProgram = m_options.serverProgram});
+                                                             .serverProgram = m_options.serverProgram,
+                                                             .waitsForServer = waitsForServer});
     if (auto found = co_await access->find(); !found) {
         if (self)
             setPhase(Phase::failed, found.error().message);
@@ -52,9 +62,22 @@ void AppModel::adopt(std::unique_ptr<Account> account)
         Q_EMIT trackerChanged();
     });
     connect(m_account.get(), &Account::meChanged, this, &AppModel::placeChanged);
+    connect(&m_account->access(), &ServerAccess::moved, this, [this] { reopen(); });
     m_sync.setAccount(m_account.get());
     Q_EMIT placeChanged();
     Q_EMIT trackerChanged();
+}
+
+/// The account under its server's new address.
+Task<> AppModel::reopen()
+{
+    const QPointer<AppModel> self(this);
+    const std::shared_ptr<Account> before = std::move(m_account);
+    m_sync.setAccount(nullptr);
+    Q_EMIT trackerChanged();
+    co_await before->close();
+    if (self)
+        co_await openFrom(true);
 }
 
 /// What is known here is shown before the server is asked.

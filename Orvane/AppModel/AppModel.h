@@ -83,6 +83,8 @@ Q_SIGNALS:
 
 private:
     void setPhase(Phase phase, const std::string &problem = {});
+    Task<> openFrom(bool waitsForServer);
+    Task<> reopen();
     void adopt(std::unique_ptr<Account> account);
     Task<> load();
 

@@ -24,7 +24,7 @@ public:
 
     static constexpr std::chrono::seconds shownFor{6};
 
-    explicit Notices(QObject *parent = nullptr);
+    explicit Notices(QObject *parent);
 
     bool isShown() const { return !m_text.isEmpty(); }
     bool isFailure() const { return m_isFailure; }

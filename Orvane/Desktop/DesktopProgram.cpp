@@ -1,15 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Desktop/DesktopProgram.h"
 
-#include "AppModel/AppModel.h"
-#include "Screens/Timer/TimerModel.h"
+#include "Desktop/DesktopWindow.h"
 #include "Support/DateText.h"
 #include "Time/AppClock.h"
 
 #include <QCommandLineParser>
 #include <QGuiApplication>
-#include <QQmlApplicationEngine>
-#include <QQuickWindow>
 #include <QTextStream>
 
 namespace orvane {
@@ -45,19 +42,16 @@ DesktopOptions readOptions(const QGuiApplication &application)
     return options;
 }
 
-/// Keeps the second hand still while no window can be seen.
-void followVisibility(const QQmlApplicationEngine &engine, AppModel &app)
+/// The clock starts where ORVANE_NOW says. The variable goes away, since a server that is started keeps the
+/// system's time.
+bool setClock()
 {
-    for (QObject *root : engine.rootObjects()) {
-        auto *window = qobject_cast<QQuickWindow *>(root);
-        if (window == nullptr)
-            continue;
-        const auto update = [window, &app] {
-            app.tick().setVisible(window->isVisible() && window->visibility() != QWindow::Minimized);
-        };
-        QObject::connect(window, &QWindow::visibilityChanged, &app, update);
-        update();
-    }
+    const QByteArray text = qgetenv("ORVANE_NOW");
+    qunsetenv("ORVANE_NOW");
+    const auto now = text.isEmpty() ? std::optional(AppClock::now()) : instantFromIso8601(text.toStdString());
+    if (now && !text.isEmpty())
+        AppClock::setNow(*now);
+    return now.has_value();
 }
 
 } // namespace
@@ -68,25 +62,17 @@ int runDesktop(int argc, char **argv)
     QGuiApplication::setApplicationVersion(QStringLiteral(ORVANE_VERSION));
     QGuiApplication application(argc, argv);
     DesktopOptions options = readOptions(application);
+    if (!setClock())
+        options.problem = QStringLiteral("ORVANE_NOW wants an instant such as 2026-03-01T09:30:00Z.");
     if (!options.problem.isEmpty()) {
         QTextStream(stderr) << options.problem << Qt::endl;
         return 2;
     }
-    AppModel app(std::move(options.app));
-    TimerModel timer(app);
-    app.open();
-
-    QQmlApplicationEngine engine;
-    // Where our modules lie; Qt 6.4 does not look there by itself.
-    engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
-    engine.setInitialProperties({{QStringLiteral("app"), QVariant::fromValue(&app)},
-                                 {QStringLiteral("timer"), QVariant::fromValue(&timer)}});
-    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Orvane/Main.qml")));
-    if (engine.rootObjects().isEmpty())
+    DesktopWindow desktop(std::move(options.app));
+    if (!desktop.show())
         return 1;
-    followVisibility(engine, app);
     const int status = QGuiApplication::exec();
-    QCoro::waitFor(app.close());
+    QCoro::waitFor(desktop.close());
     return status;
 }
 

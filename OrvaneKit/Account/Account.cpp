@@ -69,12 +69,14 @@ Task<Result<void, AccountError>> Account::openKnown()
     std::optional<Task<Result<void, AccountError>>> opening;
     if (known)
         opening = openStore(*known);
-    if (isReachable())
+    if (isReachable() && m_access->waitsForServer())
         co_await fetchMe();
     if (opening) {
         if (auto opened = co_await *opening; !opened)
             co_return failure(std::move(opened.error()));
     }
+    if (!m_hasProfile && !m_freshMe && isReachable() && !m_access->waitsForServer())
+        co_await fetchMe();
     if (m_freshMe)
         co_return co_await finishOpening();
     if (!known || !m_hasProfile || isSessionOver())
@@ -309,6 +311,8 @@ void Account::liveOn()
     connect(&state(), &AccountState::changed, this, &Account::tryAgainLater);
     connect(this, &Account::trackerChanged, this, &Account::followTracker);
     followTracker();
+    if (!m_freshMe && isReachable())
+        refreshMe();
 }
 
 void Account::followTracker()

@@ -11,6 +11,7 @@
 #include "Time/SystemZone.h"
 
 #include <QCoreApplication>
+#include <QPointer>
 #include <QSysInfo>
 
 namespace orvane {
@@ -77,6 +78,10 @@ Task<Result<void, AccountError>> ServerAccess::findLocal()
         m_options.serverProgram.empty() ? besideThisProgram("orvane-server") : m_options.serverProgram;
     m_link = LocalServerLink::make(*m_network, {.folder = installation.serverFolder(), .program = program});
     m_link->giveUpAt(m_deadline);
+    if (!waitsForServer() && !m_address.empty()) {
+        lookForMove();
+        co_return Result<void, AccountError>{};
+    }
     auto hello = m_options.startsServer ? co_await m_link->ensureRunning() : co_await m_link->hello();
     if (!hello) {
         m_state.noteSilence(describe(hello.error()));
@@ -90,6 +95,19 @@ Task<Result<void, AccountError>> ServerAccess::findLocal()
         co_return moveLocalStores(*before);
     installation.setLocalServer(m_address);
     co_return Result<void, AccountError>{};
+}
+
+Task<> ServerAccess::lookForMove()
+{
+    const QPointer<ServerAccess> self(this);
+    const auto link = m_link;
+    const auto hello = m_options.startsServer ? co_await link->ensureRunning() : co_await link->hello();
+    if (!self)
+        co_return;
+    if (!hello)
+        m_state.noteSilence(describe(hello.error()));
+    else if (hello->address != m_address)
+        Q_EMIT moved();
 }
 
 /// The server on this computer got another port (its folder is a new one, or was put back): the names of its

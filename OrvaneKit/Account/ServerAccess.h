@@ -44,6 +44,10 @@ public:
         std::string serverProgram = {};
         /// Somebody signs in, at the server on this computer too.
         bool isForSignIn = false;
+        /// Whether a server whose account is known here has to answer before that is opened. Without, what is
+        /// known is there at once, and what the server says follows; should the server on this computer turn
+        /// out to have another address, `moved` tells it.
+        bool waitsForServer = true;
         /// In place of the network, as under a simulator; then `server` is named.
         std::shared_ptr<NetworkThread> network = {};
         std::shared_ptr<HttpTransport> transport = {};
@@ -55,6 +59,7 @@ public:
 
     /// Whether an account was in use there, which can be gone on with when the server does not answer.
     bool isKnown() const;
+    bool waitsForServer() const { return m_options.waitsForServer || !isKnown(); }
     /// Finds the server (or starts it), and makes session and client. A server that is away is no error as
     /// long as its address is known; the state tells it.
     Task<Result<void, AccountError>> find();
@@ -98,8 +103,13 @@ public:
     /// Resumes once the answers that were on their way back have been taken.
     Task<> settle();
 
+Q_SIGNALS:
+    /// The server on this computer has another address than it had; opened anew, the account follows it.
+    void moved();
+
 private:
     Task<Result<void, AccountError>> findLocal();
+    Task<> lookForMove();
     Result<void, AccountError> moveLocalStores(const std::string &before);
     Task<> makeClient();
 

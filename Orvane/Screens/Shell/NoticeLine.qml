@@ -13,9 +13,9 @@ Notice {
 
     visible: notices.isShown
     text: notices.text
-    iconName: notices.isFailure ? "warn" : "check"
-    isFailure: notices.isFailure
+    icon: notices.isFailure ? "warn" : "check"
+    iconColor: notices.isFailure ? Theme.danger : Theme.accent
     actionText: notices.action === Notices.Undo ? qsTr("Undo") : notices.isFailure ? qsTr("Dismiss") : ""
-    actionKeys: notices.action === Notices.Undo ? "Ctrl+Z" : ""
-    onActed: notices.action === Notices.Undo ? line.undo() : notices.dismiss()
+    actionKey: notices.action === Notices.Undo ? "Ctrl+Z" : ""
+    onAction: notices.action === Notices.Undo ? line.undo() : notices.dismiss()
 }

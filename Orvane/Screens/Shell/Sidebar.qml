@@ -30,7 +30,7 @@ Rectangle {
             width: parent.width
             text: qsTr("Timer")
             iconName: "timer"
-            isCurrent: true
+            current: true
         }
     }
 

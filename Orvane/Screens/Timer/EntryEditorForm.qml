@@ -19,7 +19,10 @@ FocusScope {
     Accessible.role: Accessible.Form
     Accessible.name: qsTr("Edit the entry")
 
-    Component.onCompleted: description.take()
+    Component.onCompleted: {
+        description.forceActiveFocus(Qt.OtherFocusReason);
+        description.selectAll();
+    }
 
     Keys.onReturnPressed: form.editor.save()
     Keys.onEnterPressed: form.editor.save()
@@ -49,10 +52,9 @@ FocusScope {
         TextEntry {
             id: description
             width: form.isWide ? project.x - 8 : times.x - 8
-            name: qsTr("Description")
-            placeholder: qsTr("Description")
+            placeholderText: qsTr("Description")
             text: form.editor.description
-            onEdited: form.editor.description = text
+            onTextEdited: form.editor.description = text
             onAccepted: form.editor.save()
         }
         ProjectField {
@@ -71,11 +73,11 @@ FocusScope {
             x: form.isWide ? billable.x - width - 8 : 0
             y: form.isWide ? 0 : 40
             width: form.isWide ? 104 : times.x - 8
-            name: qsTr("Tags")
-            placeholder: qsTr("#tag")
-            isWrong: form.editor.wrongField === EntryEditor.Tags
+            placeholderText: qsTr("#tag")
+            Accessible.name: qsTr("Tags")
+            wrong: form.editor.wrongField === EntryEditor.Tags
             text: form.editor.tags
-            onEdited: form.editor.tags = text
+            onTextEdited: form.editor.tags = text
             onAccepted: form.editor.save()
         }
         IconButton {
@@ -83,8 +85,8 @@ FocusScope {
             x: form.isWide ? times.x - width - 8 : times.x
             y: form.isWide ? 2 : 42
             iconName: "bill"
-            name: form.editor.isBillable ? qsTr("Billable") : qsTr("Not billable")
-            isOn: form.editor.isBillable
+            text: form.editor.isBillable ? qsTr("Billable") : qsTr("Not billable")
+            checked: form.editor.isBillable
             onClicked: form.editor.setBillable(!form.editor.isBillable)
         }
         Item {
@@ -101,10 +103,10 @@ FocusScope {
                 TimeEntry {
                     id: start
                     width: form.timeWidth
-                    name: qsTr("Start")
-                    isWrong: form.editor.wrongField === EntryEditor.Start
+                    Accessible.name: qsTr("Start")
+                    wrong: form.editor.wrongField === EntryEditor.Start
                     text: form.editor.start
-                    onEdited: form.editor.start = text
+                    onTextEdited: form.editor.start = text
                     onSettled: form.editor.settle(EntryEditor.Start)
                     onNudged: minutes => form.editor.nudge(EntryEditor.Start, minutes)
                     onAccepted: form.editor.save()
@@ -120,11 +122,11 @@ FocusScope {
                 TimeEntry {
                     id: stop
                     width: form.timeWidth
-                    name: qsTr("End")
+                    Accessible.name: qsTr("End")
                     enabled: !form.editor.isRunning
-                    isWrong: form.editor.wrongField === EntryEditor.Stop
+                    wrong: form.editor.wrongField === EntryEditor.Stop
                     text: form.editor.stop
-                    onEdited: form.editor.stop = text
+                    onTextEdited: form.editor.stop = text
                     onSettled: form.editor.settle(EntryEditor.Stop)
                     onNudged: minutes => form.editor.nudge(EntryEditor.Stop, minutes)
                     onAccepted: form.editor.save()
@@ -136,11 +138,11 @@ FocusScope {
                 TimeEntry {
                     id: length
                     width: 72
-                    name: qsTr("Length")
+                    Accessible.name: qsTr("Length")
                     enabled: !form.editor.isRunning
-                    isWrong: form.editor.wrongField === EntryEditor.Length
+                    wrong: form.editor.wrongField === EntryEditor.Length
                     text: form.editor.length
-                    onEdited: form.editor.length = text
+                    onTextEdited: form.editor.length = text
                     onSettled: form.editor.settle(EntryEditor.Length)
                     onNudged: minutes => form.editor.nudge(EntryEditor.Stop, minutes)
                     onAccepted: form.editor.save()

@@ -11,8 +11,6 @@ Item {
     required property bool isHovered
 
     readonly property TimerEntries columns: line.columns
-    // The text before the state shrinks to its icon.
-    readonly property bool hasRoom: title.width + 130 < what.width
 
     Rectangle {
         x: 0
@@ -28,13 +26,13 @@ Item {
         visible: row.line.partCount > 0
 
         Repeater {
-            model: row.line.partCount > 0 ? row.line.parts : []
+            model: row.line.partCount > 0 ? row.line.shares : []
 
             Rectangle {
                 required property var modelData
                 width: 3
-                height: 20 * modelData.weight / 100
-                color: modelData.color === "" ? Theme.none : Theme.projectColor(modelData.color)
+                height: 20 * modelData.share / 100
+                color: modelData.color
             }
         }
     }
@@ -91,7 +89,7 @@ Item {
             anchors.verticalCenter: parent.verticalCenter
             width: 72
             visible: row.line.partCount > 0
-            parts: row.line.parts
+            shares: row.line.shares
         }
         Label {
             anchors.left: bar.right
@@ -150,7 +148,7 @@ Item {
         active: row.isHovered
         sourceComponent: IconButton {
             iconName: "play"
-            name: qsTr("Continue %1").arg(row.line.title)
+            text: qsTr("Continue %1").arg(row.line.title)
             onClicked: row.line.timer.continueEntry(row.line.entryId)
         }
     }
@@ -171,12 +169,12 @@ Item {
 
                 IconButton {
                     iconName: "copy"
-                    name: qsTr("Duplicate %1").arg(row.line.title)
+                    text: qsTr("Duplicate %1").arg(row.line.title)
                     onClicked: row.line.timer.duplicate(row.line.entryId)
                 }
                 IconButton {
                     iconName: "x"
-                    name: qsTr("Delete %1").arg(row.line.title)
+                    text: qsTr("Delete %1").arg(row.line.title)
                     onClicked: row.line.timer.remove(row.line.entryId)
                 }
             }

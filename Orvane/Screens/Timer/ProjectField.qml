@@ -57,7 +57,7 @@ T.AbstractButton {
         closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutside
         onOpened: {
             field.picker.query = "";
-            query.take();
+            query.forceActiveFocus(Qt.PopupFocusReason);
             options.currentIndex = 0;
         }
         onClosed: field.forceActiveFocus(Qt.PopupFocusReason)
@@ -78,11 +78,10 @@ T.AbstractButton {
             TextEntry {
                 id: query
                 width: parent.width
-                name: qsTr("Find a project")
-                placeholder: qsTr("Find a project")
+                placeholderText: qsTr("Find a project")
                 focus: true
                 text: field.picker.query
-                onEdited: {
+                onTextEdited: {
                     field.picker.query = text;
                     options.currentIndex = 0;
                 }
@@ -101,8 +100,7 @@ T.AbstractButton {
                 Accessible.role: Accessible.List
                 Accessible.name: qsTr("Projects")
 
-                delegate: MenuRow {
-                    id: option
+                delegate: PickRow {
                     required property int index
                     required property string name
                     required property string about
@@ -111,9 +109,9 @@ T.AbstractButton {
                     width: options.width
                     text: name
                     detail: about
-                    dot: projectColor === "" ? Theme.none : Theme.projectColor(projectColor)
-                    highlighted: ListView.isCurrentItem
-                    onClicked: list.take(option.index)
+                    shade: projectColor
+                    chosen: ListView.isCurrentItem
+                    onClicked: list.take(index)
                 }
             }
         }

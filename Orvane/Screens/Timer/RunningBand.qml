@@ -59,7 +59,7 @@ Item {
                 project: band.timer.project
                 task: band.width < 620 ? "" : band.timer.task
                 color: Theme.projectColor(band.timer.projectColor)
-                isSmall: true
+                type: Label.Type.Small
             }
         }
         Icon {
@@ -94,7 +94,7 @@ Item {
                 text: qsTr("Stop")
                 iconName: "stop"
                 keys: band.width < 560 ? "" : "Ctrl+T"
-                isTall: true
+                tall: true
                 onClicked: band.timer.stop()
             }
         }

@@ -10,8 +10,8 @@ TextEntry {
     // It was left, and what it says counts.
     signal settled
 
-    isCentered: true
-    onLeft: entry.settled()
+    horizontalAlignment: TextInput.AlignHCenter
+    onEditingFinished: entry.settled()
     Keys.onUpPressed: event => entry.nudged(event.modifiers & Qt.ShiftModifier ? 15 : 1)
     Keys.onDownPressed: event => entry.nudged(event.modifiers & Qt.ShiftModifier ? -15 : -1)
 }

@@ -92,7 +92,7 @@ FocusScope {
                 visible: root.timer.weekProblem === ""
                 text: qsTr("Load the Week Before")
                 iconName: "down"
-                isPending: root.timer.isLoadingMore
+                busy: root.timer.isLoadingMore
                 onClicked: root.timer.loadWeekBefore()
             }
             Rectangle {

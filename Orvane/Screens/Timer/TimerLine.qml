@@ -29,6 +29,7 @@ Item {
     required property bool isLocked
     required property string spoken
 
+    readonly property var shares: parts.map(part => ({ color: part.color === "" ? Theme.none : Theme.projectColor(part.color), share: part.share }))
     readonly property bool isEdited: kind === TimerList.Entry && timer.editor.entryId !== "" && timer.editor.entryId === entryId
     readonly property color shade: projectColor === "" ? Theme.none : Theme.projectColor(projectColor)
 
@@ -156,7 +157,7 @@ Item {
                 anchors.rightMargin: 40 + line.columns.durationWidth + 12 + (line.columns.isWide ? 140 : 0)
                 anchors.verticalCenter: parent.verticalCenter
                 width: line.columns.projectWidth + (line.columns.isWide ? 116 : 0)
-                parts: line.parts
+                shares: line.shares
             }
             Label {
                 anchors.right: parent.right
@@ -192,7 +193,7 @@ Item {
                 x: parent.width - 40 - line.columns.durationWidth - 12 - line.columns.timesWidth - (line.columns.isWide ? 144 : 12) - width + (line.columns.isWide ? 0 : 0)
                 width: line.columns.projectWidth
                 anchors.verticalCenter: parent.verticalCenter
-                isSmall: true
+                type: Label.Type.Small
                 project: line.project
                 task: line.task
                 color: line.shade

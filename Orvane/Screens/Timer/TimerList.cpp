@@ -283,7 +283,7 @@ QVariantList TimerList::dayParts(const TimerRow &row) const
     }
     QVariantList list;
     for (const auto &[color, weight] : parts)
-        list.append(QVariantMap{{QStringLiteral("color"), color}, {QStringLiteral("weight"), weight}});
+        list.append(QVariantMap{{QStringLiteral("color"), color}, {QStringLiteral("share"), weight}});
     return list;
 }
 
@@ -292,7 +292,7 @@ QVariantList TimerList::entryParts(const TimeEntryResponse &entry) const
     QVariantList list;
     for (const TimeShareResponse &share : entry.shares)
         list.append(QVariantMap{{QStringLiteral("color"), colorOf(share.projectId)},
-                                {QStringLiteral("weight"), static_cast<double>(share.percent)}});
+                                {QStringLiteral("share"), static_cast<double>(share.percent)}});
     return list;
 }
 

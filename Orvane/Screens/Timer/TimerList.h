@@ -44,7 +44,7 @@ public:
         spokenRole,
     };
 
-    explicit TimerList(QObject *parent = nullptr);
+    explicit TimerList(QObject *parent);
 
     /// Whose entries; null: none.
     void setTracker(Tracker *tracker);

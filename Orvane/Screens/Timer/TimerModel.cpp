@@ -25,7 +25,8 @@ QString named(const TimeEntryResponse &entry)
 
 } // namespace
 
-TimerModel::TimerModel(AppModel &app) : m_app(&app), m_field(app), m_editor(app), m_picker(app)
+TimerModel::TimerModel(AppModel &app)
+    : m_app(&app), m_list(nullptr), m_field(app), m_editor(app), m_picker(app)
 {
     connect(m_app, &AppModel::trackerChanged, this, &TimerModel::follow);
     connect(m_app, &AppModel::phaseChanged, this, &TimerModel::changed);

@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Draws the application's windows as people see them and saves the pictures: Pictures FOLDER [--all]. The
+// real window over a real server, with a week of time as people have it.
+#include "Desktop/DesktopWindow.h"
+#include "PictureWorld.h"
+#include "Time/AppClock.h"
+#include "support/Await.h"
+
+#include <QDir>
+#include <QGuiApplication>
+#include <QImage>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QTextStream>
+
+namespace orvane::testing {
+
+namespace {
+
+struct Size {
+    const char *name;
+    int width;
+    int height;
+};
+constexpr std::array sizes{Size{"900", 900, 600}, Size{"1440", 1440, 900}};
+
+/// Texts that had no room, but for those that people wrote: what is called something may be called anything.
+QStringList cutTexts(const QQuickItem *item)
+{
+    QStringList cut;
+    if (!item->isVisible())
+        return cut;
+    if (item->property("truncated").toBool() && !item->property("isSaidByPeople").toBool())
+        cut << item->property("text").toString();
+    for (const QQuickItem *child : item->childItems())
+        cut << cutTexts(child);
+    return cut;
+}
+
+class Album {
+public:
+    explicit Album(QString folder) : m_folder(std::move(folder)) { QDir().mkpath(m_folder); }
+
+    /// At every size. False when a text is cut.
+    void take(DesktopWindow &desktop, const QString &name)
+    {
+        for (const Size &size : sizes) {
+            QQuickWindow *window = desktop.window();
+            window->resize(size.width, size.height);
+            settle();
+            const QString file = QStringLiteral("%1/%2-%3.png").arg(m_folder, name, QLatin1String(size.name));
+            const QImage picture = window->grabWindow();
+            if (picture.isNull() || !picture.save(file))
+                complain(QStringLiteral("%1 could not be drawn").arg(file));
+            for (const QString &text : cutTexts(window->contentItem()))
+                complain(QStringLiteral("%1: “%2” is cut").arg(file, text));
+        }
+    }
+
+    void complain(const QString &problem)
+    {
+        QTextStream(stderr) << problem << Qt::endl;
+        ++m_problems;
+    }
+    int problems() const { return m_problems; }
+
+private:
+    /// Until nothing is left to be laid out or loaded.
+    static void settle()
+    {
+        for (int round = 0; round < 10; ++round)
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    }
+
+    QString m_folder;
+    int m_problems = 0;
+};
+
+void drawTimer(Album &album)
+{
+    const PictureWorld world;
+    DesktopWindow desktop({.folder = world.folder(), .serverProgram = builtProgram("orvane-server")});
+    const auto isLoaded = [&] {
+        return desktop.app().tracker() != nullptr && desktop.app().tracker()->state() == LoadState::loaded;
+    };
+    if (!desktop.show() || !eventually(isLoaded)) {
+        album.complain(QStringLiteral("The window did not open"));
+        return;
+    }
+    album.take(desktop, QStringLiteral("timer"));
+    desktop.timer().field()->setText(QStringLiteral("Review the limits @atlas #review since 15:20"));
+    album.take(desktop, QStringLiteral("timer-typed"));
+    desktop.timer().field()->setText({});
+    const auto &entries = desktop.app().tracker()->entries();
+    const auto edited = std::ranges::find(entries, "Rate limits per key", &TimeEntryResponse::description);
+    if (edited == entries.end() || !desktop.timer().editor()->open(QString::fromStdString(edited->id)))
+        album.complain(QStringLiteral("The entry could not be edited"));
+    album.take(desktop, QStringLiteral("timer-editor"));
+    desktop.timer().editor()->cancel();
+    await(desktop.close());
+}
+
+void drawEmpty(Album &album)
+{
+    const PictureWorld world(PictureWorld::Contents::nothing);
+    DesktopWindow desktop({.folder = world.folder(), .serverProgram = builtProgram("orvane-server")});
+    if (!desktop.show() || !eventually([&] { return desktop.timer().isEmpty(); }))
+        album.complain(QStringLiteral("The empty window did not open"));
+    album.take(desktop, QStringLiteral("empty"));
+    await(desktop.close());
+}
+
+} // namespace
+
+} // namespace orvane::testing
+
+int main(int argc, char **argv)
+{
+    qputenv("QT_QUICK_BACKEND", "software");
+    const QGuiApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.size() != 2) {
+        QTextStream(stderr) << "usage: Pictures FOLDER" << Qt::endl;
+        return 2;
+    }
+    orvane::testing::Album album(arguments.at(1));
+    orvane::testing::drawTimer(album);
+    orvane::testing::drawEmpty(album);
+    return album.problems() == 0 ? 0 : 1;
+}
