@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "AppModel/AppModel.h"
+#include "Fonts.h"
 
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
@@ -7,6 +8,7 @@
 int main(int argc, char **argv)
 {
     QGuiApplication application(argc, argv);
+    orvane::loadFonts();
     orvane::AppModel app(nullptr);
     QQmlApplicationEngine engine;
     engine.setInitialProperties({{QStringLiteral("app"), QVariant::fromValue(&app)}});
