@@ -11,7 +11,7 @@ Image {
     property color color: Theme.ink2
     property int size: 16
 
-    source: Pictures.icon(name, color)
+    source: name === "" ? "" : Pictures.icon(name, color)
     sourceSize.width: size
     sourceSize.height: size
     width: size

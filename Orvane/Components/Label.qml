@@ -22,8 +22,6 @@ Text {
     property int type: Label.Type.Body
 
     readonly property int lineSize: [Theme.line11, Theme.line12, Theme.line13, Theme.line15, Theme.line18, Theme.line20, Theme.line24, Theme.line28][type]
-    // Qt lays a line's letters at the top of its height; this brings them to its middle.
-    readonly property int lead: [1, 1, 2, 1, 3, 2, 2, 1][type]
 
     color: Theme.ink1
     font.family: Theme.family
@@ -32,8 +30,6 @@ Text {
     font.letterSpacing: [0, 0, 0, -0.075, -0.144, -0.24, -0.384, -0.504][type]
     lineHeight: lineSize
     lineHeightMode: Text.FixedHeight
-    topPadding: lead
-    bottomPadding: -lead
     verticalAlignment: Text.AlignVCenter
     elide: Text.ElideRight
     textFormat: Text.PlainText

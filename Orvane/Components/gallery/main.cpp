@@ -8,6 +8,7 @@
 #include <QQmlApplicationEngine>
 #include <QQuickWindow>
 #include <QTextStream>
+#include <QTimer>
 
 namespace {
 
@@ -52,10 +53,12 @@ int main(int argc, char **argv)
     }
     const QString picture = argumentAfter(arguments, QStringLiteral("--picture"));
     if (picture.isEmpty()) {
-        return application.exec();
+        return QGuiApplication::exec();
     }
-    // The first frame settles what is laid out by what was drawn; the second shows it.
-    window->grabWindow();
-    const bool saved = window->grabWindow().save(picture);
-    return saved && !warned ? 0 : 1;
+    // What opens does so with a movement, which is over by then.
+    QTimer::singleShot(600, &application, [&] {
+        const bool saved = window->grabWindow().save(picture);
+        QGuiApplication::exit(saved && !warned ? 0 : 1);
+    });
+    return QGuiApplication::exec();
 }
