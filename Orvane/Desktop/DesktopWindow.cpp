@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Desktop/DesktopWindow.h"
 
+#include "Fonts.h"
+
 #include <QQuickWindow>
 
 namespace orvane {
@@ -8,6 +10,7 @@ namespace orvane {
 DesktopWindow::DesktopWindow(AppModel::Options options)
     : m_app(std::move(options)), m_timer(m_app)
 {
+    loadFonts();
     // Where our modules lie; Qt 6.4 does not look there by itself.
     m_engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
 }

@@ -7,10 +7,10 @@ import Orvane.Components
 Item {
     id: row
 
-    required property TimerLine line
+    required property LineData line
     required property bool isHovered
 
-    readonly property TimerEntries columns: line.columns
+    readonly property TimerColumns columns: line.columns
 
     Rectangle {
         x: 0
@@ -81,7 +81,7 @@ Item {
             width: parent.width
             visible: row.line.partCount === 0
             project: row.line.project
-            task: row.columns.width < 560 ? "" : row.line.task
+            task: row.columns.isNarrow ? "" : row.line.task
             color: row.line.shade
         }
         ShareBar {

@@ -10,9 +10,10 @@ FocusScope {
     required property TimerModel timer
     required property bool isWide
 
-    readonly property int projectWidth: isWide ? 192 : width < 560 ? 120 : 152
-    readonly property int timesWidth: isWide ? 112 : 104
-    readonly property int durationWidth: isWide ? 64 : 60
+    readonly property TimerColumns columns: TimerColumns {
+        isWide: root.isWide
+        isNarrow: root.width < 560
+    }
 
     // The keyboard leaves upwards.
     signal left
@@ -77,7 +78,7 @@ FocusScope {
 
         delegate: TimerLine {
             timer: root.timer
-            columns: root
+            columns: root.columns
             width: list.width
             isChosen: ListView.isCurrentItem && list.activeFocus
             onEdited: list.forceActiveFocus(Qt.OtherFocusReason)

@@ -4,34 +4,10 @@ import Orvane
 import Orvane.Components
 
 // One line of the list: a day's head, a folded day, an entry or its editor, a share of a split entry.
-Item {
+LineData {
     id: line
 
-    required property TimerModel timer
-    required property TimerEntries columns
-    required property bool isChosen
-    required property int index
-    required property int kind
-    required property string entryId
-    required property string title
-    required property string subtitle
-    required property string total
-    required property string project
-    required property string task
-    required property string projectColor
-    required property var parts
-    required property int partCount
-    required property string tags
-    required property bool isBillable
-    required property string times
-    required property string duration
-    required property int mark
-    required property bool isLocked
-    required property string spoken
-
-    readonly property var shares: parts.map(part => ({ color: part.color === "" ? Theme.none : Theme.projectColor(part.color), share: part.share }))
     readonly property bool isEdited: kind === TimerList.Entry && timer.editor.entryId !== "" && timer.editor.entryId === entryId
-    readonly property color shade: projectColor === "" ? Theme.none : Theme.projectColor(projectColor)
 
     // The editor has gone, and the keyboard goes back to the list.
     signal edited

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+import QtQuick
+import Orvane
+import Orvane.Components
+
+// What the model says of one line of the list.
+Item {
+    id: data
+
+    required property TimerModel timer
+    required property TimerColumns columns
+    required property bool isChosen
+    required property int index
+    required property int kind
+    required property string entryId
+    required property string title
+    required property string subtitle
+    required property string total
+    required property string project
+    required property string task
+    required property string projectColor
+    required property var parts
+    required property int partCount
+    required property string tags
+    required property bool isBillable
+    required property string times
+    required property string duration
+    required property int mark
+    required property bool isLocked
+    required property string spoken
+
+    readonly property var shares: parts.map(part => ({ color: part.color === "" ? Theme.none : Theme.projectColor(part.color), share: part.share }))
+    readonly property color shade: projectColor === "" ? Theme.none : Theme.projectColor(projectColor)
+}
