@@ -157,6 +157,8 @@ public:
     std::vector<RequiredDetail> missingTo(const TimeEntryResponse &running) const;
     /// The refusal of such an entry that needs no server, if there is one.
     std::optional<SaveResult> checkRules(const EntryRequest &request) const;
+    /// Why `create` would not even send it, if there is a reason: the rules, or the timer that runs.
+    std::optional<SaveResult> refusalOf(const EntryRequest &request) const;
 
     /// Stops a running entry at `at`, then starts a new one; `needsDetails` when the running one cannot be
     /// stopped yet.

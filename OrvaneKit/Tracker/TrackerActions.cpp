@@ -184,22 +184,32 @@ Task<SaveResult> Tracker::start(EntryDetails details, Instant at)
 
 Task<SaveResult> Tracker::create(EntryRequest request)
 {
-    if (auto refused = checkRules(request))
+    if (auto refused = refusalOf(request))
         co_return std::move(*refused);
     std::vector<Submission> changes;
     if (!request.stop && running()) {
         const TimeEntryResponse running = *this->running();
-        if (running.start > request.start)
-            co_return refusedHere(SaveOutcome::rejected,
-                                  "Another timer runs since " + m_parts.time.timeLabel(running.start) +
-                                      ", which is later than that. Stop or change it first.");
-        if (auto missing = missingTo(running); !missing.empty())
-            co_return lacking(std::move(missing), stopNeedsDetails);
         changes.push_back(made(stopChange(running, request.start), running));
     }
     const std::string id = nextIdentifier();
     changes.push_back({EntryChange{EntryChange::Create{std::move(request), id, m_parts.workspace.id}}, {}});
     co_return co_await submit(std::move(changes), id, SaveOutcome::saved);
+}
+
+std::optional<SaveResult> Tracker::refusalOf(const EntryRequest &request) const
+{
+    if (auto refused = checkRules(request))
+        return refused;
+    if (request.stop || !running())
+        return std::nullopt;
+    const TimeEntryResponse &running = *this->running();
+    if (running.start > request.start)
+        return refusedHere(SaveOutcome::rejected, "Another timer runs since " +
+                                                      m_parts.time.timeLabel(running.start) +
+                                                      ", which is later than that. Stop or change it first.");
+    if (auto missing = missingTo(running); !missing.empty())
+        return lacking(std::move(missing), stopNeedsDetails);
+    return std::nullopt;
 }
 
 std::vector<RequiredDetail> Tracker::missingTo(const TimeEntryResponse &running) const
