@@ -92,7 +92,8 @@ Task<Result<std::vector<Outbox::Outcome>, StoreError>> Outbox::submit(std::vecto
     return submit(std::move(submissions));
 }
 
-Task<Result<std::vector<Outbox::Outcome>, StoreError>> Outbox::submit(std::vector<Submission> submissions)
+Task<Result<std::vector<Outbox::Outcome>, StoreError>> Outbox::submit(std::vector<Submission> submissions,
+                                                                      StoredHandler onStored)
 {
     const QPointer<Outbox> self(this);
     auto rows = co_await enqueueAll(m_parts.store, std::move(submissions));
@@ -111,6 +112,11 @@ Task<Result<std::vector<Outbox::Outcome>, StoreError>> Outbox::submit(std::vecto
     }
     m_queue.adopt(*rows);
     tellPending();
+    if (onStored) {
+        std::vector<std::int64_t> seqs;
+        std::ranges::transform(*rows, std::back_inserter(seqs), &PendingChange::seq);
+        onStored(seqs);
+    }
     if (m_isClosing)
         resumeAllQueued();
     pass();

@@ -92,8 +92,11 @@ public:
     /// outcomes in order.
     Task<Result<std::vector<Outcome>, StoreError>> submit(std::vector<EntryChange> changes);
     /// The same with what the user saw of each entry. What another process queued for it meanwhile is not
-    /// overwritten: the change is put on top of it, or becomes a conflict.
-    Task<Result<std::vector<Outcome>, StoreError>> submit(std::vector<Submission> submissions);
+    /// overwritten: the change is put on top of it, or becomes a conflict. `onStored` is called with the
+    /// numbers of the changes once they are stored and shown, before anything becomes of them.
+    using StoredHandler = std::function<void(const std::vector<std::int64_t> &seqs)>;
+    Task<Result<std::vector<Outcome>, StoreError>> submit(std::vector<Submission> submissions,
+                                                          StoredHandler onStored = {});
     /// A pass over the whole queue; when one runs already, waits for its end.
     Task<> flush();
     /// Ends a running pass after the request in flight and schedules nothing more; every waiting caller is

@@ -5,6 +5,8 @@
 #include "OrvaneAPI/SchemaFields.h"
 #include "Support/JsonImpl.h"
 
+#include <algorithm>
+
 ORVANE_JSON(orvane::HistoryDocument)
 
 namespace orvane {
@@ -32,22 +34,43 @@ Task<StoreStatus> changeHistory(std::shared_ptr<LocalStore> store, std::string k
         });
 }
 
+/// The last step that is like this; the end when there is none.
+std::vector<EntryStep>::iterator lastLike(std::vector<EntryStep> &steps, const EntryStep &step)
+{
+    const auto found = std::ranges::find(steps.rbegin(), steps.rend(), step);
+    return found == steps.rend() ? steps.end() : std::prev(found.base());
+}
+
 } // namespace
+
+void follow(EntryStep &step, const RenamedEntries &renamed)
+{
+    for (EntryTurn &turn : step.turns) {
+        for (const auto &[from, to] : renamed) {
+            rename(turn.before, from, to);
+            rename(turn.after, from, to);
+        }
+    }
+}
 
 EntryHistory::EntryHistory(std::shared_ptr<LocalStore> store, std::string workspaceId)
     : m_store(std::move(store)), m_key(HistoryDocument::key(workspaceId))
 {
 }
 
-Task<StoreStatus> EntryHistory::add(EntryStep step)
+Task<StoreStatus> EntryHistory::add(EntryStep step, RenamedEntries renamed)
 {
     if (step.turns.empty())
         co_return StoreStatus{};
-    co_return co_await changeHistory(m_store, m_key, [step = std::move(step)](std::vector<EntryStep> &steps) {
-        steps.push_back(step);
-        if (steps.size() > keptSteps)
-            steps.erase(steps.begin(), steps.end() - keptSteps);
-    });
+    co_return co_await changeHistory(
+        m_store, m_key,
+        [step = std::move(step), renamed = std::move(renamed)](std::vector<EntryStep> &steps) {
+            for (EntryStep &earlier : steps)
+                follow(earlier, renamed);
+            steps.push_back(step);
+            if (steps.size() > keptSteps)
+                steps.erase(steps.begin(), steps.end() - keptSteps);
+        });
 }
 
 Task<std::optional<EntryStep>> EntryHistory::last() const
@@ -58,22 +81,27 @@ Task<std::optional<EntryStep>> EntryHistory::last() const
     co_return document->steps.back();
 }
 
-Task<StoreStatus> EntryHistory::forget(EntryStep step,
-                                       std::vector<std::pair<std::string, std::string>> renamed)
+Task<StoreStatus> EntryHistory::forget(EntryStep step, RenamedEntries renamed)
 {
     co_return co_await changeHistory(
         m_store, m_key,
         [step = std::move(step), renamed = std::move(renamed)](std::vector<EntryStep> &steps) {
-            if (!steps.empty() && steps.back() == step)
-                steps.pop_back();
-            for (EntryStep &earlier : steps) {
-                for (EntryTurn &turn : earlier.turns) {
-                    for (const auto &[from, to] : renamed) {
-                        rename(turn.before, from, to);
-                        rename(turn.after, from, to);
-                    }
-                }
-            }
+            if (const auto found = lastLike(steps, step); found != steps.end())
+                steps.erase(found);
+            for (EntryStep &other : steps)
+                follow(other, renamed);
+        });
+}
+
+Task<StoreStatus> EntryHistory::replace(EntryStep step, EntryStep with)
+{
+    co_return co_await changeHistory(
+        m_store, m_key, [step = std::move(step), with = std::move(with)](std::vector<EntryStep> &steps) {
+            const auto found = lastLike(steps, step);
+            if (found != steps.end() && with.turns.empty())
+                steps.erase(found);
+            else if (found != steps.end())
+                *found = with;
         });
 }
 

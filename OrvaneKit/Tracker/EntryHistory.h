@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace orvane {
@@ -27,6 +28,12 @@ struct EntryStep {
     bool operator==(const EntryStep &) const = default;
 };
 
+/// Entries that were made again under other identifiers: from, to.
+using RenamedEntries = std::vector<std::pair<std::string, std::string>>;
+
+/// Lets a step follow entries that were made again.
+void follow(EntryStep &step, const RenamedEntries &renamed);
+
 /// The document that keeps the steps of a workspace, the latest last.
 struct HistoryDocument {
     std::vector<EntryStep> steps;
@@ -41,13 +48,15 @@ public:
 
     EntryHistory(std::shared_ptr<LocalStore> store, std::string workspaceId);
 
-    /// Adds an action; one without changes is none.
-    Task<StoreStatus> add(EntryStep step);
+    /// Adds an action; one without changes is none. Earlier ones follow entries that it made again.
+    Task<StoreStatus> add(EntryStep step, RenamedEntries renamed = {});
     /// The last one, if any.
     Task<std::optional<EntryStep>> last() const;
-    /// Forgets the last step, if it is still this one. What took it back made entries anew under other
-    /// identifiers: earlier steps follow them.
-    Task<StoreStatus> forget(EntryStep step, std::vector<std::pair<std::string, std::string>> renamed);
+    /// Forgets a step: the last one that is like this. What took it back made entries anew under other
+    /// identifiers: the other steps follow them.
+    Task<StoreStatus> forget(EntryStep step, RenamedEntries renamed);
+    /// Puts another step in the place of the last one that is like this; without turns it is forgotten.
+    Task<StoreStatus> replace(EntryStep step, EntryStep with);
 
 private:
     std::shared_ptr<LocalStore> m_store;

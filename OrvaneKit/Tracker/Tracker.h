@@ -17,6 +17,7 @@
 #include "Tracker/EntriesChange.h"
 #include "Tracker/EntryHistory.h"
 #include "Tracker/KnownEntries.h"
+#include "Tracker/StoredStep.h"
 
 #include <QObject>
 #include <functional>
@@ -55,6 +56,8 @@ struct SaveResult {
     std::vector<RequiredDetail> missing;
     /// What was changed, for taking it back; empty when nothing was.
     std::vector<EntryTurn> turns;
+    /// Deleted entries that an action taken back has made again: their identifiers then and now.
+    RenamedEntries renamed;
 };
 
 /// What a quiet refresh asks the server for.
@@ -154,6 +157,8 @@ public:
     std::vector<RequiredDetail> missingTo(const TimeEntryResponse &running) const;
     /// The refusal of such an entry that needs no server, if there is one.
     std::optional<SaveResult> checkRules(const EntryRequest &request) const;
+    /// Why `create` would not even send it, if there is a reason: the rules, or the timer that runs.
+    std::optional<SaveResult> refusalOf(const EntryRequest &request) const;
 
     /// Stops a running entry at `at`, then starts a new one; `needsDetails` when the running one cannot be
     /// stopped yet.
@@ -171,11 +176,22 @@ public:
     Task<SaveResult> duplicate(std::string id);
     /// Divides an entry's time between projects; the shares sum to 100.
     Task<SaveResult> split(std::string id, std::vector<SplitPart> shares);
+    /// Divides an entry in time: it ends at `at`, and a second one with `second` has the rest; of a running
+    /// one the second runs on. One action.
+    Task<SaveResult> splitAt(std::string id, Instant at, EntryDetails second);
     Task<SaveResult> remove(std::string id);
+    /// Several entries, each once, as one action: all are stored, or none. Refused as a whole for what needs
+    /// no server; when the server refuses some, the message says how many, and `turns` has the others.
+    Task<SaveResult> updateAll(std::vector<std::pair<std::string, EntryRequest>> requests);
+    Task<SaveResult> removeAll(std::vector<std::string> ids);
     /// Takes an action back: each entry becomes what it was before. Refused as a whole when one of them is
     /// no longer what the action made of it. A deleted entry comes back under a new identifier, since no
-    /// server takes a used one: `turns` of the answer tell which.
+    /// server takes a used one: `renamed` of the answer tells which.
     Task<SaveResult> takeBack(EntryStep step);
+    /// Makes the entries of an action known that lie beside the loaded days.
+    Task<CallResult<void>> loadDaysOf(EntryStep step);
+    /// Whether taking it back would start a timer while another runs, which only lasts until that is stopped.
+    bool wouldRunBeside(const EntryStep &step) const;
 
     /// Saves what a change has brought since the last snapshot.
     Task<> close();
@@ -183,6 +199,8 @@ public:
 Q_SIGNALS:
     /// What is shown may be otherwise: which entries, and on which days.
     void entriesChanged(const orvane::EntriesChange &change);
+    /// An action of the user is stored and shown; what the server says to it comes later.
+    void stepStored(const orvane::StoredStep &step);
     /// `state`, `loadError`, `isLoadingMore` or `weeksLoaded`.
     void stateChanged();
     void missedChanged();
@@ -213,11 +231,21 @@ private:
     bool isRunningElsewhere() const;
     void handleSent(const QueuedChange &row, const std::optional<TimeEntryResponse> &entry);
     void handleRejected(const QueuedChange &row, const CallError &error, bool callerWaits);
-    Task<SaveResult> submit(std::vector<Submission> changes, std::string id, SaveOutcome whenDone);
+    Task<SaveResult> submit(std::vector<Submission> changes, std::string id, SaveOutcome whenDone,
+                            StoredStep step = {});
+    Task<SaveResult> submitAll(std::vector<Submission> changes);
+    Result<Submission, SaveResult> updated(const std::string &id, EntryRequest request) const;
+    Result<Submission, SaveResult> removed(const std::string &id) const;
+    Result<std::vector<Submission>, SaveResult> dividedAt(const TimeEntryResponse &entry, Instant at,
+                                                          EntryDetails second) const;
     Submission made(EntryChange change, const TimeEntryResponse &shown) const;
     SaveResult refusedHere(SaveOutcome outcome, std::string message) const;
     SaveResult lacking(std::vector<RequiredDetail> missing, std::string message) const;
-    Result<std::vector<Submission>, SaveResult> takenBack(const EntryStep &step);
+    struct TakenBack {
+        std::vector<Submission> changes;
+        RenamedEntries renamed;
+    };
+    Result<TakenBack, SaveResult> takenBack(const EntryStep &step) const;
     std::string nextIdentifier() const;
     DaySpan currentWeeks() const;
     ServerCalls api() const;

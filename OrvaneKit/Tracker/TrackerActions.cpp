@@ -4,6 +4,7 @@
 
 #include "Catalog/EntryConversions.h"
 #include "Outbox/EntryMerge.h"
+#include "Support/Require.h"
 #include "Time/AppClock.h"
 #include "Tracker/Overlay.h"
 
@@ -45,6 +46,18 @@ EntryTurn turnOf(const Submission &submission)
 }
 
 constexpr const char *stopNeedsDetails = "Add the details this workspace requires to stop the timer.";
+constexpr const char *changeWaits =
+    "This entry was changed on another device. Your change waits until you choose which to keep.";
+constexpr const char *noSuchEntry = "There is no such entry.";
+
+/// The details of a part of an entry that is divided in time, as a request.
+EntryRequest requestFor(EntryDetails details, Instant start, std::optional<Instant> stop)
+{
+    const bool describeParts = std::ranges::any_of(details.shares, [&](const SplitPart &part) {
+        return !part.description.empty() && part.description != details.description;
+    });
+    return {std::move(details), start, stop, describeParts};
+}
 
 } // namespace
 
@@ -66,7 +79,8 @@ SaveResult Tracker::refusedHere(SaveOutcome outcome, std::string message) const
             .error = {},
             .seqs = {},
             .missing = {},
-            .turns = {}};
+            .turns = {},
+            .renamed = {}};
 }
 
 SaveResult Tracker::lacking(std::vector<RequiredDetail> missing, std::string message) const
@@ -107,12 +121,22 @@ std::optional<SaveResult> Tracker::checkRules(const EntryRequest &request) const
     return std::nullopt;
 }
 
-Task<SaveResult> Tracker::submit(std::vector<Submission> changes, std::string id, SaveOutcome whenDone)
+/// `step` says what there is to say beyond the changes: a sentence of its own, or that it takes back.
+Task<SaveResult> Tracker::submit(std::vector<Submission> changes, std::string id, SaveOutcome whenDone,
+                                 StoredStep step)
 {
     const QPointer<Tracker> self(this);
     std::vector<EntryTurn> turns;
     std::ranges::transform(changes, std::back_inserter(turns), turnOf);
-    auto outcomes = co_await m_parts.outbox->submit(std::move(changes));
+    step.step.turns = turns;
+    if (step.sentence.empty())
+        step.sentence = sentenceOf(step.step);
+    const auto tell = [self, step = std::move(step)](const std::vector<std::int64_t> &seqs) mutable {
+        step.seqs = seqs;
+        if (self)
+            Q_EMIT self->stepStored(step);
+    };
+    auto outcomes = co_await m_parts.outbox->submit(std::move(changes), tell);
     if (!outcomes)
         co_return refusedHere(SaveOutcome::failed, describe(outcomes.error()));
     if (!self)
@@ -124,7 +148,8 @@ Task<SaveResult> Tracker::submit(std::vector<Submission> changes, std::string id
                       .error = {},
                       .seqs = {},
                       .missing = {},
-                      .turns = {}};
+                      .turns = {},
+                      .renamed = {}};
     for (std::size_t i = 0; i < outcomes->size(); ++i) {
         const Outbox::Outcome &outcome = (*outcomes)[i];
         result.seqs.push_back(std::visit([](const auto &one) { return one.seq; }, outcome));
@@ -145,8 +170,7 @@ Task<SaveResult> Tracker::submit(std::vector<Submission> changes, std::string id
         const bool isInConflict = std::ranges::any_of(
             conflicts, [&](const Outbox::Pending &row) { return row.change.entryId() == id; });
         if (isInConflict)
-            result.message =
-                "This entry was changed on another device. Your change waits until you choose which to keep.";
+            result.message = changeWaits;
     }
     co_return result;
 }
@@ -160,22 +184,32 @@ Task<SaveResult> Tracker::start(EntryDetails details, Instant at)
 
 Task<SaveResult> Tracker::create(EntryRequest request)
 {
-    if (auto refused = checkRules(request))
+    if (auto refused = refusalOf(request))
         co_return std::move(*refused);
     std::vector<Submission> changes;
     if (!request.stop && running()) {
         const TimeEntryResponse running = *this->running();
-        if (running.start > request.start)
-            co_return refusedHere(SaveOutcome::rejected,
-                                  "Another timer runs since " + m_parts.time.timeLabel(running.start) +
-                                      ", which is later than that. Stop or change it first.");
-        if (auto missing = missingTo(running); !missing.empty())
-            co_return lacking(std::move(missing), stopNeedsDetails);
         changes.push_back(made(stopChange(running, request.start), running));
     }
     const std::string id = nextIdentifier();
     changes.push_back({EntryChange{EntryChange::Create{std::move(request), id, m_parts.workspace.id}}, {}});
     co_return co_await submit(std::move(changes), id, SaveOutcome::saved);
+}
+
+std::optional<SaveResult> Tracker::refusalOf(const EntryRequest &request) const
+{
+    if (auto refused = checkRules(request))
+        return refused;
+    if (request.stop || !running())
+        return std::nullopt;
+    const TimeEntryResponse &running = *this->running();
+    if (running.start > request.start)
+        return refusedHere(SaveOutcome::rejected, "Another timer runs since " +
+                                                      m_parts.time.timeLabel(running.start) +
+                                                      ", which is later than that. Stop or change it first.");
+    if (auto missing = missingTo(running); !missing.empty())
+        return lacking(std::move(missing), stopNeedsDetails);
+    return std::nullopt;
 }
 
 std::vector<RequiredDetail> Tracker::missingTo(const TimeEntryResponse &running) const
@@ -258,36 +292,89 @@ Task<SaveResult> Tracker::continueLast(Instant at)
 
 Task<SaveResult> Tracker::update(std::string id, EntryRequest request)
 {
+    auto change = updated(id, std::move(request));
+    if (!change)
+        co_return std::move(change.error());
+    std::vector<Submission> changes;
+    changes.push_back(std::move(*change));
+    co_return co_await submit(std::move(changes), id, SaveOutcome::saved);
+}
+
+/// The change, unless it can be refused here.
+Result<Submission, SaveResult> Tracker::updated(const std::string &id, EntryRequest request) const
+{
     const auto known = entry(id);
     if (!known)
-        co_return refusedHere(SaveOutcome::failed, "There is no such entry.");
+        return failure(refusedHere(SaveOutcome::failed, noSuchEntry));
     if (auto refused = checkRules(request))
-        co_return std::move(*refused);
+        return failure(std::move(*refused));
     if (m_settings && rules().isLocked(known->start))
-        co_return refusedHere(SaveOutcome::rejected, "This entry lies in a locked period of the workspace.");
-    std::vector<Submission> changes;
-    changes.push_back(
-        made(EntryChange{EntryChange::Update{std::move(request), id, known->workspaceId, versionOf(*known)}},
-             *known));
-    co_return co_await submit(std::move(changes), id, SaveOutcome::saved);
+        return failure(
+            refusedHere(SaveOutcome::rejected, "This entry lies in a locked period of the workspace."));
+    return made(
+        EntryChange{EntryChange::Update{std::move(request), id, known->workspaceId, versionOf(*known)}},
+        *known);
 }
 
 Task<SaveResult> Tracker::duplicate(std::string id)
 {
     const auto known = entry(id);
     if (!known)
-        co_return refusedHere(SaveOutcome::failed, "There is no such entry.");
+        co_return refusedHere(SaveOutcome::failed, noSuchEntry);
     EntryRequest request = entryRequest(*known);
     if (!request.stop)
         request.stop = std::max(millisecondsFloor(AppClock::now()), request.start);
     co_return co_await create(std::move(request));
 }
 
+Task<SaveResult> Tracker::splitAt(std::string id, Instant at, EntryDetails second)
+{
+    const auto known = entry(id);
+    if (!known)
+        co_return refusedHere(SaveOutcome::failed, noSuchEntry);
+    auto changes = dividedAt(*known, millisecondsFloor(at), std::move(second));
+    if (!changes)
+        co_return std::move(changes.error());
+    StoredStep step;
+    step.sentence = "Split " + quotedEntry(*known) + " at " + m_parts.time.timeLabel(at);
+    const std::string rest = changes->back().change.entryId();
+    co_return co_await submit(std::move(*changes), rest, SaveOutcome::saved, std::move(step));
+}
+
+Result<std::vector<Submission>, SaveResult> Tracker::dividedAt(const TimeEntryResponse &entry, Instant at,
+                                                               EntryDetails second) const
+{
+    if (at <= entry.start || at >= entry.stop.value_or(AppClock::now()))
+        return failure(refusedHere(SaveOutcome::rejected, "An entry can only be split at a time within it."));
+    std::vector<Submission> changes;
+    if (entry.stop) {
+        EntryRequest first = entryRequest(entry);
+        first.stop = at;
+        auto change = updated(entry.id, std::move(first));
+        if (!change)
+            return failure(std::move(change.error()));
+        changes.push_back(std::move(*change));
+    } else {
+        if (auto missing = missingTo(entry); !missing.empty())
+            return failure(lacking(std::move(missing), stopNeedsDetails));
+        if (m_settings && rules().isLocked(entry.start))
+            return failure(
+                refusedHere(SaveOutcome::rejected, "This entry lies in a locked period of the workspace."));
+        changes.push_back(made(stopChange(entry, at), entry));
+    }
+    EntryRequest rest = requestFor(std::move(second), at, entry.stop);
+    if (auto refused = checkRules(rest))
+        return failure(std::move(*refused));
+    changes.push_back(
+        {EntryChange{EntryChange::Create{std::move(rest), nextIdentifier(), entry.workspaceId}}, {}});
+    return changes;
+}
+
 Task<SaveResult> Tracker::split(std::string id, std::vector<SplitPart> shares)
 {
     const auto known = entry(id);
     if (!known)
-        co_return refusedHere(SaveOutcome::failed, "There is no such entry.");
+        co_return refusedHere(SaveOutcome::failed, noSuchEntry);
     EntryRequest request = entryRequest(*known);
     request.describeParts =
         std::ranges::any_of(shares, [](const SplitPart &part) { return !part.description.empty(); });
@@ -295,26 +382,91 @@ Task<SaveResult> Tracker::split(std::string id, std::vector<SplitPart> shares)
     co_return co_await update(std::move(id), std::move(request));
 }
 
-Task<SaveResult> Tracker::remove(std::string id)
+/// The removal, unless it can be refused here.
+Result<Submission, SaveResult> Tracker::removed(const std::string &id) const
 {
     const auto known = entry(id);
     if (!known)
-        co_return refusedHere(SaveOutcome::failed, "There is no such entry.");
+        return failure(refusedHere(SaveOutcome::failed, noSuchEntry));
     if (m_settings && rules().isLocked(known->start))
-        co_return refusedHere(SaveOutcome::rejected, "This entry lies in a locked period of the workspace.");
+        return failure(
+            refusedHere(SaveOutcome::rejected, "This entry lies in a locked period of the workspace."));
+    return made(EntryChange{EntryChange::Delete{id, known->workspaceId, versionOf(*known)}}, *known);
+}
+
+Task<SaveResult> Tracker::remove(std::string id)
+{
+    auto change = removed(id);
+    if (!change)
+        co_return std::move(change.error());
     std::vector<Submission> changes;
-    changes.push_back(
-        made(EntryChange{EntryChange::Delete{id, known->workspaceId, versionOf(*known)}}, *known));
+    changes.push_back(std::move(*change));
     SaveResult result = co_await submit(std::move(changes), id, SaveOutcome::saved);
     if (result.outcome != SaveOutcome::rejected)
         result.entry.reset();
     co_return result;
 }
 
-/// The changes that make the entries what they were, the last change first.
-Result<std::vector<Submission>, SaveResult> Tracker::takenBack(const EntryStep &step)
+Task<SaveResult> Tracker::updateAll(std::vector<std::pair<std::string, EntryRequest>> requests)
 {
     std::vector<Submission> changes;
+    for (auto &[id, request] : requests) {
+        auto change = updated(id, std::move(request));
+        if (!change)
+            co_return std::move(change.error());
+        changes.push_back(std::move(*change));
+    }
+    co_return co_await submitAll(std::move(changes));
+}
+
+Task<SaveResult> Tracker::removeAll(std::vector<std::string> ids)
+{
+    std::vector<Submission> changes;
+    for (const std::string &id : ids) {
+        auto change = removed(id);
+        if (!change)
+            co_return std::move(change.error());
+        changes.push_back(std::move(*change));
+    }
+    co_return co_await submitAll(std::move(changes));
+}
+
+/// Changes of different entries, none of which stands on another.
+Task<SaveResult> Tracker::submitAll(std::vector<Submission> changes)
+{
+    if (changes.empty())
+        co_return refusedHere(SaveOutcome::failed, "There is nothing to change.");
+    std::set<std::string> ids;
+    for (const Submission &submission : changes)
+        ids.insert(submission.change.entryId());
+    ORVANE_REQUIRE(ids.size() == changes.size(), "an entry is changed twice in one action");
+    const QPointer<Tracker> self(this);
+    const std::size_t count = changes.size();
+    const std::string shown = changes.back().change.entryId();
+    SaveResult result = co_await submit(std::move(changes), shown, SaveOutcome::saved);
+    if (!self)
+        co_return result;
+    const auto isWaiting = [&](const Outbox::Pending &row) { return ids.contains(row.change.entryId()); };
+    const auto conflicts = m_parts.outbox->conflicts();
+    result.isQueued = std::ranges::any_of(m_parts.outbox->pending(), isWaiting);
+    if (result.error) {
+        const std::size_t refused = count - result.turns.size();
+        result.outcome = SaveOutcome::rejected;
+        if (count > 1)
+            result.message = std::to_string(refused) + " of " + std::to_string(count) +
+                             " entries were not changed: " + describe(*result.error);
+    } else if (result.isQueued) {
+        result.outcome = SaveOutcome::waiting;
+        if (std::ranges::any_of(conflicts, isWaiting))
+            result.message = changeWaits;
+    }
+    co_return result;
+}
+
+/// The changes that make the entries what they were, the last change first.
+Result<Tracker::TakenBack, SaveResult> Tracker::takenBack(const EntryStep &step) const
+{
+    TakenBack back;
     for (auto turn = step.turns.rbegin(); turn != step.turns.rend(); ++turn) {
         const auto known = entry(turn->id());
         const bool isAsMade = turn->after ? known && saysTheSame(*known, *turn->after) : !known;
@@ -322,26 +474,29 @@ Result<std::vector<Submission>, SaveResult> Tracker::takenBack(const EntryStep &
             return failure(refusedHere(SaveOutcome::rejected,
                                        "That cannot be taken back: the entry was changed since then."));
         if (!turn->before) {
-            changes.push_back(made(
+            back.changes.push_back(made(
                 EntryChange{EntryChange::Delete{known->id, known->workspaceId, versionOf(*known)}}, *known));
             continue;
         }
         EntryRequest request = entryRequest(*turn->before);
         if (auto refused = checkRules(request))
             return failure(std::move(*refused));
-        if (known)
-            changes.push_back(made(EntryChange{EntryChange::Update{std::move(request), known->id,
-                                                                   known->workspaceId, versionOf(*known)}},
-                                   *known));
-        else
-            changes.push_back(
-                {EntryChange{EntryChange::Create{std::move(request), nextIdentifier(), m_parts.workspace.id}},
-                 {}});
+        if (known) {
+            back.changes.push_back(
+                made(EntryChange{EntryChange::Update{std::move(request), known->id, known->workspaceId,
+                                                     versionOf(*known)}},
+                     *known));
+            continue;
+        }
+        const std::string id = nextIdentifier();
+        back.renamed.emplace_back(turn->id(), id);
+        back.changes.push_back(
+            {EntryChange{EntryChange::Create{std::move(request), id, m_parts.workspace.id}}, {}});
     }
-    return changes;
+    return back;
 }
 
-Task<SaveResult> Tracker::takeBack(EntryStep step)
+bool Tracker::wouldRunBeside(const EntryStep &step) const
 {
     const auto startsAgain = [](const EntryTurn &turn) {
         return turn.before && !turn.before->stop && (!turn.after || turn.after->stop);
@@ -349,14 +504,39 @@ Task<SaveResult> Tracker::takeBack(EntryStep step)
     const auto isOfStep = [&](const std::string &id) {
         return std::ranges::any_of(step.turns, [&](const EntryTurn &turn) { return turn.id() == id; });
     };
-    if (std::ranges::any_of(step.turns, startsAgain) && running() && !isOfStep(running()->id))
+    return std::ranges::any_of(step.turns, startsAgain) && running() && !isOfStep(running()->id);
+}
+
+Task<SaveResult> Tracker::takeBack(EntryStep step)
+{
+    if (wouldRunBeside(step))
         co_return refusedHere(SaveOutcome::rejected,
                               "That cannot be taken back: another timer runs by now. Stop it first.");
-    auto changes = takenBack(step);
-    if (!changes)
-        co_return changes.error();
-    const std::string shown = changes->back().change.entryId();
-    co_return co_await submit(std::move(*changes), shown, SaveOutcome::saved);
+    auto back = takenBack(step);
+    if (!back)
+        co_return std::move(back.error());
+    const std::string shown = back->changes.back().change.entryId();
+    const RenamedEntries renamed = back->renamed;
+    StoredStep stored;
+    stored.isTakeBack = true;
+    stored.renamed = renamed;
+    SaveResult result =
+        co_await submit(std::move(back->changes), shown, SaveOutcome::saved, std::move(stored));
+    result.renamed = renamed;
+    co_return result;
+}
+
+Task<CallResult<void>> Tracker::loadDaysOf(EntryStep step)
+{
+    const QPointer<Tracker> self(this);
+    for (const EntryTurn &turn : step.turns) {
+        if (!self || !turn.after || entry(turn.id()))
+            continue;
+        const auto loaded = co_await loadDays(m_parts.time.dayKey(turn.after->start), 1);
+        if (!loaded)
+            co_return failure(loaded.error());
+    }
+    co_return CallResult<void>{};
 }
 
 } // namespace orvane

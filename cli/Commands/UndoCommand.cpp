@@ -4,38 +4,9 @@
 #include "Commands/EntryAnswers.h"
 #include "Output/EntryText.h"
 
-#include <ranges>
-
 namespace orvane {
 
 namespace {
-
-/// Makes the entries of a step known that lie on days beside the loaded ones.
-Task<> loadDaysOf(Context context, EntryStep step)
-{
-    Account &account = *context->account();
-    Tracker &tracker = account.tracker();
-    for (const EntryTurn &turn : step.turns) {
-        if (turn.after && !tracker.entry(turn.id()) && account.isReachable())
-            co_await tracker.loadDays(tracker.time().dayKey(turn.after->start), 1);
-    }
-}
-
-/// Under which identifiers deleted entries came back: the changes were taken back in the other order.
-std::vector<std::pair<std::string, std::string>> renamedBy(const EntryStep &step,
-                                                           const std::vector<EntryTurn> &made)
-{
-    std::vector<std::pair<std::string, std::string>> renamed;
-    std::size_t i = 0;
-    for (const EntryTurn &turn : step.turns | std::views::reverse) {
-        if (i == made.size())
-            break;
-        if (!turn.after)
-            renamed.emplace_back(turn.id(), made[i].id());
-        ++i;
-    }
-    return renamed;
-}
 
 std::string linesOf(const CommandContext &context, const std::vector<EntryTurn> &turns)
 {
@@ -58,12 +29,13 @@ CommandTask undo(Context context)
     const auto step = co_await history.last();
     if (!step)
         co_return failure(CommandFailure::of("There is nothing to take back."));
-    co_await loadDaysOf(context, *step);
+    if ((*opened)->isReachable())
+        co_await (*opened)->tracker().loadDaysOf(*step);
     SaveResult result = co_await (*opened)->tracker().takeBack(*step);
     const bool isRefusedHere = result.outcome == SaveOutcome::rejected && !result.error;
     // What can never be taken back is not to stand before what can.
     if (isRefusedHere || !result.turns.empty())
-        co_await history.forget(*step, renamedBy(*step, result.turns));
+        co_await history.forget(*step, result.renamed);
     if (isRefusedHere)
         result.message += " What was done before it: orvane undo";
     CommandAnswer answer = answerTo(*context, result, "");

@@ -260,6 +260,85 @@ TEST_F(TrackerTest, ContinuesASplitEntryWithItsPartsDescriptions)
     close(std::move(account));
 }
 
+TEST_F(TrackerTest, SplitsAnEntryAtATime)
+{
+    auto account = open();
+    ASSERT_TRUE(account);
+    Tracker &tracker = account->tracker();
+    await(tracker.load());
+    const Instant now = millisecondsFloor(AppClock::now());
+    const auto made = await(tracker.create({details("whole"), now - minutes{90}, now - minutes{30}, false}));
+    const std::string id = made.entry->id;
+    for (const minutes outside : {minutes{95}, minutes{90}, minutes{30}, minutes{20}}) {
+        const SaveResult refused = await(tracker.splitAt(id, now - outside, details("rest")));
+        EXPECT_EQ(refused.outcome, SaveOutcome::rejected);
+        EXPECT_EQ(refused.message, "An entry can only be split at a time within it.");
+    }
+    EntryDetails rest = details("rest");
+    rest.shares = {share(30), share(70)};
+    rest.shares[0].description = "of its own";
+    const SaveResult split = await(tracker.splitAt(id, now - minutes{50}, rest));
+    ASSERT_EQ(split.outcome, SaveOutcome::saved) << split.message;
+    EXPECT_EQ(split.turns.size(), 2U);
+    ASSERT_TRUE(await(tracker.start(details("runs"), now - minutes{20})).entry);
+    const std::string first = tracker.running()->id;
+    EXPECT_EQ(await(tracker.splitAt(first, now + minutes{1}, details("runs on"))).outcome,
+              SaveOutcome::rejected);
+    ASSERT_EQ(await(tracker.splitAt(first, now - minutes{5}, details("runs on"))).outcome,
+              SaveOutcome::saved);
+    EXPECT_EQ(tracker.running()->description, "runs on");
+
+    std::vector<TimeEntryResponse> entries = held(*account);
+    std::ranges::sort(entries, {}, &TimeEntryResponse::start);
+    ASSERT_EQ(entries.size(), 4U);
+    EXPECT_EQ(entries[0].id, id);
+    EXPECT_EQ(entries[0].description, "whole");
+    EXPECT_EQ(entries[0].stop, now - minutes{50});
+    EXPECT_EQ(entries[1].start, now - minutes{50});
+    EXPECT_EQ(entries[1].stop, now - minutes{30});
+    EXPECT_EQ(entries[1].shares[0].description, "of its own");
+    EXPECT_EQ(entries[2].id, first);
+    EXPECT_EQ(entries[2].stop, now - minutes{5});
+    EXPECT_EQ(entries[3].start, now - minutes{5});
+    EXPECT_FALSE(entries[3].stop);
+    close(std::move(account));
+}
+
+TEST_F(TrackerTest, ChangesSeveralEntriesOrNone)
+{
+    auto account = open();
+    ASSERT_TRUE(account);
+    Tracker &tracker = account->tracker();
+    await(tracker.load());
+    const Instant now = millisecondsFloor(AppClock::now());
+    std::vector<std::pair<std::string, EntryRequest>> requests;
+    for (const minutes ago : {minutes{60}, minutes{40}, minutes{20}}) {
+        EntryRequest request{details("one of them"), now - ago, now - ago + minutes{15}, false};
+        const SaveResult made = await(tracker.create(request));
+        request.details.isBillable = true;
+        requests.emplace_back(made.entry->id, request);
+    }
+    const std::vector<TimeEntryResponse> before = held(*account);
+    auto backwards = requests;
+    backwards.back().second.stop = now - minutes{30};
+    EXPECT_EQ(await(tracker.updateAll(backwards)).outcome, SaveOutcome::rejected);
+    EXPECT_EQ(await(tracker.removeAll({requests[0].first, "unknown"})).outcome, SaveOutcome::failed);
+    EXPECT_EQ(await(tracker.removeAll({})).outcome, SaveOutcome::failed);
+    EXPECT_EQ(held(*account), before);
+
+    const SaveResult changed = await(tracker.updateAll(requests));
+    EXPECT_EQ(changed.outcome, SaveOutcome::saved) << changed.message;
+    EXPECT_FALSE(changed.isQueued);
+    EXPECT_EQ(changed.turns.size(), 3U);
+    for (const TimeEntryResponse &entry : held(*account))
+        EXPECT_TRUE(entry.isBillable);
+    const SaveResult removed = await(tracker.removeAll({requests[0].first, requests[2].first}));
+    EXPECT_EQ(removed.outcome, SaveOutcome::saved) << removed.message;
+    ASSERT_EQ(held(*account).size(), 1U);
+    EXPECT_EQ(held(*account).front().id, requests[1].first);
+    close(std::move(account));
+}
+
 TEST_F(TrackerTest, SaysSoWhenAnotherDeviceChangedTheEntry)
 {
     auto account = open();
