@@ -137,6 +137,9 @@ Task<Result<Account *, CommandFailure>> CommandContext::adopt(Account::Opened op
 {
     if (!opened) {
         m_openError = opened.error().kind;
+        // Nobody asked the server: no token was found, which may lie where this process cannot look.
+        m_isSignInUnseen =
+            m_tokenPlace != TokenPlace::keychain && opened.error().error == CallError(sessionEndedError());
         auto problem = CommandFailure::of(opened.error());
         if (!isSigningIn)
             problem.message += wayBack(opened.error());
@@ -172,13 +175,10 @@ std::string CommandContext::wayBack(const AccountError &error) const
         return " The server is " + *server + ".";
     if (error.kind != Kind::signedOut && error.kind != Kind::neverSignedIn)
         return {};
-    // Nobody asked the server: no token was found, which may lie where this process cannot look.
-    const bool isUnseen =
-        m_tokenPlace != TokenPlace::keychain && error.error == CallError(sessionEndedError());
     const std::string named = m_options.server ? "--server " + *server + " " : "";
     const std::string signIn =
         " To sign in" + (named.empty() ? " at " + *server : "") + ": orvane " + named + "login.";
-    return (isUnseen ? " A sign-in that lies in a keychain cannot be read here." : "") + signIn +
+    return (m_isSignInUnseen ? " A sign-in that lies in a keychain cannot be read here." : "") + signIn +
            (server == current ? " To go back to the account on this computer: orvane logout." : "");
 }
 

@@ -58,6 +58,8 @@ public:
     Task<Result<void, CommandFailure>> leaveEndedSession();
     /// Why the account could not be opened.
     std::optional<AccountError::Kind> openError() const { return m_openError; }
+    /// Whether that may be only because its sign-in lies in a keychain that cannot be read here.
+    bool isSignInUnseen() const { return m_isSignInUnseen; }
     /// Null before it was opened.
     Account *account() const { return m_account.get(); }
 
@@ -102,6 +104,7 @@ private:
     Patience m_patience;
     std::unique_ptr<Account> m_account;
     std::optional<AccountError::Kind> m_openError;
+    bool m_isSignInUnseen = false;
     TokenPlace m_tokenPlace = TokenPlace::keychain;
     std::vector<std::int64_t> m_unreadable;
     std::vector<std::string> m_besides;

@@ -187,7 +187,7 @@ std::string HelpText::make_help(const CLI::App *command, std::string, CLI::AppFo
     out += commandSections(command, width);
     out += section(isRoot ? "Options of every command" : "Options", items(optionsOf(command, false)), width);
     if (!command->get_footer().empty())
-        out += "\n" + wrapped(command->get_footer(), 0, width) + "\n";
+        out += "\n" + wrapped(command->get_footer(), static_cast<int>(width)) + "\n";
     if (!isRoot)
         out += "\nOptions of every command: orvane --help\n";
     return out;

@@ -34,7 +34,7 @@ Task<Account::Opened> Account::signIn(std::shared_ptr<ServerAccess> access, Opti
     std::unique_ptr<Account> account(new Account(std::move(access), std::move(options)));
     auto how = co_await account->openSignedIn(std::move(way));
     if (how)
-        account->m_access->installation().setCurrentServer(account->server());
+        account->m_access->installation().noteSignIn(account->server());
     co_return co_await opened(std::move(account), std::move(how));
 }
 

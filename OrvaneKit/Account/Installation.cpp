@@ -9,6 +9,8 @@
 #include <QStandardPaths>
 #include <QUrl>
 #include <filesystem>
+#include <pwd.h>
+#include <unistd.h>
 
 namespace orvane {
 
@@ -28,6 +30,21 @@ std::string rootFor(const std::string &folder)
 QString encoded(const std::string &key)
 {
     return QString::fromLatin1(QUrl::toPercentEncoding(QString::fromStdString(key)));
+}
+
+/// Whether the folder is where the user's own installation lies, whatever HOME names just now.
+bool isInUsersHome(const std::string &folder)
+{
+    const passwd *user = ::getpwuid(::geteuid());
+    if (user == nullptr || user->pw_dir == nullptr)
+        return false;
+    std::error_code error;
+    const auto place = std::filesystem::weakly_canonical(folder, error);
+    for (const char *usual : {".local/share/Orvane", "Library/Application Support/Orvane"}) {
+        if (place == std::filesystem::weakly_canonical(std::filesystem::path(user->pw_dir) / usual, error))
+            return true;
+    }
+    return false;
 }
 
 } // namespace
@@ -108,6 +125,20 @@ void Installation::setCurrentServer(const std::optional<std::string> &address)
     setValue("server", address);
     if (address)
         setValue("lastServer", address);
+}
+
+void Installation::noteSignIn(const std::string &server)
+{
+    setValue("keychain:" + server, "own");
+    setCurrentServer(server);
+}
+
+std::optional<std::string> Installation::keychainFolder(const std::string &server, bool isForSignIn) const
+{
+    if (m_hasOwnFolder)
+        return m_root;
+    const bool isFromBefore = !isForSignIn && account(server) && !value("keychain:" + server);
+    return isFromBefore || isInUsersHome(m_root) ? std::nullopt : std::optional(m_root);
 }
 
 std::optional<std::string> Installation::lastServer() const

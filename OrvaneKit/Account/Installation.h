@@ -32,6 +32,12 @@ public:
     /// The server signed in to; none before the first sign-in (then it is the one on this computer).
     std::optional<std::string> currentServer() const;
     void setCurrentServer(const std::optional<std::string> &address);
+    /// Somebody signed in there: it is the current server from now on.
+    void noteSignIn(const std::string &server);
+    /// The folder whose name sets this installation's sign-in at the server apart in the keychain, which all
+    /// of a user's installations share. None for the one in the home folder that the system knows of its
+    /// user, and for a sign-in from before those of other home folders were set apart; a new one is.
+    std::optional<std::string> keychainFolder(const std::string &server, bool isForSignIn) const;
     /// The server signed in to last, also after signing out.
     std::optional<std::string> lastServer() const;
     /// The last known address of the server on this computer.

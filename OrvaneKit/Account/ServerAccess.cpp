@@ -153,8 +153,8 @@ Task<> ServerAccess::makeClient()
                 ? m_options.reauthenticator
                 : localReauthenticator(m_link, systemZone().value_or("UTC"), m_options.startsServer);
     } else {
-        auto choice = co_await makeTokenStore(
-            *m_network, installation.hasOwnFolder() ? std::optional{installation.root()} : std::nullopt);
+        auto choice = co_await makeTokenStore(*m_network,
+                                              installation.keychainFolder(m_address, m_options.isForSignIn));
         options.tokenStore = std::move(choice.store);
         options.lockPath = installation.root() + "/session.lock";
         m_tokenPlace = choice.place;

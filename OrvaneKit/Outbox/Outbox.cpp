@@ -3,6 +3,7 @@
 
 #include "Catalog/EntryConversions.h"
 #include "Client/OrvaneClient.h"
+#include "Http/RefusalText.h"
 #include "Outbox/OutboxRules.h"
 #include "Outbox/OutboxStore.h"
 #include "Support/Eventual.h"
@@ -457,8 +458,10 @@ Task<Outbox::Step> Outbox::handleRefusal(Pending row, CallError error)
     const QPointer<Outbox> self(this);
     const bool callerWaits = m_waiters.contains(row.seq);
     std::optional<Refusal> kept;
-    if (!callerWaits)
-        kept = Refusal{row.seq, row.change, describe(error), std::get<APIError>(error).status};
+    if (!callerWaits) {
+        const auto &answer = std::get<APIError>(error);
+        kept = Refusal{row.seq, row.change, refusalText(answer), answer.status};
+    }
     const auto settled = co_await settleRefused(m_parts.store, {row.seq, row.change}, std::move(kept));
     if (!self)
         co_return Step::stop;

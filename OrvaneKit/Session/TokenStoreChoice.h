@@ -31,8 +31,8 @@ struct TokenStoreChoice {
     std::optional<std::string> notice;
 };
 
-/// The keychain's service for an installation: the usual one, or with `dataFolder` (the value of --data-dir)
-/// one that ends in a digest of the folder's canonical path, so that installations never share a token.
+/// The keychain's service for an installation: the usual one, or with `dataFolder`, where it lies, one that
+/// ends in a digest of the folder's canonical path, so that installations never share a token.
 QString keychainService(const std::optional<std::string> &dataFolder);
 
 /// The keychain where one works or does not answer just now, else the kernel's keyring, else memory. Looks

@@ -2,10 +2,13 @@
 #include "Commands/Confirmation.h"
 
 #include "Terminal/StandardStreams.h"
+#include "Terminal/TerminalStyle.h"
+#include "Terminal/TextWidth.h"
 
 #include <algorithm>
 #include <array>
 #include <string_view>
+#include <unistd.h>
 
 namespace orvane {
 
@@ -24,11 +27,12 @@ Result<void, CommandFailure> confirm(CommandContext &context, const std::string 
 {
     if (isYes)
         return {};
-    const std::string before = facts.empty() ? "" : facts + "\n";
+    std::string before = facts.empty() ? "" : facts + "\n";
     if (context.json() || !canAsk())
         return failure(
             CommandFailure::usage(before + "This asks first, and nobody can be asked here. To do it: --yes"));
-    const std::string answer = ask(before + question + " [y/N] ", false);
+    before = wrapped(before + question + " [y/N]", TerminalStyle::of(STDERR_FILENO).width);
+    const std::string answer = ask(before + " ", false);
     context.noteAnswer();
     if (!isConsent(answer))
         return failure(CommandFailure::of("Nothing was changed."));

@@ -142,9 +142,12 @@ void addNotes(CommandAnswer &answer, const std::vector<std::string> &notes)
 }
 
 CommandAnswer answerTo(const CommandContext &context, const SaveResult &result, std::string_view verb,
-                       const std::optional<TimeEntryResponse> &before, const std::vector<std::string> &notes)
+                       const std::optional<TimeEntryResponse> &before, const std::vector<std::string> &asDone)
 {
     const bool done = isDone(result.outcome);
+    std::vector<std::string> notes = asDone;
+    if (!done)
+        std::ranges::transform(asDone, notes.begin(), noteOfRefused);
     CommandAnswer answer;
     answer.exitStatus = done ? ExitStatus::done : ExitStatus::failed;
     // Of a start that ends another timer first, the start is what was done.
@@ -286,8 +289,8 @@ std::optional<CommandFailure> misreadChange(const TypedSentence &typed, const Tr
         return wrong;
     if (!typed.saysNothing())
         return {};
-    const std::string why = refusedLine("The line says nothing that is understood.", verb);
-    return CommandFailure::usage(typed.withNotes(why, tracker.catalog()));
+    const std::string why = refusedLine("What was not understood would become the description.", verb);
+    return CommandFailure::usage(typed.withNotes(why, tracker));
 }
 
 Task<std::vector<EntryWarning>> warningsOf(Context context, EntryTimes times, std::string id)
@@ -316,7 +319,7 @@ CommandTask recordFinished(Context context, TypedSentence typed, EntryRequest re
     Tracker &tracker = context->account()->tracker();
     const auto warnings = co_await warningsOf(context, {request.start, request.stop}, {});
     std::vector<std::string> notes = warningTexts(warnings, tracker.time());
-    std::ranges::move(typed.leftOut(tracker.catalog()), std::back_inserter(notes));
+    std::ranges::move(typed.leftOut(tracker), std::back_inserter(notes));
     CommandAnswer answer =
         co_await conclude(context, co_await tracker.create(std::move(request)), "Added", {}, notes);
     rememberPicks(*context, typed, answer);
@@ -348,7 +351,7 @@ CommandTask record(Context context, EntryOptions options, TypedSentence typed, E
     std::vector<std::string> notes;
     if (*request && at > AppClock::now())
         notes.push_back(time.clockLabel(at) + " is still to come.");
-    std::ranges::move(typed.leftOut(tracker.catalog()), std::back_inserter(notes));
+    std::ranges::move(typed.leftOut(tracker), std::back_inserter(notes));
     if (isDone(result.outcome))
         std::ranges::move(laterNeeds(*whole, tracker), std::back_inserter(notes));
     CommandAnswer answer =

@@ -34,7 +34,7 @@ Result<EntryDraft, CommandFailure> finishedDraft(const TypedSentence &typed, con
         return draft;
     const auto times = draft->times(tracker.time(), AppClock::now());
     if (times ? !*times : times.error() == EntryTimesProblem::endWithoutStart)
-        return failure(CommandFailure::usage(typed.withNotes(needsTimes, tracker.catalog())));
+        return failure(CommandFailure::usage(typed.withNotes(needsTimes, tracker)));
     return draft;
 }
 
@@ -124,7 +124,7 @@ CommandTask addLines(Context context, EntryOptions options)
     for (TypedLine &line : *lines) {
         const SaveResult result = co_await tracker.create(std::move(line.request));
         std::ranges::copy(result.turns, std::back_inserter(turns));
-        answers.push_back(answerTo(*context, result, "Added", {}, line.typed.leftOut(tracker.catalog())));
+        answers.push_back(answerTo(*context, result, "Added", {}, line.typed.leftOut(tracker)));
         rememberPicks(*context, line.typed, answers.back());
     }
     co_await noteStep(context, std::move(turns));
@@ -179,7 +179,7 @@ CommandTask edit(Context context, EditOptions options)
             co_return failure(wanted.error());
         notes = warningTexts(warnings, tracker.time());
     }
-    std::ranges::move(typed.leftOut(tracker.catalog()), std::back_inserter(notes));
+    std::ranges::move(typed.leftOut(tracker), std::back_inserter(notes));
     const SaveResult result = co_await tracker.update(entry->id, whole->at(lies));
     CommandAnswer answer = co_await conclude(context, result, "Changed", {}, notes);
     rememberPicks(*context, typed, answer);

@@ -53,11 +53,10 @@ void addHelpCommands(CommandTree &tree)
     const auto shell = std::make_shared<std::string>();
     CLI::App *completionCommand = tree.add("completion", "Print the completions for a shell", group);
     CommandTree::addRequired(completionCommand, "SHELL", *shell, "bash, zsh or fish");
-    CommandTree::addFooter(
-        completionCommand,
-        "bash: source <(orvane completion bash) in ~/.bashrc. zsh: orvane completion zsh > a folder of "
-        "$fpath, as _orvane. fish: orvane completion fish > "
-        "~/.config/fish/completions/orvane.fish.");
+    CommandTree::addFooter(completionCommand, "bash: source <(orvane completion bash) in ~/.bashrc. zsh: "
+                                              "what orvane completion zsh prints, in a folder of "
+                                              "$fpath, as _orvane. fish: orvane completion fish > "
+                                              "~/.config/fish/completions/orvane.fish.");
     tree.onRunPlain(completionCommand,
                     [shell](const CommandTree &whole) { return completion(whole, *shell); });
 }

@@ -212,8 +212,10 @@ CommandAnswer reportAnswer(const CommandContext &context, const Listed &listed, 
     CommandAnswer answer{.output = reportText(report, grouping, titleOf(listed.range, tracker.time(), format),
                                               tracker.catalog(), tracker.time(), context.style())};
     if (report.lacksRates)
-        answer.messages.emplace_back("Some billable time has no hourly rate, and the amounts are without it. "
-                                     "Give a project one with: orvane projects edit PROJECT --rate 80");
+        answer.messages.emplace_back(
+            "Some billable time has no hourly rate, and the amounts are without it. "
+            "Give a project one with: orvane projects edit PROJECT --rate 80, or all that has "
+            "none with: orvane settings set defaultHourlyRate 80");
     return answer;
 }
 
@@ -277,7 +279,7 @@ CommandTask list(Context context, ListOptions options)
         co_return CommandAnswer{.output = daysText(*context, *found)};
     shapes::Days answer;
     for (const DayGroup &group : found->days)
-        answer.days.push_back(shapes::day(group, tracker.catalog(), AppClock::now(), *filter));
+        answer.days.push_back(shapes::listedDay(group, tracker.catalog(), AppClock::now(), *filter));
     co_return CommandAnswer{.output = shapes::text(answer)};
 }
 

@@ -39,7 +39,7 @@ std::string explained(const TypedSentence &typed, const Tracker &tracker, const 
 {
     const EntrySentence::Reading &reading = typed.reading;
     const Catalog &catalog = tracker.catalog();
-    TextTable table({{}, {.shrinksTo = 12}});
+    TextTable table({{}, {.shrinksTo = 12, .wraps = true}});
     const auto add = [&table](const char *what, TextCell cell) {
         table.add({TextCell(what, quiet), std::move(cell)});
     };
@@ -73,7 +73,7 @@ CommandTask parse(Context context, std::string sentence)
     co_await context->bringUpToDate();
     const TypedSentence typed = TypedSentence::read(sentence, **opened);
     const Tracker &tracker = (*opened)->tracker();
-    const std::vector<std::string> notes = typed.leftOut(tracker.catalog());
+    const std::vector<std::string> notes = typed.leftOut(tracker);
     if (context->json())
         co_return CommandAnswer{.output = shapes::text(shapes::sentence(typed.reading, typed.span, notes))};
     CommandAnswer answer{.output = explained(typed, tracker, context->style())};
@@ -114,7 +114,7 @@ TextCell highlighted(const std::string &name, const std::vector<TextRange> &rang
 std::string foundTable(const Palette &palette, const std::vector<Palette::Found> &found,
                        const TerminalStyle &style)
 {
-    TextTable table({{}, {.shrinksTo = 12}, {.shrinksTo = 8}});
+    TextTable table({{}, {.shrinksTo = 12, .wraps = true}, {.shrinksTo = 8, .wraps = true}});
     for (const Palette::Found &row : std::span(found).first(std::min(found.size(), shownRows))) {
         const PaletteItem &item = palette.items()[row.item];
         std::string about;

@@ -148,6 +148,12 @@ CommandTask leaveEndedSession(Context context)
         co_return failure(left.error());
     if (context->json())
         co_return CommandAnswer{.output = shapes::text(shapes::SignIn{{}, {server, false, false}})};
+    if (context->isSignInUnseen())
+        co_return CommandAnswer{.output = "No sign-in at " + server +
+                                          " can be read here, so the account on this computer is used from "
+                                          "now on. One that lies in a keychain stays; to end it, where the "
+                                          "keychain can be read: orvane --server " +
+                                          server + " logout\n"};
     co_return CommandAnswer{.output = "The session at " + server + " was over already.\n"};
 }
 

@@ -157,8 +157,7 @@ CommandTask stopWith(Context context, EntryOptions options, TypedSentence typed,
     }
     if (result.outcome == SaveOutcome::rejected && before && end < before->start)
         result.message += " " + beganText(before->start, tracker.time());
-    CommandAnswer answer =
-        co_await conclude(context, result, "Stopped", before, typed.leftOut(tracker.catalog()));
+    CommandAnswer answer = co_await conclude(context, result, "Stopped", before, typed.leftOut(tracker));
     rememberPicks(*context, typed, answer);
     co_return answer;
 }

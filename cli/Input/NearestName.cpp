@@ -15,6 +15,7 @@ namespace {
 
 constexpr std::size_t mostSlips = 3;
 constexpr std::size_t lettersForEachSlip = 3;
+constexpr std::size_t lettersOfBeginning = 3;
 
 std::u32string lettersOf(std::string_view name)
 {
@@ -57,6 +58,10 @@ std::optional<std::string> nearestName(std::string_view typed, std::span<const s
     std::size_t fewest = mostSlips + 1;
     for (const std::string &name : names) {
         const std::u32string other = lettersOf(name);
+        if (fewest > 0 && letters.size() >= lettersOfBeginning && other.starts_with(letters)) {
+            fewest = 0;
+            nearest = name;
+        }
         const std::size_t limit = mostSlipsIn(letters, other);
         if (std::max(letters.size(), other.size()) - std::min(letters.size(), other.size()) > limit)
             continue;

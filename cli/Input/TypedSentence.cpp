@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Input/TypedSentence.h"
 
-#include "Input/ShellText.h"
+#include "Catalog/CatalogLookup.h"
+#include "Input/LookupText.h"
+#include "Input/NearestName.h"
 #include "QuickEntry/SentenceNote.h"
 #include "QuickEntry/UnreadTime.h"
 #include "QuickEntry/UnreadWords.h"
@@ -23,7 +25,55 @@ std::string nameIn(std::string_view mention)
     return std::string(mention);
 }
 
-std::string noteText(const SentenceNote &note)
+std::string nearestOf(std::string_view typed, const std::vector<NamedItem> &items)
+{
+    std::vector<std::string> names;
+    for (const NamedItem &item : items) {
+        if (!item.isArchived)
+            names.push_back(item.name);
+    }
+    return didYouMean(typed, names);
+}
+
+/// How to make what is not there, where that is allowed.
+std::string toMake(std::string_view what, const std::string &making, bool mayMake)
+{
+    return mayMake ? " To make " + std::string(what) + ": " + making
+                   : " Only the workspace's administrators make one.";
+}
+
+/// That the project which a mention names is put away, and how to take it back.
+std::optional<std::string> archivedProject(const std::string &mention, const Catalog &catalog)
+{
+    const std::string name = nameIn(mention);
+    const std::string place = name.substr(0, name.find('/'));
+    const auto project = lookUpProject(place, catalog);
+    if (project || project.error().why != NoSingleItem::Why::archived)
+        return std::nullopt;
+    return lookupText("project", place, project.error());
+}
+
+/// What was perhaps meant by a mention that names nothing, and how to come to what it names.
+std::string wayToName(const std::string &mention, const Tracker &tracker)
+{
+    const Catalog &catalog = tracker.catalog();
+    const EntryRules rules = tracker.rules();
+    const std::string name = nameIn(mention);
+    if (mention.front() == '#')
+        return nearestOf(name, namedItems(catalog.tags())) +
+               toMake("it", makingCommand("tag", name), rules.mayCreateTags());
+    const std::string place = name.substr(0, name.find('/'));
+    const auto project = lookUpProject(place, catalog);
+    if (project && place.size() + 1 < name.size()) {
+        const std::string task = name.substr(place.size() + 1);
+        return nearestOf(task, namedItems(tasksOf(catalog, *project), catalog)) +
+               toMake("the task", makingCommand("task", task, place), rules.mayCreateProjects());
+    }
+    return nearestOf(name, namedItems(catalog.projects(), catalog)) +
+           toMake("a project", makingCommand("project", name), rules.mayCreateProjects());
+}
+
+std::string noteText(const SentenceNote &note, const Tracker &tracker)
 {
     using Kind = SentenceNote::Kind;
     const std::string text = "\"" + printable(note.text) + "\"";
@@ -32,12 +82,13 @@ std::string noteText(const SentenceNote &note)
         return "An entry belongs to a project, and " + text +
                " is a client. Name one of its projects to put it there.";
     case Kind::unknownTag:
-        return "No tag is called " + text + ", so it stays in the description. To make it: orvane tags add " +
-               shellArgument(nameIn(note.text));
+        return "No tag is called " + text + ", so it stays in the description." +
+               wayToName(note.text, tracker);
     case Kind::unknownName:
-        return "No project, task or client is called " + text +
-               ", so it stays in the description. To make a project: orvane projects add " +
-               shellArgument(nameIn(note.text));
+        if (const auto archived = archivedProject(note.text, tracker.catalog()))
+            return *archived;
+        return "No project, task or client is called " + text + ", so it stays in the description." +
+               wayToName(note.text, tracker);
     case Kind::ambiguousName:
         return "Several names match " + text +
                ", so it stays in the description; type more of the one you mean.";
@@ -105,26 +156,29 @@ bool TypedSentence::saysNothing() const
     return !isLiteral && orvane::saysNothing(reading);
 }
 
-std::vector<std::string> TypedSentence::leftOut(const Catalog &catalog) const
+std::vector<std::string> TypedSentence::leftOut(const Tracker &tracker) const
 {
     std::vector<std::string> notes;
     if (isLiteral)
         return notes;
-    for (const SentenceNote &note : SentenceNote::of(reading, catalog))
-        notes.push_back(noteText(note));
+    for (const SentenceNote &note : SentenceNote::of(reading, tracker.catalog()))
+        notes.push_back(noteText(note, tracker));
     return notes;
 }
 
-std::string TypedSentence::withNotes(std::string message, const Catalog &catalog) const
+std::string TypedSentence::withNotes(std::string message, const Tracker &tracker) const
+{
+    for (std::string &note : leftOut(tracker))
+        message += "\n" + noteOfRefused(std::move(note));
+    return message;
+}
+
+std::string noteOfRefused(std::string note)
 {
     constexpr std::string_view stays = ", so it stays in the description";
-    for (std::string note : leftOut(catalog)) {
-        // Nothing stays of what is refused.
-        if (const std::size_t at = note.find(stays); at != std::string::npos)
-            note.erase(at, stays.size());
-        message += "\n" + note;
-    }
-    return message;
+    if (const std::size_t at = note.find(stays); at != std::string::npos)
+        note.erase(at, stays.size());
+    return note;
 }
 
 } // namespace orvane

@@ -24,7 +24,7 @@ struct TypedSentence {
                               bool literally = false);
 
     /// What its entry will not have as it was perhaps meant: sentences for people.
-    std::vector<std::string> leftOut(const Catalog &catalog) const;
+    std::vector<std::string> leftOut(const Tracker &tracker) const;
     /// Why a time that was typed is none, in a sentence for who would record something else without it.
     std::optional<std::string> unreadTime(const UserTime &time) const;
     /// Whether there is a time in it, or what looks like one.
@@ -32,7 +32,10 @@ struct TypedSentence {
     /// Whether it holds nothing but names and times that were not understood.
     bool saysNothing() const;
     /// A message and these sentences, for a sentence that says too little.
-    std::string withNotes(std::string message, const Catalog &catalog) const;
+    std::string withNotes(std::string message, const Tracker &tracker) const;
 };
+
+/// One of these sentences where the entry was refused: nothing stays in its description.
+std::string noteOfRefused(std::string note);
 
 } // namespace orvane

@@ -18,10 +18,6 @@ namespace orvane {
 /// How a command ends; what scripts see.
 enum class ExitStatus : int { done = 0, failed = 1, usage = 2, interrupted = 130 };
 
-/// What the server refused, with the name of each field that it found fault with: "Color: This is not a
-/// color."
-std::string refusalText(const APIError &refusal);
-
 /// Why a command did not do what it was asked to: a sentence for people, and for programs what the server
 /// said.
 struct CommandFailure {

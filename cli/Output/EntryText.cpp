@@ -17,9 +17,9 @@ namespace {
 constexpr TextStyle good{.bold = true, .colour = TextStyle::Colour::green};
 constexpr TextStyle warning{.colour = TextStyle::Colour::yellow};
 
-/// What the work was matters most on a line, and project and tags give way to it.
-constexpr TextTable::Column descriptionColumn{.shrinksTo = 14, .shrinksLast = true};
-constexpr TextTable::Column placeColumn{.shrinksTo = 12};
+/// The description gives way first; what one bills by stays on one line as long as it can.
+constexpr TextTable::Column descriptionColumn{.shrinksTo = 24, .wraps = true};
+constexpr TextTable::Column placeColumn{.shrinksTo = 12, .shrinksLast = true, .wraps = true};
 
 constexpr int headingWidth = 40;
 

@@ -37,11 +37,11 @@ struct JsonFields<shapes::EntryNames> {
 
 namespace {
 
-/// A field of the server's entry as one of ours.
-template <JsonName Name, class Member>
-constexpr auto entryField(const JsonField<Name, TimeEntryResponse, Member> &field)
+/// A field of what `Owner` is derived from as one of its own.
+template <class Owner, JsonName Name, class Base, class Member>
+constexpr auto ownField(const JsonField<Name, Base, Member> &field)
 {
-    return JsonField<Name, shapes::Entry, Member>{field.member, field.presence};
+    return JsonField<Name, Owner, Member>{field.member, field.presence};
 }
 
 } // namespace
@@ -50,7 +50,8 @@ template <>
 struct JsonFields<shapes::Entry> {
     static constexpr auto list =
         json::withFields(JsonFields<TimeEntryResponse>::list, [](const auto &...field) {
-            return JsonFieldList{entryField(field)..., jsonField<"seconds">(&shapes::Entry::seconds),
+            return JsonFieldList{ownField<shapes::Entry>(field)...,
+                                 jsonField<"seconds">(&shapes::Entry::seconds),
                                  jsonField<"names">(&shapes::Entry::names)};
         });
 };
@@ -59,6 +60,19 @@ struct JsonFields<shapes::Day> {
     static constexpr auto list =
         JsonFieldList{jsonField<"day">(&shapes::Day::day), jsonField<"seconds">(&shapes::Day::seconds),
                       jsonField<"entries">(&shapes::Day::entries)};
+};
+template <>
+struct JsonFields<shapes::ListedEntry> {
+    static constexpr auto list = json::withFields(JsonFields<shapes::Entry>::list, [](const auto &...field) {
+        return JsonFieldList{ownField<shapes::ListedEntry>(field)...,
+                             jsonField<"matchingSeconds">(&shapes::ListedEntry::matchingSeconds)};
+    });
+};
+template <>
+struct JsonFields<shapes::ListedDay> {
+    static constexpr auto list = JsonFieldList{jsonField<"day">(&shapes::ListedDay::day),
+                                               jsonField<"seconds">(&shapes::ListedDay::seconds),
+                                               jsonField<"entries">(&shapes::ListedDay::entries)};
 };
 template <>
 struct JsonFields<shapes::Queue> {
@@ -224,12 +238,22 @@ std::optional<Entry> entry(const std::optional<TimeEntryResponse> &known, const 
     return known ? std::optional(entry(*known, catalog, now)) : std::nullopt;
 }
 
-Day day(const DayGroup &group, const Catalog &catalog, Instant now, const EntryFilter &filter)
+Day day(const DayGroup &group, const Catalog &catalog, Instant now)
 {
-    Day day{group.day.civil(), filter.seconds(group.entries, catalog, now), {}};
+    Day day{group.day.civil(), EntryFilter{}.seconds(group.entries, catalog, now), {}};
     day.entries.reserve(group.entries.size());
     for (const TimeEntryResponse &known : group.entries)
         day.entries.push_back(entry(known, catalog, now));
+    return day;
+}
+
+ListedDay listedDay(const DayGroup &group, const Catalog &catalog, Instant now, const EntryFilter &filter)
+{
+    ListedDay day{group.day.civil(), filter.seconds(group.entries, catalog, now), {}};
+    day.entries.reserve(group.entries.size());
+    for (const TimeEntryResponse &known : group.entries)
+        day.entries.push_back(
+            {entry(known, catalog, now), filter.seconds(std::span(&known, 1), catalog, now)});
     return day;
 }
 

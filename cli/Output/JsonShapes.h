@@ -85,8 +85,19 @@ struct SignIn {
     std::vector<std::string> notes = {};
 };
 
+/// An entry among others that a filter chose.
+struct ListedEntry : Entry {
+    std::int64_t matchingSeconds = 0; ///< of a split one only the shares that the filter takes
+};
+
+struct ListedDay {
+    std::chrono::year_month_day day;
+    std::int64_t seconds = 0; ///< those that the filter takes
+    std::vector<ListedEntry> entries;
+};
+
 struct Days {
-    std::vector<Day> days;
+    std::vector<ListedDay> days;
 };
 
 struct ReportGroup {
@@ -170,8 +181,8 @@ Entry entry(const TimeEntryResponse &entry, const Catalog &catalog, Instant now)
 /// Nothing of nothing.
 std::optional<Entry> entry(const std::optional<TimeEntryResponse> &entry, const Catalog &catalog,
                            Instant now);
-/// The day's seconds are those that the filter takes; an entry's are its own.
-Day day(const DayGroup &group, const Catalog &catalog, Instant now, const EntryFilter &filter = {});
+Day day(const DayGroup &group, const Catalog &catalog, Instant now);
+ListedDay listedDay(const DayGroup &group, const Catalog &catalog, Instant now, const EntryFilter &filter);
 Report report(const EntryReport &report);
 Error error(const CommandFailure &failure);
 

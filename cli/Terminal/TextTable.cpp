@@ -12,6 +12,10 @@ namespace orvane {
 namespace {
 
 constexpr int gap = 2;
+/// A word that is wider than this may be cut in a column that wraps.
+constexpr int longWord = 20;
+/// In front of a project's name, from which it is not parted.
+constexpr std::string_view dot = "●";
 
 std::string spaces(int count)
 {
@@ -54,6 +58,11 @@ TextCell TextCell::truncated(int limit) const
 
 std::vector<TextCell> TextCell::wrapped(int limit) const
 {
+    return wrapped(limit, limit);
+}
+
+std::vector<TextCell> TextCell::wrapped(int limit, int widestWord) const
+{
     // A word may go over several runs.
     std::vector<TextCell> words(1);
     for (const TextRun &run : runs) {
@@ -61,14 +70,17 @@ std::vector<TextCell> TextCell::wrapped(int limit) const
             const std::size_t end = std::min(run.text.find(' ', at), run.text.size());
             if (end > at)
                 words.back().runs.push_back({run.text.substr(at, end - at), run.style});
-            if (end < run.text.size() && !words.back().runs.empty())
+            const bool isDot = words.back().runs.size() == 1 && words.back().runs.front().text == dot;
+            if (end < run.text.size() && isDot)
+                words.back().runs.front().text += ' ';
+            else if (end < run.text.size() && !words.back().runs.empty())
                 words.emplace_back();
             at = end + 1;
         }
     }
     std::vector<TextCell> lines;
     for (const TextCell &whole : words) {
-        const TextCell word = whole.truncated(limit);
+        const TextCell word = whole.truncated(widestWord);
         if (word.width() == 0)
             continue;
         if (lines.empty() || lines.back().width() + 1 + word.width() > limit)
@@ -120,11 +132,29 @@ std::vector<int> TextTable::naturalWidths() const
     return widths;
 }
 
+std::vector<int> TextTable::leastWidths() const
+{
+    std::vector<int> least;
+    for (const Column &column : m_columns)
+        least.push_back(column.shrinksTo);
+    for (const auto &row : m_rows) {
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            // Each word on a line of its own.
+            for (const TextCell &word :
+                 m_columns[i].wraps ? row[i].wrapped(1, longWord) : std::vector<TextCell>())
+                least[i] = std::max(least[i], word.width());
+        }
+    }
+    return least;
+}
+
 std::vector<int> TextTable::widths(const TerminalStyle &style) const
 {
     std::vector<int> widths = naturalWidths();
-    for (int excess = style.width > 0 ? total(widths) - style.width : 0; excess > 0; --excess) {
-        const std::size_t widest = widestThatShrinks(widths);
+    int excess = style.width > 0 ? total(widths) - style.width : 0;
+    const std::vector<int> least = excess > 0 ? leastWidths() : widths;
+    for (; excess > 0; --excess) {
+        const std::size_t widest = widestThatShrinks(widths, least);
         // What stands below the line has no reason to be cut.
         if (widest == widths.size())
             return naturalWidths();
@@ -142,11 +172,11 @@ std::size_t TextTable::columnsInLine(const std::vector<int> &widths, const Termi
 }
 
 /// The column that gives way next; their number when none can.
-std::size_t TextTable::widestThatShrinks(const std::vector<int> &widths) const
+std::size_t TextTable::widestThatShrinks(const std::vector<int> &widths, const std::vector<int> &least) const
 {
     std::size_t widest = widths.size();
     for (std::size_t i = 0; i < widths.size(); ++i) {
-        const bool canShrink = m_columns[i].shrinksTo > 0 && widths[i] > m_columns[i].shrinksTo;
+        const bool canShrink = m_columns[i].shrinksTo > 0 && widths[i] > least[i];
         if (!canShrink)
             continue;
         const bool isFirst = widest == widths.size();
@@ -164,24 +194,39 @@ int TextTable::width(const TerminalStyle &style) const
     return style.width > 0 ? std::min(width, style.width) : width;
 }
 
+std::vector<TextCell> TextTable::cellLines(const TextCell &cell, std::size_t column, int width) const
+{
+    return m_columns[column].wraps && cell.width() > width ? cell.wrapped(width)
+                                                           : std::vector{cell.truncated(width)};
+}
+
 std::string TextTable::rowText(const std::vector<TextCell> &row, const std::vector<int> &columnWidths,
                                const TerminalStyle &style) const
 {
-    std::string line;
-    // Spaces are written only before something, so no line ends in them.
-    int owed = m_indent;
-    bool first = true;
+    std::vector<std::vector<TextCell>> cells;
+    std::size_t count = 1;
     for (std::size_t i = 0; i < columnWidths.size(); ++i) {
-        if (columnWidths[i] == 0)
-            continue;
-        const TextCell cell = row[i].truncated(columnWidths[i]);
-        const int padding = columnWidths[i] - cell.width();
-        owed += (std::exchange(first, false) ? 0 : gap) + (m_columns[i].alignsRight ? padding : 0);
-        if (cell.width() > 0)
-            line += spaces(std::exchange(owed, 0)) + cell.render(style);
-        owed += m_columns[i].alignsRight ? 0 : padding;
+        cells.push_back(cellLines(row[i], i, columnWidths[i]));
+        count = std::max(count, cells.back().size());
     }
-    return line;
+    std::string text;
+    for (std::size_t line = 0; line < count; ++line) {
+        // Spaces are written only before something, so no line ends in them.
+        int owed = m_indent;
+        bool first = true;
+        text += line > 0 ? "\n" : "";
+        for (std::size_t i = 0; i < columnWidths.size(); ++i) {
+            if (columnWidths[i] == 0)
+                continue;
+            const TextCell cell = line < cells[i].size() ? cells[i][line] : TextCell();
+            const int padding = columnWidths[i] - cell.width();
+            owed += (std::exchange(first, false) ? 0 : gap) + (m_columns[i].alignsRight ? padding : 0);
+            if (cell.width() > 0)
+                text += spaces(std::exchange(owed, 0)) + cell.render(style);
+            owed += m_columns[i].alignsRight ? 0 : padding;
+        }
+    }
+    return text;
 }
 
 std::string TextTable::tailText(std::span<const TextCell> cells, const TerminalStyle &style) const

@@ -27,13 +27,15 @@ struct TextCell {
     TextCell truncated(int width) const;
     /// Its words on lines of so many columns; a word that is wider has "…" for its end.
     std::vector<TextCell> wrapped(int width) const;
+    /// The same, where a word may be as wide as `widestWord` before it is cut, on a line of its own.
+    std::vector<TextCell> wrapped(int width, int widestWord) const;
     std::string render(const TerminalStyle &style) const;
 };
 
 /// Rows in aligned columns, two spaces apart. Of the columns that may shrink the widest gives way, until the
-/// table fits the terminal; what no longer fits is cut with "…". Where even that does not fit, the first
-/// columns stand in line and the others below them, on lines that break between words. Cells hold text that
-/// is `printable`.
+/// table fits the terminal; what no longer fits is cut with "…", or goes on below. Where even that does not
+/// fit, the first columns stand in line and the others below them, on lines that break between words. Cells
+/// hold text that is `printable`.
 class TextTable {
 public:
     struct Column {
@@ -42,6 +44,8 @@ public:
         int shrinksTo = 0;
         /// Gives way only when no other column can any more.
         bool shrinksLast = false;
+        /// Its words go on below where they do not fit, instead of being cut.
+        bool wraps = false;
     };
 
     explicit TextTable(std::vector<Column> columns, int indent = 2);
@@ -57,6 +61,8 @@ public:
 
 private:
     std::vector<int> naturalWidths() const;
+    /// What each column may shrink to, so that only long words are cut where words go on below.
+    std::vector<int> leastWidths() const;
     std::vector<int> widths(const TerminalStyle &style) const;
     /// How many columns stand in line.
     std::size_t columnsInLine(const std::vector<int> &widths, const TerminalStyle &style) const;
@@ -65,7 +71,9 @@ private:
     /// What does not stand in line, below it.
     std::string tailText(std::span<const TextCell> cells, const TerminalStyle &style) const;
     int total(std::span<const int> widths) const;
-    std::size_t widestThatShrinks(const std::vector<int> &widths) const;
+    std::size_t widestThatShrinks(const std::vector<int> &widths, const std::vector<int> &least) const;
+    /// The lines of a cell in a column of so many columns.
+    std::vector<TextCell> cellLines(const TextCell &cell, std::size_t column, int width) const;
 
     std::vector<Column> m_columns;
     int m_indent;

@@ -2,9 +2,11 @@
 #include "Terminal/TextWidth.h"
 
 #include <algorithm>
+#include <span>
 #include <unicode/uchar.h>
 #include <unicode/utf8.h>
 #include <utility>
+#include <vector>
 
 namespace orvane {
 
@@ -117,6 +119,99 @@ int shownWidth(std::string_view text)
     return displayWidth(shown);
 }
 
+/// What a shell takes for a command that goes on in the next line.
+constexpr std::string_view goesOn = " \\";
+
+/// Whether a quote is open behind the text.
+bool leavesQuoteOpen(std::string_view text)
+{
+    char open = 0;
+    for (const char c : text) {
+        const bool isQuote = c == '"' || c == '\'';
+        if (isQuote && (open == 0 || open == c))
+            open = open == 0 ? c : char{0};
+    }
+    return open != 0;
+}
+
+/// How many of the words are the command that they begin with: up to punctuation, or to what leads to another
+/// one.
+std::size_t wordsOfCommand(std::span<const std::string_view> words)
+{
+    std::string text;
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        text.append(i > 0 ? " " : "").append(words[i]);
+        if (leavesQuoteOpen(text))
+            continue;
+        constexpr std::string_view ends = ".,;";
+        const bool isLast = i + 1 == words.size() || words[i + 1] == "or" || words[i + 1] == "or:";
+        if (isLast || ends.find(words[i].back()) != std::string_view::npos)
+            return i + 1;
+    }
+    return 1; // an apostrophe, not a quote
+}
+
+/// A piece of a line that is not broken.
+struct LinePiece {
+    std::string text;
+    /// The command whose words it is one of; 0: none.
+    int command = 0;
+    /// It goes on with an argument that is wider than a line: a backslash would become part of it.
+    bool isWithinArgument = false;
+};
+
+std::string joinedWords(std::span<const std::string_view> words)
+{
+    std::string text;
+    for (const std::string_view word : words)
+        text.append(text.empty() ? "" : " ").append(word);
+    return text;
+}
+
+/// The arguments of a command that is wider than a line.
+void addArguments(std::vector<LinePiece> &pieces, std::span<const std::string_view> words, int command,
+                  int width)
+{
+    for (std::size_t at = 0; at < words.size();) {
+        std::size_t count = 1;
+        while (at + count < words.size() && leavesQuoteOpen(joinedWords(words.subspan(at, count))))
+            ++count;
+        const auto argument = words.subspan(at, count);
+        std::string whole = joinedWords(argument);
+        at += count;
+        if (shownWidth(whole) <= width) {
+            pieces.push_back({std::move(whole), command});
+            continue;
+        }
+        for (const std::string_view &word : argument)
+            pieces.push_back({std::string(word), command, &word != argument.data()});
+    }
+}
+
+/// The words of a line, those of a command together when they fit, else each of its arguments that fits.
+std::vector<LinePiece> piecesOf(std::string_view line, int width)
+{
+    std::vector<std::string_view> all;
+    forEachWord(line, [&all](std::string_view word) { all.push_back(word); });
+    const std::span<const std::string_view> words = all;
+    std::vector<LinePiece> pieces;
+    int commands = 0;
+    for (std::size_t at = 0; at < words.size(); ++at) {
+        const bool isCommand =
+            words[at] == "orvane" && (at == 0 || words[at - 1].ends_with(':') || words[at - 1] == "or");
+        const std::size_t count = isCommand ? wordsOfCommand(words.subspan(at)) : 1;
+        const auto command = words.subspan(at, count);
+        at += count - 1;
+        std::string whole = joinedWords(command);
+        if (!isCommand || shownWidth(whole) <= width) {
+            pieces.push_back({std::move(whole)});
+            continue;
+        }
+        addArguments(pieces, command, ++commands, width - static_cast<int>(goesOn.size()));
+    }
+    return pieces;
+}
+
 void appendWrapped(std::string &out, std::string_view line, int width)
 {
     if (shownWidth(line) <= width) {
@@ -125,19 +220,23 @@ void appendWrapped(std::string &out, std::string_view line, int width)
     }
     const std::string_view indent = line.substr(0, std::min(line.find_first_not_of(' '), line.size()));
     const auto margin = static_cast<int>(indent.size());
+    const std::vector<LinePiece> pieces = piecesOf(line, width - margin);
     int column = 0;
-    forEachWord(line, [&](std::string_view word) {
-        const int wide = shownWidth(word);
+    for (std::size_t i = 0; i < pieces.size(); ++i) {
+        const auto isPartOf = [&](std::size_t other) {
+            return pieces[i].command != 0 && other < pieces.size() &&
+                   pieces[other].command == pieces[i].command;
+        };
+        const int wide = shownWidth(pieces[i].text);
+        const int kept = isPartOf(i + 1) ? static_cast<int>(goesOn.size()) : 0;
         const bool isFirst = column == 0;
-        if (isFirst || column + 1 + wide > width) {
-            out.append(isFirst ? "" : "\n").append(indent);
-            column = margin + wide;
-        } else {
-            out += ' ';
-            column += 1 + wide;
-        }
-        out += word;
-    });
+        const bool breaks =
+            isFirst || column + 1 + wide + kept > width || (pieces[i].command != 0 && !isPartOf(i - 1));
+        if (breaks && !isFirst)
+            out.append(isPartOf(i - 1) && !pieces[i].isWithinArgument ? goesOn : "").append("\n");
+        out.append(breaks ? indent : " ").append(pieces[i].text);
+        column = (breaks ? margin : column + 1) + wide;
+    }
 }
 
 } // namespace

@@ -20,7 +20,9 @@ std::string truncatedToWidth(std::string_view text, int width);
 std::vector<std::string> wordLines(std::string_view text, int width);
 
 /// The text with line breaks put in between words, so that no line is wider than `width`, as far as words
-/// allow; 0: as it is. What a line breaks into keeps its margin. Codes for colours take no room.
+/// allow; 0: as it is. What a line breaks into keeps its margin. Codes for colours take no room. A command
+/// behind a colon ("To sign in: orvane login.") stays on one line to be copied; one that is wider than the
+/// terminal is broken as a shell reads it, with a backslash.
 std::string wrapped(std::string_view text, int width);
 
 /// The text without what would drive the terminal or disguise other text: control characters and line breaks

@@ -8,6 +8,8 @@
 #include <QTemporaryDir>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <pwd.h>
+#include <unistd.h>
 
 namespace orvane {
 namespace {
@@ -151,6 +153,29 @@ TEST_F(AccountTest, TellsAServerThatIsBusyFromOneThatIsAway)
     EXPECT_FALSE(await(account->tracker().refresh(Topic::running)));
     EXPECT_FALSE(state.isTurnedAway());
     await(account->close());
+}
+
+TEST(InstallationKeychain, SetsOtherHomeFoldersApartAndKeepsSignInsFromBefore)
+{
+    const QTemporaryDir folder;
+    const QByteArray before = qgetenv("XDG_DATA_HOME");
+    qputenv("XDG_DATA_HOME", folder.path().toUtf8());
+    Installation installation;
+    const std::optional own = installation.root();
+    EXPECT_TRUE(own->starts_with(folder.path().toStdString())) << *own;
+    EXPECT_EQ(installation.keychainFolder("https://a.example", false), own);
+    installation.setAccount("https://a.example", "ada");
+    EXPECT_EQ(installation.keychainFolder("https://a.example", false), std::nullopt) << "it lies there";
+    EXPECT_EQ(installation.keychainFolder("https://a.example", true), own) << "the next one does not";
+    installation.noteSignIn("https://a.example");
+    EXPECT_EQ(installation.keychainFolder("https://a.example", false), own);
+    EXPECT_EQ(installation.currentServer(), "https://a.example");
+
+    // The usual place is known by what the system says of its user.
+    const QByteArray home = ::getpwuid(::geteuid())->pw_dir;
+    qputenv("XDG_DATA_HOME", home + "/.local/share");
+    EXPECT_EQ(Installation().keychainFolder("https://b.example", true), std::nullopt);
+    before.isNull() ? qunsetenv("XDG_DATA_HOME") : qputenv("XDG_DATA_HOME", before);
 }
 
 TEST(InstallationFolder, IsRefusedWhenOthersCanWriteToIt)

@@ -124,23 +124,26 @@ TEST_F(OutboxTest, ARefusalLeavesTheQueueAndIsShownOnceEvenAfterARestart)
         ASSERT_TRUE(std::holds_alternative<Outbox::Rejected>(*outcome));
         EXPECT_TRUE(await(outbox->unshownRefusals()).empty()) << "its caller was told";
         stack.proxy().setDown(true);
-        queue(*outbox, {update(unknown, "typed while offline", 0), create(newId(), "behind it", 30)});
+        queue(*outbox, {update(unknown, "typed while offline", 0), create(newId(), "behind it", 30),
+                        create(newId(), "ends before it begins", 60, -5)});
         await(outbox->close());
     }
     stack.proxy().setDown(false);
     {
         auto [outbox, retry] = stack.openOutbox();
-        EXPECT_EQ(outbox->pending().size(), 2U);
+        EXPECT_EQ(outbox->pending().size(), 3U);
         await(outbox->flush());
         EXPECT_TRUE(outbox->pending().empty());
         EXPECT_EQ(stack.serverEntries().size(), 1U) << "a refusal never blocks what is behind it";
     }
     auto [outbox, retry] = stack.openOutbox();
     const auto refusals = await(outbox->unshownRefusals());
-    ASSERT_EQ(refusals.size(), 1U);
+    ASSERT_EQ(refusals.size(), 2U);
     EXPECT_EQ(refusals.front().change, update(unknown, "typed while offline", 0))
         << "its whole content is kept";
     EXPECT_EQ(refusals.front().status, 404);
+    EXPECT_EQ(refusals.back().message, "End: The end must not lie before the start.")
+        << "the field is named to who was not there";
     ASSERT_TRUE(await(outbox->markShown(refusals)));
     EXPECT_TRUE(await(outbox->unshownRefusals()).empty());
 }

@@ -335,6 +335,11 @@ TEST_F(Command, KeepsTheCatalog)
     EXPECT_TRUE(listed({"projects"}).isEmpty());
     EXPECT_EQ(listed({"projects", "--archived"}).size(), 1);
     EXPECT_THAT(text(failed(1, {"start", "x", "--project", "Website"})[u"message"]), HasSubstr("archived"));
+    const auto note = [&](const char *sentence) {
+        return text(done({"parse", sentence})[u"notes"].toArray()[0]);
+    };
+    EXPECT_THAT(note("x @website"), HasSubstr("archived. Take it back with: orvane projects restore "))
+        << "and it is not told to be made again";
     EXPECT_FALSE(done({"projects", "restore", "Website"})[u"isArchived"].toBool(true));
 
     const QJsonObject task = done({"tasks", "add", "Website", "Design"});

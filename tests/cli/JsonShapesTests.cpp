@@ -29,6 +29,28 @@ TEST(JsonShapes, WriteEveryMemberInItsPlace)
               "\"outbox\":{\"pending\":0,\"offline\":false,\"conflicts\":0}}\n");
 }
 
+TEST(JsonShapes, TellWhatAFilterTakesOfASplitEntry)
+{
+    DayGroup group;
+    TimeEntryResponse split;
+    split.start = Instant{};
+    split.stop = Instant{std::chrono::hours{2}};
+    split.shares = {{.projectId = "p1", .percent = 25, .description = {}},
+                    {.projectId = "p2", .percent = 75, .description = {}}};
+    TimeEntryResponse running;
+    running.start = Instant{std::chrono::hours{2}};
+    running.projectId = "p1";
+    group.entries = {split, running};
+    const Instant now{std::chrono::hours{3}};
+    const auto day = shapes::listedDay(group, Catalog{}, now, {.projectId = "p1"});
+    EXPECT_EQ(day.seconds, 1800 + 3600);
+    ASSERT_EQ(day.entries.size(), 2U);
+    EXPECT_EQ(day.entries[0].seconds, 7200) << "its own stay";
+    EXPECT_EQ(day.entries[0].matchingSeconds, 1800);
+    EXPECT_EQ(day.entries[1].matchingSeconds, 3600);
+    EXPECT_EQ(shapes::listedDay(group, Catalog{}, now, {}).entries[0].matchingSeconds, 7200);
+}
+
 TEST(JsonShapes, WriteFailuresWithWhatTheServerSaid)
 {
     EXPECT_EQ(shapes::text(shapes::Failure{shapes::error(CommandFailure::of("No."))}),

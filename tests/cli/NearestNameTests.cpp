@@ -13,6 +13,8 @@ TEST(NearestName, ForgivesAThirdOfTheLetters)
     const auto nearest = [&](std::string_view typed) { return nearestName(typed, names).value_or("none"); };
     EXPECT_EQ(nearest("strat"), "start") << "two letters swapped are one slip";
     EXPECT_EQ(nearest("STOPP"), "stop");
+    EXPECT_EQ(nearest("stat"), "status") << "which it begins, before one slip to \"start\"";
+    EXPECT_EQ(nearest("proj"), "projects");
     EXPECT_EQ(nearest("porjets"), "projects") << "two slips in eight letters, and one left out";
     EXPECT_EQ(nearest("cafe zurch"), "Café Zürich");
     EXPECT_EQ(nearest("udno"), "undo");

@@ -66,6 +66,43 @@ TEST_F(SignInCommand, LastsFromOneSessionOfSshToTheNext)
     EXPECT_TRUE(account({"status"})[u"automatic"].toBool());
 }
 
+TEST_F(SignInCommand, IsNotOverBecauseItCannotBeRead)
+{
+    if (!orvane::testing::hasKernelKeyring())
+        GTEST_SKIP() << "this system has no such keyring, or forbids it";
+    ASSERT_EQ(login({"--server", url, "--register"}).exitStatus, 0);
+    installation.inChild = orvane::testing::forbidKernelKeyring;
+    const CommandRun left = installation.run({"logout"});
+    EXPECT_EQ(left.exitStatus, 0) << left.all();
+    EXPECT_THAT(left.output, AllOf(HasSubstr("can be read here"), Not(HasSubstr("over already")),
+                                   HasSubstr("orvane --server " + url + " logout")));
+    EXPECT_TRUE(account({"status"})[u"automatic"].toBool());
+    installation.inChild = {};
+    EXPECT_THAT(installation.run({"--server", url, "logout"}).output, HasSubstr("Signed out ada@example.com"))
+        << "as it was told";
+}
+
+TEST_F(SignInCommand, IsTheHomeFoldersOwn)
+{
+    if (!orvane::testing::hasKernelKeyring())
+        GTEST_SKIP() << "this system has no such keyring, or forbids it";
+    const QTemporaryDir ada;
+    const QTemporaryDir bob;
+    const auto run = [](const QTemporaryDir &home, const Arguments &arguments) {
+        const Environment at{{"HOME", home.path().toStdString()}, {"XDG_DATA_HOME", std::nullopt}};
+        return runProgram(builtProgram("orvane"), arguments, at, "correct horse battery\n");
+    };
+    const auto registers = [&](const char *email) {
+        return Arguments{"--server", url, "login", "--register", "--email", email, "--password-stdin"};
+    };
+    ASSERT_EQ(run(ada, registers("ada@example.com")).exitStatus, 0);
+    EXPECT_EQ(run(bob, {"--server", url, "status"}).exitStatus, 1) << "bob is nobody there yet";
+    ASSERT_EQ(run(bob, registers("bob@example.com")).exitStatus, 0);
+    EXPECT_THAT(run(ada, {"status"}).output, StartsWith("ada@example.com at "));
+    EXPECT_THAT(run(bob, {"logout"}).output, HasSubstr("Signed out bob@example.com"));
+    EXPECT_THAT(run(ada, {"logout"}).output, HasSubstr("Signed out ada@example.com"));
+}
+
 TEST_F(SignInCommand, IsRefusedBeforeThePasswordWhereNothingKeepsIt)
 {
     installation.inChild = orvane::testing::forbidKernelKeyring;

@@ -57,6 +57,46 @@ TEST(TextTable, PutsBelowTheLineWhatHasNoRoomInIt)
     }
 }
 
+TEST(TextTable, LetsWordsGoOnBelowInAColumnThatWraps)
+{
+    TextTable table(
+        {{}, {.shrinksTo = 10, .wraps = true}, {.shrinksTo = 6, .shrinksLast = true, .wraps = true}});
+    TextCell place("● ");
+    place.runs.push_back({"Website · review"});
+    table.add({TextCell("a1"), TextCell("Write the README of everything"), place});
+    table.add({TextCell("b2"), TextCell("Mail"), TextCell()});
+    EXPECT_EQ(table.render(wide(40)), "  a1  Write the       ● Website · review\n"
+                                      "      README of\n"
+                                      "      everything\n"
+                                      "  b2  Mail\n");
+    EXPECT_EQ(table.render(wide(29)), "  a1  Write the   ● Website ·\n"
+                                      "      README of   review\n"
+                                      "      everything\n"
+                                      "  b2  Mail\n")
+        << "a dot stays with its name";
+    EXPECT_EQ(table.render(wide(24)), "  a1\n    Write the README of\n    everything\n"
+                                      "    ● Website · review\n"
+                                      "  b2\n    Mail\n")
+        << "no word is cut for want of columns";
+}
+
+TEST(TextWidth, KeepsACommandOnALineToBeCopied)
+{
+    const std::string needs = "It needs its time, as in: orvane add \"A b 9:30\" or: orvane add \"C 15m\"";
+    EXPECT_EQ(wrapped(needs, 51),
+              "It needs its time, as in: orvane add \"A b 9:30\" or:\norvane add \"C 15m\"");
+    EXPECT_EQ(wrapped(needs, 40),
+              "It needs its time, as in:\norvane add \"A b 9:30\" or:\norvane add \"C 15m\"");
+    EXPECT_EQ(wrapped("To sign in: orvane --server URL login. To go back: orvane logout.", 32),
+              "To sign in:\norvane --server URL login. To go\nback: orvane logout.");
+    // One that has no room is broken as a shell reads it, but not within what would become part of a text.
+    EXPECT_EQ(wrapped("  orvane add --tag \"a b\" --start 9:30", 22),
+              "  orvane add --tag \\\n  \"a b\" --start 9:30");
+    EXPECT_EQ(wrapped("So: orvane add --description \"Write the README\" -t a", 18),
+              "So:\norvane add \\\n--description \\\n\"Write the\nREADME\" -t a");
+    EXPECT_EQ(wrapped("as orvane outbox lists it", 12), "as orvane\noutbox lists\nit") << "which is prose";
+}
+
 TEST(TextWidth, BreaksLinesBetweenWords)
 {
     EXPECT_EQ(wrapped("Nothing tracked today.\n", 10), "Nothing\ntracked\ntoday.\n");
