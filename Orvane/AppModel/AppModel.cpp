@@ -17,6 +17,51 @@ AppModel::AppModel(Options options)
 
 AppModel::~AppModel() = default;
 
+void AppModel::undo()
+{
+    if (m_undo && m_undo->canUndo())
+        tell(m_undo->undo());
+}
+
+void AppModel::redo()
+{
+    if (m_undo && m_undo->canRedo())
+        tell(m_undo->redo());
+}
+
+Task<> AppModel::tell(Task<UndoStack::Answer> answer)
+{
+    const QPointer<AppModel> self(this);
+    const UndoStack::Answer said = co_await answer;
+    if (!self)
+        co_return;
+    const QString sentence = QString::fromStdString(said.sentence);
+    if (said.isDone)
+        m_notices.tell(sentence);
+    else
+        m_notices.tellFailure(sentence);
+}
+
+// Drafts
+
+std::string AppModel::draftOwner() const
+{
+    return m_account->server() + " " + m_account->me().id;
+}
+
+QString AppModel::draft(const std::string &place) const
+{
+    return m_drafts && m_account ? m_drafts->text(draftOwner(), place) : QString();
+}
+
+void AppModel::setDraft(const std::string &place, const QString &text)
+{
+    if (m_drafts && m_account)
+        m_drafts->setText(draftOwner(), place, text);
+}
+
+// The account
+
 Task<> AppModel::open()
 {
     return openFrom(false);
@@ -57,13 +102,19 @@ void AppModel::openAgain()
 void AppModel::adopt(std::unique_ptr<Account> account)
 {
     m_account = std::move(account);
-    connect(m_account.get(), &Account::trackerChanged, this, [this] {
-        Q_EMIT placeChanged();
-        Q_EMIT trackerChanged();
-    });
+    connect(m_account.get(), &Account::trackerChanged, this, &AppModel::follow);
     connect(m_account.get(), &Account::meChanged, this, &AppModel::placeChanged);
     connect(&m_account->access(), &ServerAccess::moved, this, [this] { reopen(); });
+    std::string problem;
+    if (!m_drafts && m_installation.makeFolder(problem))
+        m_drafts = std::make_unique<DraftFile>(DraftFile::pathIn(m_installation.root()));
     m_sync.setAccount(m_account.get());
+    follow();
+}
+
+void AppModel::follow()
+{
+    m_undo = std::make_unique<UndoStack>(m_account->tracker(), m_account->outcomes(), m_account->history());
     Q_EMIT placeChanged();
     Q_EMIT trackerChanged();
 }
@@ -73,6 +124,7 @@ Task<> AppModel::reopen()
 {
     const QPointer<AppModel> self(this);
     const std::shared_ptr<Account> before = std::move(m_account);
+    m_undo.reset();
     m_sync.setAccount(nullptr);
     Q_EMIT trackerChanged();
     co_await before->close();
@@ -95,6 +147,9 @@ Task<> AppModel::load()
 Task<> AppModel::close()
 {
     m_sync.setAccount(nullptr);
+    m_undo.reset();
+    if (m_drafts)
+        (void)m_drafts->flush();
     if (m_account)
         co_await m_account->close();
 }

@@ -3,10 +3,12 @@
 
 #include "Account/Account.h"
 #include "Account/Installation.h"
+#include "AppModel/DraftFile.h"
 #include "AppModel/Notices.h"
 #include "AppModel/SecondTick.h"
 #include "AppModel/SyncStatus.h"
 #include "Support/Task.h"
+#include "Tracker/UndoStack.h"
 
 #include <QObject>
 #include <QString>
@@ -62,6 +64,10 @@ public:
     /// Ends what is under way and saves what has to be.
     Task<> close();
 
+    /// Takes the last step back, or does it again; the notice line says which, or why not.
+    Q_INVOKABLE void undo();
+    Q_INVOKABLE void redo();
+
     Phase phase() const { return m_phase; }
     QString problem() const { return m_problem; }
     QString workspaceName() const;
@@ -71,6 +77,10 @@ public:
     Notices *notices() { return &m_notices; }
     SecondTick &tick() { return m_tick; }
     Installation &installation() { return m_installation; }
+    /// What has been begun to be typed with this account, under a name for the place; empty while there is no
+    /// account, when nothing is kept.
+    QString draft(const std::string &place) const;
+    void setDraft(const std::string &place, const QString &text);
     /// Null while there is none.
     Account *account() const { return m_account.get(); }
     Tracker *tracker() const { return m_account ? &m_account->tracker() : nullptr; }
@@ -85,6 +95,9 @@ private:
     void setPhase(Phase phase, const std::string &problem = {});
     Task<> openFrom(bool waitsForServer);
     Task<> reopen();
+    void follow();
+    std::string draftOwner() const;
+    Task<> tell(Task<UndoStack::Answer> answer);
     void adopt(std::unique_ptr<Account> account);
     Task<> load();
 
@@ -93,7 +106,11 @@ private:
     SecondTick m_tick;
     Notices m_notices;
     SyncStatus m_sync;
+    /// None where the installation's folder cannot be made.
+    std::unique_ptr<DraftFile> m_drafts;
     std::unique_ptr<Account> m_account;
+    /// Of the tracker in use.
+    std::unique_ptr<UndoStack> m_undo;
     Phase m_phase = Phase::opening;
     QString m_problem;
 };

@@ -17,8 +17,10 @@ T.TextField {
     property bool tall: false
     property bool lit: hovered
     property bool typing: activeFocus
-    readonly property bool refused: error !== ""
-    readonly property int below: refused ? sentence.implicitHeight + Theme.space4 : 0
+    // What is wrong is said elsewhere.
+    property bool wrong: false
+    readonly property bool refused: error !== "" || wrong
+    readonly property int below: error !== "" ? sentence.implicitHeight + Theme.space4 : 0
 
     implicitWidth: 200
     implicitHeight: (tall ? 40 : 32) + below
@@ -113,7 +115,7 @@ T.TextField {
 
         anchors.bottom: parent.bottom
         width: parent.width
-        visible: control.refused
+        visible: control.error !== ""
         type: Label.Type.Small
         wrapMode: Text.Wrap
         color: Theme.danger

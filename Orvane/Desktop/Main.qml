@@ -20,6 +20,14 @@ Window {
     title: timer.isRunning ? qsTr("%1 – Orvane").arg(timer.description === "" ? qsTr("No description") : timer.description) : qsTr("Orvane")
     color: Theme.content
 
+    Shortcut {
+        sequences: [StandardKey.Undo]
+        onActivated: window.app.undo()
+    }
+    Shortcut {
+        sequences: [StandardKey.Redo]
+        onActivated: window.app.redo()
+    }
     Row {
         anchors.fill: parent
 
@@ -41,6 +49,7 @@ Window {
 
     NoticeLine {
         notices: window.app.notices
+        onUndo: window.app.undo()
         anchors.horizontalCenter: parent.horizontalCenter
         anchors.bottom: parent.bottom
         anchors.bottomMargin: 32 + Theme.space16

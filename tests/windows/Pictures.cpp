@@ -117,6 +117,7 @@ void drawEmpty(Album &album)
 int main(int argc, char **argv)
 {
     qputenv("QT_QUICK_BACKEND", "software");
+    qputenv("LC_ALL", "C.UTF-8");
     const QGuiApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.size() != 2) {

@@ -2,12 +2,10 @@
 #include "Screens/Timer/EntryField.h"
 
 #include "AppModel/AppModel.h"
-#include "EntryInput/EntryDraft.h"
 #include "QuickEntry/PalettePicks.h"
 #include "QuickEntry/SentenceNote.h"
 #include "QuickEntry/UnreadTime.h"
 #include "Time/AppClock.h"
-#include "Tracker/ActionMoment.h"
 
 namespace orvane {
 
@@ -73,6 +71,11 @@ bool isTaken(SaveOutcome outcome)
 EntryField::EntryField(AppModel &app) : m_app(&app)
 {
     connect(m_app, &AppModel::trackerChanged, this, &EntryField::follow);
+    connect(&m_app->tick(), &SecondTick::ticked, this, [this] {
+        // What it will do names the time that it is.
+        if (!m_text.isEmpty() && floor<std::chrono::minutes>(AppClock::now()) != m_readAt)
+            read();
+    });
     follow();
 }
 
@@ -83,7 +86,13 @@ void EntryField::follow()
         connect(&m_tracker->catalog(), &Catalog::changed, this, &EntryField::readAgain);
         connect(m_tracker, &Tracker::timeChanged, this, &EntryField::read);
         connect(m_tracker, &Tracker::entriesChanged, this, &EntryField::read);
+        connect(m_tracker, &Tracker::settingsChanged, this, &EntryField::read);
     }
+    // What was typed before there was an account counts more than what was left of the last time.
+    if (m_text.isEmpty())
+        setText(m_app->draft(m_place));
+    else
+        m_app->setDraft(m_place, m_text);
     readAgain();
 }
 
@@ -98,6 +107,7 @@ void EntryField::setText(const QString &text)
     if (m_text == text)
         return;
     m_text = text;
+    m_app->setDraft(m_place, text);
     Q_EMIT textChanged();
     read();
 }
@@ -107,7 +117,8 @@ void EntryField::read()
     m_reading = {};
     m_span.reset();
     m_notes.clear();
-    m_plan.clear();
+    m_plan = {};
+    m_readAt = floor<std::chrono::minutes>(AppClock::now());
     if (m_tracker && !m_text.trimmed().isEmpty()) {
         const Catalog &catalog = m_tracker->catalog();
         if (m_areNamesStale) {
@@ -124,7 +135,7 @@ void EntryField::read()
         else
             for (const SentenceNote &note : SentenceNote::of(m_reading, catalog))
                 m_notes.append(noteText(note));
-        m_plan = planText();
+        m_plan = planned();
     }
     Q_EMIT readingChanged();
 }
@@ -189,19 +200,18 @@ QString EntryField::spanLength() const
         Durations::shortLabel(secondsBetween(m_span->start, m_span->stop.value_or(AppClock::now()))));
 }
 
-QString EntryField::planText() const
+SentencePlan EntryField::planned() const
 {
-    const auto &running = m_tracker->running();
-    const UserTime &time = m_tracker->time();
-    const auto clock = [&](Instant instant) { return QString::fromStdString(time.clockLabel(instant)); };
-    if (m_span && m_span->stop)
-        return tr("Adds %1").arg(span());
-    if (!running)
-        return m_span ? tr("Starts the timer at %1").arg(clock(m_span->start)) : tr("Starts the timer");
-    const QString name = running->description.empty()
-                             ? tr("the running timer")
-                             : QStringLiteral("“%1”").arg(QString::fromStdString(running->description));
-    return m_span ? tr("Ends %1 at %2").arg(name, clock(m_span->start)) : tr("Ends %1 now").arg(name);
+    const Tracker &tracker = *m_tracker;
+    const auto refusal = [&](const EntryRequest &request) {
+        const auto refused = tracker.refusalOf(request);
+        return refused ? refused->message : std::string();
+    };
+    return SentencePlan::of(m_reading, {.catalog = tracker.catalog(),
+                                        .time = tracker.time(),
+                                        .running = tracker.running(),
+                                        .now = AppClock::now(),
+                                        .refusal = refusal});
 }
 
 void EntryField::submit()
@@ -216,16 +226,15 @@ Task<> EntryField::record()
     const QPointer<EntryField> self(this);
     const QPointer<Tracker> tracker = m_tracker;
     read();
-    EntryDraft draft;
-    draft.take(m_reading, tracker->catalog());
-    const Instant now = AppClock::now();
-    const auto request = draft.request(tracker->time(), now);
+    if (m_plan.kind == SentencePlan::Kind::cannot || !m_plan.request) {
+        m_app->notices()->tellFailure(plan());
+        co_return;
+    }
     const QString typed = m_text;
     const PalettePicks picks = PalettePicks::of(m_reading);
-    const Instant at = ActionMoment::of(tracker->running(), now, {}).at;
+    const EntryRequest request = *m_plan.request;
     setText({});
-    const SaveResult result =
-        co_await tracker->create(request && *request ? **request : draft.at({millisecondsFloor(at), {}}));
+    const SaveResult result = co_await tracker->create(request);
     if (!self)
         co_return;
     if (!isTaken(result.outcome)) {

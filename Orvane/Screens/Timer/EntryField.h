@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "EntryInput/SentencePlan.h"
 #include "QuickEntry/EntrySentence.h"
 #include "Support/Task.h"
 #include "Tracker/Tracker.h"
@@ -30,11 +31,13 @@ class EntryField final : public QObject {
     Q_PROPERTY(QString spanLength READ spanLength NOTIFY readingChanged)
     /// What was not taken as it was perhaps meant, a sentence each.
     Q_PROPERTY(QStringList notes READ notes NOTIFY readingChanged)
-    /// What Return will do, in words; empty while nothing is typed.
+    /// What Return will do, as its key says it ("Start at 15:20") and in words; empty while nothing is typed.
+    Q_PROPERTY(QString action READ action NOTIFY readingChanged)
     Q_PROPERTY(QString plan READ plan NOTIFY readingChanged)
 
 public:
-    explicit EntryField(AppModel &app);
+    /// `place` names it among the drafts.
+    EntryField(AppModel &app, std::string place);
 
     QString text() const { return m_text; }
     void setText(const QString &text);
@@ -43,7 +46,8 @@ public:
     QString span() const;
     QString spanLength() const;
     QStringList notes() const { return m_notes; }
-    QString plan() const { return m_plan; }
+    QString action() const { return QString::fromStdString(m_plan.action); }
+    QString plan() const { return QString::fromStdString(m_plan.words); }
 
     /// Records the sentence. The field is empty afterwards, unless it could not be recorded.
     Q_INVOKABLE void submit();
@@ -56,10 +60,11 @@ private:
     void follow();
     void readAgain();
     void read();
-    QString planText() const;
+    SentencePlan planned() const;
     Task<> record();
 
     AppModel *m_app;
+    std::string m_place;
     QPointer<Tracker> m_tracker;
     SentenceCatalog m_names;
     bool m_areNamesStale = true;
@@ -67,7 +72,8 @@ private:
     EntrySentence::Reading m_reading;
     std::optional<EntrySentence::Span> m_span;
     QStringList m_notes;
-    QString m_plan;
+    SentencePlan m_plan;
+    std::chrono::sys_time<std::chrono::minutes> m_readAt;
 };
 
 } // namespace orvane

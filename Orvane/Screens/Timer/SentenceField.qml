@@ -10,9 +10,12 @@ FocusScope {
 
     required property EntryField field
 
-    readonly property bool saysSomething: input.activeFocus && root.field.plan !== ""
+    readonly property bool saysSomething: input.activeFocus && (root.field.plan !== "" || root.field.chips.length > 0 || root.field.notes.length > 0 || root.field.span !== "")
 
     height: box.height + (under.visible ? under.height + 4 : 0)
+
+    // The field itself has nothing to undo.
+    signal undo
 
     function take() {
         input.forceActiveFocus(Qt.ShortcutFocusReason);
@@ -63,9 +66,14 @@ FocusScope {
             text: root.field.text
             onTextEdited: root.field.text = text
             onAccepted: root.field.submit()
-            Keys.onEscapePressed: event => {
-                event.accepted = text !== "";
-                root.field.text = "";
+            Keys.onPressed: event => {
+                if (event.key === Qt.Key_Escape && text !== "") {
+                    root.field.text = "";
+                    event.accepted = true;
+                } else if (event.matches(StandardKey.Undo) && !canUndo) {
+                    root.undo();
+                    event.accepted = true;
+                }
             }
             Accessible.role: Accessible.EditableText
             Accessible.name: qsTr("What are you working on?")

@@ -26,7 +26,7 @@ QString named(const TimeEntryResponse &entry)
 } // namespace
 
 TimerModel::TimerModel(AppModel &app)
-    : m_app(&app), m_list(nullptr), m_field(app), m_editor(app), m_picker(app)
+    : m_app(&app), m_list(nullptr), m_field(app, "timer"), m_editor(app), m_picker(app)
 {
     connect(m_app, &AppModel::trackerChanged, this, &TimerModel::follow);
     connect(m_app, &AppModel::phaseChanged, this, &TimerModel::changed);
@@ -184,7 +184,7 @@ void TimerModel::told(const SaveResult &result, const QString &done)
     case SaveOutcome::waiting:
     case SaveOutcome::stopped:
         if (!done.isEmpty())
-            m_app->notices()->tell(done);
+            m_app->notices()->tell(done, Notices::Action::undo);
         break;
     case SaveOutcome::rejected:
     case SaveOutcome::needsDetails:

@@ -43,6 +43,7 @@ FocusScope {
             id: field
             field: page.timer.field
             focus: true
+            onUndo: page.app.undo()
             x: Theme.space24
             y: (band.visible ? band.height : 8) + Theme.space16
             width: Math.min(parent.width - 2 * x, 1040)
@@ -93,7 +94,7 @@ FocusScope {
                 { keys: "Ctrl+D", text: qsTr("Duplicate") },
                 { keys: "Del", text: qsTr("Delete") }
             ] : [
-                { keys: "Return", text: page.timer.field.plan === "" ? qsTr("Start") : page.timer.field.plan },
+                { keys: "Return", text: page.timer.field.action === "" ? qsTr("Start") : page.timer.field.action },
                 { keys: "Down", text: qsTr("Entries") },
                 { keys: "Ctrl+T", text: page.timer.isRunning ? qsTr("Stop") : qsTr("Continue") }
             ]
