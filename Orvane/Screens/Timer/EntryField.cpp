@@ -68,7 +68,7 @@ bool isTaken(SaveOutcome outcome)
 
 } // namespace
 
-EntryField::EntryField(AppModel &app) : m_app(&app)
+EntryField::EntryField(AppModel &app, std::string place) : m_app(&app), m_place(std::move(place))
 {
     connect(m_app, &AppModel::trackerChanged, this, &EntryField::follow);
     connect(&m_app->tick(), &SecondTick::ticked, this, [this] {
