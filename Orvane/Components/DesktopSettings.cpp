@@ -60,6 +60,8 @@ void DesktopSettings::start()
 void DesktopSettings::start(const QDBusConnection &bus)
 {
     m_bus = bus;
+    // Before that no slot with such a parameter is taken for one.
+    qRegisterMetaType<QDBusVariant>();
     m_bus->connect(portal, portalPath, portalSettings, QStringLiteral("SettingChanged"), this,
                    SLOT(settingChanged(QString, QString, QDBusVariant)));
     // A portal that takes longer to start than we wait for its answer is asked again once it is there.

@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-pragma ComponentBehavior: Bound
-
 import QtQuick
 import QtQuick.Templates as T
 import Orvane.Components
@@ -57,11 +55,13 @@ T.Button {
     // Only while it may be wanted: a list has many of these.
     Loader {
         active: (control.hovered || control.visualFocus) && control.text !== ""
-        sourceComponent: Hint {
-            parent: control
-            visible: control.hovered || control.visualFocus
-            text: control.text
-            keys: control.keys
+        source: "Hint.qml"
+        onLoaded: {
+            const hint = item as Hint;
+            hint.parent = control;
+            hint.text = control.text;
+            hint.keys = control.keys;
+            hint.visible = true;
         }
     }
 }

@@ -17,6 +17,16 @@ T.Menu {
         return most;
     }
 
+    property Item before: null
+
+    // A window that is no ApplicationWindow does not do this by itself. Who took the keyboard meanwhile keeps it.
+    onAboutToShow: before = parent ? parent.Window.activeFocusItem : null
+    onClosed: {
+        if (before && (!before.Window.activeFocusItem || before.Window.activeFocusItem === before.Window.contentItem))
+            before.forceActiveFocus(Qt.PopupFocusReason);
+        before = null;
+    }
+
     implicitWidth: Math.max(leastWidth, widest + leftPadding + rightPadding)
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     margins: Theme.space8

@@ -199,7 +199,10 @@ QImage Pictures::drawIcon(const QString &name, const QColor &color, const QSize 
     drawing.render(&painter);
     painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
     painter.fillRect(image.rect(), color);
-    return image;
+    painter.end();
+    // An image that was painted on keeps its painter's tables, which are larger than an icon; a copy of it
+    // does not.
+    return image.copy();
 }
 
 QImage Pictures::drawShadow(int level, int radius, const QSize &surface, bool dark)

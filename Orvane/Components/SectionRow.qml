@@ -4,7 +4,7 @@ import QtQuick.Templates as T
 import Orvane.Components
 
 // A section of the window in its sidebar, with how much there waits.
-T.AbstractButton {
+T.TabButton {
     id: control
 
     property string iconName
@@ -22,6 +22,8 @@ T.AbstractButton {
     implicitHeight: 32
     leftPadding: 10
     rightPadding: 10
+    checkable: false
+    autoExclusive: false
     hoverEnabled: true
     Accessible.role: Accessible.PageTab
     Accessible.name: count > 0 ? qsTr("%1, %2 waiting").arg(text).arg(count) : text

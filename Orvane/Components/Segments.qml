@@ -7,12 +7,12 @@ import Orvane.Components
 
 // A choice of few, side by side: Segments { texts: [qsTr("Week"), qsTr("Month")]; onChosen: index => … }. Left and Right
 // choose; it is one stop of Tab.
-T.Control {
+Item {
     id: control
 
     property var texts: []
     property int currentIndex: 0
-    property bool ringed: visualFocus
+    property bool ringed: activeFocus
 
     signal chosen(int index)
 
@@ -25,12 +25,13 @@ T.Control {
 
     implicitWidth: row.implicitWidth + 4
     implicitHeight: 28
-    focusPolicy: Qt.StrongFocus
+    activeFocusOnTab: true
     Accessible.role: Accessible.Grouping
     Keys.onLeftPressed: control.choose(control.currentIndex - 1)
     Keys.onRightPressed: control.choose(control.currentIndex + 1)
 
-    background: Rectangle {
+    Rectangle {
+        anchors.fill: parent
         radius: Theme.radiusControl
         color: Theme.sunken
 
@@ -38,61 +39,58 @@ T.Control {
             shown: control.ringed
         }
     }
-    Item {
-        Row {
-            id: row
+    Row {
+        id: row
 
-            x: 2
-            y: 2
+        x: 2
+        y: 2
 
-            Repeater {
-                model: control.texts
+        Repeater {
+            model: control.texts
 
-                T.AbstractButton {
-                    id: segment
+            T.RadioButton {
+                id: segment
 
-                    required property int index
-                    required property string modelData
-                    readonly property bool current: index === control.currentIndex
+                required property int index
+                required property string modelData
+                readonly property bool current: index === control.currentIndex
 
-                    implicitWidth: Math.ceil(implicitContentWidth) + 24
-                    implicitHeight: 24
-                    focusPolicy: Qt.NoFocus
-                    hoverEnabled: true
-                    text: modelData
-                    Accessible.role: Accessible.RadioButton
-                    Accessible.name: text
-                    Accessible.checkable: true
-                    Accessible.checked: current
-                    Accessible.onPressAction: segment.clicked()
-                    onClicked: {
-                        control.forceActiveFocus(Qt.MouseFocusReason);
-                        control.choose(index);
+                implicitWidth: Math.ceil(implicitContentWidth) + 24
+                implicitHeight: 24
+                focusPolicy: Qt.NoFocus
+                hoverEnabled: true
+                text: modelData
+                checked: current
+                indicator: null
+                Accessible.role: Accessible.RadioButton
+                Accessible.name: text
+                Accessible.checkable: true
+                Accessible.checked: current
+                Accessible.onPressAction: segment.clicked()
+                onClicked: control.choose(index)
+
+                contentItem: Label {
+                    horizontalAlignment: Text.AlignHCenter
+                    type: Label.Type.Small
+                    text: segment.text
+                    font.weight: segment.current ? Font.DemiBold : Font.Medium
+                    color: segment.current || segment.hovered ? Theme.ink1 : Theme.ink2
+                    Accessible.ignored: true
+                }
+                background: Item {
+                    Rectangle {
+                        anchors.fill: parent
+                        anchors.topMargin: 1
+                        anchors.bottomMargin: -1
+                        visible: segment.current
+                        radius: Theme.radiusBlock
+                        color: Theme.press
                     }
-
-                    contentItem: Label {
-                        horizontalAlignment: Text.AlignHCenter
-                        type: Label.Type.Small
-                        text: segment.text
-                        font.weight: segment.current ? Font.DemiBold : Font.Medium
-                        color: segment.current || segment.hovered ? Theme.ink1 : Theme.ink2
-                        Accessible.ignored: true
-                    }
-                    background: Item {
-                        Rectangle {
-                            anchors.fill: parent
-                            anchors.topMargin: 1
-                            anchors.bottomMargin: -1
-                            visible: segment.current
-                            radius: Theme.radiusBlock
-                            color: Theme.press
-                        }
-                        Rectangle {
-                            anchors.fill: parent
-                            visible: segment.current
-                            radius: Theme.radiusBlock
-                            color: Theme.lifted
-                        }
+                    Rectangle {
+                        anchors.fill: parent
+                        visible: segment.current
+                        radius: Theme.radiusBlock
+                        color: Theme.lifted
                     }
                 }
             }

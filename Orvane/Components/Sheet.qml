@@ -9,6 +9,16 @@ T.Popup {
 
     property string title
 
+    property Item before: null
+
+    // A window that is no ApplicationWindow does not do this by itself. Who took the keyboard meanwhile keeps it.
+    onAboutToShow: before = parent ? parent.Window.activeFocusItem : null
+    onClosed: {
+        if (before && (!before.Window.activeFocusItem || before.Window.activeFocusItem === before.Window.contentItem))
+            before.forceActiveFocus(Qt.PopupFocusReason);
+        before = null;
+    }
+
     parent: T.Overlay.overlay
     x: parent ? Math.round((parent.width - width) / 2) : 0
     y: parent ? Math.max(Theme.space16, Math.min(104, Math.round((parent.height - height) / 2))) : 0

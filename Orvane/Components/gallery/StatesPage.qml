@@ -134,15 +134,15 @@ Item {
             StateCell {}
         }
         StateRow {
-            name: "Segments"
+            name: "Segments and more"
 
             StateCell { Segments { texts: ["At a Time", "Percent"] } }
-            StateCell {}
+            StateCell { SelectButton { width: parent.width; text: "Europe/Madrid"; lit: true } }
             StateCell { Segments { texts: ["At a Time", "Percent"]; ringed: true; currentIndex: 1 } }
-            StateCell {}
-            StateCell {}
-            StateCell {}
-            StateCell {}
+            StateCell { SelectButton { width: parent.width; inEditor: true; open: true; text: "Atlas API"; ProjectChip { width: parent.width; anchors.verticalCenter: parent.verticalCenter; color: "#3b77d0"; project: "Atlas API"; task: "Backend" } } }
+            StateCell { SelectButton { width: parent.width; text: "Europe/Madrid"; enabled: false } }
+            StateCell { SelectButton { width: parent.width; text: "Europe/Oslo"; detail: "UTC+01:00" } }
+            StateCell { Row { spacing: 12; CheckMark { text: "Chosen"; checked: true } CheckMark { text: "Chosen" } CheckMark { text: "Chosen"; lit: true } CheckMark { text: "Chosen"; checked: true; ringed: true } CheckMark { text: "Chosen"; checked: true; enabled: false } } }
         }
     }
     Row {
