@@ -62,31 +62,32 @@ void AppModel::setDraft(const std::string &place, const QString &text)
 
 // The account
 
-Task<> AppModel::open()
+void AppModel::open()
 {
-    return openFrom(false);
+    m_opening = openFrom(false);
 }
 
 Task<> AppModel::openFrom(bool waitsForServer)
 {
     const QPointer<AppModel> self(this);
-    setPhase(Phase::opening);
+    setPhase(Phase::Opening);
     const auto access =
         std::make_shared<ServerAccess>(ServerAccess::Options{.installation = &m_installation,
                                                              .server = m_options.server,
                                                              .startsServer = m_options.startsServer,
                                                              .serverProgram = m_options.serverProgram,
                                                              .waitsForServer = waitsForServer});
+    m_access = access;
     if (auto found = co_await access->find(); !found) {
         if (self)
-            setPhase(Phase::failed, found.error().message);
+            setPhase(Phase::Failed, found.error().message);
         co_return;
     }
     auto opened = co_await Account::open(access, m_options.account);
-    if (!self)
+    if (!self || (m_isClosing && !opened))
         co_return;
     if (!opened) {
-        setPhase(Phase::failed, opened.error().message);
+        setPhase(Phase::Failed, opened.error().message);
         co_return;
     }
     adopt(std::move(*opened));
@@ -95,7 +96,7 @@ Task<> AppModel::openFrom(bool waitsForServer)
 
 void AppModel::openAgain()
 {
-    if (m_phase == Phase::failed)
+    if (m_phase == Phase::Failed)
         open();
 }
 
@@ -104,7 +105,7 @@ void AppModel::adopt(std::unique_ptr<Account> account)
     m_account = std::move(account);
     connect(m_account.get(), &Account::trackerChanged, this, &AppModel::follow);
     connect(m_account.get(), &Account::meChanged, this, &AppModel::placeChanged);
-    connect(&m_account->access(), &ServerAccess::moved, this, [this] { reopen(); });
+    connect(&m_account->access(), &ServerAccess::moved, this, [this] { m_opening = reopen(); });
     std::string problem;
     if (!m_drafts && m_installation.makeFolder(problem))
         m_drafts = std::make_unique<DraftFile>(DraftFile::pathIn(m_installation.root()));
@@ -137,15 +138,23 @@ Task<> AppModel::load()
 {
     const QPointer<AppModel> self(this);
     co_await m_account->tracker().loadSnapshot();
-    if (!self)
+    if (!self || m_isClosing)
         co_return;
-    setPhase(Phase::open);
+    setPhase(Phase::Open);
     m_account->tracker().load();
     m_account->outbox().flush();
 }
 
 Task<> AppModel::close()
 {
+    // A window that is closed at once may still be on the way to its account.
+    m_isClosing = true;
+    if (m_access) {
+        m_access->giveUpAt(std::chrono::steady_clock::now());
+        m_access->giveUp("The application ends.");
+    }
+    if (m_opening)
+        co_await *m_opening;
     m_sync.setAccount(nullptr);
     m_undo.reset();
     if (m_drafts)

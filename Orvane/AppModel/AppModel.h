@@ -34,11 +34,11 @@ class AppModel final : public QObject {
 public:
     enum class Phase {
         /// On the way to the account in use.
-        opening,
+        Opening,
         /// There is an account; the server may be away all the same.
-        open,
+        Open,
         /// It could not be opened; `problem` says why.
-        failed,
+        Failed,
     };
     Q_ENUM(Phase)
 
@@ -56,9 +56,9 @@ public:
     explicit AppModel(Options options);
     ~AppModel() override;
 
-    /// Opens the account in use, starting the server on this computer when it is that one's. Afterwards
-    /// `phase` is open or failed.
-    Task<> open();
+    /// Begins to open the account in use, starting the server on this computer when it is that one's.
+    /// Afterwards `phase` is open or failed.
+    void open();
     /// The same once more, after a failure.
     Q_INVOKABLE void openAgain();
     /// Ends what is under way and saves what has to be.
@@ -108,10 +108,13 @@ private:
     SyncStatus m_sync;
     /// None where the installation's folder cannot be made.
     std::unique_ptr<DraftFile> m_drafts;
+    std::shared_ptr<ServerAccess> m_access;
+    std::optional<Task<>> m_opening;
+    bool m_isClosing = false;
     std::unique_ptr<Account> m_account;
     /// Of the tracker in use.
     std::unique_ptr<UndoStack> m_undo;
-    Phase m_phase = Phase::opening;
+    Phase m_phase = Phase::Opening;
     QString m_problem;
 };
 

@@ -19,13 +19,13 @@ void Notices::tell(const QString &text, Action action)
 void Notices::tellFailure(const QString &text)
 {
     m_timer.stop();
-    show(text, true, Action::none);
+    show(text, true, Action::None);
 }
 
 void Notices::dismiss()
 {
     m_timer.stop();
-    show({}, false, Action::none);
+    show({}, false, Action::None);
 }
 
 void Notices::show(const QString &text, bool isFailure, Action action)

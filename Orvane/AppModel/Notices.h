@@ -19,7 +19,7 @@ class Notices final : public QObject {
     Q_PROPERTY(Action action READ action NOTIFY changed)
 
 public:
-    enum class Action { none, undo };
+    enum class Action { None, Undo };
     Q_ENUM(Action)
 
     static constexpr std::chrono::seconds shownFor{6};
@@ -31,7 +31,7 @@ public:
     QString text() const { return m_text; }
     Action action() const { return m_action; }
 
-    void tell(const QString &text, Action action = Action::none);
+    void tell(const QString &text, Action action = Action::None);
     void tellFailure(const QString &text);
     Q_INVOKABLE void dismiss();
 
@@ -44,7 +44,7 @@ private:
     QTimer m_timer;
     QString m_text;
     bool m_isFailure = false;
-    Action m_action = Action::none;
+    Action m_action = Action::None;
 };
 
 } // namespace orvane

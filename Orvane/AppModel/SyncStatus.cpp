@@ -58,7 +58,7 @@ void SyncStatus::follow(Tracker *tracker)
 void SyncStatus::update()
 {
     Shown shown = m_account ? worked() : Shown();
-    m_tick->setNeeded(this, m_account && shown.kind == Kind::offline && m_account->state().nextTry());
+    m_tick->setNeeded(this, m_account && shown.kind == Kind::Offline && m_account->state().nextTry());
     if (shown == m_shown)
         return;
     m_shown = std::move(shown);
@@ -75,21 +75,21 @@ SyncStatus::Shown SyncStatus::worked() const
     const auto conflicts = static_cast<int>(inConflict.size());
     const QString waiting = waitingText(count);
     if (state.kind() == AccountState::Kind::sessionEnded)
-        return {Kind::sessionEnded, tr("Signed out by the server"), count > 0 ? waiting : QString(), count,
+        return {Kind::SessionEnded, tr("Signed out by the server"), count > 0 ? waiting : QString(), count,
                 conflicts};
     if (state.kind() == AccountState::Kind::heldBack)
-        return {Kind::heldBack, waiting, tr("Another account is signed in here"), count, conflicts};
+        return {Kind::HeldBack, waiting, tr("Another account is signed in here"), count, conflicts};
     if (conflicts > 0)
-        return {Kind::conflict, toSettleText(conflicts),
+        return {Kind::Conflict, toSettleText(conflicts),
                 count > conflicts ? waiting : tr("Everything else is sent"), count, conflicts};
     if (!state.isReachable())
-        return {Kind::offline, count > 0 ? waiting : tr("Offline"),
+        return {Kind::Offline, count > 0 ? waiting : tr("Offline"),
                 count > 0 ? tr("Offline. %1").arg(nextTry()).trimmed() : nextTry(), count, conflicts};
     if (m_account->tracker().state() == LoadState::loading)
-        return {Kind::loading, tr("Loading your entries…"), {}, count, conflicts};
+        return {Kind::Loading, tr("Loading your entries…"), {}, count, conflicts};
     if (count > 0)
-        return {Kind::sending, sendingText(count), {}, count, conflicts};
-    return {Kind::saved, m_account->isLocal() ? tr("All saved") : tr("All changes sent"), {}, 0, 0};
+        return {Kind::Sending, sendingText(count), {}, count, conflicts};
+    return {Kind::Saved, m_account->isLocal() ? tr("All saved") : tr("All changes sent"), {}, 0, 0};
 }
 
 QString SyncStatus::nextTry() const

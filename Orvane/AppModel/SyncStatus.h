@@ -23,7 +23,7 @@ class SyncStatus final : public QObject {
     Q_PROPERTY(int conflicts READ conflicts NOTIFY changed)
 
 public:
-    enum class Kind { loading, saved, sending, offline, conflict, heldBack, sessionEnded };
+    enum class Kind { Loading, Saved, Sending, Offline, Conflict, HeldBack, SessionEnded };
     Q_ENUM(Kind)
 
     explicit SyncStatus(SecondTick &tick);
@@ -43,7 +43,7 @@ Q_SIGNALS:
 
 private:
     struct Shown {
-        Kind kind = Kind::loading;
+        Kind kind = Kind::Loading;
         QString title;
         QString subtitle;
         int waiting = 0;

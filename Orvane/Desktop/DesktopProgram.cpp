@@ -69,9 +69,7 @@ int runDesktop(int argc, char **argv)
         return 2;
     }
     DesktopWindow desktop(std::move(options.app));
-    if (!desktop.show())
-        return 1;
-    const int status = QGuiApplication::exec();
+    const int status = desktop.show() ? QGuiApplication::exec() : 1;
     QCoro::waitFor(desktop.close());
     return status;
 }

@@ -21,11 +21,11 @@ Window {
     color: Theme.content
 
     Shortcut {
-        sequences: [StandardKey.Undo]
+        sequences: ["Ctrl+Z"]
         onActivated: window.app.undo()
     }
     Shortcut {
-        sequences: [StandardKey.Redo]
+        sequences: ["Ctrl+Shift+Z"]
         onActivated: window.app.redo()
     }
     Row {

@@ -85,6 +85,7 @@ void drawTimer(Album &album)
     };
     if (!desktop.show() || !eventually(isLoaded)) {
         album.complain(QStringLiteral("The window did not open"));
+        await(desktop.close());
         return;
     }
     album.take(desktop, QStringLiteral("timer"));
@@ -104,9 +105,10 @@ void drawEmpty(Album &album)
 {
     const PictureWorld world(PictureWorld::Contents::nothing);
     DesktopWindow desktop({.folder = world.folder(), .serverProgram = builtProgram("orvane-server")});
-    if (!desktop.show() || !eventually([&] { return desktop.timer().isEmpty(); }))
+    if (desktop.show() && eventually([&] { return desktop.timer().isEmpty(); }))
+        album.take(desktop, QStringLiteral("empty"));
+    else
         album.complain(QStringLiteral("The empty window did not open"));
-    album.take(desktop, QStringLiteral("empty"));
     await(desktop.close());
 }
 

@@ -9,7 +9,7 @@ Item {
 
     required property SyncStatus sync
 
-    readonly property bool needsAttention: [SyncStatus.Offline, SyncStatus.Conflict, SyncStatus.HeldBack, SyncStatus.SessionEnded].includes(sync.kind)
+    readonly property bool needsAttention: sync.kind === SyncStatus.Offline || sync.kind === SyncStatus.Conflict || sync.kind === SyncStatus.HeldBack || sync.kind === SyncStatus.SessionEnded
 
     height: sync.subtitle === "" ? 32 : 44
     Accessible.role: Accessible.StaticText

@@ -68,7 +68,7 @@ bool EntryEditor::open(const QString &id)
     m_description = text(entry->description);
     m_tags = tagsText(entry->tagIds, m_tracker->catalog());
     show({entry->start, entry->stop});
-    setProblem(Field::none, {});
+    setProblem(Field::None, {});
     Q_EMIT entryChanged();
     Q_EMIT edited();
     return true;
@@ -94,7 +94,7 @@ void EntryEditor::close()
         return;
     m_entryId.clear();
     m_draft = {};
-    setProblem(Field::none, {});
+    setProblem(Field::None, {});
     Q_EMIT entryChanged();
     Q_EMIT edited();
 }
@@ -181,7 +181,7 @@ void EntryEditor::nudge(Field field, int minutes)
         return;
     EntryTimes times = m_times;
     const std::chrono::minutes step{minutes};
-    if (field == Field::start)
+    if (field == Field::Start)
         times.start += step;
     else if (times.stop)
         *times.stop += step;
@@ -195,15 +195,15 @@ void EntryEditor::settle(Field field)
 {
     if (m_entryId.empty())
         return;
-    if (field == Field::length && m_times.stop) {
+    if (field == Field::Length && m_times.stop) {
         const auto seconds = Durations::parse(m_length.toStdString());
         if (!seconds || *seconds <= 0) {
-            setProblem(Field::length, tr("“%1” is no length. Type 1:30, 1.5h or 90.").arg(m_length));
+            setProblem(Field::Length, tr("“%1” is no length. Type 1:30, 1.5h or 90.").arg(m_length));
             return;
         }
         if (m_length != text(Durations::shortLabel(secondsBetween(m_times.start, *m_times.stop))))
             show({m_times.start, m_times.start + std::chrono::seconds(static_cast<std::int64_t>(*seconds))});
-        setProblem(Field::none, {});
+        setProblem(Field::None, {});
         Q_EMIT edited();
         return;
     }
@@ -217,15 +217,15 @@ bool EntryEditor::takeTimes()
         return false;
     };
     if (!moment(m_start))
-        return unread(Field::start, m_start);
+        return unread(Field::Start, m_start);
     if (m_times.stop && !moment(m_stop))
-        return unread(Field::stop, m_stop);
+        return unread(Field::Stop, m_stop);
     const auto times = typedTimes();
     if (!times) {
-        setProblem(Field::stop, timesProblemText(times.error()));
+        setProblem(Field::Stop, timesProblemText(times.error()));
         return false;
     }
-    setProblem(Field::none, {});
+    setProblem(Field::None, {});
     show(*times);
     Q_EMIT edited();
     return true;
@@ -241,7 +241,7 @@ bool EntryEditor::takeTags()
     if (!reading.unreadMentions.empty() || !reading.description.empty()) {
         const std::string unread =
             reading.unreadMentions.empty() ? reading.description : reading.unreadMentions.front().text;
-        setProblem(Field::tags, tr("No tag is called “%1”.").arg(text(unread)));
+        setProblem(Field::Tags, tr("No tag is called “%1”.").arg(text(unread)));
         return false;
     }
     m_draft.setTags(reading.tagIDs);
@@ -251,9 +251,9 @@ bool EntryEditor::takeTags()
 /// Reads every field; false where one cannot be read.
 bool EntryEditor::takeTexts()
 {
-    setProblem(Field::none, {});
+    setProblem(Field::None, {});
     if (m_times.stop)
-        settle(Field::length);
+        settle(Field::Length);
     if (m_problem.isEmpty())
         takeTimes();
     return m_problem.isEmpty() && takeTags();

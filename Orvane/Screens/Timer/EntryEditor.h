@@ -35,7 +35,7 @@ class EntryEditor final : public QObject {
     Q_PROPERTY(QString problem READ problem NOTIFY problemChanged)
 
 public:
-    enum class Field { none, tags, start, stop, length };
+    enum class Field { None, Tags, Start, Stop, Length };
     Q_ENUM(Field)
 
     explicit EntryEditor(AppModel &app);
@@ -99,7 +99,7 @@ private:
     QString m_start;
     QString m_stop;
     QString m_length;
-    Field m_wrongField = Field::none;
+    Field m_wrongField = Field::None;
     QString m_problem;
 };
 

@@ -1,47 +1,54 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 import QtQuick
-import QtQuick.Templates as T
 import Orvane.Components
 
 // A project or a task to pick.
-T.AbstractButton {
+Rectangle {
     id: row
 
+    property string text
     property string detail
     property string shade
     property bool chosen: false
 
+    signal picked
+
     height: 28
+    radius: 5
+    color: chosen ? Theme.accentTint : hover.hovered ? Theme.hover : "transparent"
     Accessible.role: Accessible.ListItem
     Accessible.name: detail === "" ? text : qsTr("%1, %2").arg(text).arg(detail)
+    Accessible.onPressAction: picked()
 
-    background: Rectangle {
-        radius: 5
-        color: row.chosen ? Theme.accentTint : row.hovered ? Theme.hover : "transparent"
+    HoverHandler {
+        id: hover
     }
-    contentItem: Item {
-        Dot {
-            id: dot
-            x: 10
-            anchors.verticalCenter: parent.verticalCenter
-            color: row.shade === "" ? Theme.none : Theme.projectColor(row.shade)
-            empty: row.shade === ""
-        }
-        Label {
-            anchors.left: dot.right
-            anchors.leftMargin: 10
-            anchors.verticalCenter: parent.verticalCenter
-            width: Math.min(implicitWidth, parent.width - detail.width - 48)
-            text: row.text
-        }
-        Label {
-            id: detail
-            anchors.right: parent.right
-            anchors.rightMargin: 10
-            anchors.verticalCenter: parent.verticalCenter
-            type: Label.Type.Small
-            text: row.detail
-            color: Theme.ink2
-        }
+    TapHandler {
+        onTapped: row.picked()
+    }
+    Dot {
+        id: dot
+        x: 10
+        anchors.verticalCenter: parent.verticalCenter
+        color: Theme.projectColor(row.shade)
+        empty: row.shade === ""
+    }
+    Label {
+        anchors.left: dot.right
+        anchors.leftMargin: 10
+        anchors.verticalCenter: parent.verticalCenter
+        width: Math.min(implicitWidth, parent.width - about.width - 48)
+        text: row.text
+        Accessible.ignored: true
+    }
+    Label {
+        id: about
+        anchors.right: parent.right
+        anchors.rightMargin: 10
+        anchors.verticalCenter: parent.verticalCenter
+        type: Label.Type.Small
+        text: row.detail
+        color: Theme.ink2
+        Accessible.ignored: true
     }
 }

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Templates as T
 import Orvane
@@ -74,7 +76,11 @@ T.AbstractButton {
             color: Theme.raised
             border.color: Theme.line2
         }
-        contentItem: FocusScope {
+        FocusScope {
+            width: list.availableWidth
+            height: list.availableHeight
+            focus: true
+
             TextEntry {
                 id: query
                 width: parent.width
@@ -111,7 +117,7 @@ T.AbstractButton {
                     detail: about
                     shade: projectColor
                     chosen: ListView.isCurrentItem
-                    onClicked: list.take(index)
+                    onPicked: list.take(index)
                 }
             }
         }

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import Orvane
 import Orvane.Components
@@ -61,7 +63,7 @@ FocusScope {
             font.pixelSize: Theme.t13
             color: Theme.ink1
             selectionColor: Theme.accentFill
-            selectedTextColor: Theme.onAccent
+            selectedTextColor: Theme.inkOnAccent
             selectByMouse: true
             text: root.field.text
             onTextEdited: root.field.text = text

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import Orvane
 import Orvane.Components
@@ -16,7 +18,7 @@ FocusScope {
     }
 
     // The keyboard leaves upwards.
-    signal left
+    signal leftUpwards
 
     function enter() {
         list.forceActiveFocus(Qt.TabFocusReason);
@@ -43,7 +45,7 @@ FocusScope {
         function step(by: int) {
             const next = root.timer.list.choosable(currentIndex, by);
             if (next === currentIndex && by < 0) {
-                root.left();
+                root.leftUpwards();
             } else {
                 currentIndex = next;
                 positionViewAtIndex(next, ListView.Contain);

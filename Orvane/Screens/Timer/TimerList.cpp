@@ -173,7 +173,7 @@ QString TimerList::idAt(int row) const
 
 TimerList::Kind TimerList::kindAt(int row) const
 {
-    return row < 0 || row >= count() ? Kind::day
+    return row < 0 || row >= count() ? Kind::Day
                                      : static_cast<Kind>(m_list.rows[static_cast<std::size_t>(row)].kind);
 }
 
@@ -181,7 +181,7 @@ int TimerList::choosable(int row, int step) const
 {
     for (int at = row + step; at >= 0 && at < count(); at += step) {
         const Kind kind = kindAt(at);
-        if (kind == Kind::entry || kind == Kind::folded)
+        if (kind == Kind::Entry || kind == Kind::Folded)
             return at;
     }
     return row;
@@ -373,12 +373,12 @@ TimerList::Mark TimerList::markOf(const TimerRow &row) const
 {
     const TimeEntryResponse &entry = m_list.entries[row.entry];
     if (m_inConflict.contains(entry.id))
-        return Mark::conflict;
+        return Mark::Conflict;
     if (m_waiting.contains(entry.id) && !m_tracker->outbox().isFlushing())
-        return Mark::waiting;
+        return Mark::Waiting;
     if (m_overlapping.contains(row.entry))
-        return Mark::overlap;
-    return isLocked(entry) ? Mark::locked : Mark::none;
+        return Mark::Overlap;
+    return isLocked(entry) ? Mark::Locked : Mark::None;
 }
 
 bool TimerList::isLocked(const TimeEntryResponse &entry) const
@@ -423,10 +423,10 @@ QString TimerList::spoken(const TimerRow &row) const
         said << shown(timesRole);
     said << shown(durationRole);
     if (row.kind == TimerRow::Kind::entry) {
-        static const std::map<Mark, QString> words{{Mark::waiting, tr("waiting to send")},
-                                                   {Mark::conflict, tr("changed on another device")},
-                                                   {Mark::overlap, tr("overlaps")},
-                                                   {Mark::locked, tr("locked")}};
+        static const std::map<Mark, QString> words{{Mark::Waiting, tr("waiting to send")},
+                                                   {Mark::Conflict, tr("changed on another device")},
+                                                   {Mark::Overlap, tr("overlaps")},
+                                                   {Mark::Locked, tr("locked")}};
         if (const auto word = words.find(markOf(row)); word != words.end())
             said << word->second;
     }

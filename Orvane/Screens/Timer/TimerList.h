@@ -19,10 +19,10 @@ class TimerList final : public QAbstractListModel {
     Q_PROPERTY(int count READ count NOTIFY countChanged)
 
 public:
-    enum class Kind { day, folded, entry, share };
+    enum class Kind { Day, Folded, Entry, Share };
     Q_ENUM(Kind)
     /// What the server has to say about an entry, if anything.
-    enum class Mark { none, waiting, conflict, locked, overlap };
+    enum class Mark { None, Waiting, Conflict, Locked, Overlap };
     Q_ENUM(Mark)
     enum Role {
         kindRole = Qt::UserRole,

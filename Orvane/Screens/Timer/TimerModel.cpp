@@ -69,7 +69,7 @@ void TimerModel::tick()
 
 bool TimerModel::isLoading() const
 {
-    return m_app->phase() == AppModel::Phase::opening ||
+    return m_app->phase() == AppModel::Phase::Opening ||
            (m_tracker && m_tracker->state() == LoadState::loading && m_tracker->entries().empty());
 }
 
@@ -80,7 +80,7 @@ bool TimerModel::isEmpty() const
 
 QString TimerModel::loadProblem() const
 {
-    if (m_app->phase() == AppModel::Phase::failed)
+    if (m_app->phase() == AppModel::Phase::Failed)
         return m_app->problem();
     // Being away is told beside the workspace; what is known here stands all the same.
     if (!m_tracker || m_tracker->state() != LoadState::failed || !m_tracker->loadError() ||
@@ -184,7 +184,7 @@ void TimerModel::told(const SaveResult &result, const QString &done)
     case SaveOutcome::waiting:
     case SaveOutcome::stopped:
         if (!done.isEmpty())
-            m_app->notices()->tell(done, Notices::Action::undo);
+            m_app->notices()->tell(done, Notices::Action::Undo);
         break;
     case SaveOutcome::rejected:
     case SaveOutcome::needsDetails:

@@ -58,7 +58,7 @@ FocusScope {
             anchors.bottom: keys.top
             width: Math.min(parent.width - 2 * x, 1040)
             visible: !empty.visible && !failed.visible && !loading.visible
-            onLeft: field.take()
+            onLeftUpwards: field.take()
         }
         TimerEmpty {
             id: empty
