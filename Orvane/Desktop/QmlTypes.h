@@ -57,5 +57,11 @@ struct ProjectPickerType {
     QML_NAMED_ELEMENT(ProjectPicker)
     QML_UNCREATABLE("of the TimerModel")
 };
+struct DayRulerType {
+    Q_GADGET
+    QML_FOREIGN(orvane::DayRuler)
+    QML_NAMED_ELEMENT(DayRuler)
+    QML_UNCREATABLE("of the TimerModel")
+};
 
 } // namespace orvane::qml

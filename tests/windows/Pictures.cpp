@@ -76,6 +76,25 @@ private:
     int m_problems = 0;
 };
 
+const TimeEntryResponse *entryCalled(DesktopWindow &desktop, std::string_view description)
+{
+    const auto &entries = desktop.app().tracker()->entries();
+    const auto found = std::ranges::find(entries, description, &TimeEntryResponse::description);
+    return found == entries.end() ? nullptr : &*found;
+}
+
+/// Between its project and another one.
+void divide(DesktopWindow &desktop, std::string_view description)
+{
+    const TimeEntryResponse *entry = entryCalled(desktop, description);
+    const auto &projects = desktop.app().tracker()->catalog().projects();
+    const auto website = std::ranges::find(projects, "Website", &ProjectResponse::name);
+    if (entry == nullptr || website == projects.end())
+        return;
+    await(desktop.app().tracker()->split(entry->id, {SplitPart{entry->projectId, {}, false, 60, {}},
+                                                     SplitPart{website->id, {}, false, 40, {}}}));
+}
+
 void drawTimer(Album &album)
 {
     const PictureWorld world;
@@ -88,13 +107,13 @@ void drawTimer(Album &album)
         await(desktop.close());
         return;
     }
+    divide(desktop, "Cursor pagination");
     album.take(desktop, QStringLiteral("timer"));
     desktop.timer().field()->setText(QStringLiteral("Review the limits @atlas #review since 15:20"));
     album.take(desktop, QStringLiteral("timer-typed"));
     desktop.timer().field()->setText({});
-    const auto &entries = desktop.app().tracker()->entries();
-    const auto edited = std::ranges::find(entries, "Rate limits per key", &TimeEntryResponse::description);
-    if (edited == entries.end() || !desktop.timer().editor()->open(QString::fromStdString(edited->id)))
+    const TimeEntryResponse *edited = entryCalled(desktop, "Rate limits per key");
+    if (edited == nullptr || !desktop.timer().editor()->open(QString::fromStdString(edited->id)))
         album.complain(QStringLiteral("The entry could not be edited"));
     album.take(desktop, QStringLiteral("timer-editor"));
     desktop.timer().editor()->cancel();

@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-pragma ComponentBehavior: Bound
-
 import QtQuick
 import Orvane
 import Orvane.Components
@@ -10,7 +8,6 @@ Item {
     id: row
 
     required property LineData line
-    required property bool isHovered
 
     readonly property TimerColumns columns: line.columns
 
@@ -41,7 +38,8 @@ Item {
 
     Item {
         id: what
-        x: 16
+        anchors.left: parent.left
+        anchors.leftMargin: 16
         anchors.right: where.left
         anchors.rightMargin: 12
         height: parent.height
@@ -109,7 +107,7 @@ Item {
         anchors.rightMargin: 12
         anchors.verticalCenter: parent.verticalCenter
         width: row.columns.isWide ? 104 : 0
-        visible: row.columns.isWide && !row.isHovered
+        visible: row.columns.isWide && !row.line.isHovered
         type: Label.Type.Small
         text: row.line.tags
         color: Theme.ink2
@@ -145,41 +143,10 @@ Item {
         font.weight: Font.Medium
     }
     Loader {
-        anchors.right: parent.right
-        anchors.verticalCenter: parent.verticalCenter
-        active: row.isHovered
-        sourceComponent: IconButton {
-            iconName: "play"
-            text: qsTr("Continue %1").arg(row.line.title)
-            onClicked: row.line.timer.continueEntry(row.line.entryId)
-        }
-    }
-    Loader {
-        anchors.right: times.left
-        anchors.rightMargin: 40
-        anchors.verticalCenter: parent.verticalCenter
-        active: row.isHovered && row.columns.isWide
-        sourceComponent: Rectangle {
-            width: actions.width
-            height: 28
-            radius: Theme.radiusControl
-            color: Theme.control
-            border.color: Theme.line2
+        anchors.fill: parent
 
-            Row {
-                id: actions
+        readonly property bool isWanted: row.line.isHovered
 
-                IconButton {
-                    iconName: "copy"
-                    text: qsTr("Duplicate %1").arg(row.line.title)
-                    onClicked: row.line.timer.duplicate(row.line.entryId)
-                }
-                IconButton {
-                    iconName: "x"
-                    text: qsTr("Delete %1").arg(row.line.title)
-                    onClicked: row.line.timer.remove(row.line.entryId)
-                }
-            }
-        }
+        onIsWantedChanged: isWanted ? setSource("EntryActions.qml", { line: row.line }) : source = ""
     }
 }

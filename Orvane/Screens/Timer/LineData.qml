@@ -10,6 +10,7 @@ Item {
     required property TimerModel timer
     required property TimerColumns columns
     required property bool isChosen
+    property bool isHovered: false
     required property int index
     required property int kind
     required property string entryId

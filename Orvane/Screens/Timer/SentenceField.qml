@@ -25,6 +25,13 @@ FocusScope {
     }
 
     Rectangle {
+        anchors.fill: box
+        anchors.margins: -2
+        radius: Theme.radiusControl + 2
+        visible: input.activeFocus
+        color: Theme.accentTint
+    }
+    Rectangle {
         id: box
         width: parent.width
         height: 40
@@ -65,6 +72,11 @@ FocusScope {
             selectionColor: Theme.accentFill
             selectedTextColor: Theme.inkOnAccent
             selectByMouse: true
+            cursorDelegate: Rectangle {
+                width: 1.5
+                visible: input.cursorVisible
+                color: Theme.accent
+            }
             text: root.field.text
             onTextEdited: root.field.text = text
             onAccepted: root.field.submit()
@@ -91,6 +103,7 @@ FocusScope {
         }
         Label {
             anchors.left: input.left
+            anchors.leftMargin: input.activeFocus ? 8 : 0
             anchors.right: input.right
             anchors.verticalCenter: parent.verticalCenter
             visible: input.text === "" && input.preeditText === ""

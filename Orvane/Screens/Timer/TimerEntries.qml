@@ -86,47 +86,12 @@ FocusScope {
             onEdited: list.forceActiveFocus(Qt.OtherFocusReason)
         }
 
-        footer: Item {
-            width: list.width
-            height: 72
-
-            ActionButton {
-                anchors.centerIn: parent
-                visible: root.timer.weekProblem === ""
-                text: qsTr("Load the Week Before")
-                iconName: "down"
-                busy: root.timer.isLoadingMore
-                onClicked: root.timer.loadWeekBefore()
-            }
-            Rectangle {
-                anchors.verticalCenter: parent.verticalCenter
-                x: 4
-                width: parent.width - 8
-                height: 44
-                visible: root.timer.weekProblem !== ""
-                color: "transparent"
-                radius: Theme.radiusCard
-                border.color: Theme.line2
-
-                Icon {
-                    x: 16
-                    anchors.verticalCenter: parent.verticalCenter
-                    name: "warn"
-                    color: Theme.danger
-                }
-                Label {
-                    x: 40
-                    anchors.verticalCenter: parent.verticalCenter
-                    text: root.timer.weekProblem
-                }
-                ActionButton {
-                    anchors.right: parent.right
-                    anchors.rightMargin: 8
-                    anchors.verticalCenter: parent.verticalCenter
-                    text: qsTr("Try Again")
-                    onClicked: root.timer.loadWeekBefore()
-                }
-            }
-        }
+        bottomMargin: 72
+    }
+    WeekBefore {
+        parent: list.contentItem
+        y: list.originY + list.contentHeight
+        width: list.width
+        timer: root.timer
     }
 }

@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-pragma ComponentBehavior: Bound
-
 import QtQuick
 import Orvane
 import Orvane.Components
@@ -28,7 +26,7 @@ LineData {
     }
 
     HoverHandler {
-        id: hover
+        onHoveredChanged: line.isHovered = hovered
     }
     TapHandler {
         enabled: !line.isEdited && line.kind !== TimerList.Share
@@ -38,160 +36,45 @@ LineData {
         anchors.fill: parent
         anchors.leftMargin: 4
         anchors.rightMargin: 4
-        visible: !line.isEdited && (line.kind === TimerList.Entry || line.kind === TimerList.Folded) && (hover.hovered || line.isChosen)
+        visible: !line.isEdited && (line.kind === TimerList.Entry || line.kind === TimerList.Folded) && (line.isHovered || line.isChosen)
         radius: Theme.radiusControl
-        color: hover.hovered ? Theme.hover : "transparent"
+        color: line.isHovered ? Theme.hover : "transparent"
         border.width: line.isChosen ? 2 : 0
         border.color: Theme.accent
     }
     Loader {
+        id: content
         anchors.fill: parent
         anchors.leftMargin: 4
         anchors.rightMargin: 4
-        active: !line.isEdited
-        sourceComponent: line.kind === TimerList.Day ? dayHead : line.kind === TimerList.Folded ? foldedDay : line.kind === TimerList.Share ? shareRow : entryRow
+
+        readonly property string wanted: line.isEdited ? "" : line.kind === TimerList.Day ? "DayHead.qml" : line.kind === TimerList.Folded ? "FoldedDay.qml" : line.kind === TimerList.Share ? "ShareRow.qml" : "EntryRow.qml"
+
+        function update(): void {
+            if (wanted === "")
+                source = "";
+            else
+                setSource(wanted, { line: line });
+        }
+        onWantedChanged: if (status !== Loader.Null || wanted !== "")
+            update()
     }
     Loader {
         id: editor
         x: 4
         y: 4
         width: parent.width - 8
-        height: active && item ? (item as Item).implicitHeight : 0
-        active: line.isEdited
-        onActiveChanged: if (!active)
-            line.edited()
-        sourceComponent: EntryEditorForm {
-            timer: line.timer
-            isWide: line.columns.isWide
-            shade: line.shade
-            width: editor.width
-        }
-    }
+        height: item ? (item as Item).implicitHeight : 0
 
-    Component {
-        id: dayHead
-
-        Item {
-            Label {
-                id: day
-                x: 16
-                y: 12
-                text: line.title
-                font.weight: Font.DemiBold
-            }
-            Icon {
-                id: lock
-                anchors.left: day.right
-                anchors.leftMargin: 8
-                anchors.verticalCenter: day.verticalCenter
-                visible: line.isLocked
-                name: "lock"
-                size: 14
-            }
-            Label {
-                anchors.left: lock.visible ? lock.right : day.right
-                anchors.leftMargin: 8
-                anchors.verticalCenter: day.verticalCenter
-                type: Label.Type.Small
-                text: line.subtitle
-                color: Theme.ink3
-            }
-            Label {
-                anchors.right: parent.right
-                anchors.rightMargin: 40
-                y: 12
-                text: line.total
-                font.weight: Font.DemiBold
+        function update(): void {
+            if (line.isEdited) {
+                setSource("EntryEditorForm.qml", { line: line });
+            } else if (status !== Loader.Null) {
+                source = "";
+                line.edited();
             }
         }
+        Component.onCompleted: update()
     }
-    Component {
-        id: foldedDay
-
-        Item {
-            Icon {
-                x: 0
-                anchors.verticalCenter: parent.verticalCenter
-                name: "right"
-                color: Theme.ink3
-            }
-            Label {
-                id: day
-                x: 16
-                anchors.verticalCenter: parent.verticalCenter
-                text: line.title
-                font.weight: Font.DemiBold
-            }
-            Label {
-                anchors.left: day.right
-                anchors.leftMargin: 8
-                anchors.verticalCenter: parent.verticalCenter
-                type: Label.Type.Small
-                text: line.subtitle
-                color: Theme.ink3
-            }
-            ShareBar {
-                anchors.right: parent.right
-                anchors.rightMargin: 40 + line.columns.durationWidth + 12 + (line.columns.isWide ? 140 : 0)
-                anchors.verticalCenter: parent.verticalCenter
-                width: line.columns.projectWidth + (line.columns.isWide ? 116 : 0)
-                shares: line.shares
-            }
-            Label {
-                anchors.right: parent.right
-                anchors.rightMargin: 40
-                anchors.verticalCenter: parent.verticalCenter
-                text: line.total
-                font.weight: Font.DemiBold
-            }
-        }
-    }
-    Component {
-        id: entryRow
-
-        EntryRow {
-            line: line
-            isHovered: hover.hovered
-        }
-    }
-    Component {
-        id: shareRow
-
-        Item {
-            Label {
-                x: 32
-                anchors.right: chip.left
-                anchors.rightMargin: 12
-                anchors.verticalCenter: parent.verticalCenter
-                text: line.title
-                color: Theme.ink2
-            }
-            ProjectChip {
-                id: chip
-                x: parent.width - 40 - line.columns.durationWidth - 12 - line.columns.timesWidth - (line.columns.isWide ? 144 : 12) - width + (line.columns.isWide ? 0 : 0)
-                width: line.columns.projectWidth
-                anchors.verticalCenter: parent.verticalCenter
-                type: Label.Type.Small
-                project: line.project
-                task: line.task
-                color: line.shade
-            }
-            Label {
-                anchors.right: parent.right
-                anchors.rightMargin: 40 + line.columns.durationWidth + 12
-                anchors.verticalCenter: parent.verticalCenter
-                type: Label.Type.Small
-                text: line.times
-                color: Theme.ink2
-            }
-            Label {
-                anchors.right: parent.right
-                anchors.rightMargin: 40
-                anchors.verticalCenter: parent.verticalCenter
-                type: Label.Type.Small
-                text: line.duration
-                color: Theme.ink2
-            }
-        }
-    }
+    onIsEditedChanged: editor.update()
 }

@@ -26,7 +26,7 @@ QString named(const TimeEntryResponse &entry)
 } // namespace
 
 TimerModel::TimerModel(AppModel &app)
-    : m_app(&app), m_list(nullptr), m_field(app, "timer"), m_editor(app), m_picker(app)
+    : m_app(&app), m_list(nullptr), m_field(app, "timer"), m_editor(app), m_picker(app), m_ruler(nullptr)
 {
     connect(m_app, &AppModel::trackerChanged, this, &TimerModel::follow);
     connect(m_app, &AppModel::phaseChanged, this, &TimerModel::changed);
@@ -40,12 +40,14 @@ void TimerModel::follow()
         m_tracker->disconnect(this);
     m_tracker = m_app->tracker();
     m_list.setTracker(m_tracker);
+    m_ruler.setTracker(m_tracker);
     if (m_tracker) {
         connect(m_tracker, &Tracker::entriesChanged, this, &TimerModel::followRunning);
         connect(m_tracker, &Tracker::timeChanged, this, &TimerModel::followRunning);
         connect(m_tracker, &Tracker::dayTurned, this, &TimerModel::followRunning);
         connect(m_tracker, &Tracker::stateChanged, this, &TimerModel::changed);
         connect(&m_tracker->catalog(), &Catalog::changed, this, &TimerModel::runningChanged);
+        connect(&m_tracker->catalog(), &Catalog::changed, &m_ruler, &DayRuler::update);
     }
     followRunning();
 }
@@ -54,6 +56,7 @@ void TimerModel::followRunning()
 {
     m_app->tick().setNeeded(this, isRunning());
     m_needs.clear();
+    m_ruler.update();
     Q_EMIT runningChanged();
     Q_EMIT ticked();
     Q_EMIT changed();
@@ -62,6 +65,7 @@ void TimerModel::followRunning()
 void TimerModel::tick()
 {
     m_list.tick();
+    m_ruler.tick();
     Q_EMIT ticked();
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Screens/Timer/DayRuler.h"
 #include "Screens/Timer/EntryEditor.h"
 #include "Screens/Timer/EntryField.h"
 #include "Screens/Timer/ProjectPicker.h"
@@ -24,6 +25,7 @@ class TimerModel final : public QObject {
     Q_PROPERTY(orvane::EntryField *field READ field CONSTANT)
     Q_PROPERTY(orvane::EntryEditor *editor READ editor CONSTANT)
     Q_PROPERTY(orvane::ProjectPicker *picker READ picker CONSTANT)
+    Q_PROPERTY(orvane::DayRuler *ruler READ ruler CONSTANT)
     Q_PROPERTY(bool isReady READ isReady NOTIFY changed)
     Q_PROPERTY(bool isLoading READ isLoading NOTIFY changed)
     Q_PROPERTY(bool isEmpty READ isEmpty NOTIFY changed)
@@ -49,6 +51,7 @@ public:
     EntryField *field() { return &m_field; }
     EntryEditor *editor() { return &m_editor; }
     ProjectPicker *picker() { return &m_picker; }
+    DayRuler *ruler() { return &m_ruler; }
     bool isReady() const { return m_tracker != nullptr; }
     /// The first answer is still to come and nothing was known here.
     bool isLoading() const;
@@ -111,6 +114,7 @@ private:
     EntryField m_field;
     EntryEditor m_editor;
     ProjectPicker m_picker;
+    DayRuler m_ruler;
     QString m_needs;
     QString m_weekProblem;
 };

@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+import QtQuick
+import Orvane.Components
+
+// What can be done with the entry under the pointer.
+Item {
+    id: actions
+
+    required property LineData line
+
+    IconButton {
+        anchors.right: parent.right
+        anchors.verticalCenter: parent.verticalCenter
+        iconName: "play"
+        text: qsTr("Continue %1").arg(actions.line.title)
+        keys: "C"
+        onClicked: actions.line.timer.continueEntry(actions.line.entryId)
+    }
+    Rectangle {
+        anchors.right: parent.right
+        anchors.rightMargin: 40 + actions.line.columns.durationWidth + actions.line.columns.timesWidth + 24 + 28
+        anchors.verticalCenter: parent.verticalCenter
+        visible: actions.line.columns.isWide
+        width: buttons.width
+        height: 28
+        radius: Theme.radiusControl
+        color: Theme.control
+        border.color: Theme.line2
+
+        Row {
+            id: buttons
+
+            IconButton {
+                iconName: "copy"
+                text: qsTr("Duplicate %1").arg(actions.line.title)
+                keys: "Ctrl+D"
+                onClicked: actions.line.timer.duplicate(actions.line.entryId)
+            }
+            IconButton {
+                iconName: "x"
+                text: qsTr("Delete %1").arg(actions.line.title)
+                keys: "Del"
+                onClicked: actions.line.timer.remove(actions.line.entryId)
+            }
+        }
+    }
+}
