@@ -3,8 +3,25 @@
 
 #include <QPointer>
 #include <QUrl>
+#include <algorithm>
 
 namespace orvane {
+
+namespace {
+
+/// Whether an action is worth a line that offers to take it back: what the timer does is seen anyway, and so
+/// is what was typed into one entry.
+bool isWorthTelling(const StoredStep &stored)
+{
+    const auto &turns = stored.step.turns;
+    const bool isTimer = std::ranges::any_of(
+        turns, [](const EntryTurn &turn) { return !turn.before && turn.after && !turn.after->stop; });
+    const bool isDeletion =
+        std::ranges::any_of(turns, [](const EntryTurn &turn) { return !turn.after.has_value(); });
+    return !stored.isTakeBack && !isTimer && (isDeletion || turns.size() > 1);
+}
+
+} // namespace
 
 AppModel::AppModel(Options options)
     : m_options(std::move(options))
@@ -116,6 +133,10 @@ void AppModel::adopt(std::unique_ptr<Account> account)
 void AppModel::follow()
 {
     m_undo = std::make_unique<UndoStack>(m_account->tracker(), m_account->outcomes(), m_account->history());
+    connect(&m_account->tracker(), &Tracker::stepStored, this, [this](const StoredStep &stored) {
+        if (isWorthTelling(stored))
+            m_notices.tell(QString::fromStdString(stored.sentence), Notices::Action::Undo);
+    });
     Q_EMIT placeChanged();
     Q_EMIT trackerChanged();
 }
@@ -149,10 +170,8 @@ Task<> AppModel::close()
 {
     // A window that is closed at once may still be on the way to its account.
     m_isClosing = true;
-    if (m_access) {
-        m_access->giveUpAt(std::chrono::steady_clock::now());
+    if (m_access)
         m_access->giveUp("The application ends.");
-    }
     if (m_opening)
         co_await *m_opening;
     m_sync.setAccount(nullptr);

@@ -30,13 +30,13 @@ DesktopOptions readOptions(const QGuiApplication &application)
     parser.addOption(
         {QStringLiteral("data-dir"), QStringLiteral("Another folder for data."), QStringLiteral("DIR")});
     parser.addOption(
-        {QStringLiteral("no-server-start"), QStringLiteral("Do not start the server on this computer.")});
+        {QStringLiteral("no-start-server"), QStringLiteral("Do not start the server on this computer.")});
     parser.process(application);
     DesktopOptions options;
     options.app.folder = parser.value(QStringLiteral("data-dir")).toStdString();
     if (parser.isSet(QStringLiteral("server")))
         options.app.server = parser.value(QStringLiteral("server")).toStdString();
-    options.app.startsServer = !parser.isSet(QStringLiteral("no-server-start"));
+    options.app.startsServer = !parser.isSet(QStringLiteral("no-start-server"));
     if (options.app.folder.empty() && !Installation::hasUsualPlace())
         options.problem = QStringLiteral("There is no home folder; name one with --data-dir.");
     return options;

@@ -7,8 +7,7 @@
 
 namespace orvane {
 
-DesktopWindow::DesktopWindow(AppModel::Options options)
-    : m_app(std::move(options)), m_timer(m_app)
+DesktopWindow::DesktopWindow(AppModel::Options options) : m_app(std::move(options)), m_timer(m_app)
 {
     loadFonts();
     // Where our modules lie; Qt 6.4 does not look there by itself.

@@ -299,6 +299,11 @@ void Account::liveOn()
         m_tracker->turnDay();
         refreshMe();
     });
+    // A store in memory, as under a simulator, is nobody else's.
+    if (!m_options.store.executor) {
+        m_storeWatch = std::make_unique<StoreWatch>(m_store, storePath());
+        connect(m_storeWatch.get(), &StoreWatch::changedElsewhere, this, [this] { takeFromStore(); });
+    }
     m_retry = makeRetryTimer();
     m_connectivity = std::make_unique<Connectivity>();
     m_connectivity->onOnline = [this] { catchUp(); };
@@ -328,6 +333,24 @@ void Account::catchUp()
     if (!m_freshMe || m_isMeMissed)
         refreshMe();
     m_tracker->refreshMissed();
+}
+
+/// Another process of this computer has changed something: shown from the store at once, and as the server
+/// has it afterwards.
+Task<> Account::takeFromStore()
+{
+    const QPointer<Account> self(this);
+    co_await m_outbox->readStored();
+    if (!self || !m_retry)
+        co_return;
+    co_await m_tracker->loadSnapshot();
+    if (!self || !m_retry)
+        co_return;
+    m_outbox->flush();
+    if (isReachable()) {
+        refreshMe();
+        m_tracker->refresh(allTopics);
+    }
 }
 
 /// While the server is away, or something could not be had, somebody has to ask again; for changes that wait,
@@ -388,6 +411,7 @@ Task<Result<void, AccountError>> Account::signOut()
 Task<> Account::close()
 {
     disconnect(&state(), nullptr, this, nullptr);
+    m_storeWatch.reset();
     m_dayTurn.reset();
     m_connectivity.reset();
     m_retry.reset();

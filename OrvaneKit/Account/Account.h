@@ -5,6 +5,7 @@
 #include "Account/ServerAccess.h"
 #include "Account/SignIn.h"
 #include "LocalStore/LocalStore.h"
+#include "LocalStore/StoreWatch.h"
 #include "OrvaneAPI/Schemas.h"
 #include "Outbox/Outbox.h"
 #include "Outbox/OutboxOutcomes.h"
@@ -127,6 +128,7 @@ private:
     void followTime();
     void liveOn();
     void catchUp();
+    Task<> takeFromStore();
     void followTracker();
     void tryAgainLater();
     Task<> tryOnce();
@@ -151,6 +153,7 @@ private:
     std::unique_ptr<Tracker> m_tracker;
 
     // Of an account that lives on
+    std::unique_ptr<StoreWatch> m_storeWatch;
     std::unique_ptr<DayTurn> m_dayTurn;
     std::unique_ptr<Connectivity> m_connectivity;
     std::unique_ptr<RetryTimer> m_retry;

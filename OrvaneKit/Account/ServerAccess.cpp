@@ -211,6 +211,8 @@ void ServerAccess::giveUp(const std::string &reason)
 
 void ServerAccess::close()
 {
+    // A request that ends now is not to ask for the server once more.
+    giveUpAt(std::chrono::steady_clock::now());
     QMetaObject::invokeMethod(
         m_network->executor(), [transport = m_network->transport()] { transport->close(); },
         Qt::QueuedConnection);

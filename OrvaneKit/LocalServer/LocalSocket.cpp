@@ -111,6 +111,8 @@ void LocalSocket::failWith(LinkError error)
 
 Task<LocalSocket::Connected> LocalSocket::connectTo(std::string folder, std::chrono::milliseconds limit)
 {
+    if (limit <= std::chrono::milliseconds::zero())
+        co_return failure(LinkError::failed("There is no time left to ask the server on this computer."));
     const std::string runFolder = folder + "/" + linkFolderName;
     const auto descriptor = openOwnFolder(runFolder);
     if (!descriptor)

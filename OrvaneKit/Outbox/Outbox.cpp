@@ -135,6 +135,12 @@ Task<> Outbox::flush()
         co_await qCoro(this, &Outbox::passEnded);
 }
 
+Task<> Outbox::readStored()
+{
+    if (!m_isClosing)
+        co_await readNewRows();
+}
+
 Task<> Outbox::close()
 {
     m_isClosing = true;

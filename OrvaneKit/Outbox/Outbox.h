@@ -99,6 +99,8 @@ public:
                                                           StoredHandler onStored = {});
     /// A pass over the whole queue; when one runs already, waits for its end.
     Task<> flush();
+    /// Reads what other processes have queued, without sending anything.
+    Task<> readStored();
     /// Ends a running pass after the request in flight and schedules nothing more; every waiting caller is
     /// answered.
     Task<> close();

@@ -16,13 +16,6 @@ QString shown(const std::string &text)
     return QString::fromStdString(text);
 }
 
-/// An entry's name in a sentence.
-QString named(const TimeEntryResponse &entry)
-{
-    return entry.description.empty() ? TimerModel::tr("the entry")
-                                     : QStringLiteral("“%1”").arg(shown(entry.description));
-}
-
 } // namespace
 
 TimerModel::TimerModel(AppModel &app)
@@ -181,21 +174,12 @@ QString TimerModel::weekTotal() const
 
 // What can be done
 
-void TimerModel::told(const SaveResult &result, const QString &done)
+/// What went well is seen, or told once it is stored.
+void TimerModel::tellFailure(const SaveResult &result)
 {
-    switch (result.outcome) {
-    case SaveOutcome::saved:
-    case SaveOutcome::waiting:
-    case SaveOutcome::stopped:
-        if (!done.isEmpty())
-            m_app->notices()->tell(done, Notices::Action::Undo);
-        break;
-    case SaveOutcome::rejected:
-    case SaveOutcome::needsDetails:
-    case SaveOutcome::failed:
+    if (result.outcome == SaveOutcome::rejected || result.outcome == SaveOutcome::needsDetails ||
+        result.outcome == SaveOutcome::failed)
         m_app->notices()->tellFailure(shown(result.message));
-        break;
-    }
 }
 
 void TimerModel::stop()
@@ -262,7 +246,7 @@ Task<> TimerModel::doStop()
         Q_EMIT runningChanged();
         co_return;
     }
-    told(result, {});
+    tellFailure(result);
 }
 
 Task<> TimerModel::doContinueLast()
@@ -271,7 +255,7 @@ Task<> TimerModel::doContinueLast()
     const Instant at = ActionMoment::of(m_tracker->running(), AppClock::now(), {}).at;
     const SaveResult result = co_await m_tracker->continueLast(at);
     if (self)
-        told(result, {});
+        tellFailure(result);
 }
 
 Task<> TimerModel::doContinue(std::string id)
@@ -284,29 +268,23 @@ Task<> TimerModel::doContinue(std::string id)
     const SaveResult result =
         co_await m_tracker->create(EntryDraft::continuing(*entry).at({millisecondsFloor(at), {}}));
     if (self)
-        told(result, {});
+        tellFailure(result);
 }
 
 Task<> TimerModel::doDuplicate(std::string id)
 {
     const QPointer<TimerModel> self(this);
-    const auto entry = m_tracker->entry(id);
-    if (!entry)
-        co_return;
     const SaveResult result = co_await m_tracker->duplicate(id);
     if (self)
-        told(result, tr("Duplicated %1").arg(named(*entry)));
+        tellFailure(result);
 }
 
 Task<> TimerModel::doRemove(std::string id)
 {
     const QPointer<TimerModel> self(this);
-    const auto entry = m_tracker->entry(id);
-    if (!entry)
-        co_return;
     const SaveResult result = co_await m_tracker->remove(id);
     if (self)
-        told(result, tr("Deleted %1").arg(named(*entry)));
+        tellFailure(result);
 }
 
 Task<> TimerModel::doLoadWeekBefore()

@@ -105,7 +105,7 @@ private:
     Task<> doDuplicate(std::string id);
     Task<> doRemove(std::string id);
     Task<> doLoadWeekBefore();
-    void told(const SaveResult &result, const QString &done);
+    void tellFailure(const SaveResult &result);
     QString total(DayKey first, int count) const;
 
     AppModel *m_app;
