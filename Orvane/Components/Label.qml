@@ -20,6 +20,8 @@ Text {
     }
 
     property int type: Label.Type.Body
+    // A name or a description, which may be longer than any room for it.
+    property bool saidByPeople: false
 
     readonly property int lineSize: [Theme.line11, Theme.line12, Theme.line13, Theme.line15, Theme.line18, Theme.line20, Theme.line24, Theme.line28][type]
 

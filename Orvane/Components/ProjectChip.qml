@@ -28,6 +28,7 @@ Item {
     Label {
         id: name
 
+        saidByPeople: true
         x: 16
         width: Math.min(implicitWidth, Math.max(0, chip.width - x))
         height: chip.height
@@ -39,6 +40,7 @@ Item {
     Label {
         id: rest
 
+        saidByPeople: true
         x: name.x + name.width
         width: Math.min(implicitWidth, Math.max(0, chip.width - x))
         height: chip.height

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Draws the application's windows as people see them and saves the pictures: Pictures FOLDER [--all]. The
 // real window over a real server, with a week of time as people have it.
+#include "Appearance.h"
 #include "Desktop/DesktopWindow.h"
 #include "PictureWorld.h"
 #include "Time/AppClock.h"
@@ -12,49 +13,54 @@
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QTextStream>
+#include <QTranslator>
+#include <QtQml>
 
 namespace orvane::testing {
 
 namespace {
 
-struct Size {
-    const char *name;
-    int width;
-    int height;
+/// Says everything the longer by two fifths, as other languages do.
+class LongTexts final : public QTranslator {
+public:
+    bool isEmpty() const override { return false; }
+    QString translate(const char *, const char *text, const char *, int) const override
+    {
+        const QString said = QString::fromUtf8(text);
+        return said + QString((said.size() * 2 + 4) / 5, QLatin1Char('~'));
+    }
 };
-constexpr std::array sizes{Size{"900", 900, 600}, Size{"1440", 1440, 900}};
 
 /// Texts that had no room, but for those that people wrote: what is called something may be called anything.
 QStringList cutTexts(const QQuickItem *item)
 {
     QStringList cut;
-    if (!item->isVisible())
+    if (!item->isVisible() || item->opacity() == 0)
         return cut;
-    if (item->property("truncated").toBool() && !item->property("isSaidByPeople").toBool())
+    if (item->property("truncated").toBool() && !item->property("saidByPeople").toBool())
         cut << item->property("text").toString();
     for (const QQuickItem *child : item->childItems())
         cut << cutTexts(child);
     return cut;
 }
 
+/// Where pictures go, and what is wrong with them.
 class Album {
 public:
-    explicit Album(QString folder) : m_folder(std::move(folder)) { QDir().mkpath(m_folder); }
+    Album(QString folder, bool isWhole) : m_folder(std::move(folder)), m_isWhole(isWhole)
+    {
+        QDir().mkpath(m_folder);
+    }
 
-    /// At every size. False when a text is cut.
+    /// The small window in the light, and where all are wanted the large one and both in the dark too.
     void take(DesktopWindow &desktop, const QString &name)
     {
-        for (const Size &size : sizes) {
-            QQuickWindow *window = desktop.window();
-            window->resize(size.width, size.height);
-            settle();
-            const QString file = QStringLiteral("%1/%2-%3.png").arg(m_folder, name, QLatin1String(size.name));
-            const QImage picture = window->grabWindow();
-            if (picture.isNull() || !picture.save(file))
-                complain(QStringLiteral("%1 could not be drawn").arg(file));
-            for (const QString &text : cutTexts(window->contentItem()))
-                complain(QStringLiteral("%1: “%2” is cut").arg(file, text));
-        }
+        save(desktop, name + QStringLiteral("-900-light"), {900, 600}, Appearance::Scheme::Light);
+        if (!m_isWhole)
+            return;
+        save(desktop, name + QStringLiteral("-900-dark"), {900, 600}, Appearance::Scheme::Dark);
+        save(desktop, name + QStringLiteral("-1440-light"), {1440, 900}, Appearance::Scheme::Light);
+        save(desktop, name + QStringLiteral("-1440-dark"), {1440, 900}, Appearance::Scheme::Dark);
     }
 
     void complain(const QString &problem)
@@ -65,6 +71,22 @@ public:
     int problems() const { return m_problems; }
 
 private:
+    void save(DesktopWindow &desktop, const QString &name, QSize size, Appearance::Scheme scheme)
+    {
+        QQuickWindow *window = desktop.window();
+        auto *appearance = qmlEngine(window)->singletonInstance<Appearance *>(
+            qmlTypeId("Orvane.Components", 1, 0, "Appearance"));
+        appearance->setScheme(scheme);
+        window->resize(size);
+        settle();
+        const QString file = QStringLiteral("%1/%2.png").arg(m_folder, name);
+        const QImage picture = window->grabWindow();
+        if (picture.isNull() || !picture.save(file))
+            complain(QStringLiteral("%1 could not be drawn").arg(file));
+        for (const QString &text : cutTexts(window->contentItem()))
+            complain(QStringLiteral("%1: “%2” is cut").arg(file, text));
+    }
+
     /// Until nothing is left to be laid out or loaded.
     static void settle()
     {
@@ -73,6 +95,7 @@ private:
     }
 
     QString m_folder;
+    bool m_isWhole;
     int m_problems = 0;
 };
 
@@ -95,10 +118,31 @@ void divide(DesktopWindow &desktop, std::string_view description)
                                                      SplitPart{website->id, {}, false, 40, {}}}));
 }
 
+void drawLongTexts(Album &album, DesktopWindow &desktop)
+{
+    LongTexts longTexts;
+    QCoreApplication::installTranslator(&longTexts);
+    qmlEngine(desktop.window())->retranslate();
+    album.take(desktop, QStringLiteral("timer-long"));
+    QCoreApplication::removeTranslator(&longTexts);
+    qmlEngine(desktop.window())->retranslate();
+}
+
+void drawOffline(Album &album, DesktopWindow &desktop, const PictureWorld &world)
+{
+    world.installation().killServer();
+    desktop.timer().field()->setText(QStringLiteral("Pager @platform/ci 15:10-15:40"));
+    desktop.timer().field()->submit();
+    const auto isAway = [&] { return desktop.app().sync()->kind() == SyncStatus::Kind::Offline; };
+    if (!eventually(isAway) || desktop.app().sync()->waiting() == 0)
+        album.complain(QStringLiteral("The window did not notice that the server is away"));
+    album.take(desktop, QStringLiteral("timer-offline"));
+}
+
 void drawTimer(Album &album)
 {
     const PictureWorld world;
-    DesktopWindow desktop({.folder = world.folder(), .serverProgram = builtProgram("orvane-server")});
+    DesktopWindow desktop({.folder = world.folder(), .startsServer = false});
     const auto isLoaded = [&] {
         return desktop.app().tracker() != nullptr && desktop.app().tracker()->state() == LoadState::loaded;
     };
@@ -117,13 +161,15 @@ void drawTimer(Album &album)
         album.complain(QStringLiteral("The entry could not be edited"));
     album.take(desktop, QStringLiteral("timer-editor"));
     desktop.timer().editor()->cancel();
+    drawLongTexts(album, desktop);
+    drawOffline(album, desktop, world);
     await(desktop.close());
 }
 
 void drawEmpty(Album &album)
 {
     const PictureWorld world(PictureWorld::Contents::nothing);
-    DesktopWindow desktop({.folder = world.folder(), .serverProgram = builtProgram("orvane-server")});
+    DesktopWindow desktop({.folder = world.folder(), .startsServer = false});
     if (desktop.show() && eventually([&] { return desktop.timer().isEmpty(); }))
         album.take(desktop, QStringLiteral("empty"));
     else
@@ -141,11 +187,12 @@ int main(int argc, char **argv)
     qputenv("LC_ALL", "C.UTF-8");
     const QGuiApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.size() != 2) {
-        QTextStream(stderr) << "usage: Pictures FOLDER" << Qt::endl;
+    const bool isWhole = arguments.contains(QStringLiteral("--all"));
+    if (arguments.size() != (isWhole ? 3 : 2)) {
+        QTextStream(stderr) << "usage: Pictures FOLDER [--all]" << Qt::endl;
         return 2;
     }
-    orvane::testing::Album album(arguments.at(1));
+    orvane::testing::Album album(arguments.at(1), isWhole);
     orvane::testing::drawTimer(album);
     orvane::testing::drawEmpty(album);
     return album.problems() == 0 ? 0 : 1;

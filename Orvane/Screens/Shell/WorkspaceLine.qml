@@ -40,6 +40,7 @@ Item {
         Label {
             type: Label.Type.Small
             width: parent.width
+            saidByPeople: true
             text: line.app.workspaceName
             font.weight: Font.DemiBold
             Accessible.ignored: true
@@ -47,6 +48,7 @@ Item {
         Label {
             type: Label.Type.Caption
             width: parent.width
+            saidByPeople: true
             text: line.app.placeName
             color: Theme.ink3
             Accessible.ignored: true

@@ -48,6 +48,7 @@ Item {
             id: title
             anchors.verticalCenter: parent.verticalCenter
             width: Math.min(implicitWidth, parent.width - (state.visible ? state.width + 8 : 0) - (fork.visible ? 24 : 0))
+            saidByPeople: true
             text: row.line.title
             color: row.line.isLocked ? Theme.ink2 : Theme.ink1
         }
@@ -87,7 +88,7 @@ Item {
         ShareBar {
             id: bar
             anchors.verticalCenter: parent.verticalCenter
-            width: 72
+            width: row.columns.isWide ? 72 : 44
             visible: row.line.partCount > 0
             shares: row.line.shares
         }
@@ -109,6 +110,7 @@ Item {
         width: row.columns.isWide ? 104 : 0
         visible: row.columns.isWide && !row.line.isHovered
         type: Label.Type.Small
+        saidByPeople: true
         text: row.line.tags
         color: Theme.ink2
     }

@@ -38,6 +38,7 @@ Rectangle {
         anchors.leftMargin: 10
         anchors.verticalCenter: parent.verticalCenter
         width: Math.min(implicitWidth, parent.width - about.width - 48)
+        saidByPeople: true
         text: row.text
         Accessible.ignored: true
     }
@@ -47,6 +48,7 @@ Rectangle {
         anchors.rightMargin: 10
         anchors.verticalCenter: parent.verticalCenter
         type: Label.Type.Small
+        saidByPeople: true
         text: row.detail
         color: Theme.ink2
         Accessible.ignored: true

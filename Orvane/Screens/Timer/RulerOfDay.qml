@@ -100,6 +100,7 @@ Item {
                 width: block.width - x - 6
                 visible: block.height >= 16
                 type: block.height < 24 ? Label.Type.Caption : Label.Type.Small
+                saidByPeople: true
                 text: block.modelData.title
                 font.weight: Font.Medium
             }
@@ -109,6 +110,7 @@ Item {
                 width: block.width - x - 6
                 visible: block.height > 40
                 type: Label.Type.Caption
+                saidByPeople: true
                 text: block.modelData.places
                 color: Theme.ink2
             }

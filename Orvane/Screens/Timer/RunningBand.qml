@@ -44,6 +44,7 @@ Item {
             anchors.leftMargin: 5
             anchors.verticalCenter: parent.verticalCenter
             width: Math.min(implicitWidth, Math.max(80, figures.x - x - (pill.visible ? pill.width + 12 : 0) - (bill.visible ? 28 : 0) - 12))
+            saidByPeople: true
             text: band.timer.description === "" ? qsTr("No description") : band.timer.description
             color: band.timer.description === "" ? Theme.ink2 : Theme.ink1
         }

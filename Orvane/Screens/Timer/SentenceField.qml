@@ -152,6 +152,7 @@ FocusScope {
                         Label {
                             anchors.verticalCenter: parent.verticalCenter
                             type: Label.Type.Small
+                            saidByPeople: true
                             text: chip.modelData.name
                         }
                     }
@@ -182,6 +183,7 @@ FocusScope {
                 anchors.verticalCenter: parent.verticalCenter
                 width: Math.min(implicitWidth, parent.width - chips.width - 16)
                 type: Label.Type.Small
+                saidByPeople: true
                 text: root.field.plan
                 color: Theme.ink2
             }

@@ -14,6 +14,7 @@ Item {
         anchors.right: chip.left
         anchors.rightMargin: 12
         anchors.verticalCenter: parent.verticalCenter
+        saidByPeople: true
         text: root.line.title
         color: Theme.ink2
     }

@@ -100,6 +100,7 @@ Rectangle {
                     anchors.rightMargin: 8
                     anchors.verticalCenter: parent.verticalCenter
                     type: Label.Type.Small
+                    saidByPeople: true
                     text: project.modelData.name
                 }
                 Label {
