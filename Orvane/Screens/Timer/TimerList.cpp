@@ -62,6 +62,8 @@ void TimerList::setTracker(Tracker *tracker)
         connect(tracker, &Tracker::dayTurned, this, &TimerList::rebuild);
         connect(&tracker->catalog(), &Catalog::changed, this, &TimerList::tellAllChanged);
         connect(&tracker->outbox(), &Outbox::pendingChanged, this, &TimerList::rebuild);
+        connect(&tracker->outbox(), &Outbox::isOfflineChanged, this, &TimerList::tellAllChanged);
+        connect(&tracker->outbox(), &Outbox::passEnded, this, &TimerList::tellAllChanged);
     }
     rebuild();
 }
@@ -374,7 +376,9 @@ TimerList::Mark TimerList::markOf(const TimerRow &row) const
     const TimeEntryResponse &entry = m_list.entries[row.entry];
     if (m_inConflict.contains(entry.id))
         return Mark::Conflict;
-    if (m_waiting.contains(entry.id) && !m_tracker->outbox().isFlushing())
+    // What is just on its way is not worth a word.
+    const Outbox &outbox = m_tracker->outbox();
+    if (m_waiting.contains(entry.id) && (outbox.isOffline() || !outbox.isFlushing()))
         return Mark::Waiting;
     if (m_overlapping.contains(row.entry))
         return Mark::Overlap;
