@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Desktop/DesktopProgram.h"
 
+#include "AppModel/SingleInstance.h"
 #include "Desktop/DesktopWindow.h"
 #include "Support/DateText.h"
 #include "Time/AppClock.h"
@@ -68,7 +69,17 @@ int runDesktop(int argc, char **argv)
         QTextStream(stderr) << options.problem << Qt::endl;
         return 2;
     }
+    std::string problem;
+    const Installation installation(options.app.folder);
+    if (!installation.makeFolder(problem)) {
+        QTextStream(stderr) << QString::fromStdString(problem) << Qt::endl;
+        return 1;
+    }
+    SingleInstance instance(installation.root());
+    if (!instance.takeOrHandOver(SingleInstance::Wish::raise))
+        return 0;
     DesktopWindow desktop(std::move(options.app));
+    QObject::connect(&instance, &SingleInstance::wished, &desktop, &DesktopWindow::raise);
     const int status = desktop.show() ? QGuiApplication::exec() : 1;
     QCoro::waitFor(desktop.close());
     return status;

@@ -31,6 +31,15 @@ bool DesktopWindow::show()
     return true;
 }
 
+void DesktopWindow::raise()
+{
+    if (m_window == nullptr)
+        return;
+    m_window->show();
+    m_window->raise();
+    m_window->requestActivate();
+}
+
 /// Keeps the second hand still while the window cannot be seen.
 void DesktopWindow::followVisibility()
 {

@@ -22,6 +22,8 @@ public:
 
     /// Makes the window and begins to open the account. False when the QML cannot be loaded.
     bool show();
+    /// Brings the window to the front.
+    void raise();
     Task<> close() { return m_app.close(); }
 
     AppModel &app() { return m_app; }

@@ -88,7 +88,7 @@ Item {
         ShareBar {
             id: bar
             anchors.verticalCenter: parent.verticalCenter
-            width: row.columns.isWide ? 72 : 44
+            width: row.columns.isWide ? 72 : 32
             visible: row.line.partCount > 0
             shares: row.line.shares
         }

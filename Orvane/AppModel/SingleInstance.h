@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Support/FileLock.h"
+
+#include <QLocalServer>
+#include <QObject>
+#include <string>
+
+namespace orvane {
+
+/// One window program at a time has a data folder: a second one hands over what it was started for and ends.
+/// They meet at a socket in a folder that is its user's alone.
+///
+/// Owner: the program. Thread: the main thread.
+class SingleInstance final : public QObject {
+    Q_OBJECT
+
+public:
+    /// What a second start asks of the first.
+    enum class Wish {
+        raise, ///< the window to come to the front
+    };
+
+    /// `folder` exists; the socket's own folder is made in it.
+    explicit SingleInstance(const std::string &folder);
+
+    /// True for the first, which from now on hears of others. A second one's wish is then handed to the first
+    /// before this answers, if it can be reached. Blocks for at most a second.
+    bool takeOrHandOver(Wish wish);
+
+Q_SIGNALS:
+    void wished(orvane::SingleInstance::Wish wish);
+
+private:
+    bool listen();
+    void handOver(Wish wish);
+    void hear();
+
+    QString m_socketPath;
+    FileLock m_lock;
+    QLocalServer m_server;
+};
+
+} // namespace orvane
