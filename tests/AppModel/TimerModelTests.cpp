@@ -152,12 +152,21 @@ TEST(TimerModel, KeepsWhatIsHalfTyped)
     {
         Desk desk(installation);
         ASSERT_TRUE(desk.opens());
+        desk.type("Stand-up 9:00-9:30");
+        ASSERT_TRUE(eventually([&] { return !desk.idOf("Stand-up").isEmpty(); }) && desk.settles());
         desk.timer.field()->setText(QStringLiteral("Half a sen"));
+        ASSERT_TRUE(desk.timer.editor()->open(desk.idOf("Stand-up")));
+        desk.timer.editor()->setProperty("description", QStringLiteral("Stand-up and pl"));
     }
     Desk desk(installation);
-    desk.timer.field()->setText({});
     ASSERT_TRUE(desk.opens());
     EXPECT_EQ(desk.timer.field()->text(), QStringLiteral("Half a sen"));
+    EntryEditor &editor = *desk.timer.editor();
+    ASSERT_TRUE(eventually([&] { return !editor.entryId().isEmpty(); }));
+    EXPECT_EQ(editor.property("description").toString(), QStringLiteral("Stand-up and pl"));
+    editor.save();
+    EXPECT_TRUE(eventually([&] { return !desk.idOf("Stand-up and pl").isEmpty(); }));
+    EXPECT_EQ(desk.app.draft("editor"), QString());
 }
 
 TEST(TimerModel, SaysBeforeReturnWhatWillBe)

@@ -160,6 +160,8 @@ void drawTimer(Album &album)
     if (edited == nullptr || !desktop.timer().editor()->open(QString::fromStdString(edited->id)))
         album.complain(QStringLiteral("The entry could not be edited"));
     album.take(desktop, QStringLiteral("timer-editor"));
+    desktop.timer().editRunning();
+    album.take(desktop, QStringLiteral("timer-running-editor"));
     desktop.timer().editor()->cancel();
     drawLongTexts(album, desktop);
     drawOffline(album, desktop, world);

@@ -5,9 +5,23 @@
 #include "EntryInput/NamedMoment.h"
 #include "Time/AppClock.h"
 
+#include <QJsonDocument>
+#include <QJsonObject>
+
 namespace orvane {
 
 namespace {
+
+constexpr const char *draftPlace = "editor";
+constexpr QLatin1String entryKey("entry");
+constexpr QLatin1String descriptionKey("description");
+constexpr QLatin1String tagsKey("tags");
+constexpr QLatin1String startKey("start");
+constexpr QLatin1String stopKey("stop");
+constexpr QLatin1String lengthKey("length");
+constexpr QLatin1String billableKey("isBillable");
+constexpr QLatin1String projectKey("projectId");
+constexpr QLatin1String taskKey("taskId");
 
 QString text(const std::string &utf8)
 {
@@ -48,12 +62,66 @@ QString tagsText(const std::vector<std::string> &ids, const Catalog &catalog)
 
 EntryEditor::EntryEditor(AppModel &app) : m_app(&app)
 {
-    connect(m_app, &AppModel::trackerChanged, this, [this] {
-        m_tracker = m_app->tracker();
-        close();
-    });
-    m_tracker = m_app->tracker();
+    connect(m_app, &AppModel::trackerChanged, this, &EntryEditor::follow);
+    connect(this, &EntryEditor::edited, this, &EntryEditor::keepDraft);
+    follow();
 }
+
+void EntryEditor::follow()
+{
+    // The draft belongs to the account that was left, or the next one's is still to be read.
+    m_isRestored = false;
+    close();
+    m_tracker = m_app->tracker();
+    if (m_tracker) {
+        connect(m_tracker, &Tracker::entriesChanged, this, &EntryEditor::restoreDraft);
+        restoreDraft();
+    }
+}
+
+// Drafts
+
+void EntryEditor::keepDraft()
+{
+    if (!m_isRestored)
+        return;
+    QJsonObject kept;
+    if (!m_entryId.empty()) {
+        kept = {{entryKey, entryId()},      {descriptionKey, m_description},
+                {tagsKey, m_tags},          {startKey, m_start},
+                {stopKey, m_stop},          {lengthKey, m_length},
+                {billableKey, isBillable()}};
+        if (m_picked) {
+            kept[projectKey] = text(m_picked->first);
+            kept[taskKey] = text(m_picked->second);
+        }
+    }
+    m_app->setDraft(draftPlace, kept.isEmpty()
+                                    ? QString()
+                                    : QString::fromUtf8(QJsonDocument(kept).toJson(QJsonDocument::Compact)));
+}
+
+/// Once its entry is known.
+void EntryEditor::restoreDraft()
+{
+    if (m_isRestored || m_tracker->entries().empty())
+        return;
+    const QJsonObject kept = QJsonDocument::fromJson(m_app->draft(draftPlace).toUtf8()).object();
+    const bool isOpen = open(kept[entryKey].toString());
+    m_isRestored = true;
+    if (!isOpen)
+        return;
+    m_description = kept[descriptionKey].toString();
+    m_tags = kept[tagsKey].toString();
+    m_start = kept[startKey].toString();
+    m_stop = kept[stopKey].toString();
+    m_length = kept[lengthKey].toString();
+    if (kept.contains(projectKey))
+        setProject(kept[projectKey].toString(), kept[taskKey].toString());
+    setBillable(kept[billableKey].toBool());
+}
+
+// Opening and closing
 
 bool EntryEditor::open(const QString &id)
 {

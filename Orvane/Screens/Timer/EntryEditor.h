@@ -14,7 +14,8 @@ namespace orvane {
 class AppModel;
 
 /// One entry while it is edited in its place in the list. Fields hold what is typed; nothing is changed
-/// before `save`, and what cannot be read is said beside its field.
+/// before `save`, and what cannot be read is said beside its field. What is half edited is kept among the
+/// drafts, and opened again by the next process.
 ///
 /// Owner: the TimerModel. Thread: the main thread.
 class EntryEditor final : public QObject {
@@ -72,6 +73,9 @@ Q_SIGNALS:
     void problemChanged();
 
 private:
+    void follow();
+    void keepDraft();
+    void restoreDraft();
     void show(const EntryTimes &times);
     void close();
     void setProblem(Field field, const QString &problem);
@@ -94,6 +98,8 @@ private:
     /// A project and a task that were picked here; empty texts for none.
     std::optional<std::pair<std::string, std::string>> m_picked;
     bool m_isRunning = false;
+    /// What was left half edited was looked for.
+    bool m_isRestored = false;
     QString m_description;
     QString m_tags;
     QString m_start;

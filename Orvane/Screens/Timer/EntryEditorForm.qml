@@ -7,10 +7,10 @@ import Orvane.Components
 FocusScope {
     id: form
 
-    required property LineData line
+    required property TimerModel timer
+    required property TimerColumns columns
 
-    readonly property TimerModel timer: line.timer
-    readonly property bool isWide: line.columns.isWide
+    readonly property bool isWide: columns.isWide
     readonly property EntryEditor editor: timer.editor
     readonly property int timeWidth: 66
 
@@ -39,7 +39,7 @@ FocusScope {
         width: 3
         height: parent.height - 20
         radius: 1.5
-        color: form.line.shade
+        color: Theme.projectColor(form.editor.projectColor)
     }
 
     Item {

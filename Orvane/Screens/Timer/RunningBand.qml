@@ -37,6 +37,9 @@ Item {
                 color: Theme.accent
             }
         }
+        TapHandler {
+            onTapped: band.timer.editRunning()
+        }
         Label {
             id: description
             type: Label.Type.Title
@@ -46,6 +49,9 @@ Item {
             width: Math.min(implicitWidth, Math.max(80, figures.x - x - (pill.visible ? pill.width + 12 : 0) - (bill.visible ? 28 : 0) - 12))
             saidByPeople: true
             text: band.timer.description === "" ? qsTr("No description") : band.timer.description
+            Accessible.role: Accessible.Button
+            Accessible.description: qsTr("Edit the running timer")
+            Accessible.onPressAction: band.timer.editRunning()
             color: band.timer.description === "" ? Theme.ink2 : Theme.ink1
         }
         Pill {

@@ -68,7 +68,7 @@ LineData {
 
         function update(): void {
             if (line.isEdited) {
-                setSource("EntryEditorForm.qml", { line: line });
+                setSource("EntryEditorForm.qml", { timer: line.timer, columns: line.columns });
             } else if (status !== Loader.Null) {
                 source = "";
                 line.edited();

@@ -24,6 +24,8 @@ TimerModel::TimerModel(AppModel &app)
     connect(m_app, &AppModel::trackerChanged, this, &TimerModel::follow);
     connect(m_app, &AppModel::phaseChanged, this, &TimerModel::changed);
     connect(&m_app->tick(), &SecondTick::ticked, this, &TimerModel::tick);
+    connect(&m_editor, &EntryEditor::entryChanged, this, &TimerModel::runningEditedChanged);
+    connect(this, &TimerModel::runningChanged, this, &TimerModel::runningEditedChanged);
     follow();
 }
 
@@ -94,6 +96,11 @@ bool TimerModel::isLoadingMore() const
 bool TimerModel::isRunning() const
 {
     return m_tracker && m_tracker->running();
+}
+
+bool TimerModel::isRunningEdited() const
+{
+    return isRunning() && m_editor.entryId() == shown(m_tracker->running()->id);
 }
 
 QString TimerModel::description() const
@@ -182,6 +189,12 @@ void TimerModel::tellFailure(const SaveResult &result)
         m_app->notices()->tellFailure(shown(result.message));
 }
 
+void TimerModel::editRunning()
+{
+    if (isRunning())
+        m_editor.open(shown(m_tracker->running()->id));
+}
+
 void TimerModel::stop()
 {
     if (isRunning())
@@ -244,6 +257,8 @@ Task<> TimerModel::doStop()
     if (result.outcome == SaveOutcome::needsDetails) {
         m_needs = shown(result.message);
         Q_EMIT runningChanged();
+        // Where it can be added.
+        editRunning();
         co_return;
     }
     tellFailure(result);

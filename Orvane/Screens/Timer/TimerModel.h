@@ -33,6 +33,7 @@ class TimerModel final : public QObject {
     Q_PROPERTY(bool isLoadingMore READ isLoadingMore NOTIFY changed)
     Q_PROPERTY(QString weekProblem READ weekProblem NOTIFY changed)
     Q_PROPERTY(bool isRunning READ isRunning NOTIFY runningChanged)
+    Q_PROPERTY(bool isRunningEdited READ isRunningEdited NOTIFY runningEditedChanged)
     Q_PROPERTY(QString description READ description NOTIFY runningChanged)
     Q_PROPERTY(QString project READ project NOTIFY runningChanged)
     Q_PROPERTY(QString task READ task NOTIFY runningChanged)
@@ -63,6 +64,8 @@ public:
     QString weekProblem() const { return m_weekProblem; }
 
     bool isRunning() const;
+    /// The editor has what runs.
+    bool isRunningEdited() const;
     QString description() const;
     QString project() const;
     QString task() const;
@@ -78,6 +81,7 @@ public:
     QString todayTotal() const;
     QString weekTotal() const;
 
+    Q_INVOKABLE void editRunning();
     /// Stops the running timer.
     Q_INVOKABLE void stop();
     /// Stops what runs, or goes on with the last entry.
@@ -93,6 +97,7 @@ public:
 Q_SIGNALS:
     void changed();
     void runningChanged();
+    void runningEditedChanged();
     void ticked();
 
 private:

@@ -11,6 +11,8 @@ FocusScope {
     required property TimerModel timer
     required property bool isWide
 
+    readonly property string returnText: timer.field.action === "" ? qsTr("Start") : timer.field.action
+
     Accessible.role: Accessible.Pane
     Accessible.name: qsTr("Timer")
 
@@ -21,6 +23,10 @@ FocusScope {
     Shortcut {
         sequences: ["Ctrl+T"]
         onActivated: page.timer.startOrStop()
+    }
+    Shortcut {
+        sequences: ["Ctrl+E"]
+        onActivated: page.timer.editRunning()
     }
     Shortcut {
         sequences: ["Ctrl+Shift+T"]
@@ -39,13 +45,32 @@ FocusScope {
             width: parent.width
             visible: page.timer.isRunning
         }
+        // What runs is edited below its band, where it stands.
+        Loader {
+            id: runningEditor
+            x: Theme.space24
+            y: band.height + Theme.space12
+            width: Math.min(parent.width - 2 * x, 1040)
+            height: item ? (item as Item).implicitHeight : 0
+
+            readonly property bool isWanted: band.visible && page.timer.isRunningEdited
+
+            onIsWantedChanged: {
+                if (isWanted) {
+                    setSource("EntryEditorForm.qml", { timer: page.timer, columns: entries.columns });
+                } else {
+                    source = "";
+                    field.take();
+                }
+            }
+        }
         SentenceField {
             id: field
             field: page.timer.field
             focus: true
             onUndo: page.app.undo()
             x: Theme.space24
-            y: (band.visible ? band.height : 8) + Theme.space16
+            y: (band.visible ? band.height : 8) + Theme.space16 + (runningEditor.height > 0 ? runningEditor.height + Theme.space12 : 0)
             width: Math.min(parent.width - 2 * x, 1040)
         }
         TimerEntries {
@@ -93,10 +118,15 @@ FocusScope {
                 { keys: "C", text: qsTr("Continue") },
                 { keys: "Ctrl+D", text: qsTr("Duplicate") },
                 { keys: "Del", text: qsTr("Delete") }
-            ] : [
-                { keys: "Return", text: page.timer.field.action === "" ? qsTr("Start") : page.timer.field.action },
+            ] : page.timer.isRunning ? [
+                { keys: "Return", text: page.returnText },
                 { keys: "Down", text: qsTr("Entries") },
-                { keys: "Ctrl+T", text: page.timer.isRunning ? qsTr("Stop") : qsTr("Continue") }
+                { keys: "Ctrl+T", text: qsTr("Stop") },
+                { keys: "Ctrl+E", text: qsTr("Edit What Runs") }
+            ] : [
+                { keys: "Return", text: page.returnText },
+                { keys: "Down", text: qsTr("Entries") },
+                { keys: "Ctrl+T", text: qsTr("Continue") }
             ]
         }
     }
