@@ -95,6 +95,36 @@ void divide(DesktopWindow &desktop, std::string_view description)
                                                      SplitPart{website->id, {}, false, 40, {}}}));
 }
 
+QString idOf(DesktopWindow &desktop, std::string_view description)
+{
+    const TimeEntryResponse *entry = entryCalled(desktop, description);
+    return entry != nullptr ? QString::fromStdString(entry->id) : QString();
+}
+
+void drawSplit(Album &album, DesktopWindow &desktop)
+{
+    SplitModel &split = *desktop.timer().split();
+    if (!split.open(idOf(desktop, "Rate limits per key")))
+        album.complain(QStringLiteral("The entry could not be split"));
+    split.moveMoment(47.0 / 85);
+    split.halves()->setDescription(0, QStringLiteral("Limits and their tests"));
+    album.take(desktop, QStringLiteral("split-time"));
+    split.cancel();
+    split.open(idOf(desktop, "Cursor pagination"));
+    split.setMode(SplitModel::Mode::ByPercent);
+    split.addPart();
+    const std::array<std::pair<const char *, const char *>, 2> others{
+        {{"Website", "Document the new paging"}, {"Admin", "Answer questions"}}};
+    for (int row = 1; const auto &[project, description] : others) {
+        desktop.timer().picker()->setQuery(QLatin1String(project));
+        split.parts()->setProject(row, desktop.timer().picker()->projectIdAt(0), {});
+        split.parts()->setDescription(row++, QLatin1String(description));
+    }
+    split.nudgePercent(1, 15);
+    album.take(desktop, QStringLiteral("split-percent"));
+    split.cancel();
+}
+
 void drawTimer(Album &album)
 {
     const PictureWorld world;
@@ -112,11 +142,11 @@ void drawTimer(Album &album)
     desktop.timer().field()->setText(QStringLiteral("Review the limits @atlas #review since 15:20"));
     album.take(desktop, QStringLiteral("timer-typed"));
     desktop.timer().field()->setText({});
-    const TimeEntryResponse *edited = entryCalled(desktop, "Rate limits per key");
-    if (edited == nullptr || !desktop.timer().editor()->open(QString::fromStdString(edited->id)))
+    if (!desktop.timer().editor()->open(idOf(desktop, "Rate limits per key")))
         album.complain(QStringLiteral("The entry could not be edited"));
     album.take(desktop, QStringLiteral("timer-editor"));
     desktop.timer().editor()->cancel();
+    drawSplit(album, desktop);
     await(desktop.close());
 }
 
