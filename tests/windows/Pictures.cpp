@@ -65,10 +65,11 @@ public:
     int problems() const { return m_problems; }
 
 private:
-    /// Until nothing is left to be laid out or loaded.
+    /// Until nothing is left to be laid out or loaded, and a sheet has come up.
     static void settle()
     {
-        for (int round = 0; round < 10; ++round)
+        const QDeadlineTimer end(250);
+        for (int round = 0; round < 10 || !end.hasExpired(); ++round)
             QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
     }
 
@@ -111,7 +112,6 @@ void drawSplit(Album &album, DesktopWindow &desktop)
     album.take(desktop, QStringLiteral("split-time"));
     split.cancel();
     split.open(idOf(desktop, "Cursor pagination"));
-    split.setMode(SplitModel::Mode::ByPercent);
     split.addPart();
     const std::array<std::pair<const char *, const char *>, 2> others{
         {{"Website", "Document the new paging"}, {"Admin", "Answer questions"}}};
@@ -120,7 +120,8 @@ void drawSplit(Album &album, DesktopWindow &desktop)
         split.parts()->setProject(row, desktop.timer().picker()->projectIdAt(0), {});
         split.parts()->setDescription(row++, QLatin1String(description));
     }
-    split.nudgePercent(1, 15);
+    split.nudgePercent(0, -10);
+    split.nudgePercent(1, 10);
     album.take(desktop, QStringLiteral("split-percent"));
     split.cancel();
 }

@@ -58,9 +58,10 @@ FocusScope {
             focus: true
             Accessible.name: qsTr("Split at")
             Accessible.description: pane.split.isMomentWrong ? pane.split.problem : ""
-            leftPadding: 4
-            rightPadding: 4
-            typing: activeFocus && !pane.split.isMomentWrong
+            wrong: pane.split.isMomentWrong
+            leftPadding: wrong ? 9 : 4
+            rightPadding: wrong ? 28 : 4
+            horizontalAlignment: wrong ? TextInput.AlignLeft : TextInput.AlignHCenter
             text: pane.split.moment
             onTextEdited: pane.split.moment = text
             onSettled: pane.split.settleMoment()

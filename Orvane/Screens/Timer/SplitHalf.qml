@@ -19,7 +19,7 @@ Rectangle {
 
     readonly property string name: index === 0 ? qsTr("First") : qsTr("Second")
 
-    implicitHeight: 116
+    implicitHeight: 122
     radius: Theme.radiusCard
     color: Theme.dark ? Theme.inset : Theme.content
     border.width: 1

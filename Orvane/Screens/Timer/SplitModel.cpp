@@ -8,8 +8,8 @@
 #include "Suggestions/SplitMath.h"
 #include "Time/AppClock.h"
 
+#include <algorithm>
 #include <cmath>
-#include <numeric>
 
 namespace orvane {
 
@@ -48,6 +48,7 @@ SplitModel::SplitModel(AppModel &app) : m_app(&app), m_halves(nullptr), m_parts(
 void SplitModel::follow()
 {
     close();
+    m_telling.reset();
     if (m_tracker)
         m_tracker->disconnect(this);
     m_tracker = m_app->tracker();
@@ -57,6 +58,7 @@ void SplitModel::follow()
         return;
     connect(m_tracker, &Tracker::entriesChanged, this, &SplitModel::takeEntry);
     connect(m_tracker, &Tracker::timeChanged, this, &SplitModel::showMoment);
+    connect(m_tracker, &Tracker::stepStored, this, &SplitModel::tellStored);
 }
 
 // What is shown
@@ -470,19 +472,31 @@ Task<> SplitModel::write(Task<SaveResult> saving, QString done)
     const QPointer<SplitModel> self(this);
     // What is refused without a server is refused at once, and what was typed stays.
     const bool isRefusedHere = saving.isReady();
-    if (!isRefusedHere)
+    if (!isRefusedHere) {
+        m_telling = Telling{m_entryId, std::move(done)};
         close();
+    }
     const SaveResult result = co_await saving;
     if (!self)
         co_return;
-    const bool isDone = result.outcome == SaveOutcome::saved || result.outcome == SaveOutcome::waiting ||
-                        result.outcome == SaveOutcome::stopped;
-    if (isDone)
-        m_app->notices()->tell(done, Notices::Action::Undo);
-    else if (isRefusedHere)
+    if (isRefusedHere)
         setProblem(utf16(result.message));
-    else
+    else if (result.outcome == SaveOutcome::rejected || result.outcome == SaveOutcome::needsDetails ||
+             result.outcome == SaveOutcome::failed)
         m_app->notices()->tellFailure(utf16(result.message));
+}
+
+/// It is done for its user from then on, whenever the server hears of it.
+void SplitModel::tellStored(const StoredStep &stored)
+{
+    const bool isTold = m_telling && !stored.isTakeBack &&
+                        std::ranges::any_of(stored.step.turns, [this](const EntryTurn &turn) {
+                            return turn.id() == m_telling->entryId;
+                        });
+    if (!isTold)
+        return;
+    m_app->notices()->tell(m_telling->done, Notices::Action::Undo);
+    m_telling.reset();
 }
 
 } // namespace orvane

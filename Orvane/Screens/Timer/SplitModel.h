@@ -129,6 +129,7 @@ private:
     void saveAtTime(const TimeEntryResponse &entry);
     void saveByPercent(const TimeEntryResponse &entry);
     Task<> write(Task<SaveResult> saving, QString done);
+    void tellStored(const StoredStep &stored);
 
     AppModel *m_app;
     QPointer<Tracker> m_tracker;
@@ -144,6 +145,12 @@ private:
     std::optional<Gesture> m_gesture;
     QString m_problem;
     bool m_isMomentWrong = false;
+    /// What is on its way into the store, and what there is to say once it is there.
+    struct Telling {
+        std::string entryId;
+        QString done;
+    };
+    std::optional<Telling> m_telling;
 };
 
 } // namespace orvane

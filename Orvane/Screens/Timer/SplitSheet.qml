@@ -28,7 +28,9 @@ Sheet {
     rightPadding: Theme.space24
     topPadding: Theme.space16
     bottomPadding: Theme.space16
-    onOpened: takePane()
+    // Not only once it has come up: who types at once means the sheet.
+    onVisibleChanged: if (visible)
+        takePane()
     onClosed: split.cancel()
 
     FocusScope {
@@ -50,7 +52,7 @@ Sheet {
             }
             function onModeChanged() {
                 modes.currentIndex = sheet.isAtTime ? 0 : 1;
-                if (sheet.opened)
+                if (sheet.visible)
                     sheet.takePane();
             }
         }
