@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "Screens/Timer/PartMinutes.h"
 #include "Screens/Timer/SplitMoment.h"
 #include "Screens/Timer/SplitPercents.h"
 
@@ -71,6 +72,14 @@ TEST(SplitPercents, IsTheWholeWhateverIsDone)
         ASSERT_TRUE(parts.size() >= fewestParts && parts.size() <= mostParts);
         ASSERT_EQ(made(parts), parts);
     }
+}
+
+TEST(PartMinutes, AddUpToTheEntrys)
+{
+    // 74, 1, 13 and 12 percent of an hour and a half.
+    EXPECT_THAT(partMinutes({3996, 54, 702, 648}), ElementsAre(66, 1, 12, 11));
+    EXPECT_THAT(partMinutes({59, 60}), ElementsAre(0, 1));
+    EXPECT_THAT(partMinutes({0, 0}), ElementsAre(0, 0));
 }
 
 Instant at(int hour, int minute, int second = 0)

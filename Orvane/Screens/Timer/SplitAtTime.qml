@@ -58,15 +58,23 @@ FocusScope {
             focus: true
             Accessible.name: qsTr("Split at")
             Accessible.description: pane.split.isMomentWrong ? pane.split.problem : ""
-            wrong: pane.split.isMomentWrong
-            leftPadding: wrong ? 9 : 4
-            rightPadding: wrong ? 28 : 4
-            horizontalAlignment: wrong ? TextInput.AlignLeft : TextInput.AlignHCenter
+            leftPadding: 4
+            rightPadding: 4
             text: pane.split.moment
             onTextEdited: pane.split.moment = text
             onSettled: pane.split.settleMoment()
             onNudged: minutes => pane.split.nudgeMoment(minutes)
             onAccepted: pane.split.save()
+
+            // There is no room in it for the icon, which stands before the sentence.
+            Rectangle {
+                anchors.fill: parent
+                visible: pane.split.isMomentWrong
+                radius: Theme.radiusControl
+                color: "transparent"
+                border.width: 2
+                border.color: Theme.danger
+            }
         }
         ActionButton {
             width: 28
@@ -80,10 +88,16 @@ FocusScope {
             Accessible.name: qsTr("A minute later")
             onClicked: pane.split.nudgeMoment(1)
         }
+        Icon {
+            anchors.verticalCenter: parent.verticalCenter
+            visible: pane.split.isMomentWrong
+            name: "warn"
+            color: Theme.danger
+        }
         Label {
             width: pane.width - x
             height: 32
-            leftPadding: Theme.space8
+            leftPadding: pane.split.isMomentWrong ? 0 : Theme.space8
             type: Label.Type.Small
             text: pane.split.isMomentWrong ? pane.split.problem : qsTr("↑ ↓ a minute, with ⇧ by 15.")
             color: pane.split.isMomentWrong ? Theme.danger : Theme.ink2

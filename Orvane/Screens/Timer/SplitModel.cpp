@@ -5,7 +5,7 @@
 #include "Catalog/EntryConversions.h"
 #include "Catalog/EntrySeconds.h"
 #include "EntryInput/NamedMoment.h"
-#include "Suggestions/SplitMath.h"
+#include "Screens/Timer/PartMinutes.h"
 #include "Time/AppClock.h"
 
 #include <algorithm>
@@ -160,20 +160,14 @@ void SplitModel::showTimes()
         m_halves.setTimes(0, tr("%1 – %2").arg(utf16(time.clockLabel(m_base.start)), momentText()));
         m_halves.setTimes(1, tr("%1 – %2").arg(momentText(), end));
         const auto first = static_cast<std::int64_t>(secondsBetween(m_base.start, m_moment->at()));
-        m_halves.setMinutes(minutesOf({first, whole - first}));
+        m_halves.setMinutes(partMinutes({first, whole - first}));
     }
     TimeEntryResponse shared = m_base;
     shared.shares.clear();
     for (const std::int64_t percent : m_parts.percents())
         shared.shares.emplace_back().percent = percent;
-    m_parts.setMinutes(minutesOf(shareSeconds(shared, AppClock::now())));
+    m_parts.setMinutes(partMinutes(shareSeconds(shared, AppClock::now())));
     Q_EMIT momentChanged();
-}
-
-/// In minutes that are the entry's together, so that what is shown can be added up.
-std::vector<std::int64_t> SplitModel::minutesOf(const std::vector<std::int64_t> &seconds) const
-{
-    return SplitMath::apportion(seconds, wholeMinutes(m_base));
 }
 
 // Opening and leaving

@@ -122,7 +122,6 @@ private:
     SplitPercents::Percents partPercents() const;
     void showMoment();
     void showTimes();
-    std::vector<std::int64_t> minutesOf(const std::vector<std::int64_t> &seconds) const;
     void setPercents(const SplitPercents::Percents &percents);
     const SplitPercents::Percents &percentsBefore(bool isBorder, int row);
     void setProblem(const QString &problem, bool isMomentWrong = false);

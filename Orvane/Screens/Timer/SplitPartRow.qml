@@ -101,10 +101,8 @@ FocusScope {
         }
     }
     Label {
-        x: row.shareX + 76 + 8
-        width: 48
+        x: row.shareX + 76 + 8 + 48 - width
         height: parent.height
-        horizontalAlignment: Text.AlignRight
         font.weight: Font.Medium
         text: row.length
     }
