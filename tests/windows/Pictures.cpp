@@ -112,6 +112,7 @@ void drawSplit(Album &album, DesktopWindow &desktop)
     album.take(desktop, QStringLiteral("split-time"));
     split.cancel();
     split.open(idOf(desktop, "Cursor pagination"));
+    split.setMode(SplitModel::Mode::ByPercent);
     split.addPart();
     const std::array<std::pair<const char *, const char *>, 2> others{
         {{"Website", "Document the new paging"}, {"Admin", "Answer questions"}}};
