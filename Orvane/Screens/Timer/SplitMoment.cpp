@@ -7,8 +7,6 @@
 
 namespace orvane {
 
-using std::chrono::minutes;
-
 std::optional<SplitMoment> SplitMoment::within(Instant start, Instant end)
 {
     return SplitMoment(start, end, start).movedInto(start, end).transform([](SplitMoment moment) {
@@ -28,17 +26,17 @@ std::optional<SplitMoment> SplitMoment::movedInto(Instant start, Instant end) co
 
 Instant SplitMoment::first() const
 {
-    return std::chrono::floor<minutes>(m_start) + minutes{1};
+    return std::chrono::floor<std::chrono::minutes>(m_start) + std::chrono::minutes{1};
 }
 
 Instant SplitMoment::last() const
 {
-    return std::chrono::ceil<minutes>(m_end) - minutes{1};
+    return std::chrono::ceil<std::chrono::minutes>(m_end) - std::chrono::minutes{1};
 }
 
 void SplitMoment::set(Instant at)
 {
-    m_at = std::clamp<Instant>(std::chrono::floor<minutes>(at), first(), last());
+    m_at = std::clamp<Instant>(std::chrono::floor<std::chrono::minutes>(at), first(), last());
 }
 
 double SplitMoment::positionOf(Instant instant) const
@@ -46,7 +44,7 @@ double SplitMoment::positionOf(Instant instant) const
     return std::chrono::duration<double>(instant - m_start) / std::chrono::duration<double>(m_end - m_start);
 }
 
-void SplitMoment::nudge(minutes by)
+void SplitMoment::nudge(std::chrono::minutes by)
 {
     set(m_at + by);
 }
@@ -62,7 +60,7 @@ bool SplitMoment::take(const TypedMoment &typed, const UserTime &time)
 {
     std::optional<Instant> found;
     const auto offer = [&](Instant at) {
-        at = std::chrono::floor<minutes>(at);
+        at = std::chrono::floor<std::chrono::minutes>(at);
         const bool isWithin = at >= first() && at <= last();
         if (isWithin && (!found || std::chrono::abs(at - m_at) < std::chrono::abs(*found - m_at)))
             found = at;
@@ -80,16 +78,16 @@ std::vector<Instant> SplitMoment::roundTimes(const UserTime &time) const
 {
     constexpr std::array steps{1, 5, 15, 30, 60, 120, 180, 360, 720, 1440};
     constexpr int mostTimes = 6;
-    const auto length = std::chrono::duration_cast<minutes>(m_end - m_start);
-    const auto found =
-        std::ranges::find_if(steps, [&](int step) { return length / minutes{step} < mostTimes; });
+    const auto length = std::chrono::duration_cast<std::chrono::minutes>(m_end - m_start);
+    const auto found = std::ranges::find_if(
+        steps, [&](int step) { return length / std::chrono::minutes{step} < mostTimes; });
     // Of weeks at once no time of day is worth a mark.
     if (found == steps.end())
         return {};
     std::vector<Instant> times;
     const int ahead = *found - static_cast<int>(time.minuteOfDay(m_start)) % *found;
-    for (Instant at = std::chrono::floor<minutes>(m_start) + minutes{ahead}; at < m_end;
-         at += minutes{*found})
+    for (Instant at = std::chrono::floor<std::chrono::minutes>(m_start) + std::chrono::minutes{ahead};
+         at < m_end; at += std::chrono::minutes{*found})
         times.push_back(at);
     return times;
 }
