@@ -63,5 +63,17 @@ struct DayRulerType {
     QML_NAMED_ELEMENT(DayRuler)
     QML_UNCREATABLE("of the TimerModel")
 };
+struct SplitModelType {
+    Q_GADGET
+    QML_FOREIGN(orvane::SplitModel)
+    QML_NAMED_ELEMENT(SplitModel)
+    QML_UNCREATABLE("of the TimerModel")
+};
+struct SplitRowsType {
+    Q_GADGET
+    QML_FOREIGN(orvane::SplitRows)
+    QML_NAMED_ELEMENT(SplitRows)
+    QML_UNCREATABLE("of the SplitModel")
+};
 
 } // namespace orvane::qml

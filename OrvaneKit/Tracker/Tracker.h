@@ -177,8 +177,9 @@ public:
     /// Divides an entry's time between projects; the shares sum to 100.
     Task<SaveResult> split(std::string id, std::vector<SplitPart> shares);
     /// Divides an entry in time: it ends at `at`, and a second one with `second` has the rest; of a running
-    /// one the second runs on. One action.
-    Task<SaveResult> splitAt(std::string id, Instant at, EntryDetails second);
+    /// one the second runs on. The first stays as it was, or becomes `first`. One action.
+    Task<SaveResult> splitAt(std::string id, Instant at, EntryDetails second,
+                             std::optional<EntryDetails> first = {});
     Task<SaveResult> remove(std::string id);
     /// Several entries, each once, as one action: all are stored, or none. Refused as a whole for what needs
     /// no server; when the server refuses some, the message says how many, and `turns` has the others.
@@ -237,7 +238,10 @@ private:
     Result<Submission, SaveResult> updated(const std::string &id, EntryRequest request) const;
     Result<Submission, SaveResult> removed(const std::string &id) const;
     Result<std::vector<Submission>, SaveResult> dividedAt(const TimeEntryResponse &entry, Instant at,
-                                                          EntryDetails second) const;
+                                                          EntryDetails second,
+                                                          std::optional<EntryDetails> first) const;
+    Result<Submission, SaveResult> endedAt(const TimeEntryResponse &entry, Instant at,
+                                           std::optional<EntryDetails> details) const;
     Submission made(EntryChange change, const TimeEntryResponse &shown) const;
     SaveResult refusedHere(SaveOutcome outcome, std::string message) const;
     SaveResult lacking(std::vector<RequiredDetail> missing, std::string message) const;

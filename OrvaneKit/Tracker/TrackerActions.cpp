@@ -327,12 +327,13 @@ Task<SaveResult> Tracker::duplicate(std::string id)
     co_return co_await create(std::move(request));
 }
 
-Task<SaveResult> Tracker::splitAt(std::string id, Instant at, EntryDetails second)
+Task<SaveResult> Tracker::splitAt(std::string id, Instant at, EntryDetails second,
+                                  std::optional<EntryDetails> first)
 {
     const auto known = entry(id);
     if (!known)
         co_return refusedHere(SaveOutcome::failed, noSuchEntry);
-    auto changes = dividedAt(*known, millisecondsFloor(at), std::move(second));
+    auto changes = dividedAt(*known, millisecondsFloor(at), std::move(second), std::move(first));
     if (!changes)
         co_return std::move(changes.error());
     StoredStep step;
@@ -342,32 +343,41 @@ Task<SaveResult> Tracker::splitAt(std::string id, Instant at, EntryDetails secon
 }
 
 Result<std::vector<Submission>, SaveResult> Tracker::dividedAt(const TimeEntryResponse &entry, Instant at,
-                                                               EntryDetails second) const
+                                                               EntryDetails second,
+                                                               std::optional<EntryDetails> first) const
 {
     if (at <= entry.start || at >= entry.stop.value_or(AppClock::now()))
         return failure(refusedHere(SaveOutcome::rejected, "An entry can only be split at a time within it."));
     std::vector<Submission> changes;
-    if (entry.stop) {
-        EntryRequest first = entryRequest(entry);
-        first.stop = at;
-        auto change = updated(entry.id, std::move(first));
-        if (!change)
-            return failure(std::move(change.error()));
-        changes.push_back(std::move(*change));
-    } else {
-        if (auto missing = missingTo(entry); !missing.empty())
-            return failure(lacking(std::move(missing), stopNeedsDetails));
-        if (m_settings && rules().isLocked(entry.start))
-            return failure(
-                refusedHere(SaveOutcome::rejected, "This entry lies in a locked period of the workspace."));
-        changes.push_back(made(stopChange(entry, at), entry));
-    }
+    auto ended = endedAt(entry, at, std::move(first));
+    if (!ended)
+        return failure(std::move(ended.error()));
+    changes.push_back(std::move(*ended));
     EntryRequest rest = requestFor(std::move(second), at, entry.stop);
     if (auto refused = checkRules(rest))
         return failure(std::move(*refused));
     changes.push_back(
         {EntryChange{EntryChange::Create{std::move(rest), nextIdentifier(), entry.workspaceId}}, {}});
     return changes;
+}
+
+/// The change that ends an entry before its time, with other details where there are any; a running one that
+/// keeps its details is stopped.
+Result<Submission, SaveResult> Tracker::endedAt(const TimeEntryResponse &entry, Instant at,
+                                                std::optional<EntryDetails> details) const
+{
+    if (entry.stop || details) {
+        EntryRequest request =
+            details ? requestFor(std::move(*details), entry.start, at) : entryRequest(entry);
+        request.stop = at;
+        return updated(entry.id, std::move(request));
+    }
+    if (auto missing = missingTo(entry); !missing.empty())
+        return failure(lacking(std::move(missing), stopNeedsDetails));
+    if (m_settings && rules().isLocked(entry.start))
+        return failure(
+            refusedHere(SaveOutcome::rejected, "This entry lies in a locked period of the workspace."));
+    return made(stopChange(entry, at), entry);
 }
 
 Task<SaveResult> Tracker::split(std::string id, std::vector<SplitPart> shares)

@@ -87,10 +87,11 @@ private:
             complain(QStringLiteral("%1: “%2” is cut").arg(file, text));
     }
 
-    /// Until nothing is left to be laid out or loaded.
+    /// Until nothing is left to be laid out or loaded, and a sheet has come up.
     static void settle()
     {
-        for (int round = 0; round < 10; ++round)
+        const QDeadlineTimer end(250);
+        for (int round = 0; round < 10 || !end.hasExpired(); ++round)
             QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
     }
 
@@ -139,6 +140,37 @@ void drawOffline(Album &album, DesktopWindow &desktop, const PictureWorld &world
     album.take(desktop, QStringLiteral("timer-offline"));
 }
 
+QString idOf(DesktopWindow &desktop, std::string_view description)
+{
+    const TimeEntryResponse *entry = entryCalled(desktop, description);
+    return entry != nullptr ? QString::fromStdString(entry->id) : QString();
+}
+
+void drawSplit(Album &album, DesktopWindow &desktop)
+{
+    SplitModel &split = *desktop.timer().split();
+    if (!split.open(idOf(desktop, "Rate limits per key")))
+        album.complain(QStringLiteral("The entry could not be split"));
+    split.moveMoment(47.0 / 85);
+    split.halves()->setDescription(0, QStringLiteral("Limits and their tests"));
+    album.take(desktop, QStringLiteral("split-time"));
+    split.cancel();
+    split.open(idOf(desktop, "Cursor pagination"));
+    split.setMode(SplitModel::Mode::ByPercent);
+    split.addPart();
+    const std::array<std::pair<const char *, const char *>, 2> others{
+        {{"Website", "Document the new paging"}, {"Admin", "Answer questions"}}};
+    for (int row = 1; const auto &[project, description] : others) {
+        desktop.timer().picker()->setQuery(QLatin1String(project));
+        split.parts()->setProject(row, desktop.timer().picker()->projectIdAt(0), {});
+        split.parts()->setDescription(row++, QLatin1String(description));
+    }
+    split.nudgePercent(0, -10);
+    split.nudgePercent(1, 10);
+    album.take(desktop, QStringLiteral("split-percent"));
+    split.cancel();
+}
+
 void drawTimer(Album &album)
 {
     const PictureWorld world;
@@ -156,13 +188,13 @@ void drawTimer(Album &album)
     desktop.timer().field()->setText(QStringLiteral("Review the limits @atlas #review since 15:20"));
     album.take(desktop, QStringLiteral("timer-typed"));
     desktop.timer().field()->setText({});
-    const TimeEntryResponse *edited = entryCalled(desktop, "Rate limits per key");
-    if (edited == nullptr || !desktop.timer().editor()->open(QString::fromStdString(edited->id)))
+    if (!desktop.timer().editor()->open(idOf(desktop, "Rate limits per key")))
         album.complain(QStringLiteral("The entry could not be edited"));
     album.take(desktop, QStringLiteral("timer-editor"));
     desktop.timer().editRunning();
     album.take(desktop, QStringLiteral("timer-running-editor"));
     desktop.timer().editor()->cancel();
+    drawSplit(album, desktop);
     drawLongTexts(album, desktop);
     drawOffline(album, desktop, world);
     await(desktop.close());

@@ -31,6 +31,13 @@ Item {
             id: buttons
 
             IconButton {
+                visible: !actions.line.isLocked
+                iconName: "split"
+                text: qsTr("Split %1").arg(actions.line.title)
+                keys: "S"
+                onClicked: actions.line.timer.split.open(actions.line.entryId)
+            }
+            IconButton {
                 iconName: "copy"
                 text: qsTr("Duplicate %1").arg(actions.line.title)
                 keys: "Ctrl+D"

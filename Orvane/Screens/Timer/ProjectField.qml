@@ -55,6 +55,7 @@ T.AbstractButton {
         width: Math.max(field.width, 280)
         height: Math.min(options.contentHeight, 9 * 28) + 8 + 40
         padding: 4
+        margins: Theme.space8
         focus: true
         closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutside
         onOpened: {

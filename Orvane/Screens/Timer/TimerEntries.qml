@@ -70,6 +70,8 @@ FocusScope {
                 root.timer.editor.open(id);
             else if (event.key === Qt.Key_C && event.modifiers === Qt.NoModifier)
                 root.timer.continueEntry(id);
+            else if (event.key === Qt.Key_S && event.modifiers === Qt.NoModifier)
+                root.timer.split.open(id);
             else if (event.key === Qt.Key_D && event.modifiers === Qt.ControlModifier)
                 root.timer.duplicate(id);
             else if (event.key === Qt.Key_Delete || event.key === Qt.Key_Backspace)

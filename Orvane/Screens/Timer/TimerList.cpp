@@ -3,6 +3,7 @@
 
 #include "Catalog/EntryParts.h"
 #include "Catalog/EntrySeconds.h"
+#include "Screens/Timer/PartMinutes.h"
 #include "Time/AppClock.h"
 
 #include <algorithm>
@@ -361,8 +362,8 @@ QVariant TimerList::shareData(const TimerRow &row, int role) const
     case timesRole:
         return tr("%1%").arg(share.percent);
     case durationRole: {
-        const auto seconds = shareSeconds(entry, AppClock::now());
-        return qtext(Durations::shortLabel(static_cast<double>(seconds[row.share])));
+        const auto minutes = partMinutes(shareSeconds(entry, AppClock::now()));
+        return qtext(Durations::shortLabel(static_cast<double>(minutes[row.share] * 60)));
     }
     case spokenRole:
         return spoken(row);

@@ -19,7 +19,13 @@ QString shown(const std::string &text)
 } // namespace
 
 TimerModel::TimerModel(AppModel &app)
-    : m_app(&app), m_list(nullptr), m_field(app, "timer"), m_editor(app), m_picker(app), m_ruler(nullptr)
+    : m_app(&app)
+    , m_list(nullptr)
+    , m_field(app, "timer")
+    , m_editor(app)
+    , m_picker(app)
+    , m_ruler(nullptr)
+    , m_split(app)
 {
     connect(m_app, &AppModel::trackerChanged, this, &TimerModel::follow);
     connect(m_app, &AppModel::phaseChanged, this, &TimerModel::changed);

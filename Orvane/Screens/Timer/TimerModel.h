@@ -5,6 +5,7 @@
 #include "Screens/Timer/EntryEditor.h"
 #include "Screens/Timer/EntryField.h"
 #include "Screens/Timer/ProjectPicker.h"
+#include "Screens/Timer/SplitModel.h"
 #include "Screens/Timer/TimerList.h"
 #include "Support/Task.h"
 
@@ -26,6 +27,7 @@ class TimerModel final : public QObject {
     Q_PROPERTY(orvane::EntryEditor *editor READ editor CONSTANT)
     Q_PROPERTY(orvane::ProjectPicker *picker READ picker CONSTANT)
     Q_PROPERTY(orvane::DayRuler *ruler READ ruler CONSTANT)
+    Q_PROPERTY(orvane::SplitModel *split READ split CONSTANT)
     Q_PROPERTY(bool isReady READ isReady NOTIFY changed)
     Q_PROPERTY(bool isLoading READ isLoading NOTIFY changed)
     Q_PROPERTY(bool isEmpty READ isEmpty NOTIFY changed)
@@ -53,6 +55,7 @@ public:
     EntryEditor *editor() { return &m_editor; }
     ProjectPicker *picker() { return &m_picker; }
     DayRuler *ruler() { return &m_ruler; }
+    SplitModel *split() { return &m_split; }
     bool isReady() const { return m_tracker != nullptr; }
     /// The first answer is still to come and nothing was known here.
     bool isLoading() const;
@@ -120,6 +123,7 @@ private:
     EntryEditor m_editor;
     ProjectPicker m_picker;
     DayRuler m_ruler;
+    SplitModel m_split;
     QString m_needs;
     QString m_weekProblem;
 };

@@ -116,6 +116,7 @@ FocusScope {
                 { keys: "Up Down", text: qsTr("Choose") },
                 { keys: "Return", text: qsTr("Edit") },
                 { keys: "C", text: qsTr("Continue") },
+                { keys: "S", text: qsTr("Split") },
                 { keys: "Ctrl+D", text: qsTr("Duplicate") },
                 { keys: "Del", text: qsTr("Delete") }
             ] : page.timer.isRunning ? [
@@ -136,6 +137,10 @@ FocusScope {
         width: 296
         height: parent.height
         visible: page.isWide
+        timer: page.timer
+    }
+
+    SplitSheet {
         timer: page.timer
     }
 
