@@ -53,7 +53,7 @@ void SplitMoment::moveTo(double position)
 {
     const auto whole = std::chrono::duration<double, std::milli>(m_end - m_start);
     const double into = std::clamp(position, 0.0, 1.0) * whole.count();
-    set(m_start + std::chrono::milliseconds{std::llround(into)});
+    set(std::chrono::round<std::chrono::minutes>(m_start + std::chrono::milliseconds{std::llround(into)}));
 }
 
 bool SplitMoment::take(const TypedMoment &typed, const UserTime &time)

@@ -106,7 +106,6 @@ Sheet {
             id: problem
             y: (sheet.isAtTime ? atTime : byPercent).y + (sheet.isAtTime ? atTime : byPercent).height + Theme.space8
             width: parent.width
-            height: visible ? implicitHeight : 0
             visible: text !== ""
             type: Label.Type.Small
             wrapMode: Text.Wrap
