@@ -24,6 +24,8 @@ FocusScope {
         list.forceActiveFocus(Qt.TabFocusReason);
         if (list.currentIndex < 0 || root.timer.list.choosable(list.currentIndex - 1, 1) !== list.currentIndex)
             list.currentIndex = root.timer.list.choosable(-1, 1);
+        // The row itself, so that it is read out.
+        list.currentItem?.forceActiveFocus(Qt.TabFocusReason);
     }
 
     ListView {
@@ -85,7 +87,13 @@ FocusScope {
             columns: root.columns
             width: list.width
             isChosen: ListView.isCurrentItem && list.activeFocus
-            onEdited: list.forceActiveFocus(Qt.OtherFocusReason)
+            onEdited: {
+                // Another one that is edited now has the keyboard.
+                if (timer.editor.entryId !== "")
+                    return;
+                list.currentIndex = index;
+                forceActiveFocus(Qt.OtherFocusReason);
+            }
         }
 
         bottomMargin: 72

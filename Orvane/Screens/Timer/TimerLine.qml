@@ -12,6 +12,13 @@ LineData {
     // The editor has gone, and the keyboard goes back to the list.
     signal edited
 
+    property bool isPooled: false
+
+    // A line that waits to be used again says nothing.
+    visible: !isPooled
+    ListView.onPooled: isPooled = true
+    ListView.onReused: isPooled = false
+
     height: isEdited ? editor.height + 8 : kind === TimerList.Day ? 40 : kind === TimerList.Share ? 28 : 36
     Accessible.role: Accessible.ListItem
     Accessible.name: spoken
