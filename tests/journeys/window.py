@@ -56,7 +56,8 @@ class Screen:
     def __enter__(self):
         try:
             self._begin()
-        except BaseException:
+        except BaseException as error:
+            error.add_note((self._folder / "log").read_text(encoding="utf-8", errors="replace"))
             self._ends.close()
             raise
         return self
@@ -68,8 +69,11 @@ class Screen:
         runtime = self._folder / "run"
         runtime.mkdir(mode=0o700)
         self.environment["XDG_RUNTIME_DIR"] = str(runtime)
-        self.environment["DISPLAY"] = ":" + self._says(
-            ["Xvfb", "-displayfd", "1", "-screen", "0", "1500x950x24", "-nolisten", "tcp"])
+        # Left to itself, one that begins may take the number of one that is just ending and removes its socket. Without
+        # -noreset it would refuse others at the moment when its only client goes.
+        self.environment["DISPLAY"] = f":{100 + os.getpid() % 50000}"
+        self._says(["Xvfb", self.environment["DISPLAY"], "-displayfd", "1", "-screen", "0", "1500x950x24",
+                    "-nolisten", "tcp", "-noreset"])
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = self._says(
             ["dbus-daemon", "--nofork", "--print-address", f"--config-file={SUPPORT / 'bare-bus.conf'}"])
         self._runs([LAUNCHER, "--launch-immediately"])
