@@ -315,9 +315,10 @@ class Window:
                     what = f"{node.name}, drawn as {drawn}"
                 shown.append((what, *map(unpadded, times.groups())))
             elif node.role == "panel" and node.name == "Running timer":
+                what = next(child.name for child in node.children if child.role == "push button")
                 labels = [child.name for child in node.children if child.role == "label"]
                 since = "".join(label for label in labels if label.startswith("since "))
-                shown.append((labels[0], unpadded(since[len("since "):][:5]), "now"))
+                shown.append((what, unpadded(since[len("since "):][:5]), "now"))
         return sorted(shown)
 
     # What one does with it
