@@ -23,6 +23,7 @@ import terminal
 SUPPORT = pathlib.Path(__file__).resolve().parents[1] / "support"
 LAUNCHER = "/usr/libexec/at-spi-bus-launcher"
 # A busy machine under sanitizers is slow; whoever waits goes on as soon as what is waited for is there.
+SCREEN_PATIENCE = 20
 PATIENCE = 40
 # Who asked Qt for what it keeps is only seen when stacks are really unwound, since Qt has no frame pointers; all of
 # each stack would take seconds.
@@ -80,8 +81,8 @@ class Screen:
         self._runs(["openbox"])
         os.environ.update(self.environment)
         wait(lambda: self.does("dbus-send", "--session", "--print-reply", "--dest=org.a11y.Bus", "/org/a11y/bus",
-                               "org.a11y.Bus.GetAddress"), "the bus of accessibility")
-        wait(lambda: self.does("xdotool", "get_num_desktops"), "the window manager")
+                               "org.a11y.Bus.GetAddress"), "the bus of accessibility", SCREEN_PATIENCE)
+        wait(lambda: self.does("xdotool", "get_num_desktops"), "the window manager", SCREEN_PATIENCE)
 
     def does(self, *command):
         return subprocess.run(command, env=self._whole(), stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
