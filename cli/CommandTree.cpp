@@ -3,7 +3,8 @@
 
 #include "HelpText.h"
 #include "Input/NearestName.h"
-#include "Input/ServerAddress.h"
+#include "Account/ServerAddress.h"
+#include "Input/WantedAddress.h"
 #include "QuickEntry/FoldedText.h"
 #include "Support/Require.h"
 #include "Terminal/TextWidth.h"
@@ -329,8 +330,8 @@ Result<std::monostate, CommandFailure> CommandTree::checkGlobalOptions()
     if (m_options.server) {
         auto address = serverAddress(*m_options.server);
         if (!address)
-            return failure(CommandFailure::usage("--server " + address.error()));
-        m_options.server = *address;
+            return failure(CommandFailure::usage("--server" + wantedAddress(*m_options.server)));
+        m_options.server = std::move(address);
     }
     if (m_options.zone && !UserTime::make(*m_options.zone))
         return failure(CommandFailure::usage("--zone wants a time zone such as Europe/Paris, not \"" +

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "AppModel/AppModel.h"
 
+#include "Account/KnownServer.h"
+
 #include <QPointer>
 #include <QUrl>
 #include <algorithm>
@@ -19,6 +21,11 @@ bool isWorthTelling(const StoredStep &stored)
     const bool isDeletion =
         std::ranges::any_of(turns, [](const EntryTurn &turn) { return !turn.after.has_value(); });
     return !stored.isTakeBack && !isTimer && (isDeletion || turns.size() > 1);
+}
+
+QString sessionEndedText()
+{
+    return AppModel::tr("Your session has ended. Please sign in again.");
 }
 
 } // namespace
@@ -104,11 +111,26 @@ Task<> AppModel::openFrom(bool waitsForServer)
     if (!self || (m_isClosing && !opened))
         co_return;
     if (!opened) {
-        setPhase(Phase::Failed, opened.error().message);
+        failToOpen(opened.error());
         co_return;
     }
     adopt(std::move(*opened));
     co_await load();
+}
+
+/// Where somebody has to sign in first, that is what is asked for.
+void AppModel::failToOpen(const AccountError &error)
+{
+    using Kind = AccountError::Kind;
+    if (error.kind != Kind::signedOut && error.kind != Kind::neverSignedIn) {
+        setPhase(Phase::Failed, error.message);
+        return;
+    }
+    const bool isOver = error.kind == Kind::signedOut;
+    if (isOver)
+        m_installation.noteSignOut(m_access->address());
+    setPhase(Phase::SignedOut);
+    Q_EMIT signInWanted(QString::fromStdString(m_access->address()), isOver ? sessionEndedText() : QString());
 }
 
 void AppModel::openAgain()
@@ -122,7 +144,15 @@ void AppModel::adopt(std::unique_ptr<Account> account)
     m_account = std::move(account);
     connect(m_account.get(), &Account::trackerChanged, this, &AppModel::follow);
     connect(m_account.get(), &Account::meChanged, this, &AppModel::placeChanged);
-    connect(&m_account->access(), &ServerAccess::moved, this, [this] { m_opening = reopen(); });
+    connect(&m_account->access(), &ServerAccess::moved, this, [this] { m_opening = reopen(true); });
+    // Told from within the account, which is left.
+    connect(
+        &m_account->state(), &AccountState::changed, this,
+        [this] {
+            if (m_account && m_account->state().kind() == AccountState::Kind::sessionEnded)
+                m_opening = leaveEnded();
+        },
+        Qt::QueuedConnection);
     std::string problem;
     if (!m_drafts && m_installation.makeFolder(problem))
         m_drafts = std::make_unique<DraftFile>(DraftFile::pathIn(m_installation.root()));
@@ -141,17 +171,148 @@ void AppModel::follow()
     Q_EMIT trackerChanged();
 }
 
-/// The account under its server's new address.
-Task<> AppModel::reopen()
+// Going from one account to another
+
+void AppModel::switchTo(const QString &server, const QString &workspaceId)
+{
+    if (m_phase == Phase::Opening || m_isSigningOut)
+        return;
+    const std::string address = server.toStdString();
+    const std::string workspace = workspaceId.toStdString();
+    if (m_account && m_account->server() == address) {
+        if (workspace != m_account->tracker().workspace().id)
+            m_account->useWorkspace(workspace);
+        return;
+    }
+    if (const auto account = m_installation.account(address); account && !workspace.empty())
+        m_installation.setWorkspace(address, *account, workspace);
+    useServer(address);
+    m_opening = reopen(false);
+}
+
+/// From the next opening on.
+void AppModel::useServer(const std::string &address)
+{
+    const bool isLocal = address.empty() || address == m_installation.localServer();
+    m_options.server.reset();
+    m_installation.setCurrentServer(isLocal ? std::nullopt : std::optional(address));
+}
+
+Task<> AppModel::reopen(bool waitsForServer)
 {
     const QPointer<AppModel> self(this);
+    co_await leave();
+    if (self && !m_isClosing)
+        co_await openFrom(waitsForServer);
+}
+
+Task<> AppModel::leave()
+{
+    if (!m_account)
+        co_return;
     const std::shared_ptr<Account> before = std::move(m_account);
     m_undo.reset();
     m_sync.setAccount(nullptr);
+    Q_EMIT placeChanged();
     Q_EMIT trackerChanged();
     co_await before->close();
-    if (self)
-        co_await openFrom(true);
+}
+
+void AppModel::enter(std::unique_ptr<Account> account)
+{
+    m_opening = enterNext(std::move(account));
+}
+
+Task<> AppModel::enterNext(std::unique_ptr<Account> next)
+{
+    const QPointer<AppModel> self(this);
+    setPhase(Phase::Opening);
+    m_access.reset();
+    m_options.server.reset();
+    co_await leave();
+    if (!self)
+        co_return;
+    const std::string notice = next->access().tokenNotice();
+    adopt(std::move(next));
+    if (!notice.empty())
+        m_notices.tellFailure(QString::fromStdString(notice));
+    co_await load();
+}
+
+/// The server has ended the session; the queue stays where it is.
+Task<> AppModel::leaveEnded()
+{
+    const QPointer<AppModel> self(this);
+    const std::string server = m_account->server();
+    m_installation.noteSignOut(server);
+    co_await leave();
+    if (!self || m_isClosing)
+        co_return;
+    setPhase(Phase::SignedOut);
+    Q_EMIT signInWanted(QString::fromStdString(server), sessionEndedText());
+}
+
+void AppModel::askForSignIn(const QString &server)
+{
+    Q_EMIT signInWanted(server, {});
+}
+
+void AppModel::signOut(bool sendsFirst)
+{
+    if (m_account && !m_account->isAutomatic() && !m_isSigningOut)
+        m_opening = signOutWhen(sendsFirst);
+}
+
+Task<> AppModel::signOutWhen(bool sendsFirst)
+{
+    const QPointer<AppModel> self(this);
+    const QPointer<Account> account(m_account.get());
+    setSigningOut(true);
+    if (sendsFirst)
+        co_await account->outbox().flush();
+    if (!self || !account || m_isClosing)
+        co_return;
+    if (sendsFirst && !account->outbox().pending().empty()) {
+        setSigningOut(false);
+        m_notices.tellFailure(tr("Not everything could be sent. You are still signed in."));
+        co_return;
+    }
+    const auto done = co_await account->signOut();
+    if (!self)
+        co_return;
+    setSigningOut(false);
+    if (!done) {
+        m_notices.tellFailure(QString::fromStdString(done.error().message));
+        co_return;
+    }
+    co_await leave();
+    if (self && !m_isClosing)
+        co_await openNext();
+}
+
+/// The next server that somebody is signed in to takes over.
+Task<> AppModel::openNext()
+{
+    for (const KnownServer &server : KnownServer::all(m_installation)) {
+        if (server.isSignedOut)
+            continue;
+        useServer(server.address);
+        return openFrom(false);
+    }
+    return askWhere();
+}
+
+Task<> AppModel::askWhere()
+{
+    setPhase(Phase::SignedOut);
+    Q_EMIT signInWanted({}, {});
+    co_return;
+}
+
+void AppModel::setSigningOut(bool isSigningOut)
+{
+    m_isSigningOut = isSigningOut;
+    Q_EMIT signingOutChanged();
 }
 
 /// What is known here is shown before the server is asked.

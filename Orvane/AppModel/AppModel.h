@@ -26,6 +26,7 @@ class AppModel final : public QObject {
     Q_OBJECT
     Q_PROPERTY(Phase phase READ phase NOTIFY phaseChanged)
     Q_PROPERTY(QString problem READ problem NOTIFY phaseChanged)
+    Q_PROPERTY(bool isSigningOut READ isSigningOut NOTIFY signingOutChanged)
     Q_PROPERTY(QString workspaceName READ workspaceName NOTIFY placeChanged)
     Q_PROPERTY(QString placeName READ placeName NOTIFY placeChanged)
     Q_PROPERTY(orvane::SyncStatus *sync READ sync CONSTANT)
@@ -39,6 +40,8 @@ public:
         Open,
         /// It could not be opened; `problem` says why.
         Failed,
+        /// Nobody is signed in at the server in use; `signInWanted` has told which one it is.
+        SignedOut,
     };
     Q_ENUM(Phase)
 
@@ -64,6 +67,17 @@ public:
     /// Ends what is under way and saves what has to be.
     Task<> close();
 
+    /// Goes over to the account of another server, as far as it is signed in to; empty: the one on this
+    /// computer. A workspace of it may be named.
+    Q_INVOKABLE void switchTo(const QString &server, const QString &workspaceId);
+    /// Goes over to an account that somebody has just signed in to.
+    void enter(std::unique_ptr<Account> account);
+    /// Signs out of the account in use. What waits is sent first, or stays on this computer until somebody
+    /// signs in to it again. Afterwards the next account is open, or nobody is signed in.
+    Q_INVOKABLE void signOut(bool sendsFirst);
+    /// Asks for the sign-in screen, at a server when it is named.
+    Q_INVOKABLE void askForSignIn(const QString &server);
+
     /// Takes the last step back, or does it again; the notice line says which, or why not.
     Q_INVOKABLE void undo();
     Q_INVOKABLE void redo();
@@ -77,6 +91,9 @@ public:
     Notices *notices() { return &m_notices; }
     SecondTick &tick() { return m_tick; }
     Installation &installation() { return m_installation; }
+    const Options &options() const { return m_options; }
+    /// Signing out waits for what is sent first, or for the server's answer.
+    bool isSigningOut() const { return m_isSigningOut; }
     /// What has been begun to be typed with this account, under a name for the place; empty while there is no
     /// account, when nothing is kept.
     QString draft(const std::string &place) const;
@@ -90,11 +107,23 @@ Q_SIGNALS:
     void placeChanged();
     /// `tracker` is another one, or the first.
     void trackerChanged();
+    void signingOutChanged();
+    /// Somebody has to sign in, or wants to; `notice` says why, unless the user asked for it.
+    void signInWanted(const QString &server, const QString &notice);
 
 private:
     void setPhase(Phase phase, const std::string &problem = {});
     Task<> openFrom(bool waitsForServer);
-    Task<> reopen();
+    Task<> reopen(bool waitsForServer);
+    Task<> enterNext(std::unique_ptr<Account> next);
+    Task<> leave();
+    Task<> leaveEnded();
+    Task<> signOutWhen(bool sendsFirst);
+    void failToOpen(const AccountError &error);
+    Task<> openNext();
+    Task<> askWhere();
+    void useServer(const std::string &address);
+    void setSigningOut(bool isSigningOut);
     void follow();
     std::string draftOwner() const;
     Task<> tell(Task<UndoStack::Answer> answer);
@@ -111,6 +140,7 @@ private:
     std::shared_ptr<ServerAccess> m_access;
     std::optional<Task<>> m_opening;
     bool m_isClosing = false;
+    bool m_isSigningOut = false;
     std::unique_ptr<Account> m_account;
     /// Of the tracker in use.
     std::unique_ptr<UndoStack> m_undo;

@@ -2,6 +2,8 @@
 #pragma once
 
 #include "AppModel/AppModel.h"
+#include "Screens/Shell/PlacesModel.h"
+#include "Screens/SignIn/SignInModel.h"
 #include "Screens/Timer/TimerModel.h"
 
 #include <QQmlApplicationEngine>
@@ -28,6 +30,8 @@ public:
 
     AppModel &app() { return m_app; }
     TimerModel &timer() { return m_timer; }
+    SignInModel &signIn() { return m_signIn; }
+    PlacesModel &places() { return m_places; }
     /// Null before it is shown.
     QQuickWindow *window() const { return m_window; }
 
@@ -36,6 +40,8 @@ private:
 
     AppModel m_app;
     TimerModel m_timer;
+    SignInModel m_signIn;
+    PlacesModel m_places;
     QQmlApplicationEngine m_engine;
     QQuickWindow *m_window = nullptr;
 };

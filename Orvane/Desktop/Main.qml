@@ -9,6 +9,8 @@ Window {
 
     required property AppModel app
     required property TimerModel timer
+    required property SignInModel signIn
+    required property PlacesModel places
 
     readonly property bool isWide: width >= 1200
 
@@ -34,10 +36,12 @@ Window {
         Sidebar {
             id: sidebar
             app: window.app
+            places: window.places
             width: window.isWide ? 216 : 192
             height: parent.height
         }
         TimerPage {
+            id: timerPage
             app: window.app
             timer: window.timer
             isWide: window.isWide
@@ -47,6 +51,27 @@ Window {
         }
     }
 
+    // Above everything else while somebody has to sign in.
+    Loader {
+        id: signInLoader
+
+        readonly property bool isWanted: window.signIn.isShown
+
+        anchors.fill: parent
+        focus: isWanted
+        onIsWantedChanged: {
+            if (isWanted) {
+                setSource("SignInPage.qml", { signIn: window.signIn, focus: true });
+                forceActiveFocus(Qt.OtherFocusReason);
+            } else {
+                source = "";
+                timerPage.forceActiveFocus(Qt.OtherFocusReason);
+            }
+        }
+    }
+    WorkspaceKeys {
+        places: window.places
+    }
     NoticeLine {
         notices: window.app.notices
         onUndo: window.app.undo()

@@ -2,6 +2,8 @@
 #pragma once
 
 #include "AppModel/AppModel.h"
+#include "Screens/Shell/PlacesModel.h"
+#include "Screens/SignIn/SignInModel.h"
 #include "Screens/Timer/TimerModel.h"
 
 #include <QtQml/qqml.h>
@@ -26,6 +28,18 @@ struct NoticesType {
     QML_FOREIGN(orvane::Notices)
     QML_NAMED_ELEMENT(Notices)
     QML_UNCREATABLE("of the AppModel")
+};
+struct SignInModelType {
+    Q_GADGET
+    QML_FOREIGN(orvane::SignInModel)
+    QML_NAMED_ELEMENT(SignInModel)
+    QML_UNCREATABLE("made by the program")
+};
+struct PlacesModelType {
+    Q_GADGET
+    QML_FOREIGN(orvane::PlacesModel)
+    QML_NAMED_ELEMENT(PlacesModel)
+    QML_UNCREATABLE("made by the program")
 };
 struct TimerModelType {
     Q_GADGET

@@ -8,6 +8,7 @@
 #include <QSettings>
 #include <QStandardPaths>
 #include <QUrl>
+#include <algorithm>
 #include <filesystem>
 #include <pwd.h>
 #include <unistd.h>
@@ -130,7 +131,18 @@ void Installation::setCurrentServer(const std::optional<std::string> &address)
 void Installation::noteSignIn(const std::string &server)
 {
     setValue("keychain:" + server, "own");
+    setValue("signedOut:" + server, std::nullopt);
     setCurrentServer(server);
+}
+
+void Installation::noteSignOut(const std::string &server)
+{
+    setValue("signedOut:" + server, "yes");
+}
+
+bool Installation::isSignedOut(const std::string &server) const
+{
+    return value("signedOut:" + server).has_value();
 }
 
 std::optional<std::string> Installation::keychainFolder(const std::string &server, bool isForSignIn) const
@@ -164,6 +176,19 @@ std::optional<std::string> Installation::account(const std::string &server) cons
 void Installation::setAccount(const std::string &server, const std::optional<std::string> &account)
 {
     setValue("account:" + server, account);
+}
+
+std::vector<std::string> Installation::servers() const
+{
+    const std::string prefix = "account:";
+    std::vector<std::string> servers;
+    for (const QString &key : settings().childKeys()) {
+        const std::string name = QUrl::fromPercentEncoding(key.toLatin1()).toStdString();
+        if (name.starts_with(prefix))
+            servers.push_back(name.substr(prefix.size()));
+    }
+    std::ranges::sort(servers);
+    return servers;
 }
 
 std::optional<std::string> Installation::workspace(const std::string &server,

@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 class QSettings;
 
@@ -40,12 +41,17 @@ public:
     std::optional<std::string> keychainFolder(const std::string &server, bool isForSignIn) const;
     /// The server signed in to last, also after signing out.
     std::optional<std::string> lastServer() const;
+    /// Somebody signed out there, or the server ended the session; what waits for that account stays.
+    void noteSignOut(const std::string &server);
+    bool isSignedOut(const std::string &server) const;
     /// The last known address of the server on this computer.
     std::optional<std::string> localServer() const;
     void setLocalServer(const std::string &address);
 
     std::optional<std::string> account(const std::string &server) const;
     void setAccount(const std::string &server, const std::optional<std::string> &account);
+    /// The servers with an account, in the order of their addresses.
+    std::vector<std::string> servers() const;
     std::optional<std::string> workspace(const std::string &server, const std::string &account) const;
     void setWorkspace(const std::string &server, const std::string &account, const std::string &workspace);
 

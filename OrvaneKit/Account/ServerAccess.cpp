@@ -192,6 +192,7 @@ Task<Result<void, AccountError>> ServerAccess::signOut()
     }
     if (m_options.installation->currentServer() == m_address)
         m_options.installation->setCurrentServer(std::nullopt);
+    m_options.installation->noteSignOut(m_address);
     m_state.noteSignedOut();
     co_return Result<void, AccountError>{};
 }

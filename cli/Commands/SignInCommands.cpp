@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Commands/Commands.h"
 
+#include "Account/ServerAddress.h"
 #include "CommandTree.h"
-#include "Input/ServerAddress.h"
+#include "Input/WantedAddress.h"
 #include "Output/JsonShapes.h"
 #include "Terminal/StandardStreams.h"
 #include "Terminal/TextWidth.h"
-
-#include <QHostAddress>
-#include <QUrl>
 
 namespace orvane {
 
@@ -35,8 +33,9 @@ Result<std::string, CommandFailure> serverFor(CommandContext &context)
         context.json() || !canAsk() ? "" : ask("Server, such as https://time.example.com: ", false);
     if (answer.empty())
         return failure(CommandFailure::usage("Say where to sign in, with --server URL."));
-    return serverAddressOf(answer).map_error(
-        [](const std::string &wanted) { return CommandFailure::usage("Signing in " + wanted); });
+    if (auto address = serverAddressOf(answer))
+        return *std::move(address);
+    return failure(CommandFailure::usage("Signing in" + wantedAddress(answer)));
 }
 
 Result<std::string, CommandFailure> emailFor(const LoginOptions &options, const std::string &server)
@@ -67,15 +66,6 @@ Result<std::string, CommandFailure> passwordFor(const LoginOptions &options, con
     if (options.registers && !options.readsPassword && ask("The same again: ", true) != password)
         return failure(CommandFailure::of("The two passwords differ."));
     return password;
-}
-
-/// Whether what is sent to a server goes over a network as it is.
-bool isReadableOnTheWay(const std::string &server)
-{
-    const QUrl url(QString::fromStdString(server));
-    const QString host = url.host();
-    return url.scheme() == QLatin1String("http") && host != QLatin1String("localhost") &&
-           !QHostAddress(host).isLoopback();
 }
 
 /// Whoever reads it knows which server did not let them in.

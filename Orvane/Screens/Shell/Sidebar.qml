@@ -8,6 +8,9 @@ Rectangle {
     id: sidebar
 
     required property AppModel app
+    required property PlacesModel places
+
+    signal accountWanted
 
     color: Theme.chrome
     Accessible.role: Accessible.Pane
@@ -55,8 +58,19 @@ Rectangle {
         }
         WorkspaceLine {
             app: sidebar.app
+            open: switcher.opened
             x: Theme.space12
             width: parent.width - 2 * Theme.space12
+            onClicked: switcher.open()
         }
+    }
+    Switcher {
+        id: switcher
+
+        app: sidebar.app
+        places: sidebar.places
+        x: Theme.space12
+        y: sidebar.height - height - 60
+        onAccountWanted: sidebar.accountWanted()
     }
 }

@@ -1,29 +1,35 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Input/ServerAddress.h"
+#include "Account/ServerAddress.h"
 
-#include "Terminal/TextWidth.h"
-
+#include <QHostAddress>
 #include <QUrl>
 
 namespace orvane {
 
-Result<std::string, std::string> serverAddress(const std::string &typed)
+std::optional<std::string> serverAddress(const std::string &typed)
 {
     const QUrl url(QString::fromStdString(typed), QUrl::StrictMode);
     const bool isHttp = url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https");
     if (!url.isValid() || !isHttp || url.host().isEmpty() || url.hasQuery() || url.hasFragment())
-        return failure("wants an address such as https://time.example.com, not \"" + printable(typed) +
-                       "\".");
+        return std::nullopt;
     std::string address = typed;
     while (address.ends_with('/'))
         address.pop_back();
     return address;
 }
 
-Result<std::string, std::string> serverAddressOf(const std::string &answer)
+std::optional<std::string> serverAddressOf(const std::string &answer)
 {
     const std::string typed = QString::fromStdString(answer).trimmed().toStdString();
     return serverAddress(typed.find("://") == std::string::npos ? "https://" + typed : typed);
+}
+
+bool isReadableOnTheWay(const std::string &server)
+{
+    const QUrl url(QString::fromStdString(server));
+    const QString host = url.host();
+    return url.scheme() == QLatin1String("http") && host != QLatin1String("localhost") &&
+           !QHostAddress(host).isLoopback();
 }
 
 } // namespace orvane
