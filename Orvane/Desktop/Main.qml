@@ -61,8 +61,7 @@ Window {
         focus: isWanted
         onIsWantedChanged: {
             if (isWanted) {
-                setSource("SignInPage.qml", { signIn: window.signIn, focus: true });
-                forceActiveFocus(Qt.OtherFocusReason);
+                setSource("SignInPage.qml", { signIn: window.signIn });
             } else {
                 source = "";
                 timerPage.forceActiveFocus(Qt.OtherFocusReason);

@@ -119,12 +119,12 @@ void divide(DesktopWindow &desktop, std::string_view description)
                                                      SplitPart{website->id, {}, false, 40, {}}}));
 }
 
-void drawLongTexts(Album &album, DesktopWindow &desktop)
+void drawLongTexts(Album &album, DesktopWindow &desktop, const QString &name)
 {
     LongTexts longTexts;
     QCoreApplication::installTranslator(&longTexts);
     qmlEngine(desktop.window())->retranslate();
-    album.take(desktop, QStringLiteral("timer-long"));
+    album.take(desktop, name);
     QCoreApplication::removeTranslator(&longTexts);
     qmlEngine(desktop.window())->retranslate();
 }
@@ -195,8 +195,48 @@ void drawTimer(Album &album)
     album.take(desktop, QStringLiteral("timer-running-editor"));
     desktop.timer().editor()->cancel();
     drawSplit(album, desktop);
-    drawLongTexts(album, desktop);
+    drawLongTexts(album, desktop, QStringLiteral("timer-long"));
     drawOffline(album, desktop, world);
+    await(desktop.close());
+}
+
+/// Signing in to a team's server, which is that of another installation, and the switcher afterwards.
+void drawSignIn(Album &album)
+{
+    const PictureWorld world;
+    const TestInstallation team;
+    if (team.run({"status"}).exitStatus != 0)
+        album.complain(QStringLiteral("The team's server does not run"));
+    const std::string address = team.hello()->address;
+    (void)world.installation().run(
+        {"--server", address, "login", "--register", "--email", "robin@fernhill.example", "--password-stdin"},
+        "a good password\n");
+    (void)world.installation().run({"--server", address, "logout"});
+    DesktopWindow desktop({.folder = world.folder(), .startsServer = false});
+    if (!desktop.show() || !eventually([&] { return desktop.app().phase() == AppModel::Phase::Open; })) {
+        album.complain(QStringLiteral("The window did not open"));
+        await(desktop.close());
+        return;
+    }
+    auto *switcher = desktop.window()->findChild<QObject *>(QStringLiteral("switcher"));
+    QMetaObject::invokeMethod(switcher, "open");
+    album.take(desktop, QStringLiteral("switcher"));
+    QMetaObject::invokeMethod(switcher, "close");
+    desktop.app().askForSignIn({});
+    album.take(desktop, QStringLiteral("signin"));
+    desktop.signIn().setAddress(QStringLiteral("http://127.0.0.1:9"));
+    (void)eventually([&] { return !desktop.signIn().addressProblem().isEmpty(); });
+    album.take(desktop, QStringLiteral("signin-nobody"));
+    desktop.signIn().setAddress(QString::fromStdString(address));
+    (void)eventually([&] { return desktop.signIn().isMet(); });
+    desktop.signIn().setRegistering(true);
+    desktop.signIn().submit({});
+    album.take(desktop, QStringLiteral("signin-register"));
+    Q_EMIT desktop.app().signInWanted(QString::fromStdString(address),
+                                      QStringLiteral("Your session has ended. Please sign in again."));
+    (void)eventually([&] { return desktop.signIn().isMet(); });
+    album.take(desktop, QStringLiteral("signin-ended"));
+    drawLongTexts(album, desktop, QStringLiteral("signin-long"));
     await(desktop.close());
 }
 
@@ -229,5 +269,6 @@ int main(int argc, char **argv)
     orvane::testing::Album album(arguments.at(1), isWhole);
     orvane::testing::drawTimer(album);
     orvane::testing::drawEmpty(album);
+    orvane::testing::drawSignIn(album);
     return album.problems() == 0 ? 0 : 1;
 }

@@ -67,10 +67,13 @@ Rectangle {
     Switcher {
         id: switcher
 
+        objectName: "switcher"
         app: sidebar.app
         places: sidebar.places
         x: Theme.space12
-        y: sidebar.height - height - 60
+        // Its margin lifts it above the line that opens it.
+        y: sidebar.height
+        bottomMargin: 60
         onAccountWanted: sidebar.accountWanted()
     }
 }

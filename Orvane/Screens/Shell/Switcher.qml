@@ -66,40 +66,38 @@ T.Popup {
 
         width: parent.width
 
-        ListView {
+        FocusScope {
             id: list
 
+            property int currentIndex: -1
+
+            function rowAt(index: int): SwitcherRow {
+                return rows.itemAt(index) as SwitcherRow;
+            }
             function take() {
-                forceActiveFocus(Qt.PopupFocusReason);
-                for (let row = 0; row < count; ++row) {
-                    const line = itemAtIndex(row) as SwitcherRow;
-                    if (line && line.isCurrentPlace)
-                        currentIndex = row;
+                for (let index = 0; index < rows.count; ++index) {
+                    if (rowAt(index).isCurrentPlace)
+                        currentIndex = index;
                 }
+                forceActiveFocus(Qt.PopupFocusReason);
             }
             // The nearest row that can be taken in that direction; beyond the last one the actions follow.
             function step(by: int): bool {
-                for (let row = currentIndex + by; row >= 0 && row < count; row += by) {
-                    const line = itemAtIndex(row) as SwitcherRow;
-                    if (line && line.canBeTaken) {
-                        currentIndex = row;
+                for (let index = currentIndex + by; index >= 0 && index < rows.count; index += by) {
+                    if (rowAt(index).canBeTaken) {
+                        currentIndex = index;
                         return true;
                     }
                 }
                 return false;
             }
-            function choose(row: int) {
+            function choose(index: int) {
                 switcher.close();
-                switcher.places.choose(row);
+                switcher.places.choose(index);
             }
 
             width: parent.width
-            height: Math.min(contentHeight, switcher.parent ? switcher.parent.height - 180 : 600)
-            clip: contentHeight > height
-            boundsBehavior: Flickable.StopAtBounds
-            model: switcher.places
-            keyNavigationEnabled: false
-            cacheBuffer: 4000
+            height: Math.min(lines.height, switcher.parent ? switcher.parent.height - 200 : 600)
             Accessible.role: Accessible.List
             Accessible.name: qsTr("Workspaces")
             Keys.onDownPressed: {
@@ -110,11 +108,32 @@ T.Popup {
             Keys.onReturnPressed: choose(currentIndex)
             Keys.onEnterPressed: choose(currentIndex)
 
-            delegate: SwitcherRow {
-                width: list.width
-                lit: ListView.isCurrentItem && list.activeFocus
-                onTaken: list.choose(index)
-                onEntered: list.currentIndex = index
+            Flickable {
+                anchors.fill: parent
+                contentHeight: lines.height
+                clip: contentHeight > height
+                boundsBehavior: Flickable.StopAtBounds
+
+                Column {
+                    id: lines
+
+                    width: parent.width
+
+                    Repeater {
+                        id: rows
+
+                        model: switcher.places
+                        delegate: SwitcherRow {
+                            width: lines.width
+                            lit: list.currentIndex === index && list.activeFocus
+                            onTaken: list.choose(index)
+                            onEntered: {
+                                list.currentIndex = index;
+                                list.forceActiveFocus(Qt.MouseFocusReason);
+                            }
+                        }
+                    }
+                }
             }
         }
         Item {
@@ -136,6 +155,7 @@ T.Popup {
             implicitHeight: 32
             visible: !switcher.naming && switcher.places.placeName !== ""
             iconName: "plus"
+            leftPadding: 13
             lit: activeFocus || hovered
             text: qsTr("Create Workspace…")
             onTriggered: {
@@ -185,6 +205,7 @@ T.Popup {
             width: parent.width
             implicitHeight: 32
             iconName: "server"
+            leftPadding: 13
             lit: activeFocus || hovered
             text: qsTr("Add Server…")
             onTriggered: {
@@ -205,6 +226,7 @@ T.Popup {
             implicitHeight: visible ? 32 : 0
             visible: switcher.places.canSignOut
             iconName: "person"
+            leftPadding: 13
             lit: activeFocus || hovered
             text: qsTr("Account and Sign Out…")
             onTriggered: {

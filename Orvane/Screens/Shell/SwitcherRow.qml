@@ -179,8 +179,8 @@ Item {
         Icon {
             x: 40
             anchors.verticalCenter: parent.verticalCenter
-            name: "pending"
-            color: Theme.warning
+            name: row.waiting > 0 ? "pending" : "check"
+            color: row.waiting > 0 ? Theme.warning : Theme.ink3
         }
         Label {
             type: Label.Type.Small

@@ -11,6 +11,10 @@ FocusScope {
 
     readonly property bool isOwn: signIn.place === SignInModel.OwnServer
 
+    // To the first field that is still empty.
+    function take() {
+        (email.text === "" ? email : password).forceActiveFocus(Qt.OtherFocusReason);
+    }
     function submit() {
         form.signIn.submit(password.text);
     }

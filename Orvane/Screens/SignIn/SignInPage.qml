@@ -12,6 +12,12 @@ FocusScope {
     Accessible.role: Accessible.Pane
     Accessible.name: qsTr("Sign In")
 
+    function take() {
+        if (!places.take())
+            form.take();
+    }
+
+    Component.onCompleted: take()
     Keys.onEscapePressed: page.signIn.leave()
 
     // What is behind it is not to be clicked.
@@ -37,6 +43,8 @@ FocusScope {
             color: Theme.line
         }
         SignInPlaces {
+            id: places
+
             signIn: page.signIn
             x: Theme.space32
             y: Math.max(Theme.space24, Math.min(96, Math.round((parent.height - height - 80) / 2)))
@@ -71,6 +79,8 @@ FocusScope {
         height: parent.height
 
         SignInForm {
+            id: form
+
             signIn: page.signIn
             focus: true
             visible: page.signIn.place !== SignInModel.ThisComputer

@@ -9,6 +9,14 @@ Column {
 
     required property SignInModel signIn
 
+    // False where no address is wanted, or there is one.
+    function take(): bool {
+        const isWanted = signIn.place === SignInModel.OwnServer && signIn.address === "";
+        if (isWanted)
+            address.forceActiveFocus(Qt.OtherFocusReason);
+        return isWanted;
+    }
+
     Item {
         width: 36
         height: 36
