@@ -87,6 +87,7 @@ Router allHandlers()
     addSignInHandlers(router);
     addSessionHandlers(router);
     addAccountHandlers(router);
+    addMyDataHandlers(router);
     addWorkspaceHandlers(router);
     addProjectHandlers(router);
     addTaskHandlers(router);

@@ -18,24 +18,8 @@ HttpResponse getServer(Call &call, const operations::GetServer::Input &)
 
 HttpResponse me(Call &call)
 {
-    const std::string &userId = call.caller.userId;
-    const auto account = call.accounts.byId(userId);
-    if (!account)
-        return unauthorized("This account no longer exists.");
-    MeResponse out;
-    out.id = account->id;
-    out.email = account->email;
-    out.emailConfirmed = account->emailConfirmed;
-    out.fullName = account->fullName;
-    out.timeZone = account->timeZone;
-    out.preferences = call.accounts.preferences(userId);
-    out.defaultWorkspaceId = account->defaultWorkspaceId;
-    out.organizations = call.workspaces.organizationsOf(userId);
-    out.workspaces = call.workspaces.of(userId);
-    out.isOperator = account->isLocal;
-    out.firstSteps = call.accounts.firstSteps(userId);
-    out.hasPassword = account->passwordHash.has_value();
-    return jsonAnswer(200, out);
+    const auto described = describeCaller(call);
+    return described ? jsonAnswer(200, *described) : unauthorized("This account no longer exists.");
 }
 
 HttpResponse getMe(Call &call, const operations::GetMe::Input &)
@@ -95,6 +79,28 @@ HttpResponse setDefaultWorkspace(Call &call, const operations::SetDefaultWorkspa
 }
 
 } // namespace
+
+std::optional<MeResponse> describeCaller(Call &call)
+{
+    const std::string &userId = call.caller.userId;
+    const auto account = call.accounts.byId(userId);
+    if (!account)
+        return std::nullopt;
+    MeResponse out;
+    out.id = account->id;
+    out.email = account->email;
+    out.emailConfirmed = account->emailConfirmed;
+    out.fullName = account->fullName;
+    out.timeZone = account->timeZone;
+    out.preferences = call.accounts.preferences(userId);
+    out.defaultWorkspaceId = account->defaultWorkspaceId;
+    out.organizations = call.workspaces.organizationsOf(userId);
+    out.workspaces = call.workspaces.of(userId);
+    out.isOperator = account->isLocal;
+    out.firstSteps = call.accounts.firstSteps(userId);
+    out.hasPassword = account->passwordHash.has_value();
+    return out;
+}
 
 void addServerHandlers(Router &router)
 {

@@ -84,6 +84,11 @@ std::string Accounts::create(AccountRecord account, Instant now)
     return account.id;
 }
 
+void Accounts::remove(const std::string &userId)
+{
+    m_database.run("DELETE FROM users WHERE id = ?", userId);
+}
+
 void Accounts::setPassword(const std::string &userId, const std::string &hash)
 {
     m_database.run("UPDATE users SET password_hash = ? WHERE id = ?", hash, userId);

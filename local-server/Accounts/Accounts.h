@@ -37,6 +37,8 @@ public:
     /// default one. Answers the identifier.
     std::string create(AccountRecord account, Instant now);
 
+    /// With all that is the account's alone; its entries too, wherever they are.
+    void remove(const std::string &userId);
     void setPassword(const std::string &userId, const std::string &hash);
     void setProfile(const std::string &userId, const std::string &fullName, const std::string &timeZone);
     void setDefaultWorkspace(const std::string &userId, const std::string &workspaceId);
@@ -48,5 +50,9 @@ public:
 private:
     Database &m_database;
 };
+
+struct Call;
+/// Who the caller is, to themselves; nothing when the account is gone.
+std::optional<MeResponse> describeCaller(Call &call);
 
 } // namespace orvane::server

@@ -79,6 +79,7 @@ private:
 
 // Each area's file says which operations it handles.
 void addAccountHandlers(Router &router);
+void addMyDataHandlers(Router &router);
 void addClientHandlers(Router &router);
 void addEntryBulkHandlers(Router &router);
 void addEntryHandlers(Router &router);

@@ -96,6 +96,23 @@ std::optional<OrganizationRole> Workspaces::roleInOrganization(const std::string
         [](const SqlRow &row) { return roleFrom<OrganizationRole>(row.text(0)); }, organizationId, userId);
 }
 
+Workspaces::Others Workspaces::othersIn(const std::string &organizationId, const std::string &userId)
+{
+    Others others;
+    for (const std::string &role : m_database.rows(
+             "SELECT role FROM organization_members WHERE organization_id = ? AND user_id <> ?",
+             [](const SqlRow &row) { return row.text(0); }, organizationId, userId)) {
+        others.hasMembers = true;
+        others.hasOwner = others.hasOwner || roleFrom<OrganizationRole>(role) == OrganizationRole::owner;
+    }
+    return others;
+}
+
+void Workspaces::removeOrganization(const std::string &organizationId)
+{
+    m_database.run("DELETE FROM organizations WHERE id = ?", organizationId);
+}
+
 std::vector<WorkspaceSummary> Workspaces::of(const std::string &userId)
 {
     return m_database.rows(

@@ -24,6 +24,14 @@ public:
     std::vector<OrganizationSummary> organizationsOf(const std::string &userId);
     std::optional<OrganizationRole> roleInOrganization(const std::string &organizationId,
                                                        const std::string &userId);
+    /// Whether anybody beside the user belongs to it, and an owner among them.
+    struct Others {
+        bool hasMembers = false;
+        bool hasOwner = false;
+    };
+    Others othersIn(const std::string &organizationId, const std::string &userId);
+    /// With its workspaces and all that is in them.
+    void removeOrganization(const std::string &organizationId);
     /// In the order in which they were made.
     std::vector<WorkspaceSummary> of(const std::string &userId);
     /// Nothing for who does not belong to it, or when there is no such workspace.
