@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "AppModel/AppModel.h"
 
+#include "Account/AccountStores.h"
 #include "Account/KnownServer.h"
 
 #include <QPointer>
@@ -287,6 +288,41 @@ Task<> AppModel::signOutWhen(bool sendsFirst)
     }
     co_await leave();
     if (self && !m_isClosing)
+        co_await openNext();
+}
+
+void AppModel::forgetAccount()
+{
+    if (m_account)
+        m_opening = leaveForGood();
+}
+
+Task<> AppModel::leaveForGood()
+{
+    const QPointer<AppModel> self(this);
+    const std::string server = m_account->server();
+    const std::string account = m_account->me().id;
+    const bool wasAutomatic = m_account->isAutomatic();
+    if (m_drafts) {
+        if (const auto forgotten = m_drafts->forget(draftOwner()); !forgotten)
+            m_notices.tellFailure(QString::fromStdString(forgotten.error()));
+    }
+    // The server knows the session no more, which leaves the tokens here.
+    if (!wasAutomatic)
+        (void)co_await QPointer<Account>(m_account.get())->signOut();
+    if (!self)
+        co_return;
+    co_await leave();
+    if (!self)
+        co_return;
+    m_installation.forgetAccount(server);
+    if (const auto gone = removeStore(m_installation.root(), server, account); !gone)
+        m_notices.tellFailure(QString::fromStdString(describe(gone.error())));
+    if (m_isClosing)
+        co_return;
+    if (wasAutomatic)
+        co_await openFrom(false);
+    else
         co_await openNext();
 }
 

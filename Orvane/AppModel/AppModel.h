@@ -75,6 +75,8 @@ public:
     /// Signs out of the account in use. What waits is sent first, or stays on this computer until somebody
     /// signs in to it again. Afterwards the next account is open, or nobody is signed in.
     Q_INVOKABLE void signOut(bool sendsFirst);
+    /// The account in use is no more: what this computer has of it goes, and the next account is opened.
+    void forgetAccount();
     /// Asks for the sign-in screen, at a server when it is named.
     Q_INVOKABLE void askForSignIn(const QString &server);
 
@@ -119,6 +121,7 @@ private:
     Task<> leave();
     Task<> leaveEnded();
     Task<> signOutWhen(bool sendsFirst);
+    Task<> leaveForGood();
     void failToOpen(const AccountError &error);
     Task<> openNext();
     Task<> askWhere();

@@ -54,6 +54,19 @@ StoreStatus moveStores(const std::string &root, const std::string &from, const s
     return {};
 }
 
+StoreStatus removeStore(const std::string &root, const std::string &server, const std::string &account)
+{
+    const std::string path = LocalStore::filePath(root, server, account);
+    // The store itself last: cut short, this is done again.
+    for (const char *beside : {"-wal", "-shm", ".lock", ""}) {
+        std::error_code error;
+        std::filesystem::remove(path + beside, error);
+        if (error)
+            return failure(StoreError{StoreError::Kind::cannotOpen, error.message(), path + beside});
+    }
+    return {};
+}
+
 Task<std::vector<WaitingStore>> waitingBeside(std::string root, std::string server, std::string account)
 {
     const std::string own = LocalStore::filePath(root, server, account);

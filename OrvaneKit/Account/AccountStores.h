@@ -21,6 +21,9 @@ std::vector<std::string> accountsWithStore(const std::string &root, const std::s
 /// already stays, and so does the one at the old address. Blocks; nobody may have the stores open.
 StoreStatus moveStores(const std::string &root, const std::string &from, const std::string &to);
 
+/// Takes an account's store away, with what waits in it. Blocks; nobody may have it open.
+StoreStatus removeStore(const std::string &root, const std::string &server, const std::string &account);
+
 /// The queue of an account that is not the one in use.
 struct WaitingStore {
     std::string file;

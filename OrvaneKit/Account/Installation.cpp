@@ -140,6 +140,14 @@ void Installation::noteSignOut(const std::string &server)
     setValue("signedOut:" + server, "yes");
 }
 
+void Installation::forgetAccount(const std::string &server)
+{
+    setAccount(server, std::nullopt);
+    setValue("signedOut:" + server, std::nullopt);
+    if (currentServer() == server)
+        setCurrentServer(std::nullopt);
+}
+
 bool Installation::isSignedOut(const std::string &server) const
 {
     return value("signedOut:" + server).has_value();

@@ -44,6 +44,8 @@ public:
     /// Somebody signed out there, or the server ended the session; what waits for that account stays.
     void noteSignOut(const std::string &server);
     bool isSignedOut(const std::string &server) const;
+    /// The account there is no more.
+    void forgetAccount(const std::string &server);
     /// The last known address of the server on this computer.
     std::optional<std::string> localServer() const;
     void setLocalServer(const std::string &address);

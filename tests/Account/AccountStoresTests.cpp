@@ -74,6 +74,16 @@ TEST_F(AccountStores, GoOnWithAMoveThatWasCutShort)
     EXPECT_THAT(waiting(after, ""), ElementsAre(2)) << "what was in the log alone too";
 }
 
+TEST_F(AccountStores, GoWithTheirAccountAlone)
+{
+    queue(before, "a", 1);
+    queue(before, "b", 2);
+    EXPECT_TRUE(removeStore(root, before, "a"));
+    EXPECT_TRUE(removeStore(root, before, "never was"));
+    EXPECT_THAT(accountsWithStore(root, before), ElementsAre("b"));
+    EXPECT_THAT(waiting(before, ""), ElementsAre(2));
+}
+
 TEST_F(AccountStores, TellWhatCannotBeRead)
 {
     queue(before, "a", 1);

@@ -8,6 +8,7 @@
 #include "support/CommandRun.h"
 #include "support/LoopbackServer.h"
 
+#include <QFile>
 #include <QUrl>
 #include <gtest/gtest.h>
 
@@ -179,6 +180,31 @@ TEST_F(SignIns, ComeBackAfterTheServerEndedTheSession)
     const auto running = await(app.account()->client().getCurrentTimeEntry());
     ASSERT_TRUE(running && *running);
     EXPECT_EQ((*running)->description, "Typed meanwhile");
+}
+
+TEST_F(SignIns, ForgetAnAccountThatIsNoMore)
+{
+    app.open();
+    ASSERT_TRUE(opens(QStringLiteral("This Computer")));
+    registerAs(QStringLiteral("robin@fernhill.example"));
+    ASSERT_TRUE(start("Gone"));
+    const std::string store = app.account()->storePath();
+    ASSERT_TRUE(await(app.account()->client().deleteAccount(
+        {.email = "robin@fernhill.example", .password = "a good password"})));
+    app.forgetAccount();
+    ASSERT_TRUE(opens(QStringLiteral("This Computer")));
+    EXPECT_FALSE(QFile::exists(QString::fromStdString(store)));
+    EXPECT_EQ(row(PlacesModel::Kind::Server, teamAddress), -1);
+    EXPECT_FALSE(signIn.isShown());
+
+    // The account on this computer is made anew.
+    const std::string before = app.account()->me().id;
+    ASSERT_TRUE(await(app.account()->client().deleteAccount({.email = app.account()->me().email})));
+    app.forgetAccount();
+    ASSERT_TRUE(eventually([&] {
+        return app.phase() == AppModel::Phase::Open && app.account() != nullptr &&
+               app.account()->me().id != before;
+    })) << app.problem().toStdString();
 }
 
 } // namespace
