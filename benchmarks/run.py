@@ -20,6 +20,7 @@ import command_runs
 import compile_runs
 import queue_runs
 import server_runs
+import window_runs
 
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
@@ -173,6 +174,23 @@ def compile_rows(arguments):
     yield row(f"a source that calls all {count} operations, in seconds of the compiler", seconds, 20)
 
 
+def window_rows(arguments):
+    seconds = 20 if arguments.quick else 60
+    with tempfile.TemporaryDirectory(dir=arguments.folder) as folder:
+        found = window_runs.measure(BUILD / "bin", PROGRAMS, folder, max(3, arguments.repetitions // 3), seconds)
+    yield row("the window with 5,000 entries, first frame beside an empty window", found["ratio"]["firstFrame"], 3)
+    yield row("the same, in ms", found["open"]["firstFrame"], form="{:.0f}")
+    yield row("the same, memory beside an empty window", found["ratio"]["memory"], 2.5)
+    yield row("the same, in MB", found["open"]["memory"], form="{:.0f}")
+    yield row(f"scrolling {found['scroll']['rows']} rows, eight a frame: 99th percentile of work, in ms",
+              found["scroll"]["p99"], 16)
+    yield row("a letter typed, to the frame: 99th percentile of work, in ms", found["type"]["p99"], 16)
+    yield row(f"a timer runs for {seconds} s: frames", found["rest"]["frames"], seconds + 1, form="{:.0f}")
+    yield row("the same: processor, in %", found["rest"]["processor"], 0.5)
+    yield row(f"hidden for {seconds} s: frames", found["hidden"]["frames"], 0, form="{:.0f}")
+    yield row("the same: voluntary switches a minute", found["hidden"]["switches"] * 60 / seconds, 12, form="{:.0f}")
+
+
 GROUPS = {"store": (store_rows, ["StoreBenchmark"]), "json": (json_rows, ["JsonBenchmark"]),
           "timeline": (timeline_rows, ["TimelineBenchmark"]),
           "calendar": (calendar_rows, ["CalendarBenchmark"]),
@@ -181,6 +199,7 @@ GROUPS = {"store": (store_rows, ["StoreBenchmark"]), "json": (json_rows, ["JsonB
           "queue": (queue_rows, ["orvane", "orvane-server", "BareDrain"]),
           "server": (server_rows, ["orvane-server", "ServerLoad", "BareTransactions"]),
           "compile": (compile_rows, ["OrvaneKit"]),
+          "window": (window_rows, ["orvane", "orvane-server", "WindowBenchmark", "BareWindow"]),
           "command": (command_rows, ["orvane", "orvane-server", "BareStatus", "BareStatusLine", "BareIdle"])}
 
 

@@ -30,6 +30,7 @@ FocusScope {
 
     ListView {
         id: list
+        objectName: "entries"
         anchors.fill: parent
         anchors.leftMargin: -4
         anchors.rightMargin: -4
