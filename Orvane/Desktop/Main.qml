@@ -9,6 +9,7 @@ Window {
 
     required property AppModel app
     required property TimerModel timer
+    required property PanelModel panel
 
     readonly property bool isWide: width >= 1200
 
@@ -27,6 +28,10 @@ Window {
     Shortcut {
         sequences: ["Ctrl+Shift+Z"]
         onActivated: window.app.redo()
+    }
+    Shortcut {
+        sequences: ["Ctrl+Alt+Space"]
+        onActivated: window.panel.want()
     }
     Row {
         anchors.fill: parent
