@@ -123,6 +123,19 @@ TEST_F(PanelModelTest, CompletesTheMentionThatIsTyped)
     EXPECT_TRUE(usage().uses.contains("project:" + atlas.id));
 }
 
+TEST_F(PanelModelTest, StaysWithTheChosenRowWhileOthersComeAndGo)
+{
+    project("Atlas");
+    panel.open();
+    type(QStringLiteral("Plan @at"));
+    panel.moveDown();
+    ASSERT_THAT(titles(), ElementsAre("Atlas", "Create project “at”", "Create client “at”"));
+    project("Ateliers");
+    ASSERT_THAT(titles(), ElementsAre("Ateliers", "Atlas", "Create project “at”", "Create client “at”"));
+    EXPECT_EQ(panel.currentRow(), 2);
+    EXPECT_EQ(panel.action(), QStringLiteral("Create"));
+}
+
 TEST_F(PanelModelTest, CompletesInTheMiddleOfTheSentence)
 {
     project("Website");
@@ -200,7 +213,7 @@ TEST_F(PanelModelTest, CreatesWhatIsMissingWhereTheRoleAllowsIt)
     panel.moveDown();
     EXPECT_EQ(panel.action(), QStringLiteral("Create"));
     panel.act();
-    ASSERT_TRUE(eventually([&] { return !panel.isCreating(); }));
+    ASSERT_TRUE(eventually([&] { return !panel.isPending(); }));
     EXPECT_EQ(panel.field()->text(), QStringLiteral("Fix the door @nova "));
     ASSERT_EQ(tracker().catalog().projects().size(), 1U);
     EXPECT_EQ(tracker().catalog().projects().front().name, "nova");
@@ -208,7 +221,7 @@ TEST_F(PanelModelTest, CreatesWhatIsMissingWhereTheRoleAllowsIt)
     type(QStringLiteral("Fix #dee"));
     panel.moveDown();
     panel.act();
-    ASSERT_TRUE(eventually([&] { return !panel.isCreating(); }));
+    ASSERT_TRUE(eventually([&] { return !panel.isPending(); }));
     EXPECT_EQ(tracker().catalog().tags().front().name, "dee");
     type(QStringLiteral("Fix @nova"));
     EXPECT_THAT(titles(), ElementsAre("nova")) << "it is there already";
@@ -264,6 +277,22 @@ TEST_F(PanelModelTest, KeepsWhatWasTypedWhenItIsLeft)
     EXPECT_EQ(panel.cursor(), 10);
     EXPECT_EQ(app.draft("panel"), QStringLiteral("Half a sen"));
     EXPECT_EQ(PanelModel(app).field()->text(), QStringLiteral("Half a sen"));
+}
+
+TEST(PanelModel, DoesWhatReturnSaidOnceTheAccountIsOpen)
+{
+    const TestInstallation installation;
+    ASSERT_EQ(installation.run({"projects", "add", "Website"}).exitStatus, 0);
+    AppModel app({.folder = installation.folder(), .serverProgram = builtProgram("orvane-server")});
+    PanelModel panel(app);
+    app.open();
+    panel.open();
+    panel.field()->setText(QStringLiteral("Fix the door @website"));
+    panel.act();
+    EXPECT_TRUE(panel.isPending());
+    ASSERT_TRUE(eventually([&] { return app.tracker() != nullptr && app.tracker()->running(); }));
+    EXPECT_TRUE(app.tracker()->running()->projectId) << "the names were known";
+    await(app.close());
 }
 
 TEST(PanelPlace, IsWhatStandsAtTheCursor)

@@ -127,6 +127,11 @@ def beside_the_window(desk):
     other.gets("in between")
     start_again(desk, "--panel")
     panel.waits("Half a sent")
+    # Whoever turns to another application has left it.
+    other.takes_keyboard()
+    panel.waits_until_gone()
+    start_again(desk, "--panel")
+    panel.waits("Half a sent")
     seen.types("ence")
     panel.waits_for_text("Half a sentence")
     seen.keys("Return")

@@ -11,6 +11,7 @@
 #include "Tracker/CatalogEditor.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace orvane {
 
@@ -47,6 +48,11 @@ PanelModel::PanelModel(AppModel &app) : m_app(&app), m_field(app, "panel")
         // Who types on has read why it was not done.
         if (m_isOpen && m_app->notices()->isFailure())
             m_app->notices()->dismiss();
+        setActsOnceReady(false);
+    });
+    connect(m_app, &AppModel::phaseChanged, this, [this] {
+        if (isReady() && std::exchange(m_actsOnceReady, false))
+            act();
     });
     connect(&m_field, &EntryField::recorded, this, [this](bool isDone) {
         if (!isDone && !m_isOpen)
@@ -60,18 +66,36 @@ void PanelModel::follow()
 {
     m_tracker = m_app->tracker();
     if (m_tracker) {
-        connect(&m_tracker->catalog(), &Catalog::changed, this, &PanelModel::forget);
-        connect(m_tracker, &Tracker::entriesChanged, this, &PanelModel::forget);
-        connect(m_tracker, &Tracker::timeChanged, this, &PanelModel::forget);
-        connect(m_tracker, &Tracker::settingsChanged, this, &PanelModel::forget);
+        connect(&m_tracker->catalog(), &Catalog::changed, this, &PanelModel::forgetNames);
+        connect(m_tracker, &Tracker::entriesChanged, this, &PanelModel::forgetEntries);
+        connect(m_tracker, &Tracker::timeChanged, this, &PanelModel::search);
+        connect(m_tracker, &Tracker::settingsChanged, this, &PanelModel::search);
     }
-    forget();
+    forgetNames();
 }
 
-void PanelModel::forget()
+void PanelModel::forgetNames()
 {
-    m_isSearchStale = true;
+    m_areNamesStale = true;
+    forgetEntries();
+}
+
+void PanelModel::forgetEntries()
+{
+    m_areEntriesStale = true;
     search();
+}
+
+/// Before the account is open, names would not be understood.
+bool PanelModel::isReady() const
+{
+    return m_tracker && m_app->phase() == AppModel::Phase::Open;
+}
+
+void PanelModel::setActsOnceReady(bool acts)
+{
+    if (std::exchange(m_actsOnceReady, acts) != acts)
+        Q_EMIT busyChanged();
 }
 
 void PanelModel::setUnderWay(int change)
@@ -88,7 +112,8 @@ void PanelModel::open()
         return;
     m_isOpen = true;
     // The command may have picked, too.
-    m_isSearchStale = true;
+    if (m_tracker)
+        m_usage = m_app->installation().paletteUsage(m_tracker->workspace().id);
     m_cursor = static_cast<int>(m_field.text().size());
     Q_EMIT cursorChanged();
     search();
@@ -100,6 +125,7 @@ void PanelModel::leave()
     if (!m_isOpen)
         return;
     m_isOpen = false;
+    setActsOnceReady(false);
     Q_EMIT left();
 }
 
@@ -122,6 +148,8 @@ PanelSearch::Asked PanelModel::asked() const
     PanelSearch::Asked asked;
     asked.isEmpty = text.trimmed().isEmpty();
     asked.place = PanelPlace::at(text, m_cursor);
+    if (asked.place.isMention())
+        return asked;
     asked.description = QString::fromStdString(reading.description);
     asked.isTime = std::ranges::any_of(reading.timeRanges, [&](const TextRange &range) {
         return static_cast<qsizetype>(range.start) < asked.place.end &&
@@ -130,15 +158,24 @@ PanelSearch::Asked PanelModel::asked() const
     return asked;
 }
 
+void PanelModel::prepare()
+{
+    if (!m_tracker)
+        return;
+    if (m_areNamesStale) {
+        m_search.prepareNames(*m_tracker);
+        m_usage = m_app->installation().paletteUsage(m_tracker->workspace().id);
+    }
+    if (m_areEntriesStale)
+        m_search.prepareEntries(*m_tracker);
+    m_areNamesStale = m_areEntriesStale = false;
+}
+
 void PanelModel::search()
 {
     if (!m_isOpen)
         return;
-    if (m_isSearchStale && m_tracker) {
-        m_search = PanelSearch(*m_tracker);
-        m_usage = m_app->installation().paletteUsage(m_tracker->workspace().id);
-        m_isSearchStale = false;
-    }
+    prepare();
     PanelSearch::Asked asked = this->asked();
     // Should the rows move under a chosen one, it stays the chosen one.
     std::optional<PanelRow> chosen;
@@ -242,8 +279,12 @@ void PanelModel::act()
         take(m_current);
         return;
     }
-    if (!m_tracker || m_field.text().trimmed().isEmpty())
+    if (m_field.text().trimmed().isEmpty())
         return;
+    if (!isReady()) {
+        setActsOnceReady(true);
+        return;
+    }
     setUnderWay(1);
     m_field.submit();
     // What cannot be recorded stands there still.
@@ -388,7 +429,6 @@ Task<> PanelModel::create(RowKind kind, std::string name)
     if (!self)
         co_return;
     m_isCreating = false;
-    forget();
     if (item && m_tracker && m_asked.place.name.trimmed().toStdString() == name)
         put(*item);
     else if (!problem.empty())

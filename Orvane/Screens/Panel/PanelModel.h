@@ -38,8 +38,8 @@ class PanelModel final : public QObject {
     /// all.
     Q_PROPERTY(QString action READ action NOTIFY currentChanged)
     Q_PROPERTY(QString plan READ plan NOTIFY currentChanged)
-    /// A name is being created.
-    Q_PROPERTY(bool isCreating READ isCreating NOTIFY busyChanged)
+    /// A name is being created, or Return waits for the account to be opened.
+    Q_PROPERTY(bool isPending READ isPending NOTIFY busyChanged)
 
 public:
     explicit PanelModel(AppModel &app);
@@ -55,7 +55,7 @@ public:
     bool canComplete() const;
     QString action() const;
     QString plan() const;
-    bool isCreating() const { return m_isCreating; }
+    bool isPending() const { return m_isCreating || m_actsOnceReady; }
     /// Something is under way whose failure would bring the panel back.
     bool isBusy() const { return m_underWay > 0 || m_isCreating; }
 
@@ -87,8 +87,12 @@ Q_SIGNALS:
 
 private:
     void follow();
-    void forget();
+    void forgetNames();
+    void forgetEntries();
+    void prepare();
     void search();
+    bool isReady() const;
+    void setActsOnceReady(bool acts);
     PanelSearch::Asked asked() const;
     void setCurrent(int row, bool isChosen);
     void replaceText(const QString &text, qsizetype cursor);
@@ -106,7 +110,8 @@ private:
     EntryField m_field;
     PanelRows m_rows{nullptr};
     PanelSearch m_search;
-    bool m_isSearchStale = true;
+    bool m_areNamesStale = true;
+    bool m_areEntriesStale = true;
     PaletteUsage m_usage;
     bool m_isOpen = false;
     int m_cursor = 0;
@@ -115,6 +120,7 @@ private:
     bool m_isRowChosen = false;
     int m_underWay = 0;
     bool m_isCreating = false;
+    bool m_actsOnceReady = false;
 };
 
 } // namespace orvane

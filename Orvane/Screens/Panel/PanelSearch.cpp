@@ -293,11 +293,16 @@ struct PanelSearch::Search {
     }
 };
 
-PanelSearch::PanelSearch(const Tracker &tracker)
+void PanelSearch::prepareNames(const Tracker &tracker)
 {
     const Catalog &catalog = tracker.catalog();
     m_places = Palette(PaletteItem::ofCatalog(catalog.projects(), catalog.clients(), {}));
     m_tags = Palette(PaletteItem::ofCatalog({}, {}, catalog.tags()));
+}
+
+void PanelSearch::prepareEntries(const Tracker &tracker)
+{
+    const Catalog &catalog = tracker.catalog();
     m_recent = Palette(
         PaletteItem::ofRecent(tracker.entries(), catalog.projects(), catalog.clients(), catalog.tags()));
 }

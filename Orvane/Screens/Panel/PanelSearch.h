@@ -14,7 +14,7 @@ class SentenceCatalog;
 class Tracker;
 
 /// Finds what the panel offers. It keeps the names of a tracker's catalog and entries ready to be searched at
-/// every key press; make it anew when they change. Main thread.
+/// every key press; it is told when they change. Main thread.
 class PanelSearch {
     Q_DECLARE_TR_FUNCTIONS(orvane::PanelSearch)
 
@@ -23,8 +23,9 @@ public:
     struct Asked {
         bool isEmpty = true; ///< nothing is typed
         PanelPlace place;    ///< what stands at the cursor
+        // Of a word alone:
         QString description; ///< the words of the sentence that say what the work is
-        bool isTime = false; ///< what stands at the cursor is read as a time
+        bool isTime = false; ///< it is read as a time
 
         bool operator==(const Asked &) const = default;
     };
@@ -37,8 +38,9 @@ public:
     /// Of what else is found beside that which was asked for.
     static constexpr std::size_t mostOthers = 4;
 
-    PanelSearch() = default;
-    explicit PanelSearch(const Tracker &tracker);
+    void prepareNames(const Tracker &tracker);
+    /// Which are known by names, too.
+    void prepareEntries(const Tracker &tracker);
 
     std::vector<PanelRow> find(const Asked &asked, const Tracker &tracker, const SentenceCatalog &names,
                                const PaletteUsage &usage, Instant now) const;

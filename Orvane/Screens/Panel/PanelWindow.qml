@@ -14,7 +14,7 @@ Window {
     required property PanelModel panel
 
     readonly property int mostLines: 8
-    readonly property string problem: app.notices.isFailure ? app.notices.text : ""
+    readonly property string problem: app.phase === AppModel.Failed ? app.problem : app.notices.isFailure ? app.notices.text : ""
 
     width: 640
     height: body.height
@@ -65,7 +65,7 @@ Window {
                 anchors.right: parent.right
                 anchors.rightMargin: Theme.space20
                 anchors.verticalCenter: parent.verticalCenter
-                visible: window.panel.isCreating
+                visible: window.panel.isPending
             }
         }
         Item {
