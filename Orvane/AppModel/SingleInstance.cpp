@@ -3,18 +3,26 @@
 
 #include "Support/FolderSafety.h"
 
+#include <QDeadlineTimer>
 #include <QFile>
 #include <QLocalSocket>
-#include <QPointer>
+#include <QThread>
+#include <algorithm>
+#include <array>
 #include <sys/stat.h>
 
 namespace orvane {
 
 namespace {
 
-constexpr int patience = 1000; // milliseconds
+constexpr int answerPatience = 1000; // milliseconds
 constexpr qint64 longestWish = 16;
-const QByteArray raiseLine = QByteArrayLiteral("raise\n");
+const QByteArray takenLine = QByteArrayLiteral("taken\n");
+
+/// The wishes as they are on the wire, a line each.
+const std::array<std::pair<SingleInstance::Wish, QByteArray>, 2> wishLines{
+    {{SingleInstance::Wish::raise, QByteArrayLiteral("raise\n")},
+     {SingleInstance::Wish::panel, QByteArrayLiteral("panel\n")}}};
 
 std::string ownFolder(const std::string &folder)
 {
@@ -33,15 +41,24 @@ SingleInstance::SingleInstance(const std::string &folder)
 
 bool SingleInstance::takeOrHandOver(Wish wish)
 {
-    if (m_lock.tryLock()) {
-        // Who cannot be reached is still alone.
-        listen();
-        return true;
+    const QDeadlineTimer end(patience);
+    while (true) {
+        if (m_lock.tryLock()) {
+            // Who cannot be reached is still alone.
+            listen();
+            return true;
+        }
+        if (!m_lock.error().empty())
+            return true;
+        if (handOver(wish) || end.hasExpired())
+            return false;
+        QThread::msleep(20);
     }
-    if (!m_lock.error().empty())
-        return true;
-    handOver(wish);
-    return false;
+}
+
+void SingleInstance::retire()
+{
+    m_server.close();
 }
 
 bool SingleInstance::listen()
@@ -54,30 +71,45 @@ bool SingleInstance::listen()
     return m_server.listen(m_socketPath);
 }
 
-void SingleInstance::handOver(Wish)
+/// Whether the first has said that it takes the wish.
+bool SingleInstance::handOver(Wish wish)
 {
+    const auto line = std::ranges::find(wishLines, wish, [](const auto &pair) { return pair.first; });
     QLocalSocket socket;
     socket.connectToServer(m_socketPath);
-    if (!socket.waitForConnected(patience))
-        return;
-    socket.write(raiseLine);
-    socket.waitForBytesWritten(patience);
-    socket.disconnectFromServer();
+    if (!socket.waitForConnected(answerPatience))
+        return false;
+    socket.write(line->second);
+    while (!socket.canReadLine()) {
+        if (!socket.waitForReadyRead(answerPatience))
+            return false;
+    }
+    return socket.readLine(longestWish) == takenLine;
 }
 
 void SingleInstance::hear()
 {
     while (QLocalSocket *socket = m_server.nextPendingConnection()) {
         connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
-        const auto read = [this, socket] {
-            if (socket->canReadLine() && socket->readLine(longestWish) == raiseLine)
-                Q_EMIT wished(Wish::raise);
-            else if (socket->bytesAvailable() >= longestWish)
-                socket->abort();
-        };
-        connect(socket, &QLocalSocket::readyRead, this, read);
-        read();
+        connect(socket, &QLocalSocket::readyRead, this, [this, socket] { read(*socket); });
+        read(*socket);
     }
+}
+
+/// One line; what is none of ours, or goes on without an end, is passed over.
+void SingleInstance::read(QLocalSocket &socket)
+{
+    if (!socket.canReadLine() && socket.bytesAvailable() < longestWish)
+        return;
+    const QByteArray line = socket.readLine(longestWish);
+    const auto wish = std::ranges::find(wishLines, line, [](const auto &pair) { return pair.second; });
+    if (wish == wishLines.end()) {
+        socket.abort();
+        return;
+    }
+    socket.write(takenLine);
+    socket.disconnectFromServer();
+    Q_EMIT wished(wish->first);
 }
 
 } // namespace orvane

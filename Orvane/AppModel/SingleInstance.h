@@ -5,7 +5,10 @@
 
 #include <QLocalServer>
 #include <QObject>
+#include <chrono>
 #include <string>
+
+class QLocalSocket;
 
 namespace orvane {
 
@@ -20,22 +23,29 @@ public:
     /// What a second start asks of the first.
     enum class Wish {
         raise, ///< the window to come to the front
+        panel, ///< the panel to open
     };
 
     /// `folder` exists; the socket's own folder is made in it.
     explicit SingleInstance(const std::string &folder);
 
     /// True for the first, which from now on hears of others. A second one's wish is then handed to the first
-    /// before this answers, if it can be reached. Blocks for at most a second.
+    /// before this answers. Should the first just be ending, this one takes its place. Blocks for at most
+    /// `patience`, after which a first that does not listen is left alone.
     bool takeOrHandOver(Wish wish);
+    /// From now on nothing is heard any more: who is started waits until this process has ended.
+    void retire();
+
+    static constexpr std::chrono::seconds patience{5};
 
 Q_SIGNALS:
     void wished(orvane::SingleInstance::Wish wish);
 
 private:
     bool listen();
-    void handOver(Wish wish);
+    bool handOver(Wish wish);
     void hear();
+    void read(QLocalSocket &socket);
 
     QString m_socketPath;
     FileLock m_lock;

@@ -17,6 +17,7 @@ namespace {
 /// What the command line says, or the sentence that tells what is wrong with it.
 struct DesktopOptions {
     AppModel::Options app;
+    bool isPanelAlone = false;
     QString problem;
 };
 
@@ -32,11 +33,13 @@ DesktopOptions readOptions(const QGuiApplication &application)
         {QStringLiteral("data-dir"), QStringLiteral("Another folder for data."), QStringLiteral("DIR")});
     parser.addOption(
         {QStringLiteral("no-start-server"), QStringLiteral("Do not start the server on this computer.")});
+    parser.addOption({QStringLiteral("panel"), QStringLiteral("Only the panel, for one sentence.")});
     parser.process(application);
     DesktopOptions options;
     options.app.folder = parser.value(QStringLiteral("data-dir")).toStdString();
     if (parser.isSet(QStringLiteral("server")))
         options.app.server = parser.value(QStringLiteral("server")).toStdString();
+    options.isPanelAlone = parser.isSet(QStringLiteral("panel"));
     options.app.startsServer = !parser.isSet(QStringLiteral("no-start-server"));
     if (options.app.folder.empty() && !Installation::hasUsualPlace())
         options.problem = QStringLiteral("There is no home folder; name one with --data-dir.");
@@ -76,11 +79,20 @@ int runDesktop(int argc, char **argv)
         return 1;
     }
     SingleInstance instance(installation.root());
-    if (!instance.takeOrHandOver(SingleInstance::Wish::raise))
+    using Wish = SingleInstance::Wish;
+    if (!instance.takeOrHandOver(options.isPanelAlone ? Wish::panel : Wish::raise))
         return 0;
     DesktopWindow desktop(std::move(options.app));
-    QObject::connect(&instance, &SingleInstance::wished, &desktop, &DesktopWindow::raise);
-    const int status = desktop.show() ? QGuiApplication::exec() : 1;
+    QObject::connect(&instance, &SingleInstance::wished, &desktop, [&](Wish wish) {
+        if (wish == Wish::panel)
+            desktop.openPanel();
+        else
+            desktop.raise();
+    });
+    QObject::connect(&desktop, &DesktopWindow::panelFinishedAlone, &application, &QGuiApplication::quit);
+    const bool isShown = options.isPanelAlone ? desktop.openPanel() : desktop.show();
+    const int status = isShown ? QGuiApplication::exec() : 1;
+    instance.retire();
     QCoro::waitFor(desktop.close());
     return status;
 }

@@ -8,22 +8,47 @@
 namespace orvane {
 
 DesktopWindow::DesktopWindow(AppModel::Options options)
-    : m_app(std::move(options)), m_timer(m_app), m_signIn(m_app), m_places(m_app)
+    : m_app(std::move(options))
+    , m_timer(m_app)
+    , m_signIn(m_app)
+    , m_places(m_app)
+    , m_panel(m_app, m_engine)
 {
     loadFonts();
     // Where our modules lie; Qt 6.4 does not look there by itself.
     m_engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
+    connect(&m_panel, &DesktopPanel::visibilityChanged, this, &DesktopWindow::followVisibility);
+    connect(&m_panel, &DesktopPanel::finished, this, [this] {
+        if (m_window == nullptr)
+            Q_EMIT panelFinishedAlone();
+    });
+    connect(&m_panel.model(), &PanelModel::windowWanted, this, &DesktopWindow::raise);
 }
 
-DesktopWindow::~DesktopWindow() = default;
+DesktopWindow::~DesktopWindow()
+{
+    // It goes with the engine, after the panel that its visibility is seen beside.
+    if (m_window != nullptr)
+        m_window->disconnect(this);
+}
+
+void DesktopWindow::openAccount()
+{
+    if (!m_isAccountOpened)
+        m_app.open();
+    m_isAccountOpened = true;
+}
 
 bool DesktopWindow::show()
 {
-    m_app.open();
+    openAccount();
+    if (m_window != nullptr)
+        return true;
     m_engine.setInitialProperties({{QStringLiteral("app"), QVariant::fromValue(&m_app)},
                                    {QStringLiteral("timer"), QVariant::fromValue(&m_timer)},
                                    {QStringLiteral("signIn"), QVariant::fromValue(&m_signIn)},
-                                   {QStringLiteral("places"), QVariant::fromValue(&m_places)}});
+                                   {QStringLiteral("places"), QVariant::fromValue(&m_places)},
+                                   {QStringLiteral("panel"), QVariant::fromValue(&m_panel.model())}});
     m_engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Orvane/Main.qml")));
     if (!m_engine.rootObjects().isEmpty())
         m_window = qobject_cast<QQuickWindow *>(m_engine.rootObjects().constFirst());
@@ -36,17 +61,27 @@ bool DesktopWindow::show()
 
 void DesktopWindow::raise()
 {
-    if (m_window == nullptr)
+    if (!show())
         return;
     m_window->show();
     m_window->raise();
     m_window->requestActivate();
 }
 
-/// Keeps the second hand still while the window cannot be seen.
+bool DesktopWindow::openPanel()
+{
+    openAccount();
+    const bool isOpen = m_panel.open();
+    followVisibility();
+    return isOpen;
+}
+
+/// Keeps the second hand still while nothing can be seen.
 void DesktopWindow::followVisibility()
 {
-    m_app.tick().setVisible(m_window->isVisible() && m_window->visibility() != QWindow::Minimized);
+    const bool isWindowSeen =
+        m_window != nullptr && m_window->isVisible() && m_window->visibility() != QWindow::Minimized;
+    m_app.tick().setVisible(isWindowSeen || m_panel.isVisible());
 }
 
 } // namespace orvane

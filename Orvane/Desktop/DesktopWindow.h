@@ -4,6 +4,7 @@
 #include "AppModel/AppModel.h"
 #include "Screens/Shell/PlacesModel.h"
 #include "Screens/SignIn/SignInModel.h"
+#include "Desktop/DesktopPanel.h"
 #include "Screens/Timer/TimerModel.h"
 
 #include <QQmlApplicationEngine>
@@ -12,7 +13,8 @@ class QQuickWindow;
 
 namespace orvane {
 
-/// The application with its window: the models, and the QML that draws them.
+/// The application with its window and its panel: the models, and the QML that draws them. Either can be
+/// there without the other.
 ///
 /// Owner: the program, or a test that draws. Thread: the main thread. `close` before it goes.
 class DesktopWindow final : public QObject {
@@ -22,20 +24,29 @@ public:
     explicit DesktopWindow(AppModel::Options options);
     ~DesktopWindow() override;
 
-    /// Makes the window and begins to open the account. False when the QML cannot be loaded.
+    /// Makes the window, if it is not there yet, and begins to open the account. False when the QML cannot be
+    /// loaded.
     bool show();
-    /// Brings the window to the front.
+    /// Brings the window to the front, making it where only the panel was there.
     void raise();
+    /// Opens the panel, and the account where it is not open yet. False when the QML cannot be loaded.
+    bool openPanel();
     Task<> close() { return m_app.close(); }
 
     AppModel &app() { return m_app; }
     TimerModel &timer() { return m_timer; }
     SignInModel &signIn() { return m_signIn; }
     PlacesModel &places() { return m_places; }
+    DesktopPanel &panel() { return m_panel; }
     /// Null before it is shown.
     QQuickWindow *window() const { return m_window; }
 
+Q_SIGNALS:
+    /// The panel was all that was wanted, and has done its part.
+    void panelFinishedAlone();
+
 private:
+    void openAccount();
     void followVisibility();
 
     AppModel m_app;
@@ -43,7 +54,9 @@ private:
     SignInModel m_signIn;
     PlacesModel m_places;
     QQmlApplicationEngine m_engine;
+    DesktopPanel m_panel;
     QQuickWindow *m_window = nullptr;
+    bool m_isAccountOpened = false;
 };
 
 } // namespace orvane

@@ -11,6 +11,7 @@ Window {
     required property TimerModel timer
     required property SignInModel signIn
     required property PlacesModel places
+    required property PanelModel panel
 
     readonly property bool isWide: width >= 1200
 
@@ -29,6 +30,10 @@ Window {
     Shortcut {
         sequences: ["Ctrl+Shift+Z"]
         onActivated: window.app.redo()
+    }
+    Shortcut {
+        sequences: ["Ctrl+Alt+Space"]
+        onActivated: window.panel.want()
     }
     Row {
         anchors.fill: parent

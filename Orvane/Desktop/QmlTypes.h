@@ -4,6 +4,7 @@
 #include "AppModel/AppModel.h"
 #include "Screens/Shell/PlacesModel.h"
 #include "Screens/SignIn/SignInModel.h"
+#include "Screens/Panel/PanelModel.h"
 #include "Screens/Timer/TimerModel.h"
 
 #include <QtQml/qqml.h>
@@ -57,7 +58,7 @@ struct EntryFieldType {
     Q_GADGET
     QML_FOREIGN(orvane::EntryField)
     QML_NAMED_ELEMENT(EntryField)
-    QML_UNCREATABLE("of the TimerModel")
+    QML_UNCREATABLE("of a screen's model")
 };
 struct EntryEditorType {
     Q_GADGET
@@ -88,6 +89,18 @@ struct SplitRowsType {
     QML_FOREIGN(orvane::SplitRows)
     QML_NAMED_ELEMENT(SplitRows)
     QML_UNCREATABLE("of the SplitModel")
+};
+struct PanelModelType {
+    Q_GADGET
+    QML_FOREIGN(orvane::PanelModel)
+    QML_NAMED_ELEMENT(PanelModel)
+    QML_UNCREATABLE("made by the program")
+};
+struct PanelRowsType {
+    Q_GADGET
+    QML_FOREIGN(orvane::PanelRows)
+    QML_NAMED_ELEMENT(PanelRows)
+    QML_UNCREATABLE("of the PanelModel")
 };
 
 } // namespace orvane::qml

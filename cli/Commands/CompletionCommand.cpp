@@ -4,6 +4,7 @@
 #include "CommandTree.h"
 #include "Input/MentionCompletion.h"
 #include "Input/ShellLine.h"
+#include "QuickEntry/MentionSpelling.h"
 #include "Time/AppClock.h"
 
 #include <QFileInfo>

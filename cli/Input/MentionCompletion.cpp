@@ -2,8 +2,8 @@
 #include "Input/MentionCompletion.h"
 
 #include "QuickEntry/FoldedText.h"
+#include "QuickEntry/MentionSpelling.h"
 #include "QuickEntry/Palette.h"
-#include "QuickEntry/SentenceMentions.h"
 #include "Terminal/TextWidth.h"
 
 #include <algorithm>
@@ -16,21 +16,6 @@ using Kind = PaletteItem::Kind;
 
 /// So many slashes are tried as the one between a project and its task.
 constexpr std::size_t mostSlashes = 4;
-
-/// A name as one word: the sentence reads hyphens as its spaces.
-std::string joinedForm(const std::string &name)
-{
-    const std::string shown = printable(name);
-    std::string form;
-    for (const std::string_view word : wordsOf(shown))
-        form.append(form.empty() ? "" : "-").append(word);
-    return form;
-}
-
-std::string quotedForm(const std::string &name)
-{
-    return "\"" + printable(name) + "\"";
-}
 
 /// Quotes around a name play no part.
 bool goesOnFrom(std::string_view longer, std::string_view typed)
@@ -59,9 +44,9 @@ public:
     Finder(std::string_view before, std::string_view typed, const Catalog &catalog)
         : m_before(before)
         , m_typed(typed)
-        , m_catalog(catalog)
         , m_names(catalog.projects(), catalog.clients(), catalog.tags())
         , m_palette(nameItems(catalog))
+        , m_spelling(catalog, m_names)
     {
     }
 
@@ -85,13 +70,15 @@ public:
 
 private:
     /// By their names alone: a project's tasks are known by the project too, but are not what "@website"
-    /// becomes.
+    /// becomes. As a terminal can show them.
     static std::vector<PaletteItem> nameItems(const Catalog &catalog)
     {
         std::vector<PaletteItem> items =
             PaletteItem::ofCatalog(catalog.projects(), catalog.clients(), catalog.tags());
-        for (PaletteItem &item : items)
+        for (PaletteItem &item : items) {
             item.alternatives.clear();
+            item.name = printable(item.name);
+        }
         return items;
     }
 
@@ -118,91 +105,19 @@ private:
     {
         if ((item.kind == Kind::tag) != (m_typed.front() == '#'))
             return std::nullopt;
-        std::vector<std::string> forms{joinedForm(item.name), quotedForm(item.name)};
-        if (isQuoted)
-            std::swap(forms.front(), forms.back());
-        for (const std::string &form : forms) {
-            std::string mention = m_typed.front() + std::string(outer) + form;
-            if (means(mention, item))
-                return mention;
-        }
-        const std::string around = outer.empty() ? nameAround(item) : std::string();
-        if (around.empty())
-            return std::nullopt;
-        for (const std::string &outerForm : {joinedForm(around), quotedForm(around)}) {
-            for (const std::string &form : forms) {
-                std::string mention = m_typed.front() + outerForm + "/" + form;
-                if (means(mention, item))
-                    return mention;
-            }
-        }
-        return std::nullopt;
-    }
-
-    /// The name of a task's project or a project's client; empty when there is none.
-    std::string nameAround(const PaletteItem &item) const
-    {
-        if (item.kind == Kind::task) {
-            const TaskResponse *task = m_catalog.task(item.id);
-            const ProjectResponse *project = task ? m_catalog.project(task->projectId) : nullptr;
-            return project ? project->name : std::string();
-        }
-        const ProjectResponse *project = item.kind == Kind::project ? m_catalog.project(item.id) : nullptr;
-        const ClientResponse *client =
-            project && project->clientId ? m_catalog.client(*project->clientId) : nullptr;
-        return client ? client->name : std::string();
-    }
-
-    /// Whether the sentence, with this mention at its end, takes the mention for the thing.
-    bool means(const std::string &mention, const PaletteItem &item) const
-    {
-        const std::string line = std::string(m_before) + mention;
-        const auto found = SentenceMentions::of(wordsOf(line), m_names);
-        if (found.isTaken.empty() || !found.isTaken.back())
-            return false;
-        switch (item.kind) {
-        case Kind::project:
-            return found.projectID == item.id;
-        case Kind::task:
-            return found.taskID == item.id;
-        case Kind::client:
-            return found.clientID == item.id;
-        case Kind::tag:
-            return std::ranges::find(found.tagIDs, item.id) != found.tagIDs.end();
-        case Kind::recentEntry:
-            break;
-        }
-        return false;
+        auto mention = m_spelling.of(item, {.before = m_before, .outer = outer, .isQuoted = isQuoted});
+        const bool isPrintable = mention && printable(*mention) == *mention;
+        return isPrintable ? std::move(mention) : std::nullopt;
     }
 
     std::string_view m_before;
     std::string_view m_typed;
-    const Catalog &m_catalog;
     SentenceCatalog m_names;
     Palette m_palette;
+    MentionSpelling m_spelling;
 };
 
 } // namespace
-
-std::optional<std::size_t> openMention(std::string_view sentence)
-{
-    std::optional<std::size_t> open;
-    bool isQuoted = false;
-    bool isAtStart = true; ///< of a word
-    for (std::size_t i = 0; i < sentence.size(); ++i) {
-        const char c = sentence[i];
-        const bool isSign = c == '@' || c == '#';
-        const char before = i > 0 ? sentence[i - 1] : ' ';
-        if (c == '"' && open)
-            isQuoted = isQuoted ? false : before == '/' || *open + 1 == i;
-        else if (static_cast<unsigned char>(c) <= ' ' && !isQuoted)
-            open.reset();
-        else if (isSign && isAtStart && !isQuoted)
-            open = i;
-        isAtStart = static_cast<unsigned char>(c) <= ' ';
-    }
-    return open;
-}
 
 std::optional<MentionCompletion> MentionCompletion::of(std::string_view sentence, const Catalog &catalog,
                                                        const PaletteUsage &usage, Instant now)

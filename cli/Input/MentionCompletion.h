@@ -28,7 +28,4 @@ struct MentionCompletion {
                                                const PaletteUsage &usage, Instant now);
 };
 
-/// Where the mention begins that reaches to the end of the sentence; one in quotes may have spaces.
-std::optional<std::size_t> openMention(std::string_view sentence);
-
 } // namespace orvane

@@ -113,16 +113,5 @@ TEST_F(MentionCompletionTest, WhatItOffersIsReadBackWhateverTheNameHolds)
     }
 }
 
-TEST(OpenMention, IsTheOneThatReachesTheEnd)
-{
-    EXPECT_EQ(openMention("Fix @We"), 4U);
-    EXPECT_EQ(openMention("@a #"), 3U);
-    EXPECT_EQ(openMention("Fix @\"Big Pro"), 4U);
-    EXPECT_EQ(openMention("@web/\"Write u"), 0U);
-    EXPECT_EQ(openMention("@x;#y"), 0U);
-    for (const char *none : {"", "Fix", "Fix @We ", "me@web", "C#", "@\"Big Project\" x"})
-        EXPECT_EQ(openMention(none), std::nullopt) << none;
-}
-
 } // namespace
 } // namespace orvane

@@ -3,19 +3,11 @@
 """What people do in the timer's window, with keys and pointer. Each journey ends by comparing what the screen shows
 with what the command lists and what the server holds.
 
-timer_window.py PROGRAMS [--out FOLDER] [JOURNEY…]     (of a journey that fails a picture goes into the folder)
+timer_window.py PROGRAMS [--out FOLDER] [JOURNEY…]     (playing.py says more)
 """
 
-import argparse
-import concurrent.futures
-import contextlib
-import pathlib
-import subprocess
-import sys
-import time
-import traceback
-
-from window import PATIENCE, Desk, Screen, Window, wait
+import playing
+from window import PATIENCE, Window, wait
 
 FIELD = "What are you working on"
 # A second for who works with it; under sanitizers, beside other tests, all takes longer.
@@ -257,65 +249,5 @@ JOURNEYS = {journey.__name__: journey for journey in (
     first_start, edit, undo, offline, half_a_sentence, command_beside, midnight)}
 
 
-# What a process ends with that got no display or bus, which is no fault of the window's.
-NO_SCREEN = 75
-
-
-def play(journey, options):
-    """What went wrong, if anything did."""
-    with contextlib.ExitStack() as ends:
-        try:
-            screen = ends.enter_context(Screen())
-        except AssertionError:
-            traceback.print_exc()
-            sys.exit(NO_SCREEN)
-        desk = ends.enter_context(Desk(screen, options.programs))
-        try:
-            journey(desk)
-        except Exception:  # pylint: disable=broad-except
-            return traceback.format_exc() + evidence(desk, journey, options.out)
-    return None
-
-
-def play_apart(name, options):
-    """In a process of its own, which has one screen all its life."""
-    began = time.monotonic()
-    for _ in range(3):
-        played = subprocess.run([sys.executable, "-B", __file__, options.programs, "--out", options.out, name],
-                                stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
-                                check=False)
-        if played.returncode != NO_SCREEN:
-            break
-    print(f"{name}: {'FAILED' if played.returncode else 'passed'} ({time.monotonic() - began:.1f} s)", flush=True)
-    return played.stdout if played.returncode else None
-
-
-def evidence(desk, journey, folder):
-    """How it looks where a journey failed, for people."""
-    folder.mkdir(parents=True, exist_ok=True)
-    picture = folder / f"{journey.__name__}.png"
-    desk.screen.picture(picture)
-    said = [f"{picture}\n"]
-    for seen in desk.windows:
-        if seen.is_running():
-            with contextlib.suppress(Exception):
-                said.append(seen.outline())
-        said.append(seen.log())
-    return "\n".join(said)
-
-
-def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("programs")
-    parser.add_argument("--out", type=pathlib.Path, default=pathlib.Path("window-journeys"))
-    parser.add_argument("journeys", nargs="*", help=", ".join(JOURNEYS))
-    options = parser.parse_intermixed_args()
-    if len(options.journeys) == 1:
-        sys.exit(play(JOURNEYS[options.journeys[0]], options))
-    with concurrent.futures.ThreadPoolExecutor(2) as pool:
-        played = list(pool.map(lambda name: play_apart(name, options), options.journeys or JOURNEYS))
-    sys.exit("\n".join(filter(None, played)) or None)
-
-
 if __name__ == "__main__":
-    main()
+    playing.main(JOURNEYS, __file__)

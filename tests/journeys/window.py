@@ -84,6 +84,10 @@ class Screen:
                                "org.a11y.Bus.GetAddress"), "the bus of accessibility", SCREEN_PATIENCE)
         wait(lambda: self.does("xdotool", "get_num_desktops"), "the window manager", SCREEN_PATIENCE)
 
+    def starts(self, *command):
+        """Another program, which ends with the screen."""
+        self._runs(command)
+
     def does(self, *command):
         return subprocess.run(command, env=self._whole(), stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                               stderr=subprocess.DEVNULL, timeout=PATIENCE, check=False).returncode == 0
@@ -344,8 +348,12 @@ class Window:
         return self._process.poll() is None
 
     def closes(self):
-        """As a person closes it. It ends in order, leaks nothing and had no fault to tell of."""
+        """As a person closes it."""
         self.keys("alt+F4")
+        self.waits_for_end()
+
+    def waits_for_end(self):
+        """It ends by itself and in order, leaks nothing and had no fault to tell of."""
         assert self._process.wait(PATIENCE) == 0, f"the window ended with {self._process.returncode}:\n{self.log()}"
         assert not self.log(), f"the window complains:\n{self.log()}"
 

@@ -1,104 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Draws the application's windows as people see them and saves the pictures: Pictures FOLDER [--all]. The
 // real window over a real server, with a week of time as people have it.
-#include "Appearance.h"
 #include "Desktop/DesktopWindow.h"
+#include "PictureAlbum.h"
 #include "PictureWorld.h"
 #include "Time/AppClock.h"
 #include "support/Await.h"
 
-#include <QDir>
 #include <QGuiApplication>
-#include <QImage>
-#include <QQuickItem>
 #include <QQuickWindow>
 #include <QTextStream>
-#include <QTranslator>
-#include <QtQml>
 
 namespace orvane::testing {
 
 namespace {
-
-/// Says everything the longer by two fifths, as other languages do.
-class LongTexts final : public QTranslator {
-public:
-    bool isEmpty() const override { return false; }
-    QString translate(const char *, const char *text, const char *, int) const override
-    {
-        const QString said = QString::fromUtf8(text);
-        return said + QString((said.size() * 2 + 4) / 5, QLatin1Char('~'));
-    }
-};
-
-/// Texts that had no room, but for those that people wrote: what is called something may be called anything.
-QStringList cutTexts(const QQuickItem *item)
-{
-    QStringList cut;
-    if (!item->isVisible() || item->opacity() == 0)
-        return cut;
-    if (item->property("truncated").toBool() && !item->property("saidByPeople").toBool())
-        cut << item->property("text").toString();
-    for (const QQuickItem *child : item->childItems())
-        cut << cutTexts(child);
-    return cut;
-}
-
-/// Where pictures go, and what is wrong with them.
-class Album {
-public:
-    Album(QString folder, bool isWhole) : m_folder(std::move(folder)), m_isWhole(isWhole)
-    {
-        QDir().mkpath(m_folder);
-    }
-
-    /// The small window in the light, and where all are wanted the large one and both in the dark too.
-    void take(DesktopWindow &desktop, const QString &name)
-    {
-        save(desktop, name + QStringLiteral("-900-light"), {900, 600}, Appearance::Scheme::Light);
-        if (!m_isWhole)
-            return;
-        save(desktop, name + QStringLiteral("-900-dark"), {900, 600}, Appearance::Scheme::Dark);
-        save(desktop, name + QStringLiteral("-1440-light"), {1440, 900}, Appearance::Scheme::Light);
-        save(desktop, name + QStringLiteral("-1440-dark"), {1440, 900}, Appearance::Scheme::Dark);
-    }
-
-    void complain(const QString &problem)
-    {
-        QTextStream(stderr) << problem << Qt::endl;
-        ++m_problems;
-    }
-    int problems() const { return m_problems; }
-
-private:
-    void save(DesktopWindow &desktop, const QString &name, QSize size, Appearance::Scheme scheme)
-    {
-        QQuickWindow *window = desktop.window();
-        auto *appearance = qmlEngine(window)->singletonInstance<Appearance *>(
-            qmlTypeId("Orvane.Components", 1, 0, "Appearance"));
-        appearance->setScheme(scheme);
-        window->resize(size);
-        settle();
-        const QString file = QStringLiteral("%1/%2.png").arg(m_folder, name);
-        const QImage picture = window->grabWindow();
-        if (picture.isNull() || !picture.save(file))
-            complain(QStringLiteral("%1 could not be drawn").arg(file));
-        for (const QString &text : cutTexts(window->contentItem()))
-            complain(QStringLiteral("%1: “%2” is cut").arg(file, text));
-    }
-
-    /// Until nothing is left to be laid out or loaded, and a sheet has come up.
-    static void settle()
-    {
-        const QDeadlineTimer end(250);
-        for (int round = 0; round < 10 || !end.hasExpired(); ++round)
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-    }
-
-    QString m_folder;
-    bool m_isWhole;
-    int m_problems = 0;
-};
 
 const TimeEntryResponse *entryCalled(DesktopWindow &desktop, std::string_view description)
 {
@@ -117,16 +32,6 @@ void divide(DesktopWindow &desktop, std::string_view description)
         return;
     await(desktop.app().tracker()->split(entry->id, {SplitPart{entry->projectId, {}, false, 60, {}},
                                                      SplitPart{website->id, {}, false, 40, {}}}));
-}
-
-void drawLongTexts(Album &album, DesktopWindow &desktop, const QString &name)
-{
-    LongTexts longTexts;
-    QCoreApplication::installTranslator(&longTexts);
-    qmlEngine(desktop.window())->retranslate();
-    album.take(desktop, name);
-    QCoreApplication::removeTranslator(&longTexts);
-    qmlEngine(desktop.window())->retranslate();
 }
 
 void drawOffline(Album &album, DesktopWindow &desktop, const PictureWorld &world)
@@ -195,48 +100,8 @@ void drawTimer(Album &album)
     album.take(desktop, QStringLiteral("timer-running-editor"));
     desktop.timer().editor()->cancel();
     drawSplit(album, desktop);
-    drawLongTexts(album, desktop, QStringLiteral("timer-long"));
+    Album::withLongTexts(desktop.window(), [&] { album.take(desktop, QStringLiteral("timer-long")); });
     drawOffline(album, desktop, world);
-    await(desktop.close());
-}
-
-/// Signing in to a team's server, which is that of another installation, and the switcher afterwards.
-void drawSignIn(Album &album)
-{
-    const PictureWorld world;
-    const TestInstallation team;
-    if (team.run({"status"}).exitStatus != 0)
-        album.complain(QStringLiteral("The team's server does not run"));
-    const std::string address = team.hello()->address;
-    (void)world.installation().run(
-        {"--server", address, "login", "--register", "--email", "robin@fernhill.example", "--password-stdin"},
-        "a good password\n");
-    (void)world.installation().run({"--server", address, "logout"});
-    DesktopWindow desktop({.folder = world.folder(), .startsServer = false});
-    if (!desktop.show() || !eventually([&] { return desktop.app().phase() == AppModel::Phase::Open; })) {
-        album.complain(QStringLiteral("The window did not open"));
-        await(desktop.close());
-        return;
-    }
-    auto *switcher = desktop.window()->findChild<QObject *>(QStringLiteral("switcher"));
-    QMetaObject::invokeMethod(switcher, "open");
-    album.take(desktop, QStringLiteral("switcher"));
-    QMetaObject::invokeMethod(switcher, "close");
-    desktop.app().askForSignIn({});
-    album.take(desktop, QStringLiteral("signin"));
-    desktop.signIn().setAddress(QStringLiteral("http://127.0.0.1:9"));
-    (void)eventually([&] { return !desktop.signIn().addressProblem().isEmpty(); });
-    album.take(desktop, QStringLiteral("signin-nobody"));
-    desktop.signIn().setAddress(QString::fromStdString(address));
-    (void)eventually([&] { return desktop.signIn().isMet(); });
-    desktop.signIn().setRegistering(true);
-    desktop.signIn().submit({});
-    album.take(desktop, QStringLiteral("signin-register"));
-    Q_EMIT desktop.app().signInWanted(QString::fromStdString(address),
-                                      QStringLiteral("Your session has ended. Please sign in again."));
-    (void)eventually([&] { return desktop.signIn().isMet(); });
-    album.take(desktop, QStringLiteral("signin-ended"));
-    drawLongTexts(album, desktop, QStringLiteral("signin-long"));
     await(desktop.close());
 }
 
@@ -270,5 +135,6 @@ int main(int argc, char **argv)
     orvane::testing::drawTimer(album);
     orvane::testing::drawEmpty(album);
     orvane::testing::drawSignIn(album);
+    orvane::testing::drawPanel(album);
     return album.problems() == 0 ? 0 : 1;
 }

@@ -2,6 +2,7 @@
 #include "Screens/Timer/EntryField.h"
 
 #include "AppModel/AppModel.h"
+#include "AppModel/PickNotes.h"
 #include "QuickEntry/PalettePicks.h"
 #include "QuickEntry/SentenceNote.h"
 #include "QuickEntry/UnreadTime.h"
@@ -102,6 +103,16 @@ void EntryField::readAgain()
     read();
 }
 
+const SentenceCatalog &EntryField::names()
+{
+    if (m_areNamesStale && m_tracker) {
+        const Catalog &catalog = m_tracker->catalog();
+        m_names = SentenceCatalog(catalog.projects(), catalog.clients(), catalog.tags());
+        m_areNamesStale = false;
+    }
+    return m_names;
+}
+
 void EntryField::setText(const QString &text)
 {
     if (m_text == text)
@@ -121,13 +132,9 @@ void EntryField::read()
     m_readAt = floor<std::chrono::minutes>(AppClock::now());
     if (m_tracker && !m_text.trimmed().isEmpty()) {
         const Catalog &catalog = m_tracker->catalog();
-        if (m_areNamesStale) {
-            m_names = SentenceCatalog(catalog.projects(), catalog.clients(), catalog.tags());
-            m_areNamesStale = false;
-        }
         const Instant now = AppClock::now();
         const auto options = EntrySentence::Options::of(m_app->account()->me().preferences);
-        m_reading = EntrySentence::read(m_text.toStdString(), m_names, options, now, m_tracker->time());
+        m_reading = EntrySentence::read(m_text.toStdString(), names(), options, now, m_tracker->time());
         if (m_reading.time)
             m_span = EntrySentence::resolve(*m_reading.time, m_reading.day, now, m_tracker->time());
         if (const auto unread = UnreadTime::of(m_reading, options, now, m_tracker->time()))
@@ -228,6 +235,7 @@ Task<> EntryField::record()
     read();
     if (m_plan.kind == SentencePlan::Kind::cannot || !m_plan.request) {
         m_app->notices()->tellFailure(plan());
+        Q_EMIT recorded(false);
         co_return;
     }
     const QString typed = m_text;
@@ -241,14 +249,12 @@ Task<> EntryField::record()
         if (m_text.isEmpty())
             setText(typed);
         m_app->notices()->tellFailure(QString::fromStdString(result.message));
+        Q_EMIT recorded(false);
         co_return;
     }
-    if (!picks.isEmpty() && tracker) {
-        const std::string workspace = tracker->workspace().id;
-        Installation &installation = m_app->installation();
-        installation.setPaletteUsage(workspace,
-                                     picks.notedIn(installation.paletteUsage(workspace), AppClock::now()));
-    }
+    if (tracker)
+        notePicks(m_app->installation(), *tracker, picks);
+    Q_EMIT recorded(true);
 }
 
 } // namespace orvane

@@ -49,12 +49,18 @@ public:
     QString action() const { return QString::fromStdString(m_plan.action); }
     QString plan() const { return QString::fromStdString(m_plan.words); }
 
+    /// What is understood of it, and the names that it can mention.
+    const EntrySentence::Reading &reading() const { return m_reading; }
+    const SentenceCatalog &names();
+
     /// Records the sentence. The field is empty afterwards, unless it could not be recorded.
     Q_INVOKABLE void submit();
 
 Q_SIGNALS:
     void textChanged();
     void readingChanged();
+    /// How `submit` of a sentence ended; what was typed stands in the field again when it failed.
+    void recorded(bool isDone);
 
 private:
     void follow();

@@ -123,11 +123,13 @@ FocusScope {
                 { keys: "Return", text: page.returnText },
                 { keys: "Down", text: qsTr("Entries") },
                 { keys: "Ctrl+T", text: qsTr("Stop") },
-                { keys: "Ctrl+E", text: qsTr("Edit What Runs") }
+                { keys: "Ctrl+E", text: qsTr("Edit What Runs") },
+                { keys: "Ctrl+Alt+Space", text: qsTr("Panel") }
             ] : [
                 { keys: "Return", text: page.returnText },
                 { keys: "Down", text: qsTr("Entries") },
-                { keys: "Ctrl+T", text: qsTr("Continue") }
+                { keys: "Ctrl+T", text: qsTr("Continue") },
+                { keys: "Ctrl+Alt+Space", text: qsTr("Panel") }
             ]
         }
     }

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Appearance.h"
+#include "Desktop/DesktopWindow.h"
+
+#include <QString>
+#include <QTranslator>
+#include <functional>
+
+namespace orvane::testing {
+
+/// Where pictures go, and what is wrong with them: a text of ours that is cut, or that nothing was drawn.
+class Album {
+public:
+    Album(QString folder, bool isWhole);
+
+    /// The small window in the light, and where all are wanted the large one and both in the dark too.
+    void take(DesktopWindow &desktop, const QString &name);
+    /// The panel in the light, and where all are wanted in the dark too.
+    void takePanel(DesktopWindow &desktop, const QString &name);
+    /// Meanwhile all is said the longer by two fifths, as other languages do.
+    static void withLongTexts(QQuickWindow *window, const std::function<void()> &draw);
+
+    void complain(const QString &problem);
+    int problems() const { return m_problems; }
+
+private:
+    void save(QQuickWindow *window, const QString &name, Appearance::Scheme scheme);
+
+    QString m_folder;
+    bool m_isWhole;
+    int m_problems = 0;
+};
+
+/// What the rest of the pictures' program draws, a file each.
+void drawPanel(Album &album);
+void drawSignIn(Album &album);
+
+} // namespace orvane::testing
