@@ -165,5 +165,29 @@ def beside_the_window(desk):
     seen.closes()
 
 
+def killed_and_offline(desk):
+    """The program is killed in the middle of a word, and goes on without the server: the sentence arrives later, once."""
+    desk.types("orvane status")
+    seen = Window(desk, "--panel")
+    Panel(seen).waits()
+    seen.types("Draft the let")
+    drafts = desk.data / "drafts.json"
+    wait(lambda: drafts.exists() and "Draft the let" in drafts.read_text(encoding="utf-8"), "the draft")
+    seen.kill()
+    desk.kill_server()
+    seen = Window(desk, "--panel", "--no-start-server")
+    panel = Panel(seen)
+    panel.waits("Draft the let")
+    seen.types("ter 16:00-16:15")
+    panel.waits_for("label", "16:00 – 16:15")
+    seen.keys("Return")
+    seen.waits_for_end()
+    assert not drafts.exists()
+    assert desk.served() == [], desk.served()
+    desk.serve()
+    assert desk.listed() == [("Draft the letter", "16:00", "16:15")], desk.listed()
+    expect_stored(desk, [("Draft the letter", "16:00", "16:15")])
+
+
 if __name__ == "__main__":
-    playing.main({journey.__name__: journey for journey in (by_itself, beside_the_window)}, __file__)
+    playing.main({journey.__name__: journey for journey in (by_itself, beside_the_window, killed_and_offline)}, __file__)

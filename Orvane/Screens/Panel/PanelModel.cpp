@@ -283,6 +283,8 @@ void PanelModel::act()
         return;
     if (!isReady()) {
         setActsOnceReady(true);
+        // Should it have failed.
+        m_app->openAgain();
         return;
     }
     setUnderWay(1);
