@@ -154,8 +154,20 @@ Stored<Rows> refuseOn(Connection &connection, const PendingChange &refused,
     return steps ? Stored<Rows>(std::move(changed)) : steps.error();
 }
 
+/// The change that goes out once its conflict with `current` is settled; none: it is dropped.
+std::optional<EntryChange> settledChange(const EntryChange &change, const std::optional<ChangeBase> &base,
+                                         const TimeEntryResponse &current, const Settlement &settlement)
+{
+    if (std::holds_alternative<KeepTheirs>(settlement))
+        return std::nullopt;
+    if (const auto *merged = std::get_if<KeepMerged>(&settlement))
+        return EntryChange{
+            EntryChange::Update{merged->request, current.id, current.workspaceId, current.version}};
+    return madeAnew(change, base ? std::optional{base->entry} : std::nullopt, current);
+}
+
 Stored<std::optional<Rows>> settleOn(Connection &connection, std::int64_t seq,
-                                     const TimeEntryResponse &current, bool keepsMine)
+                                     const TimeEntryResponse &current, const Settlement &settlement)
 {
     StoreSteps steps(connection);
     std::optional<PendingChange> row;
@@ -169,15 +181,16 @@ Stored<std::optional<Rows>> settleOn(Connection &connection, std::int64_t seq,
     steps.read(ChangeBase::key(seq), base);
     const auto seen = base ? std::optional{base->seen} : std::nullopt;
     std::optional<TimeEntryResponse> ground = current;
-    if (keepsMine) {
-        row->change = madeAnew(row->change, base ? std::optional{base->entry} : std::nullopt, current);
+    if (auto change = settledChange(row->change, base, current, settlement)) {
+        row->change = std::move(*change);
         steps.writeRow(*row).write(ChangeBase::key(seq), ChangeBase{current, seen.value_or(current)});
         changed.push_back(*row);
         ground = applied(row->change, current);
     } else {
         removeWhole(steps, seq);
     }
-    const auto how = keepsMine ? Settled::keptMine : Settled::keptTheirs;
+    // Where some of theirs was kept, who did not tell what they saw did not see that.
+    const auto how = std::holds_alternative<KeepMine>(settlement) ? Settled::keptMine : Settled::keptTheirs;
     std::ranges::move(restack(steps, {current.id, seq, how, seen, current.version}, ground),
                       std::back_inserter(changed));
     if (!steps)
@@ -314,13 +327,20 @@ Task<Result<Rows, StoreError>> settleRefused(std::shared_ptr<LocalStore> store, 
         });
 }
 
-Task<Result<std::optional<Rows>, StoreError>>
-settleConflict(std::shared_ptr<LocalStore> store, std::int64_t seq, TimeEntryResponse current, bool keepsMine)
+Task<Result<std::optional<Rows>, StoreError>> settleConflict(std::shared_ptr<LocalStore> store,
+                                                             std::int64_t seq, TimeEntryResponse current,
+                                                             Settlement settlement)
 {
     co_return co_await store->transact(
-        [seq, current = std::move(current), keepsMine](Connection &connection) {
-            return settleOn(connection, seq, current, keepsMine);
+        [seq, current = std::move(current), settlement = std::move(settlement)](Connection &connection) {
+            return settleOn(connection, seq, current, settlement);
         });
+}
+
+Task<std::optional<TimeEntryResponse>> groundOfChange(std::shared_ptr<LocalStore> store, std::int64_t seq)
+{
+    auto base = co_await store->load<ChangeBase>(ChangeBase::key(seq));
+    co_return base ? std::optional(std::move(base->entry)) : std::nullopt;
 }
 
 Task<Result<SettledElsewhere, StoreError>> settledElsewhere(std::shared_ptr<LocalStore> store, Rows rows)
