@@ -463,7 +463,8 @@ Task<Outbox::Step> Outbox::handleRefusal(Pending row, CallError error)
     const QPointer<Outbox> self(this);
     const bool callerWaits = m_waiters.contains(row.seq);
     std::optional<Refusal> kept;
-    if (!callerWaits) {
+    const bool isCreation = std::holds_alternative<EntryChange::Create>(row.change.action);
+    if (!callerWaits || (m_parts.keepsRefusals && !isCreation)) {
         const auto &answer = std::get<APIError>(error);
         kept = Refusal{row.seq, row.change, refusalText(answer), answer.status};
     }

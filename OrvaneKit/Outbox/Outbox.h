@@ -77,6 +77,9 @@ public:
         std::unique_ptr<RetryTimer> retry;
         /// Asked at the start of each pass; empty: always.
         SendCheck mayBeSent;
+        /// Refusals of changes whose caller waits are kept too, since what was typed may be gone from where
+        /// it was typed; but for creations, which their caller still has.
+        bool keepsRefusals = false;
         /// How long a pass waits for another process that is sending.
         std::chrono::milliseconds lockPatience{60'000};
     };
@@ -144,6 +147,10 @@ public:
     /// restarts.
     Task<std::vector<Refusal>> unshownRefusals();
     Task<StoreStatus> markShown(std::vector<Refusal> refusals);
+    /// For a window: sets refusals that have not been shown aside until their user answers each. Answers all
+    /// that are set aside, oldest first; they survive restarts.
+    Task<Result<std::vector<Refusal>, StoreError>> setRefusalsAside();
+    Task<StoreStatus> markAnswered(std::int64_t seq);
 
     /// When the next pass starts by itself; none while nothing is scheduled.
     const std::optional<Instant> &nextTry() const { return m_nextTry; }

@@ -82,4 +82,14 @@ Task<StoreStatus> Outbox::markShown(std::vector<Refusal> refusals)
     return noteShown(m_parts.store, std::move(seqs));
 }
 
+Task<Result<std::vector<Refusal>, StoreError>> Outbox::setRefusalsAside()
+{
+    return orvane::setRefusalsAside(m_parts.store);
+}
+
+Task<StoreStatus> Outbox::markAnswered(std::int64_t seq)
+{
+    return noteAnswered(m_parts.store, seq);
+}
+
 } // namespace orvane

@@ -9,6 +9,7 @@
 #include "Support/JsonImpl.h"
 
 #include <algorithm>
+#include <functional>
 
 ORVANE_JSON(orvane::RefusalDocument)
 ORVANE_JSON(orvane::EntryHead)
@@ -207,6 +208,11 @@ StoreSteps &readRefusals(StoreSteps &steps, std::vector<Refusal> &refusals)
     return steps;
 }
 
+bool isDone(const Refusal &refusal)
+{
+    return refusal.isShown && !refusal.isSetAside;
+}
+
 /// Marks refusals as shown, and forgets those that were long ago.
 StoreSteps &markShown(StoreSteps &steps, const std::vector<std::int64_t> &seqs)
 {
@@ -216,9 +222,8 @@ StoreSteps &markShown(StoreSteps &steps, const std::vector<std::int64_t> &seqs)
         return steps; // none, or none that can be read
     for (Refusal &refusal : refusals)
         refusal.isShown = refusal.isShown || std::ranges::find(seqs, refusal.seq) != seqs.end();
-    auto shown = std::ranges::count_if(refusals, &Refusal::isShown);
-    std::erase_if(refusals,
-                  [&](const Refusal &refusal) { return refusal.isShown && shown-- > keptRefusals; });
+    auto done = std::ranges::count_if(refusals, isDone);
+    std::erase_if(refusals, [&](const Refusal &refusal) { return isDone(refusal) && done-- > keptRefusals; });
     return steps.write(RefusalDocument::key, RefusalDocument{std::move(refusals)});
 }
 
@@ -363,6 +368,37 @@ Task<Result<SettledElsewhere, StoreError>> settledElsewhere(std::shared_ptr<Loca
             });
             return steps ? Stored<SettledElsewhere>(std::move(settled)) : steps.error();
         });
+}
+
+Task<Result<std::vector<Refusal>, StoreError>> setRefusalsAside(std::shared_ptr<LocalStore> store)
+{
+    co_return co_await store->transact([](Connection &connection) -> Stored<std::vector<Refusal>> {
+        StoreSteps steps(connection);
+        std::vector<Refusal> refusals;
+        readRefusals(steps, refusals);
+        const auto before = refusals;
+        for (Refusal &refusal : refusals)
+            refusal.isSetAside = refusal.isSetAside || !refusal.isShown;
+        if (refusals != before)
+            steps.write(RefusalDocument::key, RefusalDocument{refusals});
+        std::erase_if(refusals, std::not_fn(&Refusal::isSetAside));
+        return steps ? Stored<std::vector<Refusal>>(std::move(refusals)) : steps.error();
+    });
+}
+
+Task<StoreStatus> noteAnswered(std::shared_ptr<LocalStore> store, std::int64_t seq)
+{
+    co_return co_await store->transact([seq](Connection &connection) -> StoreStatus {
+        StoreSteps steps(connection);
+        std::vector<Refusal> refusals;
+        readRefusals(steps, refusals);
+        const auto answered = std::ranges::find(refusals, seq, &Refusal::seq);
+        if (answered == refusals.end())
+            return steps.status();
+        answered->isSetAside = false;
+        steps.write(RefusalDocument::key, RefusalDocument{std::move(refusals)});
+        return markShown(steps, {seq}).status();
+    });
 }
 
 Task<StoreStatus> noteShown(std::shared_ptr<LocalStore> store, std::vector<std::int64_t> seqs)

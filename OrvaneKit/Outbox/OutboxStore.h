@@ -162,6 +162,11 @@ struct SettledElsewhere {
 Task<Result<SettledElsewhere, StoreError>> settledElsewhere(std::shared_ptr<LocalStore> store,
                                                             std::vector<PendingChange> rows);
 
+/// Sets aside what has not been shown. Answers all that is set aside, oldest first.
+Task<Result<std::vector<Refusal>, StoreError>> setRefusalsAside(std::shared_ptr<LocalStore> store);
+/// Notes that its user has answered a refusal that was set aside.
+Task<StoreStatus> noteAnswered(std::shared_ptr<LocalStore> store, std::int64_t seq);
+
 /// Notes that refusals have been shown.
 Task<StoreStatus> noteShown(std::shared_ptr<LocalStore> store, std::vector<std::int64_t> seqs);
 
