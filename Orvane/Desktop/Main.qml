@@ -34,6 +34,7 @@ Window {
         Sidebar {
             id: sidebar
             app: window.app
+            onSettle: window.timer.conflict.openFirst()
             width: window.isWide ? 216 : 192
             height: parent.height
         }

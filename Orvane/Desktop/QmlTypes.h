@@ -75,5 +75,23 @@ struct SplitRowsType {
     QML_NAMED_ELEMENT(SplitRows)
     QML_UNCREATABLE("of the SplitModel")
 };
+struct ConflictModelType {
+    Q_GADGET
+    QML_FOREIGN(orvane::ConflictModel)
+    QML_NAMED_ELEMENT(ConflictModel)
+    QML_UNCREATABLE("of the TimerModel")
+};
+struct RefusedListType {
+    Q_GADGET
+    QML_FOREIGN(orvane::RefusedList)
+    QML_NAMED_ELEMENT(RefusedList)
+    QML_UNCREATABLE("of the TimerModel")
+};
+struct ConflictFieldsType {
+    Q_GADGET
+    QML_FOREIGN(orvane::ConflictFields)
+    QML_NAMED_ELEMENT(ConflictFields)
+    QML_UNCREATABLE("of the ConflictModel")
+};
 
 } // namespace orvane::qml

@@ -277,11 +277,11 @@ def play(journey, options):
     return None
 
 
-def play_apart(name, options):
+def play_apart(name, options, script):
     """In a process of its own, which has one screen all its life."""
     began = time.monotonic()
     for _ in range(3):
-        played = subprocess.run([sys.executable, "-B", __file__, options.programs, "--out", options.out, name],
+        played = subprocess.run([sys.executable, "-B", script, options.programs, "--out", options.out, name],
                                 stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
                                 check=False)
         if played.returncode != NO_SCREEN:
@@ -304,18 +304,19 @@ def evidence(desk, journey, folder):
     return "\n".join(said)
 
 
-def main():
+def main(journeys, script):
+    """Plays those that are asked for, or all; each in a process of the script's own."""
     parser = argparse.ArgumentParser()
     parser.add_argument("programs")
     parser.add_argument("--out", type=pathlib.Path, default=pathlib.Path("window-journeys"))
-    parser.add_argument("journeys", nargs="*", help=", ".join(JOURNEYS))
+    parser.add_argument("journeys", nargs="*", help=", ".join(journeys))
     options = parser.parse_intermixed_args()
     if len(options.journeys) == 1:
-        sys.exit(play(JOURNEYS[options.journeys[0]], options))
+        sys.exit(play(journeys[options.journeys[0]], options))
     with concurrent.futures.ThreadPoolExecutor(2) as pool:
-        played = list(pool.map(lambda name: play_apart(name, options), options.journeys or JOURNEYS))
+        played = list(pool.map(lambda name: play_apart(name, options, script), options.journeys or journeys))
     sys.exit("\n".join(filter(None, played)) or None)
 
 
 if __name__ == "__main__":
-    main()
+    main(JOURNEYS, __file__)

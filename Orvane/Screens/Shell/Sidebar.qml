@@ -9,6 +9,9 @@ Rectangle {
 
     required property AppModel app
 
+    // What waits for its user is asked for.
+    signal settle
+
     color: Theme.chrome
     Accessible.role: Accessible.Pane
     Accessible.name: qsTr("Sections")
@@ -50,6 +53,7 @@ Rectangle {
         }
         SyncLine {
             sync: sidebar.app.sync
+            onSettle: sidebar.settle()
             x: Theme.space12
             width: parent.width - 2 * Theme.space12
         }
