@@ -42,6 +42,7 @@ Window {
             id: sidebar
             app: window.app
             places: window.places
+            onSettle: window.timer.conflict.openFirst()
             width: window.isWide ? 216 : 192
             height: parent.height
         }

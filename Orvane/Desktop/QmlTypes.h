@@ -102,5 +102,23 @@ struct PanelRowsType {
     QML_NAMED_ELEMENT(PanelRows)
     QML_UNCREATABLE("of the PanelModel")
 };
+struct ConflictModelType {
+    Q_GADGET
+    QML_FOREIGN(orvane::ConflictModel)
+    QML_NAMED_ELEMENT(ConflictModel)
+    QML_UNCREATABLE("of the TimerModel")
+};
+struct RefusedListType {
+    Q_GADGET
+    QML_FOREIGN(orvane::RefusedList)
+    QML_NAMED_ELEMENT(RefusedList)
+    QML_UNCREATABLE("of the TimerModel")
+};
+struct ConflictFieldsType {
+    Q_GADGET
+    QML_FOREIGN(orvane::ConflictFields)
+    QML_NAMED_ELEMENT(ConflictFields)
+    QML_UNCREATABLE("of the ConflictModel")
+};
 
 } // namespace orvane::qml

@@ -158,6 +158,7 @@ Task<Result<void, AccountError>> Account::openStore(std::string accountId)
     parts.lockPath = storePath() + ".lock";
     parts.mayBeSent = [this] { return checkAccount(); };
     parts.lockPatience = m_options.lockPatience;
+    parts.keepsRefusals = m_options.livesOn;
     parts.retry = makeRetryTimer();
     m_outbox = co_await Outbox::make(std::move(parts));
     m_outcomes = std::make_unique<OutboxOutcomes>(*m_outbox);

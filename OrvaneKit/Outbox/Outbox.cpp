@@ -5,7 +5,6 @@
 #include "Client/OrvaneClient.h"
 #include "Http/RefusalText.h"
 #include "Outbox/OutboxRules.h"
-#include "Outbox/OutboxStore.h"
 #include "Support/Eventual.h"
 #include "Time/AppClock.h"
 
@@ -464,7 +463,8 @@ Task<Outbox::Step> Outbox::handleRefusal(Pending row, CallError error)
     const QPointer<Outbox> self(this);
     const bool callerWaits = m_waiters.contains(row.seq);
     std::optional<Refusal> kept;
-    if (!callerWaits) {
+    const bool isCreation = std::holds_alternative<EntryChange::Create>(row.change.action);
+    if (!callerWaits || (m_parts.keepsRefusals && !isCreation)) {
         const auto &answer = std::get<APIError>(error);
         kept = Refusal{row.seq, row.change, refusalText(answer), answer.status};
     }
@@ -537,57 +537,6 @@ void Outbox::reportSettledElsewhere(const Pending &row, const SettledElsewhere &
     if (onRejected && callerWaits)
         onRejected(row, error, callerWaits);
     resume(row.seq, Rejected{row.seq, error});
-}
-
-// Settling by the user
-
-Task<Result<bool, StoreError>> Outbox::keepMine(std::int64_t seq)
-{
-    return settle(seq, true);
-}
-
-Task<Result<bool, StoreError>> Outbox::keepTheirs(std::int64_t seq)
-{
-    return settle(seq, false);
-}
-
-Task<Result<bool, StoreError>> Outbox::settle(std::int64_t seq, bool keepsMine)
-{
-    const QPointer<Outbox> self(this);
-    const Pending *row = m_queue.find(seq);
-    if (row == nullptr || !row->conflict)
-        co_return false;
-    const auto changed = co_await settleConflict(m_parts.store, seq, *row->conflict, keepsMine);
-    if (!changed)
-        co_return failure(changed.error());
-    if (!self)
-        co_return changed->has_value();
-    m_startsOver = m_isFlushing;
-    m_queue.setConflict(seq, std::nullopt);
-    if (!keepsMine && *changed)
-        m_queue.remove(seq);
-    if (*changed)
-        m_queue.adopt(**changed);
-    tellPending();
-    co_await flush();
-    co_return changed->has_value();
-}
-
-Task<std::vector<Refusal>> Outbox::unshownRefusals()
-{
-    auto document = co_await m_parts.store->load<RefusalDocument>(RefusalDocument::key);
-    std::vector<Refusal> refusals = document ? std::move(document->refusals) : std::vector<Refusal>{};
-    std::erase_if(refusals, &Refusal::isShown);
-    co_return refusals;
-}
-
-Task<StoreStatus> Outbox::markShown(std::vector<Refusal> refusals)
-{
-    std::vector<std::int64_t> seqs;
-    seqs.reserve(refusals.size());
-    for (const Refusal &refusal : refusals)
-        seqs.push_back(refusal.seq);
-    return noteShown(m_parts.store, std::move(seqs));
 }
 
 // Small pieces

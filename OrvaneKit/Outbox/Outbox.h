@@ -77,6 +77,9 @@ public:
         std::unique_ptr<RetryTimer> retry;
         /// Asked at the start of each pass; empty: always.
         SendCheck mayBeSent;
+        /// Refusals of changes whose caller waits are kept too, since what was typed may be gone from where
+        /// it was typed; but for creations, which their caller still has.
+        bool keepsRefusals = false;
         /// How long a pass waits for another process that is sending.
         std::chrono::milliseconds lockPatience{60'000};
     };
@@ -122,11 +125,32 @@ public:
     /// Settles a conflict by dropping the user's change. What was made on top of it is put on top of the
     /// server's current entry, and asks again where both changed the same field.
     Task<Result<bool, StoreError>> keepTheirs(std::int64_t seq);
+    /// Settles a conflict with the entry as its user put it together from both sides, having seen `theirs`.
+    /// It is sent as made on that; what the server has beyond it is a conflict again, and never overwritten.
+    Task<Result<bool, StoreError>> keepMerged(std::int64_t seq, EntryRequest request,
+                                              TimeEntryResponse theirs);
+
+    /// Both sides of a conflict, as its user is asked about them.
+    struct ConflictSides {
+        std::int64_t seq = 0;
+        /// What the user wants, made anew on theirs: what they did not change says what theirs does.
+        EntryChange mine;
+        /// What `mine` would replace.
+        TimeEntryResponse theirs;
+        /// The change asks to stop the entry, and nothing else.
+        bool isStop = false;
+    };
+    /// None when no conflict has that number (any more).
+    Task<std::optional<ConflictSides>> sides(std::int64_t seq);
 
     /// Refusals that nobody was waiting for and that have not been shown yet, oldest first; they survive
     /// restarts.
     Task<std::vector<Refusal>> unshownRefusals();
     Task<StoreStatus> markShown(std::vector<Refusal> refusals);
+    /// For a window: sets refusals that have not been shown aside until their user answers each. Answers all
+    /// that are set aside, oldest first; they survive restarts.
+    Task<Result<std::vector<Refusal>, StoreError>> setRefusalsAside();
+    Task<StoreStatus> markAnswered(std::int64_t seq);
 
     /// When the next pass starts by itself; none while nothing is scheduled.
     const std::optional<Instant> &nextTry() const { return m_nextTry; }
@@ -178,7 +202,8 @@ private:
     Step stopForStore(const StoreError &error);
     Task<> catchUp(std::int64_t after, std::int64_t before);
     void reportSettledElsewhere(const Pending &row, const SettledElsewhere &settled);
-    Task<Result<bool, StoreError>> settle(std::int64_t seq, bool keepsMine);
+    Task<Result<bool, StoreError>> settle(std::int64_t seq, Settlement settlement,
+                                          std::optional<TimeEntryResponse> seen = {});
     void resume(std::int64_t seq, const Outcome &outcome);
     void resumeAllQueued();
     void scheduleRetry();

@@ -9,6 +9,7 @@
 #include "Support/JsonImpl.h"
 
 #include <algorithm>
+#include <functional>
 
 ORVANE_JSON(orvane::RefusalDocument)
 ORVANE_JSON(orvane::EntryHead)
@@ -154,8 +155,20 @@ Stored<Rows> refuseOn(Connection &connection, const PendingChange &refused,
     return steps ? Stored<Rows>(std::move(changed)) : steps.error();
 }
 
+/// The change that goes out once its conflict with `current` is settled; none: it is dropped.
+std::optional<EntryChange> settledChange(const EntryChange &change, const std::optional<ChangeBase> &base,
+                                         const TimeEntryResponse &current, const Settlement &settlement)
+{
+    if (std::holds_alternative<KeepTheirs>(settlement))
+        return std::nullopt;
+    if (const auto *merged = std::get_if<KeepMerged>(&settlement))
+        return EntryChange{
+            EntryChange::Update{merged->request, current.id, current.workspaceId, current.version}};
+    return madeAnew(change, base ? std::optional{base->entry} : std::nullopt, current);
+}
+
 Stored<std::optional<Rows>> settleOn(Connection &connection, std::int64_t seq,
-                                     const TimeEntryResponse &current, bool keepsMine)
+                                     const TimeEntryResponse &current, const Settlement &settlement)
 {
     StoreSteps steps(connection);
     std::optional<PendingChange> row;
@@ -169,15 +182,16 @@ Stored<std::optional<Rows>> settleOn(Connection &connection, std::int64_t seq,
     steps.read(ChangeBase::key(seq), base);
     const auto seen = base ? std::optional{base->seen} : std::nullopt;
     std::optional<TimeEntryResponse> ground = current;
-    if (keepsMine) {
-        row->change = madeAnew(row->change, base ? std::optional{base->entry} : std::nullopt, current);
+    if (auto change = settledChange(row->change, base, current, settlement)) {
+        row->change = std::move(*change);
         steps.writeRow(*row).write(ChangeBase::key(seq), ChangeBase{current, seen.value_or(current)});
         changed.push_back(*row);
         ground = applied(row->change, current);
     } else {
         removeWhole(steps, seq);
     }
-    const auto how = keepsMine ? Settled::keptMine : Settled::keptTheirs;
+    // Where some of theirs was kept, who did not tell what they saw did not see that.
+    const auto how = std::holds_alternative<KeepMine>(settlement) ? Settled::keptMine : Settled::keptTheirs;
     std::ranges::move(restack(steps, {current.id, seq, how, seen, current.version}, ground),
                       std::back_inserter(changed));
     if (!steps)
@@ -194,6 +208,11 @@ StoreSteps &readRefusals(StoreSteps &steps, std::vector<Refusal> &refusals)
     return steps;
 }
 
+bool isDone(const Refusal &refusal)
+{
+    return refusal.isShown && !refusal.isSetAside;
+}
+
 /// Marks refusals as shown, and forgets those that were long ago.
 StoreSteps &markShown(StoreSteps &steps, const std::vector<std::int64_t> &seqs)
 {
@@ -203,9 +222,8 @@ StoreSteps &markShown(StoreSteps &steps, const std::vector<std::int64_t> &seqs)
         return steps; // none, or none that can be read
     for (Refusal &refusal : refusals)
         refusal.isShown = refusal.isShown || std::ranges::find(seqs, refusal.seq) != seqs.end();
-    auto shown = std::ranges::count_if(refusals, &Refusal::isShown);
-    std::erase_if(refusals,
-                  [&](const Refusal &refusal) { return refusal.isShown && shown-- > keptRefusals; });
+    auto done = std::ranges::count_if(refusals, isDone);
+    std::erase_if(refusals, [&](const Refusal &refusal) { return isDone(refusal) && done-- > keptRefusals; });
     return steps.write(RefusalDocument::key, RefusalDocument{std::move(refusals)});
 }
 
@@ -314,13 +332,20 @@ Task<Result<Rows, StoreError>> settleRefused(std::shared_ptr<LocalStore> store, 
         });
 }
 
-Task<Result<std::optional<Rows>, StoreError>>
-settleConflict(std::shared_ptr<LocalStore> store, std::int64_t seq, TimeEntryResponse current, bool keepsMine)
+Task<Result<std::optional<Rows>, StoreError>> settleConflict(std::shared_ptr<LocalStore> store,
+                                                             std::int64_t seq, TimeEntryResponse current,
+                                                             Settlement settlement)
 {
     co_return co_await store->transact(
-        [seq, current = std::move(current), keepsMine](Connection &connection) {
-            return settleOn(connection, seq, current, keepsMine);
+        [seq, current = std::move(current), settlement = std::move(settlement)](Connection &connection) {
+            return settleOn(connection, seq, current, settlement);
         });
+}
+
+Task<std::optional<TimeEntryResponse>> groundOfChange(std::shared_ptr<LocalStore> store, std::int64_t seq)
+{
+    auto base = co_await store->load<ChangeBase>(ChangeBase::key(seq));
+    co_return base ? std::optional(std::move(base->entry)) : std::nullopt;
 }
 
 Task<Result<SettledElsewhere, StoreError>> settledElsewhere(std::shared_ptr<LocalStore> store, Rows rows)
@@ -343,6 +368,37 @@ Task<Result<SettledElsewhere, StoreError>> settledElsewhere(std::shared_ptr<Loca
             });
             return steps ? Stored<SettledElsewhere>(std::move(settled)) : steps.error();
         });
+}
+
+Task<Result<std::vector<Refusal>, StoreError>> setRefusalsAside(std::shared_ptr<LocalStore> store)
+{
+    co_return co_await store->transact([](Connection &connection) -> Stored<std::vector<Refusal>> {
+        StoreSteps steps(connection);
+        std::vector<Refusal> refusals;
+        readRefusals(steps, refusals);
+        const auto before = refusals;
+        for (Refusal &refusal : refusals)
+            refusal.isSetAside = refusal.isSetAside || !refusal.isShown;
+        if (refusals != before)
+            steps.write(RefusalDocument::key, RefusalDocument{refusals});
+        std::erase_if(refusals, std::not_fn(&Refusal::isSetAside));
+        return steps ? Stored<std::vector<Refusal>>(std::move(refusals)) : steps.error();
+    });
+}
+
+Task<StoreStatus> noteAnswered(std::shared_ptr<LocalStore> store, std::int64_t seq)
+{
+    co_return co_await store->transact([seq](Connection &connection) -> StoreStatus {
+        StoreSteps steps(connection);
+        std::vector<Refusal> refusals;
+        readRefusals(steps, refusals);
+        const auto answered = std::ranges::find(refusals, seq, &Refusal::seq);
+        if (answered == refusals.end())
+            return steps.status();
+        answered->isSetAside = false;
+        steps.write(RefusalDocument::key, RefusalDocument{std::move(refusals)});
+        return markShown(steps, {seq}).status();
+    });
 }
 
 Task<StoreStatus> noteShown(std::shared_ptr<LocalStore> store, std::vector<std::int64_t> seqs)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Catalog/EntryChange.h"
 #include "LocalStore/LocalStore.h"
 #include "OrvaneAPI/Schemas.h"
 #include "Outbox/Refusal.h"
@@ -9,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <variant>
 #include <vector>
 
 /// The outbox's dealings with its store, each one transaction. Callable from any thread with an event loop.
@@ -134,12 +136,23 @@ settleAccepted(std::shared_ptr<LocalStore> store, std::vector<PendingChange> acc
 Task<Result<std::vector<PendingChange>, StoreError>>
 settleRefused(std::shared_ptr<LocalStore> store, PendingChange refused, std::optional<Refusal> refusal);
 
-/// Settles a conflict with `current` for the user's change, or against it. Answers the rows that were
-/// changed, that of the conflict included when it stays; nothing when the row is there no more, since another
-/// process settled it.
+/// How its user settles a conflict.
+struct KeepMine {};
+struct KeepTheirs {};
+/// With the entry as they put it together from both sides.
+struct KeepMerged {
+    EntryRequest request;
+};
+using Settlement = std::variant<KeepMine, KeepTheirs, KeepMerged>;
+
+/// Settles a conflict with `current`, which the user saw. Answers the rows that were changed, that of the
+/// conflict included when it stays; nothing when the row is there no more, since another process settled it.
 Task<Result<std::optional<std::vector<PendingChange>>, StoreError>>
 settleConflict(std::shared_ptr<LocalStore> store, std::int64_t seq, TimeEntryResponse current,
-               bool keepsMine);
+               Settlement settlement);
+
+/// What a queued change stands on; none for a creation.
+Task<std::optional<TimeEntryResponse>> groundOfChange(std::shared_ptr<LocalStore> store, std::int64_t seq);
 
 /// What became of rows that another process settled: the refusals, and the entries as its answers left them.
 struct SettledElsewhere {
@@ -148,6 +161,11 @@ struct SettledElsewhere {
 };
 Task<Result<SettledElsewhere, StoreError>> settledElsewhere(std::shared_ptr<LocalStore> store,
                                                             std::vector<PendingChange> rows);
+
+/// Sets aside what has not been shown. Answers all that is set aside, oldest first.
+Task<Result<std::vector<Refusal>, StoreError>> setRefusalsAside(std::shared_ptr<LocalStore> store);
+/// Notes that its user has answered a refusal that was set aside.
+Task<StoreStatus> noteAnswered(std::shared_ptr<LocalStore> store, std::int64_t seq);
 
 /// Notes that refusals have been shown.
 Task<StoreStatus> noteShown(std::shared_ptr<LocalStore> store, std::vector<std::int64_t> seqs);

@@ -21,6 +21,8 @@ struct Refusal {
     std::int64_t status = 0;
     /// It is kept on for a while: a process that still waits for its change has to learn what became of it.
     bool isShown = false;
+    /// A window keeps it before its user until they have answered it, whoever else has shown it.
+    bool isSetAside = false;
 
     bool operator==(const Refusal &) const = default;
 };
@@ -34,9 +36,12 @@ struct RefusalDocument {
 template <>
 struct JsonFields<Refusal> {
     static constexpr auto list =
-        std::tuple{jsonField<"seq">(&Refusal::seq), jsonField<"change">(&Refusal::change),
-                   jsonField<"message">(&Refusal::message), jsonField<"status">(&Refusal::status),
-                   jsonField<"isShown">(&Refusal::isShown, JsonPresence::defaulted)};
+        std::tuple{jsonField<"seq">(&Refusal::seq),
+                   jsonField<"change">(&Refusal::change),
+                   jsonField<"message">(&Refusal::message),
+                   jsonField<"status">(&Refusal::status),
+                   jsonField<"isShown">(&Refusal::isShown, JsonPresence::defaulted),
+                   jsonField<"isSetAside">(&Refusal::isSetAside, JsonPresence::defaulted)};
 };
 
 template <>

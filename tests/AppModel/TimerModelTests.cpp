@@ -213,6 +213,36 @@ TEST(TimerRows, FoldsWhatIsOlderThanYesterday)
     EXPECT_EQ(rows.rows.front().count, 2U);
 }
 
+TEST(TimerRows, OffersToTrimOnlyWhatCountsTwice)
+{
+    const Instant now = entryAt(20, 18, 0).start;
+    const auto always = [](const auto &, const auto &) { return true; };
+    using std::chrono::minutes;
+    // The earlier one ends where the later begins.
+    const std::vector ends{entryAt(20, 11, 90), entryAt(20, 10, 70)};
+    const auto trimmed = trimOffers(ends, now, always);
+    ASSERT_EQ(trimmed.size(), 1U);
+    EXPECT_EQ(trimmed.at(1).trimmed(ends[1]).stop, ends[0].start);
+    EXPECT_EQ(trimmed.at(1).to - trimmed.at(1).from, minutes{10});
+    // Of two that begin together the longer begins later.
+    const std::vector begins{entryAt(20, 9, 60), entryAt(20, 9, 30)};
+    const TrimOffer longer = trimOffers(begins, now, always).at(1);
+    EXPECT_EQ(longer.entry, 0U);
+    EXPECT_EQ(longer.trimmed(begins[0]).start, *begins[1].stop);
+    // Within another one, at the same times, by seconds, or forbidden: none.
+    EXPECT_TRUE(trimOffers({entryAt(20, 10, 30), entryAt(20, 9, 180)}, now, always).empty());
+    EXPECT_TRUE(trimOffers({entryAt(20, 9, 60), entryAt(20, 9, 60)}, now, always).empty());
+    EXPECT_TRUE(trimOffers({entryAt(20, 10, 60), entryAt(20, 9, 60)}, now, always).empty());
+    EXPECT_TRUE(trimOffers(ends, now, [](const auto &, const auto &) { return false; }).empty());
+    // It stands below the earlier one, and below its parts.
+    std::vector<TimeEntryResponse> divided = ends;
+    divided[1].shares.resize(2);
+    auto rows = TimerRows::of(divided, {}, UserTime::utc(), *DayKey::make(2026, 11, 20));
+    rows.addOffers(trimmed);
+    EXPECT_EQ(rows.rows.size(), 6U);
+    EXPECT_EQ(rows.rows.back().kind, TimerRow::Kind::offer);
+}
+
 TEST(TimerRows, FindsWhatOverlapsAMinuteOrMore)
 {
     const Instant now = entryAt(20, 18, 0).start;

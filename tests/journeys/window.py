@@ -10,6 +10,7 @@ import functools
 import os
 import pathlib
 import re
+import signal
 import sqlite3
 import subprocess
 import tempfile
@@ -356,6 +357,13 @@ class Window:
         """It ends by itself and in order, leaks nothing and had no fault to tell of."""
         assert self._process.wait(PATIENCE) == 0, f"the window ended with {self._process.returncode}:\n{self.log()}"
         assert not self.log(), f"the window complains:\n{self.log()}"
+
+    def halts(self):
+        """It hears and does nothing for a while."""
+        self._process.send_signal(signal.SIGSTOP)
+
+    def goes_on(self):
+        self._process.send_signal(signal.SIGCONT)
 
     def kill(self):
         self._process.kill()

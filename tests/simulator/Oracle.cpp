@@ -230,6 +230,12 @@ void Oracle::keptMine(int id, const TimeEntryResponse &current)
         deed.fate = Fate::taken;
 }
 
+void Oracle::keptOnly(int id, const std::set<Field> &fields)
+{
+    Deed &deed = m_deeds.at(static_cast<std::size_t>(id));
+    std::erase_if(deed.writes, [&](const auto &written) { return !fields.contains(written.first); });
+}
+
 std::vector<std::string> Oracle::judge(const std::vector<TimeEntryResponse> &held) const
 {
     std::vector<std::string> faults;

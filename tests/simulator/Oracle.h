@@ -68,6 +68,8 @@ public:
     /// The user kept mine, with `current` on the screen: the deed is done again, knowing of all that was
     /// shown.
     void keptMine(int deed, const TimeEntryResponse &current);
+    /// After `keptMine`: in the other fields the user took what was shown.
+    void keptOnly(int deed, const std::set<Field> &fields);
 
     /// What is wrong with the entries that the server holds in the end; empty when all is well.
     std::vector<std::string> judge(const std::vector<TimeEntryResponse> &held) const;

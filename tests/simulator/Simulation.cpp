@@ -281,7 +281,7 @@ void Simulation::settleAll()
     for (int round = 0; round < 12; ++round) {
         for (const ProcessPtr &process : open()) {
             for (const Outbox::Pending &row : process->outbox().conflicts())
-                settle(process, row.seq, m_world.random().chance(50));
+                settle(process, row.seq, anyWay(), *row.conflict);
         }
         m_world.runFor(minutes(2));
         for (const ProcessPtr &process : open())

@@ -46,7 +46,15 @@ private:
     void settleOne(const ProcessPtr &process);
     Task<> await(ProcessPtr process, std::vector<int> deeds, Task<SaveResult> action);
     std::optional<int> deedOf(Process &process, const Outbox::Pending &row) const;
-    Task<> settle(ProcessPtr process, std::int64_t seq, bool keepsMine);
+    enum class Way { mine, theirs, merged };
+    /// An entry that a user put together, and the fields in which it says what they wanted.
+    struct Merged {
+        EntryRequest request;
+        std::set<Field> kept;
+    };
+    Way anyWay();
+    std::optional<Merged> merged(const EntryRequest &mine, const TimeEntryResponse &theirs);
+    Task<> settle(ProcessPtr process, std::int64_t seq, Way way, TimeEntryResponse shown);
     Task<> reload(ProcessPtr process, bool flushes);
     void learn(const ProcessPtr &process, const std::vector<int> &deeds, const SaveResult &result);
     int note(const ProcessPtr &process, Oracle::Kind kind, const std::string &entry, Contents writes,

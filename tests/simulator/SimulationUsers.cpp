@@ -178,10 +178,14 @@ void Simulation::editEntry(const ProcessPtr &process, const std::optional<TimeEn
         *request.stop += distance(1, 60);
         writes[Field::stop] = value(*request.stop);
     }
+    if (choice != 0 && m_world.random().chance(25)) {
+        request.details.description = "d" + std::to_string(++m_made) + "." + process->name();
+        writes[Field::description] = request.details.description;
+    }
     static constexpr const char *what[] = {"description", "start", "stop"};
     const int deed = note(process, Oracle::Kind::edit, shown->id, writes, shown);
-    m_world.note(process->name(),
-                 "#" + std::to_string(deed) + " edits the " + what[choice] + " of " + shown->id);
+    m_world.note(process->name(), "#" + std::to_string(deed) + " edits the " + what[choice] +
+                                      (writes.size() > 1 ? " and the description of " : " of ") + shown->id);
     await(process, {deed}, process->tracker().update(shown->id, std::move(request)));
 }
 
@@ -238,15 +242,21 @@ void Simulation::settleOne(const ProcessPtr &process)
     if (conflicts.empty())
         return;
     const Outbox::Pending row = conflicts[m_world.random().below(conflicts.size())];
-    const bool keepsMine = m_world.random().chance(50);
+    const Way way = anyWay();
     if (m_commands.contains(process.get()) || m_world.random().chance(50)) {
-        settle(process, row.seq, keepsMine);
+        settle(process, row.seq, way, *row.conflict);
         return;
     }
     // Or first goes on with the day, and answers while that is being sent.
     editEntry(process, pick(process));
     editEntry(process, shownAs(process, row.change.entryId()));
-    soon(process, 300, [this, process, row, keepsMine] { settle(process, row.seq, keepsMine); });
+    soon(process, 300, [this, process, row, way] { settle(process, row.seq, way, *row.conflict); });
+}
+
+Simulation::Way Simulation::anyWay()
+{
+    const std::size_t choice = m_world.random().below(3);
+    return choice == 0 ? Way::mine : choice == 1 ? Way::theirs : Way::merged;
 }
 
 std::optional<int> Simulation::deedOf(Process &process, const Outbox::Pending &row) const
@@ -266,15 +276,45 @@ std::optional<int> Simulation::deedOf(Process &process, const Outbox::Pending &r
     return m_oracle.deedLike(device, row.change.entryId(), kind, contents);
 }
 
-Task<> Simulation::settle(ProcessPtr process, std::int64_t seq, bool keepsMine)
+/// Chooses a side for each field in which the two differ. Nothing where only one side can be chosen whole.
+std::optional<Simulation::Merged> Simulation::merged(const EntryRequest &mine,
+                                                     const TimeEntryResponse &theirs)
 {
+    Merged merged{entryRequest(theirs), {}};
+    const auto choose = [&](Field field, const auto &ours, auto &into) {
+        if (ours == into)
+            return;
+        if (m_world.random().chance(50))
+            return;
+        into = ours;
+        merged.kept.insert(field);
+    };
+    choose(Field::description, mine.details.description, merged.request.details.description);
+    choose(Field::start, mine.start, merged.request.start);
+    choose(Field::stop, mine.stop, merged.request.stop);
+    const bool isPossible = !merged.request.stop || *merged.request.stop >= merged.request.start;
+    return isPossible && !merged.kept.empty() ? std::optional(std::move(merged)) : std::nullopt;
+}
+
+/// `shown` is what the user has on the screen as theirs, which may be old by now.
+Task<> Simulation::settle(ProcessPtr process, std::int64_t seq, Way way, TimeEntryResponse shown)
+{
+    const auto sides = co_await process->outbox().sides(seq);
+    if (process->isGone())
+        co_return;
     const auto conflicts = process->outbox().conflicts();
     const auto row = std::ranges::find(conflicts, seq, &Outbox::Pending::seq);
-    if (row == conflicts.end())
+    if (row == conflicts.end() || !sides)
         co_return;
-    const TimeEntryResponse current = *row->conflict;
+    std::optional<Merged> put;
+    if (way == Way::merged && !sides->isStop && sides->mine.request() != nullptr)
+        put = merged(*sides->mine.request(), shown);
+    if (way == Way::merged && !put)
+        way = Way::mine;
+    const TimeEntryResponse current = put ? shown : *row->conflict;
     const auto deed = deedOf(*process, *row);
-    m_world.note(process->name(), "keeps " + std::string(keepsMine ? "mine" : "theirs") + " for change " +
+    static constexpr const char *sideNames[] = {"mine", "theirs", "some of both"};
+    m_world.note(process->name(), "keeps " + std::string(sideNames[static_cast<int>(way)]) + " for change " +
                                       std::to_string(seq) + " of " + current.id);
 
     std::optional<std::string> wrong;
@@ -282,21 +322,21 @@ Task<> Simulation::settle(ProcessPtr process, std::int64_t seq, bool keepsMine)
     if (deed) {
         // A stop whose number was never heard comes back as an edit of the end.
         m_oracle.number(*deed, process->device().name, seq);
-        wrong = m_oracle.judgeConflict(*deed, current);
-        if (keepsMine) {
-            m_oracle.keptMine(*deed, current);
-        } else {
+        wrong = m_oracle.judgeConflict(*deed, *row->conflict);
+        if (way == Way::theirs)
             m_oracle.tell(*deed, Oracle::Fate::unknown);
-        }
+        else
+            m_oracle.keptMine(*deed, current);
     }
-    const auto settled =
-        keepsMine ? co_await process->outbox().keepMine(seq) : co_await process->outbox().keepTheirs(seq);
+    const auto settled = put                ? co_await process->outbox().keepMerged(seq, put->request, shown)
+                         : way == Way::mine ? co_await process->outbox().keepMine(seq)
+                                            : co_await process->outbox().keepTheirs(seq);
     if (!deed)
         co_return;
     if (process->isGone() || !settled) {
         m_oracle.mayAskAgain(*deed);
-        // Whether it was done again, before the program died, nobody knows.
-        if (wasDropped)
+        // Whether it was done again, before the program died, nobody knows; and of a merge, how much of it.
+        if (wasDropped || put)
             m_oracle.tell(*deed, Oracle::Fate::unknown);
         co_return;
     }
@@ -305,8 +345,10 @@ Task<> Simulation::settle(ProcessPtr process, std::int64_t seq, bool keepsMine)
         fault(*wrong);
     if (!*settled)
         m_oracle.tell(*deed, Oracle::Fate::unknown);
-    else if (!keepsMine)
+    else if (way == Way::theirs)
         m_oracle.keptTheirs(*deed, current);
+    else if (put)
+        m_oracle.keptOnly(*deed, put->kept);
 }
 
 Task<> Simulation::reload(ProcessPtr process, bool flushes)

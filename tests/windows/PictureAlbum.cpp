@@ -104,4 +104,17 @@ void Album::save(QQuickWindow *window, const QString &name, Appearance::Scheme s
         complain(QStringLiteral("%1: “%2” is cut").arg(file, text));
 }
 
+const TimeEntryResponse *entryCalled(DesktopWindow &desktop, std::string_view description)
+{
+    const auto &entries = desktop.app().tracker()->entries();
+    const auto found = std::ranges::find(entries, description, &TimeEntryResponse::description);
+    return found == entries.end() ? nullptr : &*found;
+}
+
+QString idOf(DesktopWindow &desktop, std::string_view description)
+{
+    const TimeEntryResponse *entry = entryCalled(desktop, description);
+    return entry != nullptr ? QString::fromStdString(entry->id) : QString();
+}
+
 } // namespace orvane::testing

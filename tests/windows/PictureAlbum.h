@@ -7,6 +7,7 @@
 #include <QString>
 #include <QTranslator>
 #include <functional>
+#include <string_view>
 
 namespace orvane::testing {
 
@@ -33,7 +34,13 @@ private:
     int m_problems = 0;
 };
 
+/// Null when no entry is called that.
+const TimeEntryResponse *entryCalled(DesktopWindow &desktop, std::string_view description);
+/// Its identifier, or nothing.
+QString idOf(DesktopWindow &desktop, std::string_view description);
+
 /// What the rest of the pictures' program draws, a file each.
+void drawConflict(Album &album);
 void drawPanel(Album &album);
 void drawSignIn(Album &album);
 

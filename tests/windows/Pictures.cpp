@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Draws the application's windows as people see them and saves the pictures: Pictures FOLDER [--all]. The
-// real window over a real server, with a week of time as people have it.
+// Draws the application's windows as people see them and saves the pictures: Pictures FOLDER [--all]
+// [SUBJECT…]. The real window over a real server, with a week of time as people have it.
 #include "Desktop/DesktopWindow.h"
 #include "PictureAlbum.h"
 #include "PictureWorld.h"
@@ -14,13 +14,6 @@
 namespace orvane::testing {
 
 namespace {
-
-const TimeEntryResponse *entryCalled(DesktopWindow &desktop, std::string_view description)
-{
-    const auto &entries = desktop.app().tracker()->entries();
-    const auto found = std::ranges::find(entries, description, &TimeEntryResponse::description);
-    return found == entries.end() ? nullptr : &*found;
-}
 
 /// Between its project and another one.
 void divide(DesktopWindow &desktop, std::string_view description)
@@ -43,12 +36,6 @@ void drawOffline(Album &album, DesktopWindow &desktop, const PictureWorld &world
     if (!eventually(isAway) || desktop.app().sync()->waiting() == 0)
         album.complain(QStringLiteral("The window did not notice that the server is away"));
     album.take(desktop, QStringLiteral("timer-offline"));
-}
-
-QString idOf(DesktopWindow &desktop, std::string_view description)
-{
-    const TimeEntryResponse *entry = entryCalled(desktop, description);
-    return entry != nullptr ? QString::fromStdString(entry->id) : QString();
 }
 
 void drawSplit(Album &album, DesktopWindow &desktop)
@@ -127,14 +114,22 @@ int main(int argc, char **argv)
     const QGuiApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
     const bool isWhole = arguments.contains(QStringLiteral("--all"));
-    if (arguments.size() != (isWhole ? 3 : 2)) {
-        QTextStream(stderr) << "usage: Pictures FOLDER [--all]" << Qt::endl;
+    if (arguments.size() < 2) {
+        QTextStream(stderr) << "usage: Pictures FOLDER [--all] [SUBJECT…]" << Qt::endl;
         return 2;
     }
+    const QStringList wanted = arguments.mid(isWhole ? 3 : 2);
     orvane::testing::Album album(arguments.at(1), isWhole);
-    orvane::testing::drawTimer(album);
-    orvane::testing::drawEmpty(album);
-    orvane::testing::drawSignIn(album);
-    orvane::testing::drawPanel(album);
+    using orvane::testing::Album;
+    const std::array<std::pair<QLatin1String, void (*)(Album &)>, 5> subjects{
+        {{QLatin1String("timer"), orvane::testing::drawTimer},
+         {QLatin1String("empty"), orvane::testing::drawEmpty},
+         {QLatin1String("signin"), orvane::testing::drawSignIn},
+         {QLatin1String("panel"), orvane::testing::drawPanel},
+         {QLatin1String("conflict"), orvane::testing::drawConflict}}};
+    for (const auto &[name, draw] : subjects) {
+        if (wanted.isEmpty() || wanted.contains(name))
+            draw(album);
+    }
     return album.problems() == 0 ? 0 : 1;
 }

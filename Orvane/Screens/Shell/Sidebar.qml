@@ -12,6 +12,9 @@ Rectangle {
 
     signal accountWanted
 
+    // What waits for its user is asked for.
+    signal settle
+
     color: Theme.chrome
     Accessible.role: Accessible.Pane
     Accessible.name: qsTr("Sections")
@@ -53,6 +56,7 @@ Rectangle {
         }
         SyncLine {
             sync: sidebar.app.sync
+            onSettle: sidebar.settle()
             x: Theme.space12
             width: parent.width - 2 * Theme.space12
         }

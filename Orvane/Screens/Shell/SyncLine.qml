@@ -11,10 +11,37 @@ Item {
 
     readonly property bool needsAttention: sync.kind === SyncStatus.Offline || sync.kind === SyncStatus.Conflict || sync.kind === SyncStatus.HeldBack || sync.kind === SyncStatus.SessionEnded
 
+    readonly property bool isSettled: sync.kind !== SyncStatus.Conflict
+
+    // What waits for its user is asked for.
+    signal settle
+
     height: sync.subtitle === "" ? 32 : 44
-    Accessible.role: Accessible.StaticText
+    activeFocusOnTab: !isSettled
+    Keys.onReturnPressed: event => {
+        event.accepted = !isSettled;
+        if (event.accepted)
+            settle();
+    }
+    Accessible.role: isSettled ? Accessible.StaticText : Accessible.Button
+    Accessible.onPressAction: if (!isSettled)
+        settle()
     Accessible.name: sync.subtitle === "" ? sync.title : qsTr("%1. %2").arg(sync.title).arg(sync.subtitle)
 
+    HoverHandler {
+        id: hover
+        enabled: !line.isSettled
+    }
+    TapHandler {
+        enabled: !line.isSettled
+        onTapped: line.settle()
+    }
+    Wash {
+        lit: hover.hovered && !line.isSettled
+    }
+    FocusRing {
+        shown: line.activeFocus
+    }
     Icon {
         x: 10
         anchors.verticalCenter: parent.verticalCenter

@@ -142,6 +142,20 @@ bool EntryEditor::open(const QString &id)
     return true;
 }
 
+bool EntryEditor::openWith(const QString &id, const EntryRequest &wanted)
+{
+    if (!open(id))
+        return false;
+    const EntryDetails &details = wanted.details;
+    m_description = text(details.description);
+    m_tags = tagsText(details.tagIds, m_tracker->catalog());
+    show({wanted.start, m_isRunning ? std::nullopt : wanted.stop});
+    if (details.projectId != m_base.projectId || details.taskId != m_base.taskId)
+        setProject(text(details.projectId.value_or("")), text(details.taskId.value_or("")));
+    setBillable(details.isBillable);
+    return true;
+}
+
 void EntryEditor::show(const EntryTimes &times)
 {
     const UserTime &time = m_tracker->time();
@@ -367,9 +381,12 @@ void EntryEditor::save()
 Task<> EntryEditor::write(std::string id, EntryRequest request)
 {
     const QPointer<EntryEditor> self(this);
+    const QString entryId = text(id);
     const SaveResult result = co_await m_tracker->update(std::move(id), std::move(request));
     if (!self)
         co_return;
+    if (result.error || result.outcome == SaveOutcome::saved || result.outcome == SaveOutcome::waiting)
+        Q_EMIT written(entryId);
     if (result.outcome == SaveOutcome::rejected || result.outcome == SaveOutcome::failed ||
         result.outcome == SaveOutcome::needsDetails)
         m_app->notices()->tellFailure(text(result.message));

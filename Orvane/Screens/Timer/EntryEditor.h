@@ -54,6 +54,8 @@ public:
 
     /// Edits this entry; another one that was edited is left as it was. False for one that is locked or gone.
     Q_INVOKABLE bool open(const QString &id);
+    /// The same with what is wanted of the entry typed in already; the parts of a split stay as they are.
+    bool openWith(const QString &id, const EntryRequest &wanted);
     /// Leaves the entry as it was.
     Q_INVOKABLE void cancel();
     /// A project, with one of its tasks or none; both empty: no project.
@@ -71,6 +73,8 @@ Q_SIGNALS:
     void entryChanged();
     void edited();
     void problemChanged();
+    /// What was changed here is recorded, or the server has refused it.
+    void written(const QString &entryId);
 
 private:
     void follow();

@@ -17,6 +17,8 @@ FocusScope {
         isNarrow: root.width < 560
     }
 
+    readonly property bool isConflictChosen: (list.currentItem as TimerLine)?.mark === TimerList.Conflict
+
     // The keyboard leaves upwards.
     signal leftUpwards
 
@@ -70,9 +72,11 @@ FocusScope {
             if ((event.key === Qt.Key_Return || event.key === Qt.Key_Enter) && id === "")
                 root.timer.list.turn(currentIndex);
             else if (event.key === Qt.Key_Return || event.key === Qt.Key_Enter)
-                root.timer.editor.open(id);
+                root.timer.conflict.open(id) || root.timer.editor.open(id);
             else if (event.key === Qt.Key_C && event.modifiers === Qt.NoModifier)
                 root.timer.continueEntry(id);
+            else if (event.key === Qt.Key_T && event.modifiers === Qt.NoModifier)
+                event.accepted = root.timer.trim(id);
             else if (event.key === Qt.Key_S && event.modifiers === Qt.NoModifier)
                 root.timer.split.open(id);
             else if (event.key === Qt.Key_D && event.modifiers === Qt.ControlModifier)

@@ -19,7 +19,7 @@ LineData {
     ListView.onPooled: isPooled = true
     ListView.onReused: isPooled = false
 
-    height: isEdited ? editor.height + 8 : kind === TimerList.Day ? 40 : kind === TimerList.Share ? 28 : 36
+    height: isEdited ? editor.height + 8 : kind === TimerList.Day ? 40 : kind === TimerList.Share ? 28 : kind === TimerList.Offer ? 44 : 36
     Accessible.role: Accessible.ListItem
     Accessible.name: spoken
     Accessible.focusable: true
@@ -27,7 +27,7 @@ LineData {
 
     function act() {
         if (kind === TimerList.Entry)
-            timer.editor.open(entryId);
+            timer.conflict.open(entryId) || timer.editor.open(entryId);
         else if (kind === TimerList.Folded || kind === TimerList.Day)
             timer.list.turn(index);
     }
@@ -36,7 +36,7 @@ LineData {
         onHoveredChanged: line.isHovered = hovered
     }
     TapHandler {
-        enabled: !line.isEdited && line.kind !== TimerList.Share
+        enabled: !line.isEdited && line.kind !== TimerList.Share && line.kind !== TimerList.Offer
         onTapped: line.act()
     }
     Rectangle {
@@ -55,7 +55,7 @@ LineData {
         anchors.leftMargin: 4
         anchors.rightMargin: 4
 
-        readonly property string wanted: line.isEdited ? "" : line.kind === TimerList.Day ? "DayHead.qml" : line.kind === TimerList.Folded ? "FoldedDay.qml" : line.kind === TimerList.Share ? "ShareRow.qml" : "EntryRow.qml"
+        readonly property string wanted: line.isEdited ? "" : line.kind === TimerList.Day ? "DayHead.qml" : line.kind === TimerList.Folded ? "FoldedDay.qml" : line.kind === TimerList.Share ? "ShareRow.qml" : line.kind === TimerList.Offer ? "TrimRow.qml" : "EntryRow.qml"
 
         function update(): void {
             if (wanted === "")

@@ -14,6 +14,9 @@ namespace orvane {
 
 namespace {
 
+/// How much of an entry's name has room on a button.
+constexpr qsizetype longestNamed = 24;
+
 QString qtext(const std::string &text)
 {
     return QString::fromStdString(text);
@@ -56,9 +59,10 @@ void TimerList::setTracker(Tracker *tracker)
     }
     m_tracker = tracker;
     m_turned.clear();
+    m_leftBoth.clear();
     if (tracker != nullptr) {
         connect(tracker, &Tracker::entriesChanged, this, &TimerList::rebuild);
-        connect(tracker, &Tracker::settingsChanged, this, &TimerList::tellAllChanged);
+        connect(tracker, &Tracker::settingsChanged, this, &TimerList::rebuild);
         connect(tracker, &Tracker::timeChanged, this, &TimerList::rebuild);
         connect(tracker, &Tracker::dayTurned, this, &TimerList::rebuild);
         connect(&tracker->catalog(), &Catalog::changed, this, &TimerList::tellAllChanged);
@@ -80,7 +84,10 @@ void TimerList::rebuild()
     for (const Outbox::Pending &row : m_tracker->outbox().pending())
         (row.conflict ? m_inConflict : m_waiting).insert(row.change.entryId());
     const UserTime &time = m_tracker->time();
-    replaceRows(TimerRows::of(m_tracker->entries(), m_turned, time, time.today()));
+    TimerRows next = TimerRows::of(m_tracker->entries(), m_turned, time, time.today());
+    next.addOffers(trimOffers(next.entries, AppClock::now(),
+                              [this](const auto &one, const auto &other) { return mayTrim(one, other); }));
+    replaceRows(std::move(next));
 }
 
 /// What is the same at both ends of the list stays, so that what is on screen does not jump.
@@ -164,7 +171,8 @@ const TimeEntryResponse *TimerList::entryAt(int row) const
     if (row < 0 || row >= count())
         return nullptr;
     const TimerRow &line = m_list.rows[static_cast<std::size_t>(row)];
-    const bool isEntry = line.kind == TimerRow::Kind::entry || line.kind == TimerRow::Kind::share;
+    const bool isEntry = line.kind == TimerRow::Kind::entry || line.kind == TimerRow::Kind::share ||
+                         line.kind == TimerRow::Kind::offer;
     return isEntry ? &m_list.entries[line.entry] : nullptr;
 }
 
@@ -225,9 +233,11 @@ QVariant TimerList::saidBy(const TimerRow &row, int role) const
     case TimerRow::Kind::entry:
         return entryData(row, role);
     case TimerRow::Kind::share:
+        return shareData(row, role);
+    case TimerRow::Kind::offer:
         break;
     }
-    return shareData(row, role);
+    return offerData(row, role);
 }
 
 // What is shown
@@ -369,6 +379,66 @@ QVariant TimerList::shareData(const TimerRow &row, int role) const
         return spoken(row);
     default:
         return {};
+    }
+}
+
+QVariant TimerList::offerData(const TimerRow &row, int role) const
+{
+    const auto found = m_list.offers.find(row.entry);
+    if (found == m_list.offers.end())
+        return {};
+    const TrimOffer &offer = found->second;
+    const auto clock = [this](Instant at) { return qtext(m_tracker->time().clockLabel(at)); };
+    switch (role) {
+    case entryIdRole:
+        return qtext(m_list.entries[row.entry].id);
+    case titleRole:
+    case spokenRole:
+        return tr("%1 – %2 is counted twice.").arg(clock(offer.from), clock(offer.to));
+    case subtitleRole: {
+        const QString name = qtext(m_list.entries[offer.entry].description);
+        const QString cut = name.size() > longestNamed ? name.left(longestNamed - 1) + QChar(0x2026) : name;
+        return name.isEmpty() ? tr("Trim to %1").arg(clock(offer.at()))
+                              : tr("Trim “%1” to %2").arg(cut, clock(offer.at()));
+    }
+    default:
+        return {};
+    }
+}
+
+/// Both can be changed now, and their user did not leave them as they are.
+bool TimerList::mayTrim(const TimeEntryResponse &one, const TimeEntryResponse &other) const
+{
+    const auto isFree = [this](const TimeEntryResponse &entry) {
+        return !isLocked(entry) && !m_inConflict.contains(entry.id);
+    };
+    return isFree(one) && isFree(other) && !m_leftBoth.contains({one.id, other.id});
+}
+
+std::optional<TrimOffer> TimerList::offerFor(const QString &id) const
+{
+    const std::string wanted = id.toStdString();
+    const auto isNamed = [&](std::size_t place) { return m_list.entries[place].id == wanted; };
+    std::optional<TrimOffer> concerned;
+    for (const auto &[below, offer] : m_list.offers) {
+        if (isNamed(below))
+            return offer;
+        if (isNamed(offer.entry) || isNamed(offer.other))
+            concerned = offer;
+    }
+    return concerned;
+}
+
+void TimerList::leaveBoth(const QString &id)
+{
+    const std::string wanted = id.toStdString();
+    for (const auto &[below, offer] : m_list.offers) {
+        if (m_list.entries[below].id != wanted)
+            continue;
+        const std::size_t above = offer.entry == below ? offer.other : offer.entry;
+        m_leftBoth.insert({wanted, m_list.entries[above].id});
+        rebuild();
+        return;
     }
 }
 

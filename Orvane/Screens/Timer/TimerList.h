@@ -19,7 +19,7 @@ class TimerList final : public QAbstractListModel {
     Q_PROPERTY(int count READ count NOTIFY countChanged)
 
 public:
-    enum class Kind { Day, Folded, Entry, Share };
+    enum class Kind { Day, Folded, Entry, Share, Offer };
     Q_ENUM(Kind)
     /// What the server has to say about an entry, if anything.
     enum class Mark { None, Waiting, Conflict, Locked, Overlap };
@@ -56,6 +56,12 @@ public:
     Q_INVOKABLE Kind kindAt(int row) const;
     /// The nearest row from `row` in the direction of `step` that can be chosen; `row` when there is none.
     Q_INVOKABLE int choosable(int row, int step) const;
+    /// Takes the offer below this entry away until the next start.
+    Q_INVOKABLE void leaveBoth(const QString &id);
+    /// The offer that stands below this entry, or concerns it; none without one.
+    std::optional<TrimOffer> offerFor(const QString &id) const;
+    /// Of an offer.
+    const TimeEntryResponse &entryOf(std::size_t place) const { return m_list.entries[place]; }
     /// Null when it has no row.
     const TimeEntryResponse *entryAt(int row) const;
 
@@ -78,6 +84,8 @@ private:
     QVariant dayData(const TimerRow &row, int role) const;
     QVariant entryData(const TimerRow &row, int role) const;
     QVariant shareData(const TimerRow &row, int role) const;
+    QVariant offerData(const TimerRow &row, int role) const;
+    bool mayTrim(const TimeEntryResponse &one, const TimeEntryResponse &other) const;
     QString dayTitle(DayKey day) const;
     QString daySubtitle(const TimerRow &row) const;
     QVariantList dayParts(const TimerRow &row) const;
@@ -95,6 +103,8 @@ private:
     std::set<std::string, std::less<>> m_waiting;
     std::set<std::string, std::less<>> m_inConflict;
     std::set<std::size_t> m_overlapping;
+    /// Entries that overlap and stay so.
+    std::set<std::pair<std::string, std::string>> m_leftBoth;
 };
 
 } // namespace orvane

@@ -26,6 +26,8 @@ TimerModel::TimerModel(AppModel &app)
     , m_picker(app)
     , m_ruler(nullptr)
     , m_split(app)
+    , m_conflict(app)
+    , m_refused(app, m_editor, m_field)
 {
     connect(m_app, &AppModel::trackerChanged, this, &TimerModel::follow);
     connect(m_app, &AppModel::phaseChanged, this, &TimerModel::changed);
@@ -239,6 +241,16 @@ void TimerModel::remove(const QString &id)
         doRemove(id.toStdString());
 }
 
+bool TimerModel::trim(const QString &id)
+{
+    const auto offer = m_tracker ? m_list.offerFor(id) : std::nullopt;
+    if (!offer)
+        return false;
+    const TimeEntryResponse &entry = m_list.entryOf(offer->entry);
+    doTrim(entry.id, offer->trimmed(entry));
+    return true;
+}
+
 void TimerModel::loadWeekBefore()
 {
     if (m_tracker && !isLoadingMore())
@@ -304,6 +316,14 @@ Task<> TimerModel::doRemove(std::string id)
 {
     const QPointer<TimerModel> self(this);
     const SaveResult result = co_await m_tracker->remove(id);
+    if (self)
+        tellFailure(result);
+}
+
+Task<> TimerModel::doTrim(std::string id, EntryRequest request)
+{
+    const QPointer<TimerModel> self(this);
+    const SaveResult result = co_await m_tracker->update(std::move(id), std::move(request));
     if (self)
         tellFailure(result);
 }

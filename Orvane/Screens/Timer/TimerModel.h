@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Screens/Conflict/ConflictModel.h"
+#include "Screens/Conflict/RefusedList.h"
 #include "Screens/Timer/DayRuler.h"
 #include "Screens/Timer/EntryEditor.h"
 #include "Screens/Timer/EntryField.h"
@@ -28,6 +30,8 @@ class TimerModel final : public QObject {
     Q_PROPERTY(orvane::ProjectPicker *picker READ picker CONSTANT)
     Q_PROPERTY(orvane::DayRuler *ruler READ ruler CONSTANT)
     Q_PROPERTY(orvane::SplitModel *split READ split CONSTANT)
+    Q_PROPERTY(orvane::ConflictModel *conflict READ conflict CONSTANT)
+    Q_PROPERTY(orvane::RefusedList *refused READ refused CONSTANT)
     Q_PROPERTY(bool isReady READ isReady NOTIFY changed)
     Q_PROPERTY(bool isLoading READ isLoading NOTIFY changed)
     Q_PROPERTY(bool isEmpty READ isEmpty NOTIFY changed)
@@ -56,6 +60,8 @@ public:
     ProjectPicker *picker() { return &m_picker; }
     DayRuler *ruler() { return &m_ruler; }
     SplitModel *split() { return &m_split; }
+    ConflictModel *conflict() { return &m_conflict; }
+    RefusedList *refused() { return &m_refused; }
     bool isReady() const { return m_tracker != nullptr; }
     /// The first answer is still to come and nothing was known here.
     bool isLoading() const;
@@ -94,6 +100,8 @@ public:
     Q_INVOKABLE void continueEntry(const QString &id);
     Q_INVOKABLE void duplicate(const QString &id);
     Q_INVOKABLE void remove(const QString &id);
+    /// Takes the offer to trim that stands below this entry, or concerns it. False without one.
+    Q_INVOKABLE bool trim(const QString &id);
     Q_INVOKABLE void loadWeekBefore();
     Q_INVOKABLE void loadAgain();
 
@@ -112,6 +120,7 @@ private:
     Task<> doContinue(std::string id);
     Task<> doDuplicate(std::string id);
     Task<> doRemove(std::string id);
+    Task<> doTrim(std::string id, EntryRequest request);
     Task<> doLoadWeekBefore();
     void tellFailure(const SaveResult &result);
     QString total(DayKey first, int count) const;
@@ -124,6 +133,8 @@ private:
     ProjectPicker m_picker;
     DayRuler m_ruler;
     SplitModel m_split;
+    ConflictModel m_conflict;
+    RefusedList m_refused;
     QString m_needs;
     QString m_weekProblem;
 };

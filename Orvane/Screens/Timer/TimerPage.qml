@@ -73,12 +73,20 @@ FocusScope {
             y: (band.visible ? band.height : 8) + Theme.space16 + (runningEditor.height > 0 ? runningEditor.height + Theme.space12 : 0)
             width: Math.min(parent.width - 2 * x, 1040)
         }
+        SetAside {
+            id: setAside
+            refused: page.timer.refused
+            x: Theme.space24
+            anchors.top: field.bottom
+            anchors.topMargin: Theme.space12
+            width: Math.min(parent.width - 2 * x, 1040)
+        }
         TimerEntries {
             id: entries
             timer: page.timer
             isWide: page.isWide
             x: Theme.space24
-            anchors.top: field.bottom
+            anchors.top: setAside.visible ? setAside.bottom : field.bottom
             anchors.topMargin: Theme.space8
             anchors.bottom: keys.top
             width: Math.min(parent.width - 2 * x, 1040)
@@ -112,6 +120,10 @@ FocusScope {
                 { keys: "Tab", text: qsTr("Next field") },
                 { keys: "Up Down", text: qsTr("1 min") },
                 { keys: "Shift+Up Shift+Down", text: qsTr("15 min") }
+            ] : entries.activeFocus && entries.isConflictChosen ? [
+                { keys: "Up Down", text: qsTr("Choose") },
+                { keys: "Return", text: qsTr("Settle") },
+                { keys: "Ctrl+Z", text: qsTr("Undo") }
             ] : entries.activeFocus ? [
                 { keys: "Up Down", text: qsTr("Choose") },
                 { keys: "Return", text: qsTr("Edit") },
@@ -142,8 +154,18 @@ FocusScope {
         timer: page.timer
     }
 
+    Connections {
+        target: page.timer.refused
+
+        function onFieldFilled() {
+            field.take();
+        }
+    }
     SplitSheet {
         timer: page.timer
+    }
+    ConflictSheet {
+        conflict: page.timer.conflict
     }
 
     Keys.onDownPressed: event => {

@@ -41,6 +41,22 @@ TimerRows TimerRows::of(std::vector<TimeEntryResponse> entries, const std::set<D
     return list;
 }
 
+void TimerRows::addOffers(std::map<std::size_t, TrimOffer> below)
+{
+    offers = std::move(below);
+    std::vector<TimerRow> all;
+    all.reserve(rows.size() + offers.size());
+    for (std::size_t at = 0; at < rows.size(); ++at) {
+        const TimerRow &row = rows[at];
+        all.push_back(row);
+        const bool isOfEntry = row.kind == TimerRow::Kind::entry || row.kind == TimerRow::Kind::share;
+        const bool isLast = at + 1 == rows.size() || rows[at + 1].kind != TimerRow::Kind::share;
+        if (isOfEntry && isLast && offers.contains(row.entry))
+            all.push_back({.kind = TimerRow::Kind::offer, .day = row.day, .entry = row.entry, .count = 1});
+    }
+    rows = std::move(all);
+}
+
 std::set<std::size_t> overlapping(const std::vector<TimeEntryResponse> &entries, Instant now)
 {
     std::set<std::size_t> found;

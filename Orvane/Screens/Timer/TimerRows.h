@@ -2,6 +2,7 @@
 #pragma once
 
 #include "OrvaneAPI/Schemas.h"
+#include "Screens/Timer/TrimOffer.h"
 #include "Time/DayKey.h"
 #include "Time/UserTime.h"
 
@@ -18,6 +19,7 @@ struct TimerRow {
         folded, ///< a day in one line
         entry,
         share, ///< of the split entry above
+        offer, ///< to trim the entry above, or one above that, for they overlap
     };
 
     Kind kind = Kind::entry;
@@ -36,6 +38,8 @@ struct TimerRows {
     /// The latest first, so that those of a day stand together.
     std::vector<TimeEntryResponse> entries;
     std::vector<TimerRow> rows;
+    /// By the entry below which they stand.
+    std::map<std::size_t, TrimOffer> offers = {};
 
     /// `entries`: the latest start first. Days before yesterday are folded until somebody opens them;
     /// `turned` are those that are not as they would be by themselves.
@@ -43,6 +47,9 @@ struct TimerRows {
                         const UserTime &time, DayKey today);
 
     static bool isFoldedByItself(DayKey day, DayKey today);
+
+    /// Puts a line below each of these entries that has one, and below its shares.
+    void addOffers(std::map<std::size_t, TrimOffer> below);
 };
 
 /// Which entries share a minute or more with another one, by their place in the list. An entry that runs
