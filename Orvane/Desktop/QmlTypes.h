@@ -75,6 +75,12 @@ struct SplitRowsType {
     QML_NAMED_ELEMENT(SplitRows)
     QML_UNCREATABLE("of the SplitModel")
 };
+struct SeveralEntriesType {
+    Q_GADGET
+    QML_FOREIGN(orvane::SeveralEntries)
+    QML_NAMED_ELEMENT(SeveralEntries)
+    QML_UNCREATABLE("of the TimerModel")
+};
 struct ConflictModelType {
     Q_GADGET
     QML_FOREIGN(orvane::ConflictModel)

@@ -5,32 +5,28 @@ import QtQuick
 import QtQuick.Templates as T
 import Orvane.Components
 
-// One side of a field in which two devices differ; what only this side says is bold.
-T.RadioButton {
+// One side of a field in which two devices differ; what only this side says is bold. Which is chosen is for who holds the
+// two to say.
+T.AbstractButton {
     id: cell
 
     // The words before those that only this side has, these, and those behind them; and all as one.
     required property var marked
     required property string said
+    required property bool chosen
 
     implicitHeight: 40
-    autoExclusive: false
     hoverEnabled: true
     focusPolicy: Qt.StrongFocus
     Accessible.role: Accessible.RadioButton
     Accessible.name: text
     Accessible.description: said
     Accessible.checkable: true
-    Accessible.checked: checked
+    Accessible.checked: chosen
     Accessible.onPressAction: cell.clicked()
 
-    contentItem: null
-    indicator: null
-    background: Rectangle {
-        radius: Theme.radiusCard
-        color: cell.checked ? Theme.accentTint : "transparent"
-        border.width: cell.checked ? 2 : 1
-        border.color: cell.checked ? Theme.accent : Theme.line2
+    Item {
+        anchors.fill: parent
 
         Rectangle {
             x: 13
@@ -38,8 +34,8 @@ T.RadioButton {
             width: 16
             height: 16
             radius: 8
-            color: cell.checked ? Theme.accent : "transparent"
-            border.width: cell.checked ? 0 : 1.5
+            color: cell.chosen ? Theme.accent : "transparent"
+            border.width: cell.chosen ? 0 : 1.5
             border.color: Theme.field
 
             Rectangle {
@@ -47,7 +43,7 @@ T.RadioButton {
                 width: 6
                 height: 6
                 radius: 3
-                visible: cell.checked
+                visible: cell.chosen
                 color: Theme.content
             }
         }
@@ -70,14 +66,22 @@ T.RadioButton {
                     saidByPeople: true
                     text: modelData
                     font.weight: index === 1 ? Font.DemiBold : Font.Normal
-                    color: cell.checked ? Theme.ink1 : Theme.ink2
+                    color: cell.chosen ? Theme.ink1 : Theme.ink2
                     Accessible.ignored: true
                 }
             }
         }
+    }
+    contentItem: null
+    background: Rectangle {
+        radius: Theme.radiusCard
+        color: cell.chosen ? Theme.accentTint : "transparent"
+        border.width: cell.chosen ? 2 : 1
+        border.color: cell.chosen ? Theme.accent : Theme.line2
+
         Wash {
             radius: Theme.radiusCard
-            lit: cell.hovered && !cell.checked
+            lit: cell.hovered && !cell.chosen
             pressed: cell.down
         }
         FocusRing {
