@@ -2,29 +2,55 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
-import QtQuick.Templates as T
 import Orvane.Components
 
 // One side of a field in which two devices differ; what only this side says is bold. Which is chosen is for who holds the
-// two to say.
-T.AbstractButton {
+// two to say. No control: such a button would tell assistive programs that it is a push button.
+Rectangle {
     id: cell
 
+    required property string text
     // The words before those that only this side has, these, and those behind them; and all as one.
     required property var marked
     required property string said
     required property bool chosen
 
+    signal clicked
+
     implicitHeight: 40
-    hoverEnabled: true
-    focusPolicy: Qt.StrongFocus
+    radius: Theme.radiusCard
+    color: chosen ? Theme.accentTint : "transparent"
+    border.width: chosen ? 2 : 1
+    border.color: chosen ? Theme.accent : Theme.line2
+    activeFocusOnTab: true
     Accessible.role: Accessible.RadioButton
     Accessible.name: text
     Accessible.description: said
+    Accessible.focusable: true
     Accessible.checkable: true
     Accessible.checked: chosen
     Accessible.onPressAction: cell.clicked()
+    Keys.onSpacePressed: cell.clicked()
 
+    HoverHandler {
+        id: pointer
+    }
+    TapHandler {
+        id: tap
+        onTapped: {
+            cell.forceActiveFocus(Qt.MouseFocusReason);
+            cell.clicked();
+        }
+    }
+    Wash {
+        radius: Theme.radiusCard
+        lit: pointer.hovered && !cell.chosen
+        pressed: tap.pressed
+    }
+    FocusRing {
+        around: Theme.radiusCard
+        shown: cell.activeFocus
+    }
     Item {
         anchors.fill: parent
 
@@ -70,23 +96,6 @@ T.AbstractButton {
                     Accessible.ignored: true
                 }
             }
-        }
-    }
-    contentItem: null
-    background: Rectangle {
-        radius: Theme.radiusCard
-        color: cell.chosen ? Theme.accentTint : "transparent"
-        border.width: cell.chosen ? 2 : 1
-        border.color: cell.chosen ? Theme.accent : Theme.line2
-
-        Wash {
-            radius: Theme.radiusCard
-            lit: cell.hovered && !cell.chosen
-            pressed: cell.down
-        }
-        FocusRing {
-            around: Theme.radiusCard
-            shown: cell.visualFocus
         }
     }
 }
