@@ -102,6 +102,12 @@ struct PanelRowsType {
     QML_NAMED_ELEMENT(PanelRows)
     QML_UNCREATABLE("of the PanelModel")
 };
+struct SeveralEntriesType {
+    Q_GADGET
+    QML_FOREIGN(orvane::SeveralEntries)
+    QML_NAMED_ELEMENT(SeveralEntries)
+    QML_UNCREATABLE("of the TimerModel")
+};
 struct ConflictModelType {
     Q_GADGET
     QML_FOREIGN(orvane::ConflictModel)

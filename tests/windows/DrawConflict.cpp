@@ -121,11 +121,23 @@ void drawOverlap(Album &album, DesktopWindow &desktop)
         album.complain(QStringLiteral("There is no overlap to trim"));
 }
 
+void drawSeveral(Album &album, DesktopWindow &desktop)
+{
+    SeveralEntries &several = *desktop.timer().several();
+    for (const char *name : {"Badge counts", "Copy review", "Rate limits: design"})
+        several.toggle(idOf(desktop, name));
+    desktop.timer().picker()->setQuery(QStringLiteral("Checkout"));
+    several.setProject(desktop.timer().picker()->projectIdAt(0), {});
+    album.take(desktop, QStringLiteral("several"));
+    several.clear();
+}
+
 void drawAll(Album &album, DesktopWindow &desktop)
 {
     drawSheets(album, desktop);
     drawRefused(album, desktop);
     drawOverlap(album, desktop);
+    drawSeveral(album, desktop);
 }
 
 } // namespace

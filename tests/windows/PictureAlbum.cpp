@@ -38,11 +38,23 @@ QStringList cutTexts(const QQuickItem *item)
     return cut;
 }
 
-/// Until nothing is left to be laid out or loaded, and a sheet has come up.
-void settle()
+/// A sheet or a menu fades in, or has not begun to.
+bool isComingUp(const QQuickItem *root)
 {
-    const QDeadlineTimer end(250);
-    for (int round = 0; round < 10 || !end.hasExpired(); ++round)
+    const auto isFaint = [](const QQuickItem *item) { return item->isVisible() && item->opacity() < 1; };
+    return std::ranges::any_of(root->childItems(), [&](const QQuickItem *item) {
+        return item->inherits("QQuickOverlay") && std::ranges::any_of(item->childItems(), isFaint);
+    });
+}
+
+/// Until nothing is left to be laid out or loaded, and a sheet has come up.
+void settle(const QQuickWindow &window)
+{
+    const QDeadlineTimer least(250);
+    const QDeadlineTimer most(3000);
+    for (int round = 0;
+         round < 10 || !least.hasExpired() || (isComingUp(window.contentItem()) && !most.hasExpired());
+         ++round)
         QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
 }
 
@@ -95,7 +107,7 @@ void Album::save(QQuickWindow *window, const QString &name, Appearance::Scheme s
     auto *appearance = qmlEngine(window)->singletonInstance<Appearance *>(
         qmlTypeId("Orvane.Components", 1, 0, "Appearance"));
     appearance->setScheme(scheme);
-    settle();
+    settle(*window);
     const QString file = QStringLiteral("%1/%2.png").arg(m_folder, name);
     const QImage picture = window->grabWindow();
     if (picture.isNull() || !picture.save(file))

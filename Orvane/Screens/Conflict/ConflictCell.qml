@@ -2,35 +2,57 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
-import QtQuick.Templates as T
 import Orvane.Components
 
-// One side of a field in which two devices differ; what only this side says is bold.
-T.RadioButton {
+// One side of a field in which two devices differ; what only this side says is bold. Which is chosen is for who holds the
+// two to say. No control: such a button would tell assistive programs that it is a push button.
+Rectangle {
     id: cell
 
+    required property string text
     // The words before those that only this side has, these, and those behind them; and all as one.
     required property var marked
     required property string said
+    required property bool chosen
+
+    signal clicked
 
     implicitHeight: 40
-    autoExclusive: false
-    hoverEnabled: true
-    focusPolicy: Qt.StrongFocus
+    radius: Theme.radiusCard
+    color: chosen ? Theme.accentTint : "transparent"
+    border.width: chosen ? 2 : 1
+    border.color: chosen ? Theme.accent : Theme.line2
+    activeFocusOnTab: true
     Accessible.role: Accessible.RadioButton
     Accessible.name: text
     Accessible.description: said
+    Accessible.focusable: true
     Accessible.checkable: true
-    Accessible.checked: checked
+    Accessible.checked: chosen
     Accessible.onPressAction: cell.clicked()
+    Keys.onSpacePressed: cell.clicked()
 
-    contentItem: null
-    indicator: null
-    background: Rectangle {
+    HoverHandler {
+        id: pointer
+    }
+    TapHandler {
+        id: tap
+        onTapped: {
+            cell.forceActiveFocus(Qt.MouseFocusReason);
+            cell.clicked();
+        }
+    }
+    Wash {
         radius: Theme.radiusCard
-        color: cell.checked ? Theme.accentTint : "transparent"
-        border.width: cell.checked ? 2 : 1
-        border.color: cell.checked ? Theme.accent : Theme.line2
+        lit: pointer.hovered && !cell.chosen
+        pressed: tap.pressed
+    }
+    FocusRing {
+        around: Theme.radiusCard
+        shown: cell.activeFocus
+    }
+    Item {
+        anchors.fill: parent
 
         Rectangle {
             x: 13
@@ -38,8 +60,8 @@ T.RadioButton {
             width: 16
             height: 16
             radius: 8
-            color: cell.checked ? Theme.accent : "transparent"
-            border.width: cell.checked ? 0 : 1.5
+            color: cell.chosen ? Theme.accent : "transparent"
+            border.width: cell.chosen ? 0 : 1.5
             border.color: Theme.field
 
             Rectangle {
@@ -47,7 +69,7 @@ T.RadioButton {
                 width: 6
                 height: 6
                 radius: 3
-                visible: cell.checked
+                visible: cell.chosen
                 color: Theme.content
             }
         }
@@ -70,19 +92,10 @@ T.RadioButton {
                     saidByPeople: true
                     text: modelData
                     font.weight: index === 1 ? Font.DemiBold : Font.Normal
-                    color: cell.checked ? Theme.ink1 : Theme.ink2
+                    color: cell.chosen ? Theme.ink1 : Theme.ink2
                     Accessible.ignored: true
                 }
             }
-        }
-        Wash {
-            radius: Theme.radiusCard
-            lit: cell.hovered && !cell.checked
-            pressed: cell.down
-        }
-        FocusRing {
-            around: Theme.radiusCard
-            shown: cell.visualFocus
         }
     }
 }

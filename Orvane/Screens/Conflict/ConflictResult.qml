@@ -10,7 +10,8 @@ Rectangle {
     required property ConflictModel conflict
     required property string caption
 
-    readonly property string said: [conflict.description, conflict.project, conflict.task, conflict.tags, conflict.times, conflict.length].filter(text => text !== "").join(", ")
+    readonly property string where: conflict.task === "" ? conflict.project : conflict.project + " › " + conflict.task
+    readonly property string said: conflict.description + (where === "" ? "" : ", " + where) + (conflict.tags === "" ? "" : ", " + conflict.tags) + ", " + conflict.times + ", " + conflict.length
 
     height: 40
     radius: Theme.radiusCard
@@ -19,7 +20,7 @@ Rectangle {
     Accessible.name: qsTr("%1: %2").arg(caption).arg(said)
 
     Label {
-        id: caption
+        id: heading
         x: Theme.space12
         height: parent.height
         type: Label.Type.Small
@@ -29,7 +30,7 @@ Rectangle {
     }
     Row {
         id: what
-        anchors.left: caption.right
+        anchors.left: heading.right
         anchors.leftMargin: Theme.space12
         anchors.right: when.left
         anchors.rightMargin: Theme.space12

@@ -40,7 +40,7 @@ Item {
         text: qsTr("%1, mine").arg(row.label)
         said: row.mine
         marked: row.mineMarked
-        checked: !row.isTheirs
+        chosen: !row.isTheirs
         onClicked: row.conflict.choose(row.index, false)
     }
     ConflictCell {
@@ -50,12 +50,7 @@ Item {
         text: qsTr("%1, theirs").arg(row.label)
         said: row.theirs
         marked: row.theirsMarked
-        checked: row.isTheirs
+        chosen: row.isTheirs
         onClicked: row.conflict.choose(row.index, true)
-    }
-    // A press toggles a button by itself, which would end what binds it.
-    onIsTheirsChanged: {
-        mineCell.checked = Qt.binding(() => !row.isTheirs);
-        theirsCell.checked = Qt.binding(() => row.isTheirs);
     }
 }

@@ -38,7 +38,8 @@ FocusScope {
     }
     Item {
         id: what
-        x: 16
+        anchors.left: parent.left
+        anchors.leftMargin: 16
         anchors.right: chip.left
         anchors.rightMargin: 12
         y: 2
@@ -119,14 +120,26 @@ FocusScope {
         text: row.length
         font.weight: Font.Medium
     }
-    Label {
+    Column {
         id: rest
         x: 16
         y: 38 + Math.max(0, (32 - height) / 2)
         width: buttons.x - x - 12
-        wrapMode: Text.Wrap
-        text: row.isReasonBeside ? row.sentence : row.reason + " " + row.sentence
-        color: row.isReasonBeside ? Theme.ink2 : Theme.danger
+
+        Label {
+            width: parent.width
+            visible: !row.isReasonBeside
+            wrapMode: Text.Wrap
+            text: row.reason
+            color: Theme.danger
+        }
+        Label {
+            width: parent.width
+            wrapMode: Text.Wrap
+            saidByPeople: true
+            text: row.sentence
+            color: Theme.ink2
+        }
     }
     Row {
         id: buttons

@@ -3,6 +3,7 @@
 
 #include "AppModel/AppModel.h"
 #include "EntryInput/NamedMoment.h"
+#include "Screens/Timer/TypedTags.h"
 #include "Time/AppClock.h"
 
 #include <QJsonDocument>
@@ -41,21 +42,6 @@ QString timesProblemText(EntryTimesProblem problem)
         break;
     }
     return EntryEditor::tr("That counts from now, and the entry ended on another day.");
-}
-
-/// Tags as the field shows them, so that it reads them again.
-QString tagsText(const std::vector<std::string> &ids, const Catalog &catalog)
-{
-    QStringList tags;
-    for (const std::string &id : ids) {
-        const TagResponse *tag = catalog.tag(id);
-        if (tag == nullptr)
-            continue;
-        const QString name = text(tag->name);
-        tags << (name.contains(QLatin1Char(' ')) ? QStringLiteral("#\"%1\"").arg(name)
-                                                 : QLatin1Char('#') + name);
-    }
-    return tags.join(QLatin1Char(' '));
 }
 
 } // namespace
@@ -125,6 +111,15 @@ void EntryEditor::restoreDraft()
 
 bool EntryEditor::open(const QString &id)
 {
+    if (!begin(id))
+        return false;
+    Q_EMIT entryChanged();
+    Q_EMIT edited();
+    return true;
+}
+
+bool EntryEditor::begin(const QString &id)
+{
     const auto entry = m_tracker ? m_tracker->entry(id.toStdString()) : std::nullopt;
     if (!entry || (m_tracker->settings() && m_tracker->rules().isLocked(entry->start)))
         return false;
@@ -137,14 +132,12 @@ bool EntryEditor::open(const QString &id)
     m_tags = tagsText(entry->tagIds, m_tracker->catalog());
     show({entry->start, entry->stop});
     setProblem(Field::None, {});
-    Q_EMIT entryChanged();
-    Q_EMIT edited();
     return true;
 }
 
 bool EntryEditor::openWith(const QString &id, const EntryRequest &wanted)
 {
-    if (!open(id))
+    if (!begin(id))
         return false;
     const EntryDetails &details = wanted.details;
     m_description = text(details.description);
@@ -152,7 +145,10 @@ bool EntryEditor::openWith(const QString &id, const EntryRequest &wanted)
     show({wanted.start, m_isRunning ? std::nullopt : wanted.stop});
     if (details.projectId != m_base.projectId || details.taskId != m_base.taskId)
         setProject(text(details.projectId.value_or("")), text(details.taskId.value_or("")));
-    setBillable(details.isBillable);
+    m_draft.setBillable(details.isBillable);
+    // Who shows it finds the fields filled.
+    Q_EMIT entryChanged();
+    Q_EMIT edited();
     return true;
 }
 
@@ -315,18 +311,13 @@ bool EntryEditor::takeTimes()
 
 bool EntryEditor::takeTags()
 {
-    const Catalog &catalog = m_tracker->catalog();
-    const SentenceCatalog names({}, {}, catalog.tags());
-    const auto reading = EntrySentence::read(m_tags.toStdString(), names,
-                                             EntrySentence::Options::of(m_app->account()->me().preferences),
-                                             AppClock::now(), m_tracker->time());
-    if (!reading.unreadMentions.empty() || !reading.description.empty()) {
-        const std::string unread =
-            reading.unreadMentions.empty() ? reading.description : reading.unreadMentions.front().text;
-        setProblem(Field::Tags, tr("No tag is called “%1”.").arg(text(unread)));
+    auto tags =
+        typedTags(m_tags, m_tracker->catalog(), m_app->account()->me().preferences, m_tracker->time());
+    if (!tags) {
+        setProblem(Field::Tags, tr("No tag is called “%1”.").arg(text(tags.error())));
         return false;
     }
-    m_draft.setTags(reading.tagIDs);
+    m_draft.setTags(std::move(*tags));
     return true;
 }
 

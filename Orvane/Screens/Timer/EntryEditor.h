@@ -78,6 +78,7 @@ Q_SIGNALS:
 
 private:
     void follow();
+    bool begin(const QString &id);
     void keepDraft();
     void restoreDraft();
     void show(const EntryTimes &times);

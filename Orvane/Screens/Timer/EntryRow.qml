@@ -147,7 +147,7 @@ Item {
     Loader {
         anchors.fill: parent
 
-        readonly property bool isWanted: row.line.isHovered
+        readonly property bool isWanted: row.line.isHovered && !row.line.isSelected
 
         onIsWantedChanged: isWanted ? setSource("EntryActions.qml", { line: row.line }) : source = ""
     }

@@ -29,6 +29,7 @@ Item {
     required property int mark
     required property bool isLocked
     required property string spoken
+    required property bool isSelected
 
     readonly property var shares: parts.map(part => ({ color: part.color === "" ? Theme.none : Theme.projectColor(part.color), share: part.share }))
     readonly property color shade: projectColor === "" ? Theme.none : Theme.projectColor(projectColor)

@@ -22,6 +22,21 @@ FocusScope {
     // The keyboard leaves upwards.
     signal leftUpwards
 
+    // What a key does with the entries that are chosen; false where it does nothing with several.
+    function actOnSeveral(event: var): bool {
+        const row = root.timer.list.rowOf(root.timer.several.lastId);
+        if (event.key === Qt.Key_Return || event.key === Qt.Key_Enter) {
+            list.positionViewAtIndex(row, ListView.Contain);
+            (list.itemAtIndex(row) as TimerLine)?.severalForm?.take();
+        } else if (event.key === Qt.Key_Delete || event.key === Qt.Key_Backspace) {
+            root.timer.several.remove();
+        } else {
+            // Other letters mean one entry.
+            return event.key === Qt.Key_C || event.key === Qt.Key_S || event.key === Qt.Key_D || event.key === Qt.Key_T;
+        }
+        return true;
+    }
+
     function enter() {
         list.forceActiveFocus(Qt.TabFocusReason);
         if (list.currentIndex < 0 || root.timer.list.choosable(list.currentIndex - 1, 1) !== list.currentIndex)
@@ -47,7 +62,24 @@ FocusScope {
         Accessible.role: Accessible.List
         Accessible.name: qsTr("Entries")
 
+        // Where choosing several began.
+        property int anchor: -1
+
+        function extend(by: int): void {
+            if (root.timer.several.count === 0)
+                anchor = currentIndex;
+            const next = root.timer.list.choosable(currentIndex, by);
+            if (next === currentIndex)
+                return;
+            currentIndex = next;
+            positionViewAtIndex(next, ListView.Contain);
+            root.timer.several.chooseRows(anchor, next);
+            // Their editor stands below the last of them.
+            if (by > 0)
+                Qt.callLater(() => list.positionViewAtIndex(next, ListView.Contain));
+        }
         function step(by: int) {
+            root.timer.several.clear();
             const next = root.timer.list.choosable(currentIndex, by);
             if (next === currentIndex && by < 0) {
                 root.leftUpwards();
@@ -60,8 +92,12 @@ FocusScope {
             return root.timer.list.kindAt(currentIndex) === TimerList.Entry ? root.timer.list.idAt(currentIndex) : "";
         }
 
-        Keys.onUpPressed: step(-1)
-        Keys.onDownPressed: step(1)
+        Keys.onUpPressed: event => event.modifiers & Qt.ShiftModifier ? extend(-1) : step(-1)
+        Keys.onDownPressed: event => event.modifiers & Qt.ShiftModifier ? extend(1) : step(1)
+        Keys.onEscapePressed: event => {
+            event.accepted = root.timer.several.count > 0;
+            root.timer.several.clear();
+        }
         Keys.onLeftPressed: if (root.timer.list.kindAt(currentIndex) === TimerList.Entry)
             root.timer.list.turn(currentIndex)
         Keys.onRightPressed: if (root.timer.list.kindAt(currentIndex) === TimerList.Folded)
@@ -69,6 +105,8 @@ FocusScope {
         Keys.onPressed: event => {
             const id = entryId();
             event.accepted = true;
+            if (root.timer.several.count > 1 && root.actOnSeveral(event))
+                return;
             if ((event.key === Qt.Key_Return || event.key === Qt.Key_Enter) && id === "")
                 root.timer.list.turn(currentIndex);
             else if (event.key === Qt.Key_Return || event.key === Qt.Key_Enter)
@@ -102,6 +140,15 @@ FocusScope {
         }
 
         bottomMargin: 72
+    }
+    // Their editor has gone, and the keyboard goes back to the row.
+    Connections {
+        target: root.timer.several
+
+        function onChosenChanged() {
+            if (root.timer.several.count === 0 && root.activeFocus)
+                list.currentItem?.forceActiveFocus(Qt.OtherFocusReason);
+        }
     }
     WeekBefore {
         parent: list.contentItem

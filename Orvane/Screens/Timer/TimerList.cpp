@@ -40,6 +40,7 @@ QVariant nothing(int role)
         return 0;
     case TimerList::isBillableRole:
     case TimerList::isLockedRole:
+    case TimerList::isSelectedRole:
         return false;
     default:
         return QString();
@@ -210,7 +211,7 @@ QHash<int, QByteArray> TimerList::roleNames() const
             {taskRole, "task"},           {colorRole, "projectColor"}, {partsRole, "parts"},
             {partCountRole, "partCount"}, {tagsRole, "tags"},          {isBillableRole, "isBillable"},
             {timesRole, "times"},         {durationRole, "duration"},  {markRole, "mark"},
-            {isLockedRole, "isLocked"},   {spokenRole, "spoken"}};
+            {isLockedRole, "isLocked"},   {spokenRole, "spoken"},      {isSelectedRole, "isSelected"}};
 }
 
 QVariant TimerList::data(const QModelIndex &index, int role) const
@@ -347,6 +348,8 @@ QVariant TimerList::entryData(const TimerRow &row, int role) const
         return number(markOf(row));
     case isLockedRole:
         return isLocked(entry);
+    case isSelectedRole:
+        return m_chosen.contains(entry.id);
     case spokenRole:
         return spoken(row);
     default:
@@ -429,6 +432,12 @@ std::optional<TrimOffer> TimerList::offerFor(const QString &id) const
     return concerned;
 }
 
+void TimerList::setChosen(std::set<std::string> ids)
+{
+    if (std::exchange(m_chosen, ids) != ids && count() > 0)
+        Q_EMIT dataChanged(index(0), index(count() - 1), {isSelectedRole, spokenRole});
+}
+
 void TimerList::leaveBoth(const QString &id)
 {
     const std::string wanted = id.toStdString();
@@ -504,6 +513,8 @@ QString TimerList::spoken(const TimerRow &row) const
                                                    {Mark::Locked, tr("locked")}};
         if (const auto word = words.find(markOf(row)); word != words.end())
             said << word->second;
+        if (m_chosen.contains(entry.id))
+            said << tr("chosen");
     }
     said.removeAll(QString());
     return said.join(QStringLiteral(", "));

@@ -42,6 +42,7 @@ public:
         markRole,
         isLockedRole,
         spokenRole,
+        isSelectedRole,
     };
 
     explicit TimerList(QObject *parent);
@@ -56,6 +57,8 @@ public:
     Q_INVOKABLE Kind kindAt(int row) const;
     /// The nearest row from `row` in the direction of `step` that can be chosen; `row` when there is none.
     Q_INVOKABLE int choosable(int row, int step) const;
+    /// Which entries are chosen to be edited as one.
+    void setChosen(std::set<std::string> ids);
     /// Takes the offer below this entry away until the next start.
     Q_INVOKABLE void leaveBoth(const QString &id);
     /// The offer that stands below this entry, or concerns it; none without one.
@@ -103,6 +106,7 @@ private:
     std::set<std::string, std::less<>> m_waiting;
     std::set<std::string, std::less<>> m_inConflict;
     std::set<std::size_t> m_overlapping;
+    std::set<std::string> m_chosen;
     /// Entries that overlap and stay so.
     std::set<std::pair<std::string, std::string>> m_leftBoth;
 };

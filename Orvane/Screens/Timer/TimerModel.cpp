@@ -26,6 +26,7 @@ TimerModel::TimerModel(AppModel &app)
     , m_picker(app)
     , m_ruler(nullptr)
     , m_split(app)
+    , m_several(app, m_list)
     , m_conflict(app)
     , m_refused(app, m_editor, m_field)
 {

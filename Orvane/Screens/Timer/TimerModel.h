@@ -7,6 +7,7 @@
 #include "Screens/Timer/EntryEditor.h"
 #include "Screens/Timer/EntryField.h"
 #include "Screens/Timer/ProjectPicker.h"
+#include "Screens/Timer/SeveralEntries.h"
 #include "Screens/Timer/SplitModel.h"
 #include "Screens/Timer/TimerList.h"
 #include "Support/Task.h"
@@ -30,6 +31,7 @@ class TimerModel final : public QObject {
     Q_PROPERTY(orvane::ProjectPicker *picker READ picker CONSTANT)
     Q_PROPERTY(orvane::DayRuler *ruler READ ruler CONSTANT)
     Q_PROPERTY(orvane::SplitModel *split READ split CONSTANT)
+    Q_PROPERTY(orvane::SeveralEntries *several READ several CONSTANT)
     Q_PROPERTY(orvane::ConflictModel *conflict READ conflict CONSTANT)
     Q_PROPERTY(orvane::RefusedList *refused READ refused CONSTANT)
     Q_PROPERTY(bool isReady READ isReady NOTIFY changed)
@@ -60,6 +62,7 @@ public:
     ProjectPicker *picker() { return &m_picker; }
     DayRuler *ruler() { return &m_ruler; }
     SplitModel *split() { return &m_split; }
+    SeveralEntries *several() { return &m_several; }
     ConflictModel *conflict() { return &m_conflict; }
     RefusedList *refused() { return &m_refused; }
     bool isReady() const { return m_tracker != nullptr; }
@@ -133,6 +136,7 @@ private:
     ProjectPicker m_picker;
     DayRuler m_ruler;
     SplitModel m_split;
+    SeveralEntries m_several;
     ConflictModel m_conflict;
     RefusedList m_refused;
     QString m_needs;

@@ -120,6 +120,11 @@ FocusScope {
                 { keys: "Tab", text: qsTr("Next field") },
                 { keys: "Up Down", text: qsTr("1 min") },
                 { keys: "Shift+Up Shift+Down", text: qsTr("15 min") }
+            ] : entries.activeFocus && page.timer.several.count > 1 ? [
+                { keys: "Shift+Up Shift+Down", text: qsTr("Choose") },
+                { keys: "Return", text: qsTr("Edit All") },
+                { keys: "Del", text: qsTr("Delete All") },
+                { keys: "Esc", text: qsTr("None") }
             ] : entries.activeFocus && entries.isConflictChosen ? [
                 { keys: "Up Down", text: qsTr("Choose") },
                 { keys: "Return", text: qsTr("Settle") },
