@@ -7,7 +7,8 @@
 
 namespace orvane {
 
-DesktopWindow::DesktopWindow(AppModel::Options options) : m_app(std::move(options)), m_timer(m_app)
+DesktopWindow::DesktopWindow(AppModel::Options options)
+    : m_app(std::move(options)), m_timer(m_app), m_projects(m_app), m_settings(m_app)
 {
     loadFonts();
     // Where our modules lie; Qt 6.4 does not look there by itself.
@@ -20,7 +21,9 @@ bool DesktopWindow::show()
 {
     m_app.open();
     m_engine.setInitialProperties({{QStringLiteral("app"), QVariant::fromValue(&m_app)},
-                                   {QStringLiteral("timer"), QVariant::fromValue(&m_timer)}});
+                                   {QStringLiteral("timer"), QVariant::fromValue(&m_timer)},
+                                   {QStringLiteral("projects"), QVariant::fromValue(&m_projects)},
+                                   {QStringLiteral("settings"), QVariant::fromValue(&m_settings)}});
     m_engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Orvane/Main.qml")));
     if (!m_engine.rootObjects().isEmpty())
         m_window = qobject_cast<QQuickWindow *>(m_engine.rootObjects().constFirst());

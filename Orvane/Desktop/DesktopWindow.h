@@ -2,6 +2,8 @@
 #pragma once
 
 #include "AppModel/AppModel.h"
+#include "Screens/Projects/ProjectsModel.h"
+#include "Screens/Settings/SettingsModel.h"
 #include "Screens/Timer/TimerModel.h"
 
 #include <QQmlApplicationEngine>
@@ -28,6 +30,8 @@ public:
 
     AppModel &app() { return m_app; }
     TimerModel &timer() { return m_timer; }
+    ProjectsModel &projects() { return m_projects; }
+    SettingsModel &settings() { return m_settings; }
     /// Null before it is shown.
     QQuickWindow *window() const { return m_window; }
 
@@ -36,6 +40,8 @@ private:
 
     AppModel m_app;
     TimerModel m_timer;
+    ProjectsModel m_projects;
+    SettingsModel m_settings;
     QQmlApplicationEngine m_engine;
     QQuickWindow *m_window = nullptr;
 };

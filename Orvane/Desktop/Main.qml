@@ -9,8 +9,18 @@ Window {
 
     required property AppModel app
     required property TimerModel timer
+    required property ProjectsModel projects
+    required property SettingsModel settings
 
     readonly property bool isWide: width >= 1200
+    // "timer", "projects" or "settings".
+    property string section: "timer"
+
+    function show(which: string): void {
+        section = which;
+        if (which === "timer")
+            timerPage.forceActiveFocus(Qt.OtherFocusReason);
+    }
 
     width: 1440
     height: 900
@@ -20,35 +30,126 @@ Window {
     title: timer.isRunning ? qsTr("%1 – Orvane").arg(timer.description === "" ? qsTr("No description") : timer.description) : qsTr("Orvane")
     color: Theme.content
 
-    Shortcut {
-        sequences: ["Ctrl+Z"]
+    Binding {
+        target: Appearance
+        property: "scheme"
+        value: [Appearance.System, Appearance.Light, Appearance.Dark][window.app.choices.scheme]
+    }
+    Binding {
+        target: Appearance
+        property: "keepsStill"
+        value: window.app.choices.keepsStill
+    }
+
+    CommandShortcut {
+        table: window.app.keys
+        command: KeyTable.Undo
         onActivated: window.app.undo()
     }
-    Shortcut {
-        sequences: ["Ctrl+Shift+Z"]
+    CommandShortcut {
+        table: window.app.keys
+        command: KeyTable.Redo
         onActivated: window.app.redo()
     }
-    Row {
-        anchors.fill: parent
-
-        Sidebar {
-            id: sidebar
-            app: window.app
-            width: window.isWide ? 216 : 192
-            height: parent.height
+    CommandShortcut {
+        table: window.app.keys
+        command: KeyTable.ShowTimer
+        onActivated: window.show("timer")
+    }
+    CommandShortcut {
+        table: window.app.keys
+        command: KeyTable.ShowProjects
+        onActivated: window.show("projects")
+    }
+    CommandShortcut {
+        table: window.app.keys
+        command: KeyTable.ShowSettings
+        onActivated: window.show("settings")
+    }
+    CommandShortcut {
+        table: window.app.keys
+        command: KeyTable.NewEntry
+        onActivated: {
+            window.show("timer");
+            timerPage.takeField();
         }
+    }
+    CommandShortcut {
+        table: window.app.keys
+        command: KeyTable.StartOrStop
+        onActivated: window.timer.startOrStop()
+    }
+    CommandShortcut {
+        table: window.app.keys
+        command: KeyTable.ContinueLast
+        onActivated: window.timer.continueLast()
+    }
+    CommandShortcut {
+        table: window.app.keys
+        command: KeyTable.EditRunning
+        onActivated: {
+            window.show("timer");
+            window.timer.editRunning();
+        }
+    }
+    CommandShortcut {
+        table: window.app.keys
+        command: KeyTable.NewProject
+        onActivated: {
+            window.show("projects");
+            window.projects.beginNewProject();
+        }
+    }
+    CommandShortcut {
+        table: window.app.keys
+        command: KeyTable.FindHere
+        onActivated: {
+            if (window.section === "projects")
+                window.projects.find();
+            else if (window.section === "settings")
+                window.settings.find();
+        }
+    }
+
+    Sidebar {
+        id: sidebar
+        app: window.app
+        section: window.section
+        width: window.isWide ? 216 : 192
+        height: parent.height
+        onChosen: which => window.show(which)
+    }
+    Item {
+        x: sidebar.width
+        width: parent.width - x
+        height: parent.height
+
         TimerPage {
+            id: timerPage
             app: window.app
             timer: window.timer
             isWide: window.isWide
-            width: parent.width - sidebar.width
-            height: parent.height
+            anchors.fill: parent
+            visible: window.section === "timer"
             focus: true
+        }
+        SectionLoader {
+            anchors.fill: parent
+            isCurrent: window.section === "projects"
+            page: "ProjectsPage.qml"
+            properties: ({ app: window.app, timer: window.timer, projects: window.projects })
+        }
+        SectionLoader {
+            anchors.fill: parent
+            isCurrent: window.section === "settings"
+            page: "SettingsPage.qml"
+            properties: ({ app: window.app, timer: window.timer, settings: window.settings })
         }
     }
 
     NoticeLine {
         notices: window.app.notices
+        undoKeys: window.app.keys.caps[KeyTable.Undo]
         onUndo: window.app.undo()
         anchors.horizontalCenter: parent.horizontalCenter
         anchors.bottom: parent.bottom

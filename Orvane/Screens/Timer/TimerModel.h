@@ -15,6 +15,7 @@
 namespace orvane {
 
 class AppModel;
+class KeyTable;
 
 /// The timer's screen: what runs, the totals, the list, the field, and what can be done with an entry. Each
 /// action shows at once; what could not be done is told in the notice line.
@@ -28,6 +29,7 @@ class TimerModel final : public QObject {
     Q_PROPERTY(orvane::ProjectPicker *picker READ picker CONSTANT)
     Q_PROPERTY(orvane::DayRuler *ruler READ ruler CONSTANT)
     Q_PROPERTY(orvane::SplitModel *split READ split CONSTANT)
+    Q_PROPERTY(orvane::KeyTable *keys READ keys CONSTANT)
     Q_PROPERTY(bool isReady READ isReady NOTIFY changed)
     Q_PROPERTY(bool isLoading READ isLoading NOTIFY changed)
     Q_PROPERTY(bool isEmpty READ isEmpty NOTIFY changed)
@@ -56,6 +58,7 @@ public:
     ProjectPicker *picker() { return &m_picker; }
     DayRuler *ruler() { return &m_ruler; }
     SplitModel *split() { return &m_split; }
+    KeyTable *keys() const;
     bool isReady() const { return m_tracker != nullptr; }
     /// The first answer is still to come and nothing was known here.
     bool isLoading() const;
