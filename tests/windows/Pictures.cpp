@@ -1,16 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Draws the application's windows as people see them and saves the pictures: Pictures FOLDER [--all]. The
 // real window over a real server, with a week of time as people have it.
-#include "Appearance.h"
-#include "Desktop/DesktopWindow.h"
+#include "Album.h"
+#include "DrawSections.h"
 #include "PictureWorld.h"
-#include "Time/AppClock.h"
 #include "support/Await.h"
 
-#include <QDir>
 #include <QGuiApplication>
-#include <QImage>
-#include <QQuickItem>
 #include <QQuickWindow>
 #include <QTextStream>
 #include <QTranslator>
@@ -30,82 +26,6 @@ public:
         return said + QString((said.size() * 2 + 4) / 5, QLatin1Char('~'));
     }
 };
-
-/// Texts that had no room, but for those that people wrote: what is called something may be called anything.
-QStringList cutTexts(const QQuickItem *item)
-{
-    QStringList cut;
-    if (!item->isVisible() || item->opacity() == 0)
-        return cut;
-    if (item->property("truncated").toBool() && !item->property("saidByPeople").toBool())
-        cut << item->property("text").toString();
-    for (const QQuickItem *child : item->childItems())
-        cut << cutTexts(child);
-    return cut;
-}
-
-/// Where pictures go, and what is wrong with them.
-class Album {
-public:
-    Album(QString folder, bool isWhole) : m_folder(std::move(folder)), m_isWhole(isWhole)
-    {
-        QDir().mkpath(m_folder);
-    }
-
-    /// The small window in the light, and where all are wanted the large one and both in the dark too.
-    void take(DesktopWindow &desktop, const QString &name)
-    {
-        save(desktop, name + QStringLiteral("-900-light"), {900, 600}, Appearance::Scheme::Light);
-        if (!m_isWhole)
-            return;
-        save(desktop, name + QStringLiteral("-900-dark"), {900, 600}, Appearance::Scheme::Dark);
-        save(desktop, name + QStringLiteral("-1440-light"), {1440, 900}, Appearance::Scheme::Light);
-        save(desktop, name + QStringLiteral("-1440-dark"), {1440, 900}, Appearance::Scheme::Dark);
-    }
-
-    void complain(const QString &problem)
-    {
-        QTextStream(stderr) << problem << Qt::endl;
-        ++m_problems;
-    }
-    int problems() const { return m_problems; }
-
-private:
-    void save(DesktopWindow &desktop, const QString &name, QSize size, Appearance::Scheme scheme)
-    {
-        QQuickWindow *window = desktop.window();
-        auto *appearance = qmlEngine(window)->singletonInstance<Appearance *>(
-            qmlTypeId("Orvane.Components", 1, 0, "Appearance"));
-        appearance->setScheme(scheme);
-        window->resize(size);
-        settle();
-        const QString file = QStringLiteral("%1/%2.png").arg(m_folder, name);
-        const QImage picture = window->grabWindow();
-        if (picture.isNull() || !picture.save(file))
-            complain(QStringLiteral("%1 could not be drawn").arg(file));
-        for (const QString &text : cutTexts(window->contentItem()))
-            complain(QStringLiteral("%1: “%2” is cut").arg(file, text));
-    }
-
-    /// Until nothing is left to be laid out or loaded, and a sheet has come up.
-    static void settle()
-    {
-        const QDeadlineTimer end(250);
-        for (int round = 0; round < 10 || !end.hasExpired(); ++round)
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-    }
-
-    QString m_folder;
-    bool m_isWhole;
-    int m_problems = 0;
-};
-
-const TimeEntryResponse *entryCalled(DesktopWindow &desktop, std::string_view description)
-{
-    const auto &entries = desktop.app().tracker()->entries();
-    const auto found = std::ranges::find(entries, description, &TimeEntryResponse::description);
-    return found == entries.end() ? nullptr : &*found;
-}
 
 /// Between its project and another one.
 void divide(DesktopWindow &desktop, std::string_view description)
@@ -138,12 +58,6 @@ void drawOffline(Album &album, DesktopWindow &desktop, const PictureWorld &world
     if (!eventually(isAway) || desktop.app().sync()->waiting() == 0)
         album.complain(QStringLiteral("The window did not notice that the server is away"));
     album.take(desktop, QStringLiteral("timer-offline"));
-}
-
-QString idOf(DesktopWindow &desktop, std::string_view description)
-{
-    const TimeEntryResponse *entry = entryCalled(desktop, description);
-    return entry != nullptr ? QString::fromStdString(entry->id) : QString();
 }
 
 void drawSplit(Album &album, DesktopWindow &desktop)
@@ -229,5 +143,6 @@ int main(int argc, char **argv)
     orvane::testing::Album album(arguments.at(1), isWhole);
     orvane::testing::drawTimer(album);
     orvane::testing::drawEmpty(album);
+    orvane::testing::drawSections(album);
     return album.problems() == 0 ? 0 : 1;
 }
