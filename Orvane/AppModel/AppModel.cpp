@@ -37,7 +37,11 @@ AppModel::AppModel(Options options)
     , m_tick(nullptr)
     , m_notices(nullptr)
     , m_sync(m_tick)
+    , m_choices(WindowChoices::pathIn(m_installation.root()))
+    , m_keys(m_choices)
 {
+    connect(&m_choices, &WindowChoices::stepMade, this,
+            [this](const std::shared_ptr<UndoableChange> &step) { noteChange(step, false); });
 }
 
 AppModel::~AppModel() = default;
@@ -52,6 +56,15 @@ void AppModel::redo()
 {
     if (m_undo && m_undo->canRedo())
         tell(m_undo->redo());
+}
+
+void AppModel::noteChange(const std::shared_ptr<UndoableChange> &change, bool isWorthTelling)
+{
+    if (!m_undo)
+        return;
+    m_undo->add(change);
+    if (isWorthTelling)
+        m_notices.tell(QString::fromStdString(change->sentence()), Notices::Action::Undo);
 }
 
 Task<> AppModel::tell(Task<UndoStack::Answer> answer)

@@ -4,9 +4,11 @@
 #include "Account/Account.h"
 #include "Account/Installation.h"
 #include "AppModel/DraftFile.h"
+#include "AppModel/KeyTable.h"
 #include "AppModel/Notices.h"
 #include "AppModel/SecondTick.h"
 #include "AppModel/SyncStatus.h"
+#include "AppModel/WindowChoices.h"
 #include "Support/Task.h"
 #include "Tracker/UndoStack.h"
 
@@ -31,6 +33,8 @@ class AppModel final : public QObject {
     Q_PROPERTY(QString placeName READ placeName NOTIFY placeChanged)
     Q_PROPERTY(orvane::SyncStatus *sync READ sync CONSTANT)
     Q_PROPERTY(orvane::Notices *notices READ notices CONSTANT)
+    Q_PROPERTY(orvane::WindowChoices *choices READ choices CONSTANT)
+    Q_PROPERTY(orvane::KeyTable *keys READ keys CONSTANT)
 
 public:
     enum class Phase {
@@ -83,6 +87,7 @@ public:
     /// Takes the last step back, or does it again; the notice line says which, or why not.
     Q_INVOKABLE void undo();
     Q_INVOKABLE void redo();
+    bool canUndo() const { return m_undo && m_undo->canUndo(); }
 
     Phase phase() const { return m_phase; }
     QString problem() const { return m_problem; }
@@ -91,6 +96,11 @@ public:
     QString placeName() const;
     SyncStatus *sync() { return &m_sync; }
     Notices *notices() { return &m_notices; }
+    WindowChoices *choices() { return &m_choices; }
+    KeyTable *keys() { return &m_keys; }
+    /// A change beside entries was made, which undo takes back from now on. The notice line offers it when it
+    /// is worth a word.
+    void noteChange(const std::shared_ptr<UndoableChange> &change, bool isWorthTelling);
     SecondTick &tick() { return m_tick; }
     Installation &installation() { return m_installation; }
     const Options &options() const { return m_options; }
@@ -138,6 +148,8 @@ private:
     SecondTick m_tick;
     Notices m_notices;
     SyncStatus m_sync;
+    WindowChoices m_choices;
+    KeyTable m_keys;
     /// None where the installation's folder cannot be made.
     std::unique_ptr<DraftFile> m_drafts;
     std::shared_ptr<ServerAccess> m_access;

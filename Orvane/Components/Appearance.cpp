@@ -39,6 +39,16 @@ void Appearance::setScheme(Scheme scheme)
     update();
 }
 
+void Appearance::setKeepsStill(bool keepsStill)
+{
+    if (keepsStill == m_keepsStill) {
+        return;
+    }
+    m_keepsStill = keepsStill;
+    Q_EMIT keepsStillChanged();
+    update();
+}
+
 bool Appearance::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::ApplicationPaletteChange && watched == qApp) {
@@ -54,7 +64,7 @@ void Appearance::update()
     if (std::exchange(m_isDark, dark) != dark) {
         Q_EMIT isDarkChanged();
     }
-    const bool still = m_desktop.reducedMotion();
+    const bool still = m_keepsStill || m_desktop.reducedMotion();
     if (std::exchange(m_reducedMotion, still) != still) {
         Q_EMIT reducedMotionChanged();
     }

@@ -16,6 +16,7 @@ class Appearance : public QObject {
     QML_SINGLETON
     Q_PROPERTY(orvane::Appearance::Scheme scheme READ scheme WRITE setScheme NOTIFY schemeChanged)
     Q_PROPERTY(bool isDark READ isDark NOTIFY isDarkChanged)
+    Q_PROPERTY(bool keepsStill READ keepsStill WRITE setKeepsStill NOTIFY keepsStillChanged)
     Q_PROPERTY(bool reducedMotion READ reducedMotion NOTIFY reducedMotionChanged)
 
 public:
@@ -28,11 +29,15 @@ public:
     /// What the user chose; System follows the desktop's settings, and its palette where those say nothing.
     Scheme scheme() const { return m_scheme; }
     void setScheme(Scheme scheme);
+    /// The user chose that nothing moves, whatever the desktop says.
+    bool keepsStill() const { return m_keepsStill; }
+    void setKeepsStill(bool keepsStill);
     bool isDark() const { return m_isDark; }
     bool reducedMotion() const { return m_reducedMotion; }
 
 Q_SIGNALS:
     void schemeChanged();
+    void keepsStillChanged();
     void isDarkChanged();
     void reducedMotionChanged();
 
@@ -44,6 +49,7 @@ private:
 
     DesktopSettings m_desktop;
     Scheme m_scheme = Scheme::System;
+    bool m_keepsStill = false;
     bool m_isDark = false;
     bool m_reducedMotion = false;
 };

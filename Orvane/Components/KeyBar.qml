@@ -14,7 +14,7 @@ Rectangle {
     implicitHeight: 32
     color: Theme.chrome
     Accessible.role: Accessible.StaticText
-    Accessible.name: hints.map(hint => hint.text + ", " + KeyNames.text(hint.keys)).join("; ")
+    Accessible.name: hints.filter(hint => hint.keys !== "").map(hint => hint.text + ", " + KeyNames.text(hint.keys)).join("; ")
 
     Rectangle {
         width: parent.width
@@ -30,7 +30,8 @@ Rectangle {
         spacing: Theme.space20
 
         Repeater {
-            model: bar.hints
+            // A command may have no keys.
+            model: bar.hints.filter(hint => hint.keys !== "")
 
             Row {
                 id: hint

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "KeyNames.h"
 
+#include <QKeySequence>
 #include <QStringList>
 
 #include <algorithm>
@@ -62,6 +63,37 @@ QString nameOf(const QString &key, KeyNames::Keyboard keyboard)
     return QString::fromUtf16(keyboard == KeyNames::Keyboard::mac ? names[at].mac : names[at].other);
 }
 
+Qt::KeyboardModifiers modifierOf(int key)
+{
+    switch (key) {
+    case Qt::Key_Control:
+        return Qt::ControlModifier;
+    case Qt::Key_Shift:
+        return Qt::ShiftModifier;
+    case Qt::Key_Alt:
+        return Qt::AltModifier;
+    case Qt::Key_Meta:
+    case Qt::Key_Super_L:
+    case Qt::Key_Super_R:
+        return Qt::MetaModifier;
+    default:
+        return Qt::NoModifier;
+    }
+}
+
+/// Not those that say where a key lies.
+Qt::KeyboardModifiers heldOnes(int held)
+{
+    return Qt::KeyboardModifiers(held) &
+           (Qt::ControlModifier | Qt::ShiftModifier | Qt::AltModifier | Qt::MetaModifier);
+}
+
+bool makesNoChord(int key)
+{
+    return key == 0 || key == Qt::Key_unknown || key == Qt::Key_AltGr || key == Qt::Key_CapsLock ||
+           key == Qt::Key_NumLock || modifierOf(key) != Qt::NoModifier;
+}
+
 } // namespace
 
 QString KeyNames::text(const QString &keys, Keyboard keyboard)
@@ -77,6 +109,31 @@ QString KeyNames::text(const QString &keys, Keyboard keyboard)
         part = nameOf(part, keyboard);
     }
     return parts.join(keyboard == Keyboard::mac ? QString() : QStringLiteral("+"));
+}
+
+QString KeyNames::chord(int key, int held)
+{
+    if (makesNoChord(key)) {
+        return {};
+    }
+    const int plain = key == Qt::Key_Enter     ? int(Qt::Key_Return)
+                      : key == Qt::Key_Backtab ? int(Qt::Key_Tab)
+                                               : key;
+    return QKeySequence(QKeyCombination(heldOnes(held), Qt::Key(plain))).toString(QKeySequence::PortableText);
+}
+
+QString KeyNames::held(int key, int held)
+{
+    const Qt::KeyboardModifiers all = heldOnes(held) | modifierOf(key);
+    QStringList parts;
+    for (const auto &[modifier, name] :
+         {std::pair(Qt::MetaModifier, "Meta"), std::pair(Qt::ControlModifier, "Ctrl"),
+          std::pair(Qt::AltModifier, "Alt"), std::pair(Qt::ShiftModifier, "Shift")}) {
+        if (all.testFlag(modifier)) {
+            parts << QLatin1String(name);
+        }
+    }
+    return parts.join(u'+');
 }
 
 QString KeyNames::text(const QString &keys)

@@ -22,6 +22,11 @@ public:
     static QString text(const QString &keys, Keyboard keyboard);
     /// Of this computer's keyboard.
     Q_INVOKABLE static QString text(const QString &keys);
+    /// The name of a key that was pressed with modifiers, as a KeyEvent has them: "Ctrl+Shift+T". Empty while
+    /// only modifiers are held. The keypad's keys are called as the others.
+    Q_INVOKABLE static QString chord(int key, int held);
+    /// The modifiers alone, as they are held: "Ctrl+Shift".
+    Q_INVOKABLE static QString held(int key, int held);
 };
 
 } // namespace orvane

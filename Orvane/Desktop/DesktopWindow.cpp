@@ -10,6 +10,8 @@ namespace orvane {
 DesktopWindow::DesktopWindow(AppModel::Options options)
     : m_app(std::move(options))
     , m_timer(m_app)
+    , m_projects(m_app)
+    , m_settings(m_app)
     , m_signIn(m_app)
     , m_places(m_app)
     , m_panel(m_app, m_engine)
@@ -48,7 +50,9 @@ bool DesktopWindow::show()
                                    {QStringLiteral("timer"), QVariant::fromValue(&m_timer)},
                                    {QStringLiteral("signIn"), QVariant::fromValue(&m_signIn)},
                                    {QStringLiteral("places"), QVariant::fromValue(&m_places)},
-                                   {QStringLiteral("panel"), QVariant::fromValue(&m_panel.model())}});
+                                   {QStringLiteral("panel"), QVariant::fromValue(&m_panel.model())},
+                                   {QStringLiteral("projects"), QVariant::fromValue(&m_projects)},
+                                   {QStringLiteral("settings"), QVariant::fromValue(&m_settings)}});
     m_engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Orvane/Main.qml")));
     if (!m_engine.rootObjects().isEmpty())
         m_window = qobject_cast<QQuickWindow *>(m_engine.rootObjects().constFirst());

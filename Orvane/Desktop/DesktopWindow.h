@@ -5,6 +5,8 @@
 #include "Screens/Shell/PlacesModel.h"
 #include "Screens/SignIn/SignInModel.h"
 #include "Desktop/DesktopPanel.h"
+#include "Screens/Projects/ProjectsModel.h"
+#include "Screens/Settings/SettingsModel.h"
 #include "Screens/Timer/TimerModel.h"
 
 #include <QQmlApplicationEngine>
@@ -38,6 +40,8 @@ public:
     SignInModel &signIn() { return m_signIn; }
     PlacesModel &places() { return m_places; }
     DesktopPanel &panel() { return m_panel; }
+    ProjectsModel &projects() { return m_projects; }
+    SettingsModel &settings() { return m_settings; }
     /// Null before it is shown.
     QQuickWindow *window() const { return m_window; }
 
@@ -51,6 +55,8 @@ private:
 
     AppModel m_app;
     TimerModel m_timer;
+    ProjectsModel m_projects;
+    SettingsModel m_settings;
     SignInModel m_signIn;
     PlacesModel m_places;
     QQmlApplicationEngine m_engine;

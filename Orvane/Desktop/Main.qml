@@ -12,8 +12,18 @@ Window {
     required property SignInModel signIn
     required property PlacesModel places
     required property PanelModel panel
+    required property ProjectsModel projects
+    required property SettingsModel settings
 
     readonly property bool isWide: width >= 1200
+    // "timer", "projects" or "settings".
+    property string section: "timer"
+
+    function show(which: string): void {
+        section = which;
+        if (which === "timer")
+            timerPage.forceActiveFocus(Qt.OtherFocusReason);
+    }
 
     width: 1440
     height: 900
@@ -23,37 +33,134 @@ Window {
     title: timer.isRunning ? qsTr("%1 – Orvane").arg(timer.description === "" ? qsTr("No description") : timer.description) : qsTr("Orvane")
     color: Theme.content
 
-    Shortcut {
-        sequences: ["Ctrl+Z"]
+    Binding {
+        target: Appearance
+        property: "scheme"
+        value: [Appearance.System, Appearance.Light, Appearance.Dark][window.app.choices.scheme]
+    }
+    Binding {
+        target: Appearance
+        property: "keepsStill"
+        value: window.app.choices.keepsStill
+    }
+
+    CommandShortcut {
+        table: window.app.keys
+        command: KeyTable.Undo
         onActivated: window.app.undo()
     }
-    Shortcut {
-        sequences: ["Ctrl+Shift+Z"]
+    CommandShortcut {
+        table: window.app.keys
+        command: KeyTable.Redo
         onActivated: window.app.redo()
     }
-    Shortcut {
-        sequences: ["Ctrl+Alt+Space"]
+    CommandShortcut {
+        table: window.app.keys
+        command: KeyTable.OpenPanel
         onActivated: window.panel.want()
     }
-    Row {
-        anchors.fill: parent
-
-        Sidebar {
-            id: sidebar
-            app: window.app
-            places: window.places
-            onSettle: window.timer.conflict.openFirst()
-            width: window.isWide ? 216 : 192
-            height: parent.height
+    CommandShortcut {
+        table: window.app.keys
+        command: KeyTable.ShowTimer
+        onActivated: window.show("timer")
+    }
+    CommandShortcut {
+        table: window.app.keys
+        command: KeyTable.ShowProjects
+        onActivated: window.show("projects")
+    }
+    CommandShortcut {
+        table: window.app.keys
+        command: KeyTable.ShowSettings
+        onActivated: window.show("settings")
+    }
+    CommandShortcut {
+        table: window.app.keys
+        command: KeyTable.NewEntry
+        onActivated: {
+            window.show("timer");
+            timerPage.takeField();
         }
+    }
+    CommandShortcut {
+        table: window.app.keys
+        command: KeyTable.StartOrStop
+        onActivated: window.timer.startOrStop()
+    }
+    CommandShortcut {
+        table: window.app.keys
+        command: KeyTable.ContinueLast
+        onActivated: window.timer.continueLast()
+    }
+    CommandShortcut {
+        table: window.app.keys
+        command: KeyTable.EditRunning
+        onActivated: {
+            window.show("timer");
+            window.timer.editRunning();
+        }
+    }
+    CommandShortcut {
+        table: window.app.keys
+        command: KeyTable.NewProject
+        onActivated: {
+            window.show("projects");
+            window.projects.beginNewProject();
+        }
+    }
+    CommandShortcut {
+        table: window.app.keys
+        command: KeyTable.FindHere
+        onActivated: {
+            if (window.section === "projects")
+                window.projects.find();
+            else if (window.section === "settings")
+                window.settings.find();
+        }
+    }
+
+    Sidebar {
+        id: sidebar
+        app: window.app
+        places: window.places
+        section: window.section
+        width: window.isWide ? 216 : 192
+        height: parent.height
+        onChosen: which => window.show(which)
+        onSettle: {
+            window.show("timer");
+            window.timer.conflict.openFirst();
+        }
+        onAccountWanted: {
+            window.settings.page = "account";
+            window.show("settings");
+        }
+    }
+    Item {
+        x: sidebar.width
+        width: parent.width - x
+        height: parent.height
+
         TimerPage {
             id: timerPage
             app: window.app
             timer: window.timer
             isWide: window.isWide
-            width: parent.width - sidebar.width
-            height: parent.height
+            anchors.fill: parent
+            visible: window.section === "timer"
             focus: true
+        }
+        SectionLoader {
+            anchors.fill: parent
+            isCurrent: window.section === "projects"
+            page: "ProjectsPage.qml"
+            properties: ({ app: window.app, timer: window.timer, projects: window.projects })
+        }
+        SectionLoader {
+            anchors.fill: parent
+            isCurrent: window.section === "settings"
+            page: "SettingsPage.qml"
+            properties: ({ app: window.app, timer: window.timer, settings: window.settings })
         }
     }
 
@@ -79,6 +186,7 @@ Window {
     }
     NoticeLine {
         notices: window.app.notices
+        undoKeys: window.app.keys.caps[KeyTable.Undo]
         onUndo: window.app.undo()
         anchors.horizontalCenter: parent.horizontalCenter
         anchors.bottom: parent.bottom

@@ -5,6 +5,8 @@
 #include "Screens/Shell/PlacesModel.h"
 #include "Screens/SignIn/SignInModel.h"
 #include "Screens/Panel/PanelModel.h"
+#include "Screens/Projects/ProjectsModel.h"
+#include "Screens/Settings/SettingsModel.h"
 #include "Screens/Timer/TimerModel.h"
 
 #include <QtQml/qqml.h>
@@ -41,6 +43,18 @@ struct PlacesModelType {
     QML_FOREIGN(orvane::PlacesModel)
     QML_NAMED_ELEMENT(PlacesModel)
     QML_UNCREATABLE("made by the program")
+};
+struct WindowChoicesType {
+    Q_GADGET
+    QML_FOREIGN(orvane::WindowChoices)
+    QML_NAMED_ELEMENT(WindowChoices)
+    QML_UNCREATABLE("of the AppModel")
+};
+struct KeyTableType {
+    Q_GADGET
+    QML_FOREIGN(orvane::KeyTable)
+    QML_NAMED_ELEMENT(KeyTable)
+    QML_UNCREATABLE("of the AppModel")
 };
 struct TimerModelType {
     Q_GADGET
@@ -125,6 +139,72 @@ struct ConflictFieldsType {
     QML_FOREIGN(orvane::ConflictFields)
     QML_NAMED_ELEMENT(ConflictFields)
     QML_UNCREATABLE("of the ConflictModel")
+};
+struct ProjectsModelType {
+    Q_GADGET
+    QML_FOREIGN(orvane::ProjectsModel)
+    QML_NAMED_ELEMENT(ProjectsModel)
+    QML_UNCREATABLE("made by the program")
+};
+struct ProjectRowsType {
+    Q_GADGET
+    QML_FOREIGN(orvane::ProjectRows)
+    QML_NAMED_ELEMENT(ProjectRows)
+    QML_UNCREATABLE("of the ProjectsModel")
+};
+struct NameListType {
+    Q_GADGET
+    QML_FOREIGN(orvane::NameList)
+    QML_NAMED_ELEMENT(NameList)
+    QML_UNCREATABLE("of the ProjectsModel")
+};
+struct ProjectEditorType {
+    Q_GADGET
+    QML_FOREIGN(orvane::ProjectEditor)
+    QML_NAMED_ELEMENT(ProjectEditor)
+    QML_UNCREATABLE("of the ProjectsModel")
+};
+struct TaskRowsType {
+    Q_GADGET
+    QML_FOREIGN(orvane::TaskRows)
+    QML_NAMED_ELEMENT(TaskRows)
+    QML_UNCREATABLE("of the ProjectEditor")
+};
+struct CatalogRemovalType {
+    Q_GADGET
+    QML_FOREIGN(orvane::CatalogRemoval)
+    QML_NAMED_ELEMENT(CatalogRemoval)
+    QML_UNCREATABLE("of the ProjectsModel")
+};
+struct SettingsModelType {
+    Q_GADGET
+    QML_FOREIGN(orvane::SettingsModel)
+    QML_NAMED_ELEMENT(SettingsModel)
+    QML_UNCREATABLE("made by the program")
+};
+struct TimeSettingsType {
+    Q_GADGET
+    QML_FOREIGN(orvane::TimeSettings)
+    QML_NAMED_ELEMENT(TimeSettings)
+    QML_UNCREATABLE("of the SettingsModel")
+};
+struct ShortcutRowsType {
+    Q_GADGET
+    QML_FOREIGN(orvane::ShortcutRows)
+    QML_NAMED_ELEMENT(ShortcutRows)
+    QML_UNCREATABLE("of the SettingsModel")
+};
+struct WorkspaceRulesType {
+    Q_GADGET
+    QML_FOREIGN(orvane::WorkspaceRules)
+    QML_NAMED_ELEMENT(WorkspaceRules)
+    QML_UNCREATABLE("of the SettingsModel")
+};
+struct SyncDetailsType {
+    Q_GADGET
+    QML_FOREIGN(orvane::SyncDetails)
+    QML_NAMED_ELEMENT(SyncDetails)
+    QML_UNCREATABLE("of the SettingsModel")
 };
 
 } // namespace orvane::qml

@@ -36,5 +36,23 @@ TEST(KeyNames, KeepsThePlusKeyAndWhatItDoesNotKnow)
     EXPECT_EQ(on(other, u""), "");
 }
 
+TEST(KeyNames, NamesWhatIsPressed)
+{
+    const auto chord = [](int key, Qt::KeyboardModifiers held = {}) {
+        return KeyNames::chord(key, static_cast<int>(held.toInt())).toStdString();
+    };
+    EXPECT_EQ(chord(Qt::Key_T, Qt::ControlModifier | Qt::ShiftModifier), "Ctrl+Shift+T");
+    EXPECT_EQ(chord(Qt::Key_C), "C");
+    EXPECT_EQ(chord(Qt::Key_Delete), "Del");
+    // The keypad's are no others.
+    EXPECT_EQ(chord(Qt::Key_Enter, Qt::KeypadModifier), "Return");
+    EXPECT_EQ(chord(Qt::Key_Backtab, Qt::ShiftModifier), "Shift+Tab");
+    EXPECT_EQ(chord(Qt::Key_Plus, Qt::ControlModifier), "Ctrl++");
+    // Not before there is a key beside them.
+    EXPECT_EQ(chord(Qt::Key_Control, Qt::ControlModifier), "");
+    EXPECT_EQ(KeyNames::held(Qt::Key_Shift, Qt::ControlModifier).toStdString(), "Ctrl+Shift");
+    EXPECT_EQ(KeyNames::held(Qt::Key_Control, 0).toStdString(), "Ctrl");
+}
+
 } // namespace
 } // namespace orvane

@@ -8,6 +8,7 @@ Notice {
     id: line
 
     required property Notices notices
+    required property string undoKeys
 
     signal undo
 
@@ -16,6 +17,6 @@ Notice {
     icon: notices.isFailure ? "warn" : "check"
     iconColor: notices.isFailure ? Theme.danger : Theme.accent
     actionText: notices.action === Notices.Undo ? qsTr("Undo") : notices.isFailure ? qsTr("Dismiss") : ""
-    actionKey: notices.action === Notices.Undo ? "Ctrl+Z" : ""
+    actionKey: notices.action === Notices.Undo ? line.undoKeys : ""
     onAction: notices.action === Notices.Undo ? line.undo() : notices.dismiss()
 }

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import Orvane
 import Orvane.Components
@@ -9,9 +11,10 @@ Rectangle {
 
     required property AppModel app
     required property PlacesModel places
+    required property string section
 
+    signal chosen(section: string)
     signal accountWanted
-
     // What waits for its user is asked for.
     signal settle
 
@@ -32,11 +35,30 @@ Rectangle {
         width: parent.width - 2 * Theme.space12
         spacing: 2
 
-        SectionRow {
-            width: parent.width
-            text: qsTr("Timer")
-            iconName: "timer"
-            current: true
+        Repeater {
+            model: [
+                { section: "timer", text: qsTr("Timer"), icon: "timer", command: KeyTable.ShowTimer },
+                { section: "projects", text: qsTr("Projects"), icon: "projects", command: KeyTable.ShowProjects },
+                { section: "settings", text: qsTr("Settings"), icon: "settings", command: KeyTable.ShowSettings }
+            ]
+
+            SectionRow {
+                id: row
+
+                required property var modelData
+
+                width: parent.width
+                text: modelData.text
+                iconName: modelData.icon
+                current: sidebar.section === modelData.section
+                onClicked: sidebar.chosen(modelData.section)
+
+                Hint {
+                    visible: row.hovered
+                    text: row.modelData.text
+                    keys: sidebar.app.keys.caps[row.modelData.command]
+                }
+            }
         }
     }
 

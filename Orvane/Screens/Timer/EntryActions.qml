@@ -13,7 +13,7 @@ Item {
         anchors.verticalCenter: parent.verticalCenter
         iconName: "play"
         text: qsTr("Continue %1").arg(actions.line.title)
-        keys: "C"
+        keys: actions.line.timer.keys.caps[KeyTable.ContinueEntry]
         onClicked: actions.line.timer.continueEntry(actions.line.entryId)
     }
     Rectangle {
@@ -34,19 +34,19 @@ Item {
                 visible: !actions.line.isLocked
                 iconName: "split"
                 text: qsTr("Split %1").arg(actions.line.title)
-                keys: "S"
+                keys: actions.line.timer.keys.caps[KeyTable.SplitEntry]
                 onClicked: actions.line.timer.split.open(actions.line.entryId)
             }
             IconButton {
                 iconName: "copy"
                 text: qsTr("Duplicate %1").arg(actions.line.title)
-                keys: "Ctrl+D"
+                keys: actions.line.timer.keys.caps[KeyTable.DuplicateEntry]
                 onClicked: actions.line.timer.duplicate(actions.line.entryId)
             }
             IconButton {
                 iconName: "x"
                 text: qsTr("Delete %1").arg(actions.line.title)
-                keys: "Del"
+                keys: actions.line.timer.keys.caps[KeyTable.DeleteEntry]
                 onClicked: actions.line.timer.remove(actions.line.entryId)
             }
         }

@@ -100,7 +100,7 @@ Item {
                 anchors.verticalCenter: parent.verticalCenter
                 text: qsTr("Stop")
                 iconName: "stop"
-                keys: band.width < 560 ? "" : "Ctrl+T"
+                keys: band.width < 560 ? "" : band.timer.keys.caps[KeyTable.StartOrStop]
                 tall: true
                 onClicked: band.timer.stop()
             }

@@ -104,22 +104,24 @@ FocusScope {
             root.timer.list.turn(currentIndex)
         Keys.onPressed: event => {
             const id = entryId();
+            const chord = KeyNames.chord(event.key, event.modifiers);
+            const command = root.timer.keys.entryCommand(chord);
             event.accepted = true;
             if (root.timer.several.count > 1 && root.actOnSeveral(event))
                 return;
-            if ((event.key === Qt.Key_Return || event.key === Qt.Key_Enter) && id === "")
+            if (chord === "Return" && id === "")
                 root.timer.list.turn(currentIndex);
-            else if (event.key === Qt.Key_Return || event.key === Qt.Key_Enter)
+            else if (command === KeyTable.EditEntry)
                 root.timer.conflict.open(id) || root.timer.editor.open(id);
-            else if (event.key === Qt.Key_C && event.modifiers === Qt.NoModifier)
+            else if (command === KeyTable.ContinueEntry)
                 root.timer.continueEntry(id);
-            else if (event.key === Qt.Key_T && event.modifiers === Qt.NoModifier)
+            else if (command === KeyTable.TrimEntry)
                 event.accepted = root.timer.trim(id);
-            else if (event.key === Qt.Key_S && event.modifiers === Qt.NoModifier)
+            else if (command === KeyTable.SplitEntry)
                 root.timer.split.open(id);
-            else if (event.key === Qt.Key_D && event.modifiers === Qt.ControlModifier)
+            else if (command === KeyTable.DuplicateEntry)
                 root.timer.duplicate(id);
-            else if (event.key === Qt.Key_Delete || event.key === Qt.Key_Backspace)
+            else if (command === KeyTable.DeleteEntry)
                 root.timer.remove(id);
             else
                 event.accepted = false;

@@ -75,6 +75,11 @@ void TimerModel::tick()
 
 // What is shown
 
+KeyTable *TimerModel::keys() const
+{
+    return m_app->keys();
+}
+
 bool TimerModel::isLoading() const
 {
     return m_app->phase() == AppModel::Phase::Opening ||

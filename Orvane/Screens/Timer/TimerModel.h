@@ -18,6 +18,7 @@
 namespace orvane {
 
 class AppModel;
+class KeyTable;
 
 /// The timer's screen: what runs, the totals, the list, the field, and what can be done with an entry. Each
 /// action shows at once; what could not be done is told in the notice line.
@@ -34,6 +35,7 @@ class TimerModel final : public QObject {
     Q_PROPERTY(orvane::SeveralEntries *several READ several CONSTANT)
     Q_PROPERTY(orvane::ConflictModel *conflict READ conflict CONSTANT)
     Q_PROPERTY(orvane::RefusedList *refused READ refused CONSTANT)
+    Q_PROPERTY(orvane::KeyTable *keys READ keys CONSTANT)
     Q_PROPERTY(bool isReady READ isReady NOTIFY changed)
     Q_PROPERTY(bool isLoading READ isLoading NOTIFY changed)
     Q_PROPERTY(bool isEmpty READ isEmpty NOTIFY changed)
@@ -65,6 +67,7 @@ public:
     SeveralEntries *several() { return &m_several; }
     ConflictModel *conflict() { return &m_conflict; }
     RefusedList *refused() { return &m_refused; }
+    KeyTable *keys() const;
     bool isReady() const { return m_tracker != nullptr; }
     /// The first answer is still to come and nothing was known here.
     bool isLoading() const;

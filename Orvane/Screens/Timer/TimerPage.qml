@@ -11,26 +11,14 @@ FocusScope {
     required property TimerModel timer
     required property bool isWide
 
+    readonly property KeyTable keys: app.keys
     readonly property string returnText: timer.field.action === "" ? qsTr("Start") : timer.field.action
 
     Accessible.role: Accessible.Pane
     Accessible.name: qsTr("Timer")
 
-    Shortcut {
-        sequences: ["Ctrl+N"]
-        onActivated: field.take()
-    }
-    Shortcut {
-        sequences: ["Ctrl+T"]
-        onActivated: page.timer.startOrStop()
-    }
-    Shortcut {
-        sequences: ["Ctrl+E"]
-        onActivated: page.timer.editRunning()
-    }
-    Shortcut {
-        sequences: ["Ctrl+Shift+T"]
-        onActivated: page.timer.continueLast()
+    function takeField(): void {
+        field.take();
     }
 
     Item {
@@ -128,25 +116,25 @@ FocusScope {
             ] : entries.activeFocus && entries.isConflictChosen ? [
                 { keys: "Up Down", text: qsTr("Choose") },
                 { keys: "Return", text: qsTr("Settle") },
-                { keys: "Ctrl+Z", text: qsTr("Undo") }
+                { keys: page.keys.caps[KeyTable.Undo], text: qsTr("Undo") }
             ] : entries.activeFocus ? [
                 { keys: "Up Down", text: qsTr("Choose") },
-                { keys: "Return", text: qsTr("Edit") },
-                { keys: "C", text: qsTr("Continue") },
-                { keys: "S", text: qsTr("Split") },
-                { keys: "Ctrl+D", text: qsTr("Duplicate") },
-                { keys: "Del", text: qsTr("Delete") }
+                { keys: page.keys.caps[KeyTable.EditEntry], text: qsTr("Edit") },
+                { keys: page.keys.caps[KeyTable.ContinueEntry], text: qsTr("Continue") },
+                { keys: page.keys.caps[KeyTable.SplitEntry], text: qsTr("Split") },
+                { keys: page.keys.caps[KeyTable.DuplicateEntry], text: qsTr("Duplicate") },
+                { keys: page.keys.caps[KeyTable.DeleteEntry], text: qsTr("Delete") }
             ] : page.timer.isRunning ? [
                 { keys: "Return", text: page.returnText },
                 { keys: "Down", text: qsTr("Entries") },
-                { keys: "Ctrl+T", text: qsTr("Stop") },
-                { keys: "Ctrl+E", text: qsTr("Edit What Runs") },
-                { keys: "Ctrl+Alt+Space", text: qsTr("Panel") }
+                { keys: page.keys.caps[KeyTable.StartOrStop], text: qsTr("Stop") },
+                { keys: page.keys.caps[KeyTable.EditRunning], text: qsTr("Edit What Runs") },
+                { keys: page.keys.caps[KeyTable.OpenPanel], text: qsTr("Panel") }
             ] : [
                 { keys: "Return", text: page.returnText },
                 { keys: "Down", text: qsTr("Entries") },
-                { keys: "Ctrl+T", text: qsTr("Continue") },
-                { keys: "Ctrl+Alt+Space", text: qsTr("Panel") }
+                { keys: page.keys.caps[KeyTable.StartOrStop], text: qsTr("Continue") },
+                { keys: page.keys.caps[KeyTable.OpenPanel], text: qsTr("Panel") }
             ]
         }
     }
