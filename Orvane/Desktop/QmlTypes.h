@@ -200,6 +200,12 @@ struct WorkspaceRulesType {
     QML_NAMED_ELEMENT(WorkspaceRules)
     QML_UNCREATABLE("of the SettingsModel")
 };
+struct AccountDetailsType {
+    Q_GADGET
+    QML_FOREIGN(orvane::AccountDetails)
+    QML_NAMED_ELEMENT(AccountDetails)
+    QML_UNCREATABLE("of the SettingsModel")
+};
 struct SyncDetailsType {
     Q_GADGET
     QML_FOREIGN(orvane::SyncDetails)

@@ -17,7 +17,8 @@ Item {
     readonly property int indent: isNarrow ? 0 : 232 + 32
 
     width: parent ? parent.width : 0
-    height: 18 + Math.max(names.height, controls.y - 18 + controls.childrenRect.height) + 18
+    height: visible ? implicitHeight : 0
+    implicitHeight: 18 + Math.max(names.height, controls.y - 18 + controls.childrenRect.height) + 18
     Accessible.role: Accessible.Grouping
     Accessible.name: title
 

@@ -6,7 +6,12 @@
 namespace orvane {
 
 SettingsModel::SettingsModel(AppModel &app)
-    : m_writer(app), m_time(app, m_writer), m_shortcuts(*app.keys()), m_rules(app, m_writer), m_sync(app)
+    : m_writer(app)
+    , m_time(app, m_writer)
+    , m_shortcuts(*app.keys())
+    , m_rules(app, m_writer)
+    , m_sync(app)
+    , m_account(app, m_writer)
 {
     connect(&m_writer, &SettingsWriter::changed, this, &SettingsModel::changed);
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Screens/Settings/AccountDetails.h"
 #include "Screens/Settings/SettingsWriter.h"
 #include "Screens/Settings/ShortcutRows.h"
 #include "Screens/Settings/SyncDetails.h"
@@ -26,6 +27,7 @@ class SettingsModel final : public QObject {
     Q_PROPERTY(orvane::ShortcutRows *shortcuts READ shortcuts CONSTANT)
     Q_PROPERTY(orvane::WorkspaceRules *rules READ rules CONSTANT)
     Q_PROPERTY(orvane::SyncDetails *sync READ sync CONSTANT)
+    Q_PROPERTY(orvane::AccountDetails *account READ account CONSTANT)
 
 public:
     explicit SettingsModel(AppModel &app);
@@ -43,6 +45,7 @@ public:
     ShortcutRows *shortcuts() { return &m_shortcuts; }
     WorkspaceRules *rules() { return &m_rules; }
     SyncDetails *sync() { return &m_sync; }
+    AccountDetails *account() { return &m_account; }
 
     Q_INVOKABLE void find();
     /// The examples of the pages are of now.
@@ -61,6 +64,7 @@ private:
     ShortcutRows m_shortcuts;
     WorkspaceRules m_rules;
     SyncDetails m_sync;
+    AccountDetails m_account;
 };
 
 } // namespace orvane

@@ -19,7 +19,8 @@ FocusScope {
         { page: "appearance", file: "AppearancePage.qml", title: qsTr("Appearance"), holds: qsTr("colours, light, dark, motion, animation") },
         { page: "shortcuts", file: "ShortcutsPage.qml", title: qsTr("Shortcuts"), holds: qsTr("keys, keyboard, commands") },
         { page: "sync", file: "SyncPage.qml", title: qsTr("Sync"), holds: qsTr("server, waiting changes, send now, offline") },
-        { page: "workspace", file: "WorkspacePage.qml", title: qsTr("Workspace"), holds: qsTr("name, currency, rate, required, administrators, locked time") }
+        { page: "workspace", file: "WorkspacePage.qml", title: qsTr("Workspace"), holds: qsTr("name, currency, rate, required, administrators, locked time") },
+        { page: "account", file: "AccountPage.qml", title: qsTr("Account"), holds: qsTr("name, email, password, sessions, devices, sign out, export, my data, delete") }
     ]
     readonly property var found: pages.filter(each => (each.title + " " + each.holds).toLowerCase().includes(search.text.trim().toLowerCase()))
 

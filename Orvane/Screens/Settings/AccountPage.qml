@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Orvane
+import Orvane.Components
+
+// Who one is at this server, where else one is signed in, and the ways out.
+SettingsSheet {
+    id: page
+
+    required property AppModel app
+    required property SettingsModel settings
+
+    readonly property AccountDetails account: settings.account
+    // What can't be taken back is answered in its place: "", "signout" or "delete".
+    property string question
+
+    problem: settings.problem
+    note: account.isAway ? qsTr("The server is away; these can be changed again once it is back.") : ""
+
+    Component.onCompleted: account.look()
+
+    SettingGroup {
+        title: qsTr("You")
+        about: page.account.hasSignIn ? qsTr("Signed in to %1.").arg(page.account.place) : qsTr("The account on this computer, which needs no signing in.")
+
+        AccountFacts {
+            width: parent.width
+            settings: page.settings
+        }
+    }
+    SettingGroup {
+        title: qsTr("Password")
+        about: qsTr("Changing it signs out your other devices.")
+        visible: page.account.hasPassword
+
+        PasswordChange {
+            width: parent.width
+            account: page.account
+        }
+    }
+    SettingGroup {
+        title: qsTr("Sessions")
+        about: qsTr("Where this account is signed in.")
+        visible: page.account.hasSignIn
+
+        SessionTable {
+            width: parent.width
+            account: page.account
+        }
+    }
+    SettingGroup {
+        title: qsTr("My Data")
+        isLast: !page.account.hasSignIn
+
+        MyData {
+            width: parent.width
+            account: page.account
+            asks: page.question === "delete"
+            onAsked: wanted => page.question = wanted ? "delete" : ""
+        }
+    }
+    SettingGroup {
+        title: qsTr("Sign Out")
+        about: qsTr("Other servers stay signed in.")
+        visible: page.account.hasSignIn
+        isLast: true
+
+        SignOutAnswers {
+            width: parent.width
+            app: page.app
+            account: page.account
+            asks: page.question === "signout"
+            onAsked: wanted => page.question = wanted ? "signout" : ""
+        }
+    }
+}
