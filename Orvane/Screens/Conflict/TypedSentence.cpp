@@ -15,7 +15,8 @@ QString mention(QChar sign, const std::string &name)
 QString timePhrase(const EntryRequest &request, const UserTime &time)
 {
     const DayKey day = time.dayKey(request.start);
-    QString phrase = day == time.today() ? QString() : QString::fromStdString(day.description()) + QLatin1Char(' ');
+    QString phrase =
+        day == time.today() ? QString() : QString::fromStdString(day.description()) + QLatin1Char(' ');
     const QString start = QString::fromStdString(time.clockLabel(request.start));
     if (!request.stop)
         return phrase + QStringLiteral("since %1").arg(start);
