@@ -5,7 +5,8 @@ import QtQuick
 import Orvane
 import Orvane.Components
 
-// The projects below their clients; the one that is edited opens in its place, a new one above all.
+// The projects below their clients; the one that is edited opens in its place, a new one above all. (A list of bound
+// components has no header in Qt 6.4.)
 FocusScope {
     id: table
 
@@ -57,9 +58,18 @@ FocusScope {
             }
         }
     }
+    WantedLoader {
+        id: form
+        y: heads.y + heads.height
+        width: parent.width
+        isWanted: table.projects.editor.isNew
+        page: "ProjectForm.qml"
+        properties: ({ projects: table.projects, columns: table.columns })
+    }
     ListView {
         id: list
-        anchors.top: heads.bottom
+        anchors.top: form.bottom
+        anchors.topMargin: form.height > 0 ? 8 : 0
         anchors.bottom: parent.bottom
         width: parent.width
         clip: true
@@ -107,20 +117,6 @@ FocusScope {
         onFocusedChanged: Qt.callLater(reveal)
         onContentHeightChanged: Qt.callLater(reveal)
 
-        header: Item {
-            width: list.width
-            height: form.height > 0 ? form.height + 8 : 0
-
-            WantedLoader {
-                id: form
-                y: 4
-                width: parent.width
-                isWanted: table.projects.editor.isNew
-                page: "ProjectForm.qml"
-                properties: ({ projects: table.projects, columns: table.columns })
-                onLoaded: list.positionViewAtBeginning()
-            }
-        }
         delegate: ProjectLine {
             projects: table.projects
             columns: table.columns
