@@ -65,6 +65,9 @@ FocusScope {
         isWanted: table.projects.editor.isNew
         page: "ProjectForm.qml"
         properties: ({ projects: table.projects, columns: table.columns })
+        // The keyboard goes to the list, unless another project is edited now.
+        onIsWantedChanged: if (!isWanted && table.projects.editor.projectId === "")
+            Qt.callLater(table.enter)
     }
     ListView {
         id: list
