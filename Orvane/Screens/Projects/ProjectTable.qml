@@ -26,6 +26,25 @@ FocusScope {
         list.currentItem?.forceActiveFocus(Qt.TabFocusReason);
     }
 
+    // Once what was opened or closed has its height.
+    Timer {
+        id: entering
+        interval: 0
+        onTriggered: table.enter()
+    }
+    Timer {
+        id: revealing
+        interval: 0
+        onTriggered: list.reveal()
+    }
+    Timer {
+        id: opening
+        interval: 0
+        onTriggered: {
+            if (list.itemAtIndex(list.opened)?.height < list.height)
+                list.positionViewAtIndex(list.opened, ListView.Contain);
+        }
+    }
     Item {
         id: heads
         y: 4
@@ -67,7 +86,7 @@ FocusScope {
         properties: ({ projects: table.projects, columns: table.columns })
         // The keyboard goes to the list, unless another project is edited now.
         onIsWantedChanged: if (!isWanted && table.projects.editor.projectId === "")
-            Qt.callLater(table.enter)
+            entering.start()
     }
     ListView {
         id: list
@@ -117,18 +136,20 @@ FocusScope {
             else if (top + focused.height > contentY + height - 16)
                 contentY = top + focused.height - height + 16;
         }
-        onFocusedChanged: Qt.callLater(reveal)
-        onContentHeightChanged: Qt.callLater(reveal)
+        property int opened: -1
+
+        onFocusedChanged: revealing.start()
+        onContentHeightChanged: revealing.start()
 
         delegate: ProjectLine {
             projects: table.projects
             columns: table.columns
             width: list.width
             isChosen: ListView.isCurrentItem && activeFocus
-            onOpened: Qt.callLater(() => {
-                if (height < list.height)
-                    list.positionViewAtIndex(index, ListView.Contain);
-            })
+            onOpened: {
+                list.opened = index;
+                opening.start();
+            }
             onClosed: {
                 // Another one that is edited now has the keyboard.
                 if (projects.editor.projectId !== "" || projects.editor.isNew)
