@@ -87,7 +87,8 @@ public:
     /// Takes the last step back, or does it again; the notice line says which, or why not.
     Q_INVOKABLE void undo();
     Q_INVOKABLE void redo();
-    bool canUndo() const { return m_undo && m_undo->canUndo(); }
+    /// What the next undo takes back; empty when there is nothing.
+    QString undoText() const { return m_undo ? m_undo->undoText() : QString(); }
 
     Phase phase() const { return m_phase; }
     QString problem() const { return m_problem; }

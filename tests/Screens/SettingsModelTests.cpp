@@ -29,9 +29,9 @@ protected:
             return m_app.tracker() != nullptr && m_app.tracker()->state() == LoadState::loaded;
         })) << m_app.problem().toStdString();
     }
-    bool undoes()
+    bool undoes(const char *what)
     {
-        if (!eventually([this] { return m_app.canUndo(); }))
+        if (!eventually([&] { return m_app.undoText().startsWith(QString::fromUtf8(what)); }))
             return false;
         m_app.undo();
         return eventually([this] { return m_app.notices()->text().startsWith(QLatin1String("Undone")); });
@@ -60,7 +60,7 @@ TEST_F(SettingsModelTest, HoldsAChangeAtOnceAndTakesItBack)
     EXPECT_EQ(chosen(time.clocks()), other);
     ASSERT_TRUE(eventually([&] { return known().timeFormat == other.toStdString(); }));
     EXPECT_EQ(m_app.tracker()->time().hour12(), other == QStringLiteral("12h"));
-    ASSERT_TRUE(undoes()) << m_app.notices()->text().toStdString();
+    ASSERT_TRUE(undoes("Changed your settings")) << m_app.notices()->text().toStdString();
     EXPECT_EQ(known(), before);
     EXPECT_EQ(chosen(time.clocks()).toStdString(), before.timeFormat);
 }
@@ -82,7 +82,7 @@ TEST_F(SettingsModelTest, SendsSeveralChangesOneAfterTheOther)
     EXPECT_EQ(m_app.tracker()->time().timeZone(), "Asia/Kathmandu");
     ASSERT_TRUE(eventually([&] { return !m_settings.isSending(); }));
     // The last one alone.
-    ASSERT_TRUE(undoes());
+    ASSERT_TRUE(undoes("Changed your settings"));
     EXPECT_NE(m_app.account()->me().timeZone, "Asia/Kathmandu");
     EXPECT_EQ(known().durationFormat, "decimal");
 }
@@ -160,7 +160,7 @@ TEST_F(SettingsModelTest, AsksBeforeKeysGoToAnotherCommand)
     rows.useHere();
     EXPECT_EQ(table.keys(KeyTable::SplitEntry), QStringLiteral("S"));
     EXPECT_EQ(table.keys(KeyTable::ContinueEntry), QString());
-    ASSERT_TRUE(undoes());
+    ASSERT_TRUE(undoes("Changed the keys of “Split…”"));
     EXPECT_EQ(table.keys(KeyTable::ContinueEntry), QStringLiteral("S"));
 }
 

@@ -44,7 +44,12 @@ def formats(seen):
     seen.keys("ctrl+1")
     seen.waits_for_text(FIELD, "Half a sen")
     seen.waits_for("list item", "Answer mail, .*9:00 am to 9:30 am")
+    # In the field that would take back what is typed.
+    seen.keys("ctrl+7")
+    seen.waits_for("panel", "Settings$")
     seen.keys("ctrl+z")
+    wait(lambda: seen.waits_for("radio button", "24-hour").has("CHECKED"), "the clock as it was")
+    seen.keys("ctrl+1")
     seen.waits_for("list item", "Answer mail, .*09:00 to 09:30")
 
 

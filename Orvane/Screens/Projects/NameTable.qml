@@ -12,10 +12,19 @@ FocusScope {
     required property ProjectsModel projects
     required property NameList names
 
+    WantedLoader {
+        id: form
+        y: 8
+        width: parent.width
+        isWanted: table.names.isNew
+        page: "NameForm.qml"
+        properties: ({ names: table.names })
+    }
     ListView {
         id: list
-        anchors.fill: parent
-        anchors.topMargin: 8
+        anchors.top: form.bottom
+        anchors.bottom: parent.bottom
+        width: parent.width
         clip: true
         focus: true
         activeFocusOnTab: true
@@ -35,18 +44,6 @@ FocusScope {
             currentItem?.forceActiveFocus(Qt.TabFocusReason);
         }
 
-        header: Item {
-            width: list.width
-            height: form.height > 0 ? form.height + 8 : 0
-
-            WantedLoader {
-                id: form
-                width: parent.width
-                isWanted: table.names.isNew
-                page: "NameForm.qml"
-                properties: ({ names: table.names })
-            }
-        }
         delegate: NameLine {
             width: list.width
             projects: table.projects

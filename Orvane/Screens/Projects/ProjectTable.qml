@@ -5,7 +5,8 @@ import QtQuick
 import Orvane
 import Orvane.Components
 
-// The projects below their clients; the one that is edited opens in its place, a new one above all.
+// The projects below their clients; the one that is edited opens in its place, a new one above all. (A list of bound
+// components has no header in Qt 6.4.)
 FocusScope {
     id: table
 
@@ -25,6 +26,25 @@ FocusScope {
         list.currentItem?.forceActiveFocus(Qt.TabFocusReason);
     }
 
+    // Once what was opened or closed has its height.
+    Timer {
+        id: entering
+        interval: 0
+        onTriggered: table.enter()
+    }
+    Timer {
+        id: revealing
+        interval: 0
+        onTriggered: list.reveal()
+    }
+    Timer {
+        id: opening
+        interval: 0
+        onTriggered: {
+            if (list.itemAtIndex(list.opened)?.height < list.height)
+                list.positionViewAtIndex(list.opened, ListView.Contain);
+        }
+    }
     Item {
         id: heads
         y: 4
@@ -57,9 +77,21 @@ FocusScope {
             }
         }
     }
+    WantedLoader {
+        id: form
+        y: heads.y + heads.height
+        width: parent.width
+        isWanted: table.projects.editor.isNew
+        page: "ProjectForm.qml"
+        properties: ({ projects: table.projects, columns: table.columns })
+        // The keyboard goes to the list, unless another project is edited now.
+        onIsWantedChanged: if (!isWanted && table.projects.editor.projectId === "")
+            entering.start()
+    }
     ListView {
         id: list
-        anchors.top: heads.bottom
+        anchors.top: form.bottom
+        anchors.topMargin: form.height > 0 ? 8 : 0
         anchors.bottom: parent.bottom
         width: parent.width
         clip: true
@@ -104,32 +136,20 @@ FocusScope {
             else if (top + focused.height > contentY + height - 16)
                 contentY = top + focused.height - height + 16;
         }
-        onFocusedChanged: Qt.callLater(reveal)
-        onContentHeightChanged: Qt.callLater(reveal)
+        property int opened: -1
 
-        header: Item {
-            width: list.width
-            height: form.height > 0 ? form.height + 8 : 0
+        onFocusedChanged: revealing.start()
+        onContentHeightChanged: revealing.start()
 
-            WantedLoader {
-                id: form
-                y: 4
-                width: parent.width
-                isWanted: table.projects.editor.isNew
-                page: "ProjectForm.qml"
-                properties: ({ projects: table.projects, columns: table.columns })
-                onLoaded: list.positionViewAtBeginning()
-            }
-        }
         delegate: ProjectLine {
             projects: table.projects
             columns: table.columns
             width: list.width
             isChosen: ListView.isCurrentItem && activeFocus
-            onOpened: Qt.callLater(() => {
-                if (height < list.height)
-                    list.positionViewAtIndex(index, ListView.Contain);
-            })
+            onOpened: {
+                list.opened = index;
+                opening.start();
+            }
             onClosed: {
                 // Another one that is edited now has the keyboard.
                 if (projects.editor.projectId !== "" || projects.editor.isNew)

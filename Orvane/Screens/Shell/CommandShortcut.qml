@@ -7,5 +7,7 @@ Shortcut {
     required property KeyTable table
     required property int command
 
-    sequences: table.chords[command].split(" ")
+    readonly property string chords: table.chords[command]
+
+    sequences: chords.split(" ")
 }
