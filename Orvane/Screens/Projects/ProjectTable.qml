@@ -135,6 +135,10 @@ FocusScope {
                 contentY = Math.max(originY, top - 44);
             else if (top + focused.height > contentY + height - 16)
                 contentY = top + focused.height - height + 16;
+            // All answers are seen.
+            const line = itemAtIndex(opened);
+            if (line && table.projects.removal.itemId !== "" && table.projects.removal.itemId === table.projects.editor.projectId)
+                contentY = Math.max(contentY, line.y + line.height - height + 8);
         }
         property int opened: -1
 

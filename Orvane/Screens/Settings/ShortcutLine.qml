@@ -22,7 +22,7 @@ Item {
     // Somebody else's wish for these keys waits for an answer.
     readonly property bool isWanted: !isHead && shortcuts.taker === command
 
-    height: isHead ? 34 : isTaken ? 36 + 36 + 4 : isRecorded ? 36 : 28
+    height: isHead ? 34 : isTaken ? 36 + (isNarrow ? 52 : 36) + 4 : isRecorded ? 36 : 28
     Accessible.role: isHead ? Accessible.Heading : Accessible.ListItem
     Accessible.name: isHead ? title : keys === "" ? qsTr("%1, no keys").arg(title) : qsTr("%1, %2").arg(title).arg(KeyNames.text(keys))
 
@@ -122,10 +122,10 @@ Item {
         }
         Label {
             x: 36
-            height: 32
+            height: line.isNarrow ? 48 : 32
             width: here.x - x - 8
             wrapMode: Text.Wrap
-            maximumLineCount: 2
+            maximumLineCount: 3
             elide: Text.ElideNone
             type: Label.Type.Small
             text: qsTr("%1 is %2. Used here, %2 has no keys.").arg(KeyNames.text(line.shortcuts.wanted)).arg(line.shortcuts.takerTitle)
