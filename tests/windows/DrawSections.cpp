@@ -78,6 +78,16 @@ void drawSettings(Album &album, DesktopWindow &desktop)
     settings.shortcuts()->keep();
 }
 
+void drawLongSections(Album &album, DesktopWindow &desktop)
+{
+    for (const char *page : {"time", "shortcuts", "workspace"}) {
+        desktop.settings().setPage(QLatin1String(page));
+        album.take(desktop, QStringLiteral("settings-long-") + QLatin1String(page));
+    }
+    desktop.window()->setProperty("section", QStringLiteral("projects"));
+    album.take(desktop, QStringLiteral("projects-long"));
+}
+
 } // namespace
 
 void drawSections(Album &album)
@@ -91,6 +101,7 @@ void drawSections(Album &album)
     if (desktop.show() && eventually(isLoaded)) {
         drawProjects(album, desktop);
         drawSettings(album, desktop);
+        Album::withLongTexts(desktop.window(), [&] { drawLongSections(album, desktop); });
     } else {
         album.complain(QStringLiteral("The window of the sections did not open"));
     }

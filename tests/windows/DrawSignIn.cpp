@@ -7,6 +7,43 @@
 
 namespace orvane::testing {
 
+namespace {
+
+/// The page of the account that was signed in to, at first with all sent, then with the server away.
+void drawAccount(Album &album, DesktopWindow &desktop, const TestInstallation &team)
+{
+    desktop.signIn().submit(QStringLiteral("a good password"));
+    const auto isLoaded = [&] {
+        return desktop.app().phase() == AppModel::Phase::Open && !desktop.app().account()->isLocal() &&
+               desktop.app().tracker()->state() == LoadState::loaded;
+    };
+    if (!eventually(isLoaded))
+        album.complain(QStringLiteral("Nobody could sign in"));
+    SettingsModel &settings = desktop.settings();
+    desktop.window()->setProperty("section", QStringLiteral("settings"));
+    settings.setPage(QStringLiteral("account"));
+    if (!eventually([&] { return !settings.account()->sessions().isEmpty(); }))
+        album.complain(QStringLiteral("Nobody knows where one is signed in"));
+    album.take(desktop, QStringLiteral("settings-account"));
+    Album::withLongTexts(desktop.window(),
+                         [&] { album.take(desktop, QStringLiteral("settings-account-long")); });
+    desktop.window()
+        ->findChild<QObject *>(QStringLiteral("accountPage"))
+        ->setProperty("question", QStringLiteral("delete"));
+    album.take(desktop, QStringLiteral("settings-account-delete"));
+    team.killServer();
+    desktop.timer().field()->setText(QStringLiteral("Call the printer 9-10"));
+    desktop.timer().field()->submit();
+    if (!eventually([&] { return settings.account()->waiting() == 1; }))
+        album.complain(QStringLiteral("Nothing waits"));
+    desktop.window()
+        ->findChild<QObject *>(QStringLiteral("accountPage"))
+        ->setProperty("question", QStringLiteral("signout"));
+    album.take(desktop, QStringLiteral("settings-account-signout"));
+}
+
+} // namespace
+
 /// Signing in to a team's server, which is that of another installation, and the switcher afterwards.
 void drawSignIn(Album &album)
 {
@@ -44,6 +81,7 @@ void drawSignIn(Album &album)
     (void)eventually([&] { return desktop.signIn().isMet(); });
     album.take(desktop, QStringLiteral("signin-ended"));
     Album::withLongTexts(desktop.window(), [&] { album.take(desktop, QStringLiteral("signin-long")); });
+    drawAccount(album, desktop, team);
     await(desktop.close());
 }
 

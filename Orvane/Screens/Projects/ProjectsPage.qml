@@ -50,7 +50,7 @@ FocusScope {
 
         TextEntry {
             id: search
-            width: head.isShort ? 104 : 224
+            width: head.isShort ? 104 : 264
             height: 28
             focus: true
             iconName: "search"

@@ -70,6 +70,7 @@ void AccountDetails::follow()
     m_isChangingPassword = m_isExporting = m_isDeleting = false;
     forgetProblems();
     setSessions({}, {});
+    look();
 }
 
 void AccountDetails::forgetProblems()
@@ -171,9 +172,15 @@ Task<> AccountDetails::doChangePassword(ChangePasswordRequest request)
 
 // Sessions
 
+void AccountDetails::setLookedAt(bool isLookedAt)
+{
+    m_isLookedAt = isLookedAt;
+    look();
+}
+
 void AccountDetails::look()
 {
-    if (hasSignIn())
+    if (m_isLookedAt && hasSignIn())
         loadSessions();
 }
 

@@ -61,8 +61,8 @@ public:
     /// How many changes wait to be sent.
     int waiting() const;
 
-    /// Asks where one is signed in.
-    Q_INVOKABLE void look();
+    /// Whether somebody looks at it: then the server is asked where one is signed in.
+    Q_INVOKABLE void setLookedAt(bool isLookedAt);
     Q_INVOKABLE void setFullName(const QString &name);
     /// `passwordChanged` tells that it worked.
     Q_INVOKABLE void changePassword(const QString &current, const QString &next);
@@ -81,6 +81,7 @@ Q_SIGNALS:
 
 private:
     void follow();
+    void look();
     Task<> loadSessions();
     Task<> doChangePassword(ChangePasswordRequest request);
     Task<> doSignOutSession(std::string id);
@@ -92,6 +93,7 @@ private:
     AppModel *m_app;
     SettingsWriter *m_writer;
     QPointer<Account> m_account;
+    bool m_isLookedAt = false;
     bool m_isChangingPassword = false;
     QString m_passwordProblem;
     std::vector<SessionResponse> m_sessions;

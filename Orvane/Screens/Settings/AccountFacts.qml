@@ -10,6 +10,8 @@ Column {
     required property SettingsModel settings
 
     readonly property AccountDetails account: settings.account
+    // Where the values begin, whatever their names are in another language.
+    readonly property int lead: Math.max(100, Math.ceil(Math.max(name.implicitWidth, address.implicitWidth, zone.implicitWidth)) + 12)
 
     spacing: Theme.space8
 
@@ -18,14 +20,15 @@ Column {
         height: 32
 
         Label {
-            width: 88
+            id: name
+
             height: parent.height
             color: Theme.ink2
             text: qsTr("Name")
             Accessible.ignored: true
         }
         TextEntry {
-            x: 100
+            x: facts.lead
             width: parent.width - x
             Accessible.name: qsTr("Name")
             placeholderText: qsTr("How others see you")
@@ -40,7 +43,8 @@ Column {
         visible: facts.account.hasSignIn
 
         Label {
-            width: 88
+            id: address
+
             height: parent.height
             color: Theme.ink2
             text: qsTr("Email")
@@ -48,7 +52,7 @@ Column {
         Label {
             id: email
 
-            x: 100
+            x: facts.lead
             width: Math.min(implicitWidth, parent.width - x - (confirmed.visible ? 110 : 0))
             height: parent.height
             saidByPeople: true
@@ -79,13 +83,14 @@ Column {
         height: 32
 
         Label {
-            width: 88
+            id: zone
+
             height: parent.height
             color: Theme.ink2
             text: qsTr("Time zone")
         }
         Label {
-            x: 100
+            x: facts.lead
             width: parent.width - x - open.width
             height: parent.height
             text: facts.account.zone

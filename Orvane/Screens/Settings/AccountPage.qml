@@ -8,6 +8,7 @@ import Orvane.Components
 // Who one is at this server, where else one is signed in, and the ways out.
 SettingsSheet {
     id: page
+    objectName: "accountPage"
 
     required property AppModel app
     required property SettingsModel settings
@@ -19,7 +20,8 @@ SettingsSheet {
     problem: settings.problem
     note: account.isAway ? qsTr("The server is away; these can be changed again once it is back.") : ""
 
-    Component.onCompleted: account.look()
+    Component.onCompleted: account.setLookedAt(true)
+    Component.onDestruction: account.setLookedAt(false)
 
     SettingGroup {
         title: qsTr("You")

@@ -17,12 +17,22 @@ Grid {
 
     readonly property real room: width - (shares.length - 1) * spacing
     readonly property real sum: shares.reduce((total, share) => total + share, 0)
-    readonly property bool isWide: shares.every(share => room * share / sum >= least)
+    // Whether each cell has the room that its texts want, which differs by language.
+    readonly property bool isWide: {
+        for (let i = 0; i < cells.count; ++i) {
+            const share = room * shares[i % shares.length] / sum;
+            if (share < Math.max(least, (cells.itemAt(i) as ChoiceCell)?.implicitWidth ?? 0))
+                return false;
+        }
+        return true;
+    }
 
     columns: isWide ? shares.length : 1
     spacing: 8
 
     Repeater {
+        id: cells
+
         model: grid.choices.length
 
         ChoiceCell {

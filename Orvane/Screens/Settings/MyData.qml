@@ -13,12 +13,19 @@ Column {
 
     signal asked(bool wanted)
 
+    function take() {
+        if (email.visible)
+            email.forceActiveFocus();
+        else
+            keep.forceActiveFocus();
+    }
+
     onAsksChanged: {
         data.account.forgetProblems();
         email.text = "";
         password.text = "";
         if (asks)
-            (email.visible ? email : keep).forceActiveFocus();
+            take();
     }
 
     Rectangle {
@@ -35,12 +42,15 @@ Column {
 
             Item {
                 width: parent.width
-                height: 44
+                height: Math.max(44, exports.implicitHeight + 20)
 
                 Label {
+                    id: exports
+
                     x: 13
                     width: parent.width - x - exporter.width - 24
                     height: parent.height
+                    wrapMode: Text.Wrap
                     text: qsTr("Everything the server keeps about you, as one archive")
                 }
                 ActionButton {
@@ -63,13 +73,16 @@ Column {
             }
             Item {
                 width: parent.width
-                height: 44
+                height: Math.max(44, removes.implicitHeight + 20)
                 visible: !data.asks
 
                 Label {
+                    id: removes
+
                     x: 13
                     width: parent.width - x - remover.width - 24
                     height: parent.height
+                    wrapMode: Text.Wrap
                     text: qsTr("Account, entries and links, everywhere and for good")
                 }
                 ActionButton {

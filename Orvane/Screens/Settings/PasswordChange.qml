@@ -9,7 +9,7 @@ Column {
 
     required property AccountDetails account
 
-    readonly property bool isNarrow: width < 520
+    readonly property bool isNarrow: width < 520 || next.wanted > Math.floor((width - button.width - 2 * Theme.space8) / 2)
     readonly property int fieldWidth: isNarrow ? width : Math.floor((width - button.width - 2 * Theme.space8) / 2)
 
     function submit() {
@@ -42,6 +42,15 @@ Column {
         }
         TextEntry {
             id: next
+
+            readonly property real wanted: hint.advanceWidth + leftPadding + rightPadding
+
+            TextMetrics {
+                id: hint
+
+                font: next.font
+                text: next.placeholderText
+            }
 
             width: change.fieldWidth
             placeholderText: qsTr("New password, at least 8 characters")

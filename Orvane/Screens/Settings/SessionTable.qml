@@ -11,12 +11,14 @@ Column {
 
     required property AccountDetails account
 
+    readonly property var sessions: account.sessions
+
     spacing: Theme.space8
 
     Rectangle {
         width: parent.width
         height: rows.height
-        visible: table.account.sessions.length > 0
+        visible: table.sessions.length > 0
         radius: Theme.radiusCard
         color: "transparent"
         border.color: Theme.line2
@@ -29,7 +31,7 @@ Column {
             width: parent.width
 
             Repeater {
-                model: table.account.sessions
+                model: table.sessions
 
                 Item {
                     id: row
@@ -110,7 +112,7 @@ Column {
         }
     }
     ActionButton {
-        visible: table.account.sessions.length > 1
+        visible: table.sessions.length > 1
         text: qsTr("Sign Out All Others")
         onClicked: table.account.signOutOthers()
     }
@@ -120,6 +122,6 @@ Column {
         type: Label.Type.Small
         wrapMode: Text.Wrap
         color: Theme.ink2
-        text: table.account.sessionsProblem !== "" ? table.account.sessionsProblem : table.account.sessions.length === 0 ? qsTr("Asking the server…") : ""
+        text: table.account.sessionsProblem !== "" ? table.account.sessionsProblem : table.sessions.length === 0 ? qsTr("Asking the server…") : ""
     }
 }

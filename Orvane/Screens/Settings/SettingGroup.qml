@@ -30,6 +30,7 @@ Item {
 
         Label {
             width: parent.width
+            wrapMode: Text.Wrap
             text: group.title
             font.weight: Font.DemiBold
         }

@@ -46,7 +46,7 @@ FocusScope {
 
         TextEntry {
             id: search
-            width: 224
+            width: 264
             height: 28
             iconName: "search"
             keys: section.app.keys.caps[KeyTable.FindHere]

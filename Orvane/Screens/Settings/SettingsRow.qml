@@ -9,7 +9,7 @@ T.TabButton {
 
     property bool current: false
 
-    implicitHeight: 28
+    implicitHeight: Math.max(28, implicitContentHeight + 8)
     leftPadding: 10
     rightPadding: 10
     checkable: false
@@ -24,6 +24,7 @@ T.TabButton {
 
     contentItem: Label {
         text: control.text
+        wrapMode: Text.Wrap
         font.weight: control.current ? Font.DemiBold : Font.Normal
         color: control.current ? Theme.ink1 : Theme.ink2
         Accessible.ignored: true

@@ -20,7 +20,7 @@ FocusScope {
         id: search
         x: 32
         y: 16
-        width: 304
+        width: Math.min(400, parent.width - 64)
         height: 28
         iconName: "search"
         placeholderText: qsTr("Find a command, or press its keys")
@@ -42,7 +42,7 @@ FocusScope {
         anchors.right: restore.left
         anchors.rightMargin: 12
         anchors.verticalCenter: search.verticalCenter
-        visible: !page.isNarrow
+        visible: !page.isNarrow && implicitWidth <= width
         type: Label.Type.Small
         text: qsTr("Menus, tooltips and the key bar read this table.")
         color: Theme.ink2

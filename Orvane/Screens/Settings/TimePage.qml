@@ -30,9 +30,12 @@ SettingsSheet {
         Label {
             anchors.left: parent.width > 600 ? zone.right : parent.left
             anchors.leftMargin: parent.width > 600 ? 12 : 0
-            y: parent.width > 600 ? 6 : 36
+            anchors.verticalCenter: parent.width > 600 ? zone.verticalCenter : undefined
+            anchors.top: parent.width > 600 ? undefined : zone.bottom
+            anchors.topMargin: 8
             width: parent.width - x
             type: Label.Type.Small
+            wrapMode: Text.Wrap
             text: page.time.zoneSays
             color: Theme.ink2
         }
@@ -89,6 +92,7 @@ SettingsSheet {
             anchors.topMargin: 8
             width: parent.width
             type: Label.Type.Small
+            wrapMode: Text.Wrap
             text: qsTr("Lists and menus stay short, 1h 24m, whichever you choose.")
             color: Theme.ink2
         }
