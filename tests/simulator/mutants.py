@@ -16,6 +16,7 @@ import time
 SECONDS = 120
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 OUTBOX = "OrvaneKit/Outbox/Outbox.cpp"
+SETTLING = "OrvaneKit/Outbox/OutboxSettling.cpp"
 STORE = "OrvaneKit/Outbox/OutboxStore.cpp"
 STACK = "OrvaneKit/Outbox/ChangeStack.cpp"
 RULES = "OrvaneKit/Outbox/OutboxRules.cpp"
@@ -43,7 +44,7 @@ MUTANTS = {
     "what stands on a dropped change": (STACK, "        steps.writeRow(row);\n        changed.push_back(row);\n",
                                         "        changed.push_back(row);\n"),
     "another device's stop taken for one's own": (STORE, "head->entry.stop && head->isStoppedByUs &&", "head->entry.stop &&"),
-    "a settled change sent after those behind it": (OUTBOX, "    m_startsOver = m_isFlushing;\n", ""),
+    "a settled change sent after those behind it": (SETTLING, "    m_startsOver = m_isFlushing;\n", ""),
     "a retry not scheduled": (OUTBOX, "    setOffline(true);\n    scheduleRetry();\n", "    setOffline(true);\n"),
     "a gateway's answer taken for a refusal": (RULES, "problem->status >= 500 || ", "problem->status >= 504 || "),
     "two programs that send at once": (OUTBOX, "    if (!m_parts.takeTurn)\n        co_return co_await sendAll();\n",
