@@ -2,11 +2,11 @@
 #pragma once
 
 #include "AppModel/AppModel.h"
-#include "Screens/Shell/PlacesModel.h"
-#include "Screens/SignIn/SignInModel.h"
 #include "Screens/Panel/PanelModel.h"
 #include "Screens/Projects/ProjectsModel.h"
 #include "Screens/Settings/SettingsModel.h"
+#include "Screens/Shell/PlacesModel.h"
+#include "Screens/SignIn/SignInModel.h"
 #include "Screens/Timer/TimerModel.h"
 
 #include <QtQml/qqml.h>

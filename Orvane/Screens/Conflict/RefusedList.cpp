@@ -4,7 +4,7 @@
 #include "AppModel/AppModel.h"
 #include "Catalog/EntryConversions.h"
 #include "Screens/Conflict/ConflictFields.h"
-#include "Screens/Conflict/TypedSentence.h"
+#include "Screens/Conflict/RetypedEntry.h"
 #include "Screens/Timer/EntryEditor.h"
 #include "Screens/Timer/EntryField.h"
 
@@ -247,7 +247,7 @@ void RefusedList::editCreation(const Refusal &refusal)
         m_app->notices()->tellFailure(tr("Finish or clear what is in the field first."));
         return;
     }
-    m_field->setText(typedSentence(*refusal.change.request(), m_tracker->catalog(), m_tracker->time()));
+    m_field->setText(retypedEntry(*refusal.change.request(), m_tracker->catalog(), m_tracker->time()));
     answer(refusal.seq);
     Q_EMIT fieldFilled();
 }

@@ -11,6 +11,6 @@ namespace orvane {
 
 /// An entry as one would type it into the field, which reads it back as the same: for putting a refused one
 /// there again. What is no longer in the catalog is left out, and so are the parts of a split. Pure.
-QString typedSentence(const EntryRequest &request, const Catalog &catalog, const UserTime &time);
+QString retypedEntry(const EntryRequest &request, const Catalog &catalog, const UserTime &time);
 
 } // namespace orvane

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Screens/Conflict/TypedSentence.h"
+#include "Screens/Conflict/RetypedEntry.h"
 
 #include <QStringList>
 
@@ -26,7 +26,7 @@ QString timePhrase(const EntryRequest &request, const UserTime &time)
 
 } // namespace
 
-QString typedSentence(const EntryRequest &request, const Catalog &catalog, const UserTime &time)
+QString retypedEntry(const EntryRequest &request, const Catalog &catalog, const UserTime &time)
 {
     QStringList words{QString::fromStdString(request.details.description)};
     const auto &details = request.details;
