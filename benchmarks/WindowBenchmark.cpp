@@ -66,7 +66,7 @@ void spend(std::chrono::milliseconds time)
 {
     QElapsedTimer clock;
     clock.start();
-    while (clock.durationElapsed() < time)
+    while (clock.elapsed() < time.count())
         QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
 }
 
