@@ -23,6 +23,9 @@ constexpr QLatin1String lengthKey("length");
 constexpr QLatin1String billableKey("isBillable");
 constexpr QLatin1String projectKey("projectId");
 constexpr QLatin1String taskKey("taskId");
+/// What the fields of the times said when they were last read, in milliseconds.
+constexpr QLatin1String settledStartKey("settledStart");
+constexpr QLatin1String settledStopKey("settledStop");
 
 QString text(const std::string &utf8)
 {
@@ -77,6 +80,7 @@ void EntryEditor::keepDraft()
                 {tagsKey, m_tags},          {startKey, m_start},
                 {stopKey, m_stop},          {lengthKey, m_length},
                 {billableKey, isBillable()}};
+        keepSettledTimes(kept);
         if (m_picked) {
             kept[projectKey] = text(m_picked->first);
             kept[taskKey] = text(m_picked->second);
@@ -85,6 +89,26 @@ void EntryEditor::keepDraft()
     m_app->setDraft(draftPlace, kept.isEmpty()
                                     ? QString()
                                     : QString::fromUtf8(QJsonDocument(kept).toJson(QJsonDocument::Compact)));
+}
+
+/// The times that were read already differ from the entry's own, and what a field says is understood by them.
+void EntryEditor::keepSettledTimes(QJsonObject &kept) const
+{
+    if (m_times.start != m_base.start)
+        kept[settledStartKey] = double(millisecondsSinceEpoch(m_times.start));
+    if (m_times.stop && m_times.stop != m_base.stop)
+        kept[settledStopKey] = double(millisecondsSinceEpoch(*m_times.stop));
+}
+
+void EntryEditor::restoreSettledTimes(const QJsonObject &kept)
+{
+    const auto at = [&](QLatin1String key) {
+        return instantFromMilliseconds(static_cast<std::int64_t>(kept[key].toDouble()));
+    };
+    if (kept.contains(settledStartKey))
+        m_times.start = at(settledStartKey);
+    if (kept.contains(settledStopKey) && m_times.stop)
+        m_times.stop = at(settledStopKey);
 }
 
 /// Once its entry is known.
@@ -102,6 +126,7 @@ void EntryEditor::restoreDraft()
     m_start = kept[startKey].toString();
     m_stop = kept[stopKey].toString();
     m_length = kept[lengthKey].toString();
+    restoreSettledTimes(kept);
     if (kept.contains(projectKey))
         setProject(kept[projectKey].toString(), kept[taskKey].toString());
     setBillable(kept[billableKey].toBool());

@@ -5,6 +5,7 @@
 #include "Support/Task.h"
 #include "Tracker/Tracker.h"
 
+#include <QJsonObject>
 #include <QObject>
 #include <QPointer>
 #include <QString>
@@ -81,6 +82,8 @@ private:
     bool begin(const QString &id);
     void keepDraft();
     void restoreDraft();
+    void keepSettledTimes(QJsonObject &kept) const;
+    void restoreSettledTimes(const QJsonObject &kept);
     void show(const EntryTimes &times);
     void close();
     void setProblem(Field field, const QString &problem);
