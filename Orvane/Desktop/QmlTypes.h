@@ -2,11 +2,11 @@
 #pragma once
 
 #include "AppModel/AppModel.h"
-#include "Screens/Shell/PlacesModel.h"
-#include "Screens/SignIn/SignInModel.h"
 #include "Screens/Panel/PanelModel.h"
 #include "Screens/Projects/ProjectsModel.h"
 #include "Screens/Settings/SettingsModel.h"
+#include "Screens/Shell/PlacesModel.h"
+#include "Screens/SignIn/SignInModel.h"
 #include "Screens/Timer/TimerModel.h"
 
 #include <QtQml/qqml.h>
@@ -78,6 +78,12 @@ struct EntryEditorType {
     Q_GADGET
     QML_FOREIGN(orvane::EntryEditor)
     QML_NAMED_ELEMENT(EntryEditor)
+    QML_UNCREATABLE("of the TimerModel")
+};
+struct DescriptionSuggestionsType {
+    Q_GADGET
+    QML_FOREIGN(orvane::DescriptionSuggestions)
+    QML_NAMED_ELEMENT(DescriptionSuggestions)
     QML_UNCREATABLE("of the TimerModel")
 };
 struct ProjectPickerType {

@@ -63,6 +63,17 @@ void drawSplit(Album &album, DesktopWindow &desktop)
     split.cancel();
 }
 
+/// Below the description of the entry that is edited.
+void drawEarlierWork(Album &album, DesktopWindow &desktop)
+{
+    DescriptionSuggestions &suggestions = *desktop.timer().suggestions();
+    suggestions.type(QStringLiteral("li"));
+    if (!eventually([&] { return suggestions.count() > 1; }))
+        album.complain(QStringLiteral("No earlier work was offered"));
+    album.take(desktop, QStringLiteral("timer-earlier-work"));
+    suggestions.close();
+}
+
 void drawTimer(Album &album)
 {
     const PictureWorld world;
@@ -83,6 +94,7 @@ void drawTimer(Album &album)
     if (!desktop.timer().editor()->open(idOf(desktop, "Rate limits per key")))
         album.complain(QStringLiteral("The entry could not be edited"));
     album.take(desktop, QStringLiteral("timer-editor"));
+    drawEarlierWork(album, desktop);
     desktop.timer().editRunning();
     album.take(desktop, QStringLiteral("timer-running-editor"));
     desktop.timer().editor()->cancel();

@@ -260,6 +260,21 @@ void EntryEditor::setBillable(bool isBillable)
     Q_EMIT edited();
 }
 
+void EntryEditor::takeOver(const TimeEntrySuggestion &work)
+{
+    if (m_entryId.empty() || !m_tracker)
+        return;
+    m_description = text(work.description);
+    if (m_tags.trimmed().isEmpty())
+        m_tags = tagsText(work.tagIds, m_tracker->catalog());
+    const ProjectResponse *project = work.projectId ? m_tracker->catalog().project(*work.projectId) : nullptr;
+    if (!m_draft.details().projectId && !isSplit() && project != nullptr && !project->isArchived) {
+        setProject(text(project->id), text(work.taskId.value_or("")));
+        m_draft.setBillable(work.isBillable);
+    }
+    Q_EMIT edited();
+}
+
 std::optional<TypedMoment> EntryEditor::moment(const QString &typed) const
 {
     return readNamedMoment(typed.trimmed().toStdString(),

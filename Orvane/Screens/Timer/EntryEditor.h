@@ -62,6 +62,9 @@ public:
     /// A project, with one of its tasks or none; both empty: no project.
     Q_INVOKABLE void setProject(const QString &projectId, const QString &taskId);
     Q_INVOKABLE void setBillable(bool isBillable);
+    /// Says what earlier work said: its description, and its project and tags where the entry has none. The
+    /// project brings the task and the billable mark.
+    void takeOver(const TimeEntrySuggestion &work);
     /// Moves a time that can be read by so many minutes.
     Q_INVOKABLE void nudge(Field field, int minutes);
     /// Takes over what the field of one time says into those that follow from it: a length moves the end, an
