@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Draws the application's windows as people see them and saves the pictures: Pictures FOLDER [--all]
 // [SUBJECT…]. The real window over a real server, with a week of time as people have it.
+#include "Client/OrvaneClient.h"
 #include "Desktop/DesktopWindow.h"
 #include "PictureAlbum.h"
 #include "PictureWorld.h"
@@ -74,6 +75,20 @@ void drawEarlierWork(Album &album, DesktopWindow &desktop)
     suggestions.close();
 }
 
+/// Everything before today.
+void drawLocked(Album &album, DesktopWindow &desktop)
+{
+    Tracker &tracker = *desktop.app().tracker();
+    WorkspaceSettingsRequest request;
+    request.name = tracker.settings()->name;
+    request.currency = tracker.settings()->currency;
+    request.lockedBefore = tracker.time().startOfDay(tracker.time().today());
+    if (!await(desktop.app().account()->client().updateWorkspaceSettings(tracker.workspace().id, request)))
+        album.complain(QStringLiteral("The time before today could not be locked"));
+    await(tracker.load());
+    album.take(desktop, QStringLiteral("timer-locked"));
+}
+
 void drawTimer(Album &album)
 {
     const PictureWorld world;
@@ -100,6 +115,7 @@ void drawTimer(Album &album)
     desktop.timer().editor()->cancel();
     drawSplit(album, desktop);
     Album::withLongTexts(desktop.window(), [&] { album.take(desktop, QStringLiteral("timer-long")); });
+    drawLocked(album, desktop);
     drawOffline(album, desktop, world);
     await(desktop.close());
 }

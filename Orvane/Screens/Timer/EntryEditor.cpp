@@ -91,7 +91,7 @@ void EntryEditor::keepDraft()
                                     : QString::fromUtf8(QJsonDocument(kept).toJson(QJsonDocument::Compact)));
 }
 
-/// The times that were read already differ from the entry's own, and what a field says is understood by them.
+/// Those that differ from the entry's own: what stands in a field counts as typed where it differs from them.
 void EntryEditor::keepSettledTimes(QJsonObject &kept) const
 {
     if (m_times.start != m_base.start)
@@ -136,8 +136,12 @@ void EntryEditor::restoreDraft()
 
 bool EntryEditor::open(const QString &id)
 {
-    if (!begin(id))
+    if (!begin(id)) {
+        const auto entry = m_tracker ? m_tracker->entry(id.toStdString()) : std::nullopt;
+        if (entry && isLocked(*entry))
+            m_app->notices()->tellFailure(tr("This entry lies in a locked period of the workspace."));
         return false;
+    }
     Q_EMIT entryChanged();
     Q_EMIT edited();
     return true;
@@ -146,7 +150,7 @@ bool EntryEditor::open(const QString &id)
 bool EntryEditor::begin(const QString &id)
 {
     const auto entry = m_tracker ? m_tracker->entry(id.toStdString()) : std::nullopt;
-    if (!entry || (m_tracker->settings() && m_tracker->rules().isLocked(entry->start)))
+    if (!entry || isLocked(*entry))
         return false;
     m_entryId = entry->id;
     m_base = *entry;
@@ -158,6 +162,11 @@ bool EntryEditor::begin(const QString &id)
     show({entry->start, entry->stop});
     setProblem(Field::None, {});
     return true;
+}
+
+bool EntryEditor::isLocked(const TimeEntryResponse &entry) const
+{
+    return m_tracker->settings() && m_tracker->rules().isLocked(entry.start);
 }
 
 bool EntryEditor::openWith(const QString &id, const EntryRequest &wanted)
@@ -269,7 +278,8 @@ void EntryEditor::takeOver(const TimeEntrySuggestion &work)
         m_tags = tagsText(work.tagIds, m_tracker->catalog());
     const ProjectResponse *project = work.projectId ? m_tracker->catalog().project(*work.projectId) : nullptr;
     if (!m_draft.details().projectId && !isSplit() && project != nullptr && !project->isArchived) {
-        setProject(text(project->id), text(work.taskId.value_or("")));
+        const bool hasTask = work.taskId && m_tracker->catalog().task(*work.taskId) != nullptr;
+        setProject(text(project->id), hasTask ? text(*work.taskId) : QString());
         m_draft.setBillable(work.isBillable);
     }
     Q_EMIT edited();

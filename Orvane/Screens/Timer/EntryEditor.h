@@ -53,7 +53,8 @@ public:
     Field wrongField() const { return m_wrongField; }
     QString problem() const { return m_problem; }
 
-    /// Edits this entry; another one that was edited is left as it was. False for one that is locked or gone.
+    /// Edits this entry; another one that was edited is left as it was. False for one that is gone
+    /// and, told in the notice line, for one that is locked.
     Q_INVOKABLE bool open(const QString &id);
     /// The same with what is wanted of the entry typed in already; the parts of a split stay as they are.
     bool openWith(const QString &id, const EntryRequest &wanted);
@@ -83,6 +84,7 @@ Q_SIGNALS:
 private:
     void follow();
     bool begin(const QString &id);
+    bool isLocked(const TimeEntryResponse &entry) const;
     void keepDraft();
     void restoreDraft();
     void keepSettledTimes(QJsonObject &kept) const;
