@@ -17,8 +17,10 @@ Column {
         data.account.forgetProblems();
         email.text = "";
         password.text = "";
-        if (asks)
-            (email.visible ? email : keep).forceActiveFocus();
+        if (asks && email.visible)
+            email.forceActiveFocus();
+        else if (asks)
+            keep.forceActiveFocus();
     }
 
     Rectangle {
