@@ -57,7 +57,7 @@ bool waitFor(Condition condition)
 {
     QElapsedTimer clock;
     clock.start();
-    while (!condition() && clock.elapsed() < 30'000)
+    while (!condition() && clock.elapsed() < 10'000)
         QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 50);
     return condition();
 }
@@ -99,7 +99,8 @@ public:
         const qint64 before = m_frames;
         const double began = secondsOf(CLOCK_THREAD_CPUTIME_ID);
         action();
-        waitFor([&] { return m_frames > before; });
+        if (!waitFor([&] { return m_frames > before; }))
+            qFatal("an action that no frame shows");
         return 1e3 * (secondsOf(CLOCK_THREAD_CPUTIME_ID) - began);
     }
 

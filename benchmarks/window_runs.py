@@ -12,7 +12,7 @@ import command_runs
 
 def spoken(program, *arguments):
     """What a program that measures itself says."""
-    done = subprocess.run([program, *arguments], check=True, stdout=subprocess.PIPE, text=True,
+    done = subprocess.run([program, *arguments], check=True, stdout=subprocess.PIPE, text=True, timeout=300,
                           env={**os.environ, "QT_QPA_PLATFORM": "xcb"})
     return json.loads(done.stdout.strip().splitlines()[-1])
 
@@ -40,6 +40,8 @@ def measure(binaries, programs, folder, runs, seconds):
     screen = subprocess.Popen(["Xvfb", "-displayfd", "1", "-screen", "0", "1500x950x24", "-nolisten", "tcp",
                                "-noreset"], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
     os.environ["DISPLAY"] = ":" + screen.stdout.readline().strip()
+    # It gives the window the keyboard.
+    manager = subprocess.Popen(["openbox"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
     window = programs / "WindowBenchmark"
     try:
         pid = filled(binaries, folder)
@@ -58,5 +60,7 @@ def measure(binaries, programs, folder, runs, seconds):
         finally:
             command_runs.wait_until_gone(pid)
     finally:
+        manager.terminate()
+        manager.wait()
         screen.terminate()
         screen.wait()

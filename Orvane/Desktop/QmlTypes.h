@@ -80,6 +80,12 @@ struct EntryEditorType {
     QML_NAMED_ELEMENT(EntryEditor)
     QML_UNCREATABLE("of the TimerModel")
 };
+struct DescriptionSuggestionsType {
+    Q_GADGET
+    QML_FOREIGN(orvane::DescriptionSuggestions)
+    QML_NAMED_ELEMENT(DescriptionSuggestions)
+    QML_UNCREATABLE("of the TimerModel")
+};
 struct ProjectPickerType {
     Q_GADGET
     QML_FOREIGN(orvane::ProjectPicker)

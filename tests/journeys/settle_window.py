@@ -9,7 +9,7 @@ settle_window.py PROGRAMS [--out FOLDER] [JOURNEY…]
 import contextlib
 
 import playing
-from timer_window import expect_everywhere, choose, open_editor, rename, tab_to
+from timer_window import FIELD, expect_everywhere, choose, open_editor, rename, tab_to
 from window import Window
 
 SETTLE = "1 entry to settle"
@@ -126,7 +126,45 @@ def several(desk):
     seen.closes()
 
 
-JOURNEYS = {journey.__name__: journey for journey in (conflict, refusal, several)}
+def locked(desk):
+    """Yesterday is locked: its rows say so, and nothing that is done with them changes one."""
+    desk.types('orvane add "Answer mail yesterday 9:00-9:30"')
+    desk.types('orvane add "Call the printer yesterday 9:10-9:45"')
+    desk.types('orvane add "Plan 11:00-11:30"')
+    entries = [("Answer mail", "9:00", "9:30"), ("Call the printer", "9:10", "9:45"), ("Plan", "11:00", "11:30")]
+    seen = Window(desk)
+    seen.waits_for("list item", "Answer mail, .*overlaps$")
+    seen.keys("ctrl+7")
+    seen.clicks("page tab", "Workspace")
+    seen.clicks("text", "Locked before")
+    seen.waits_for_focus("text", "Locked before")
+    seen.types("2026-03-06")
+    seen.keys("Return")
+    seen.keys("ctrl+1")
+    seen.waits_for("list item", "Answer mail, .*locked$")
+    seen.waits_for("list item", "Yesterday, Time before .* is locked")
+    # Nothing is to be trimmed or chosen by Shift there; who wants more is told.
+    for keys in (("t", "Return"), ("shift+Down", "Return"), ("s",), ("Delete",)):
+        choose(seen, "Call the printer")
+        seen.keys(*keys)
+        is_told(seen, "Call the printer")
+    seen.clicks("list item", "Answer mail, ")
+    is_told(seen, "Answer mail")
+    expect_everywhere(seen, entries)
+    seen.closes()
+
+
+def is_told(seen, description):
+    seen.waits_for("alert", "This entry lies in a locked period")
+    assert not seen.all_seen("form") and not seen.all_seen("dialog")
+    assert not seen.all_seen("list item", f"{description}, .*chosen")
+    seen.clicks("push button", "Dismiss")
+    seen.waits_until_gone("alert", "")
+    seen.keys("ctrl+n")
+    seen.waits_for_focus("text", FIELD)
+
+
+JOURNEYS = {journey.__name__: journey for journey in (conflict, refusal, several, locked)}
 
 if __name__ == "__main__":
     playing.main(JOURNEYS, __file__)

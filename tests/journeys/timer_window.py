@@ -138,6 +138,28 @@ def edit(desk):
     seen.closes()
 
 
+def earlier_work(desk):
+    """While a description is typed, those from before stand below it."""
+    desk.types('orvane add "Answer mail 9:00-9:30"')
+    desk.types('orvane add "Call the printer 10:00-10:45"')
+    seen = Window(desk)
+    open_editor(seen, "Call the printer")
+    seen.types("ans")
+    seen.waits_for("list item", "Answer mail$")
+    seen.keys("Escape")
+    seen.waits_until_gone("list item", "Answer mail$")
+    seen.waits_for_text("Description", "ans")
+    seen.types("w")
+    seen.waits_for("list item", "Answer mail$")
+    seen.keys("Down", "Return")
+    seen.waits_for_text("Description", "Answer mail")
+    seen.waits_until_gone("list item", "Answer mail$")
+    seen.keys("Return")
+    seen.waits_until_gone("form", "Edit")
+    expect_everywhere(seen, [("Answer mail", "9:00", "9:30"), ("Answer mail", "10:00", "10:45")])
+    seen.closes()
+
+
 def undo(desk):
     """What was deleted comes back, goes away again, and comes back."""
     desk.types('orvane add "Answer mail 9:00-9:30"')
@@ -246,7 +268,7 @@ def midnight(desk):
 
 
 JOURNEYS = {journey.__name__: journey for journey in (
-    first_start, edit, undo, offline, half_a_sentence, command_beside, midnight)}
+    first_start, edit, earlier_work, undo, offline, half_a_sentence, command_beside, midnight)}
 
 
 if __name__ == "__main__":

@@ -142,14 +142,14 @@ class Desk(terminal.Installation):
         self.screen, self.programs = screen, pathlib.Path(programs)
         super().__init__(self.programs / "orvane", now=now)
         self.windows = []
-        self._server = None
+        self._servers = []
 
     def __exit__(self, *_):
         for window in self.windows:
             window.kill()
         super().__exit__()
-        if self._server:
-            end(self._server)
+        for server in self._servers:
+            end(server)
 
     @property
     def now(self):
@@ -167,13 +167,17 @@ class Desk(terminal.Installation):
     def kill_server(self):
         terminal.kill_server(self.data)
 
-    def serve(self):
-        """The server comes back by itself, without a command that would send what waits."""
+    def serve(self, data=None):
+        """The server of this data folder, or of another, comes back by itself, without a command that would send what
+        waits. Its address."""
         environment = {name: value for name, value in self.environment().items() if name != "ORVANE_NOW"}
-        self._server = subprocess.Popen(
-            ["setpriv", "--pdeathsig", "KILL", self.programs / "orvane", "--data-dir", self.data, "serve"],
+        server = subprocess.Popen(
+            ["setpriv", "--pdeathsig", "KILL", self.programs / "orvane", "--data-dir", data or self.data, "serve"],
             env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
-        assert self._server.stdout.readline().startswith("http://"), "the server says where it is"
+        self._servers.append(server)
+        address = server.stdout.readline().strip()
+        assert address.startswith("http://"), "the server says where it is"
+        return address
 
     def listed(self, options=""):
         """What the command lists of yesterday and today, the running entry among it, as (what, from, to)."""
@@ -181,10 +185,10 @@ class Desk(terminal.Installation):
         return sorted(entry_of(entry["description"], moment(entry["start"]), entry["stop"] and moment(entry["stop"]))
                       for day in days for entry in day["entries"])
 
-    def served(self):
-        """The same as it stands in the server's own database."""
+    def served(self, data=None):
+        """The same as it stands in the server's own database, this data folder's or another's."""
         with contextlib.closing(sqlite3.connect(
-                f"file:{self.data}/server/orvane-server.sqlite?mode=ro", uri=True)) as database:
+                f"file:{data or self.data}/server/orvane-server.sqlite?mode=ro", uri=True)) as database:
             rows = database.execute("SELECT description, start_at, stop_at FROM time_entries").fetchall()
         return sorted(entry_of(what, *(at and datetime.datetime.fromtimestamp(at / 1000, datetime.timezone.utc)
                                        for at in times)) for what, *times in rows)

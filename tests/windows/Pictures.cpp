@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Draws the application's windows as people see them and saves the pictures: Pictures FOLDER [--all]
 // [SUBJECT…]. The real window over a real server, with a week of time as people have it.
+#include "Client/OrvaneClient.h"
 #include "Desktop/DesktopWindow.h"
 #include "PictureAlbum.h"
 #include "PictureWorld.h"
@@ -63,6 +64,31 @@ void drawSplit(Album &album, DesktopWindow &desktop)
     split.cancel();
 }
 
+/// Below the description of the entry that is edited.
+void drawEarlierWork(Album &album, DesktopWindow &desktop)
+{
+    DescriptionSuggestions &suggestions = *desktop.timer().suggestions();
+    suggestions.type(QStringLiteral("li"));
+    if (!eventually([&] { return suggestions.count() > 1; }))
+        album.complain(QStringLiteral("No earlier work was offered"));
+    album.take(desktop, QStringLiteral("timer-earlier-work"));
+    suggestions.close();
+}
+
+/// Everything before today.
+void drawLocked(Album &album, DesktopWindow &desktop)
+{
+    Tracker &tracker = *desktop.app().tracker();
+    WorkspaceSettingsRequest request;
+    request.name = tracker.settings()->name;
+    request.currency = tracker.settings()->currency;
+    request.lockedBefore = tracker.time().startOfDay(tracker.time().today());
+    if (!await(desktop.app().account()->client().updateWorkspaceSettings(tracker.workspace().id, request)))
+        album.complain(QStringLiteral("The time before today could not be locked"));
+    await(tracker.load());
+    album.take(desktop, QStringLiteral("timer-locked"));
+}
+
 void drawTimer(Album &album)
 {
     const PictureWorld world;
@@ -83,11 +109,13 @@ void drawTimer(Album &album)
     if (!desktop.timer().editor()->open(idOf(desktop, "Rate limits per key")))
         album.complain(QStringLiteral("The entry could not be edited"));
     album.take(desktop, QStringLiteral("timer-editor"));
+    drawEarlierWork(album, desktop);
     desktop.timer().editRunning();
     album.take(desktop, QStringLiteral("timer-running-editor"));
     desktop.timer().editor()->cancel();
     drawSplit(album, desktop);
     Album::withLongTexts(desktop.window(), [&] { album.take(desktop, QStringLiteral("timer-long")); });
+    drawLocked(album, desktop);
     drawOffline(album, desktop, world);
     await(desktop.close());
 }

@@ -36,6 +36,8 @@ Column {
             width: change.fieldWidth
             placeholderText: qsTr("Current password")
             echoMode: TextInput.Password
+            // Qt tells no name of a field whose text is secret.
+            Accessible.description: placeholderText
             Accessible.passwordEdit: true
             enabled: !change.account.isAway && !change.account.isChangingPassword
             onAccepted: next.forceActiveFocus()
@@ -55,6 +57,8 @@ Column {
             width: change.fieldWidth
             placeholderText: qsTr("New password, at least 8 characters")
             echoMode: TextInput.Password
+            // Qt tells no name of a field whose text is secret.
+            Accessible.description: placeholderText
             Accessible.passwordEdit: true
             enabled: current.enabled
             onAccepted: change.submit()

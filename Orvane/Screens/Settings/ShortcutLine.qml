@@ -22,7 +22,7 @@ Item {
     // Somebody else's wish for these keys waits for an answer.
     readonly property bool isWanted: !isHead && shortcuts.taker === command
 
-    height: isHead ? 34 : isTaken ? 36 + (isNarrow ? 52 : 36) + 4 : isRecorded ? 36 : 28
+    height: isHead ? 34 : isTaken ? 36 + question.height + 4 : isRecorded ? 36 : 28
     Accessible.role: isHead ? Accessible.Heading : Accessible.ListItem
     Accessible.name: isHead ? title : keys === "" ? qsTr("%1, no keys").arg(title) : qsTr("%1, %2").arg(title).arg(KeyNames.text(keys))
 
@@ -109,9 +109,11 @@ Item {
         onRestored: line.shortcuts.restore(line.command)
     }
     Item {
+        id: question
+
         y: 36
         width: parent.width
-        height: 36
+        height: line.isNarrow ? reason.height + 40 : 36
         visible: line.isTaken
 
         Icon {
@@ -120,18 +122,20 @@ Item {
             name: "fork"
             color: Theme.warning
         }
+        // Above its answers where there is no room beside them.
         Label {
+            id: reason
+
             x: 36
-            height: line.isNarrow ? 48 : 32
-            width: here.x - x - 8
+            height: Math.max(32, implicitHeight)
+            width: (line.isNarrow ? parent.width : here.x) - x - 8
             wrapMode: Text.Wrap
-            maximumLineCount: 3
-            elide: Text.ElideNone
             type: Label.Type.Small
             text: qsTr("%1 is %2. Used here, %2 has no keys.").arg(KeyNames.text(line.shortcuts.wanted)).arg(line.shortcuts.takerTitle)
         }
         ActionButton {
             id: here
+            y: line.isNarrow ? reason.height : 0
             anchors.right: stays.left
             anchors.rightMargin: 8
             text: qsTr("Use Here")
@@ -140,6 +144,7 @@ Item {
         }
         QuietButton {
             id: stays
+            y: here.y
             anchors.right: parent.right
             anchors.rightMargin: 8
             text: line.keys === "" ? qsTr("Keep None") : qsTr("Keep %1").arg(KeyNames.text(line.keys.split(" ")[0]))

@@ -124,6 +124,8 @@ FocusScope {
             implicitHeight: 36
             rightPadding: 40
             Accessible.name: qsTr("Password")
+            // Qt tells no name of a field whose text is secret.
+            Accessible.description: qsTr("Password")
             Accessible.passwordEdit: true
             echoMode: isPlain ? TextInput.Normal : TextInput.Password
             placeholderText: form.signIn.isRegistering ? qsTr("At least 8 characters") : ""

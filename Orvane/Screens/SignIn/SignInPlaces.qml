@@ -85,39 +85,41 @@ Column {
             checked: places.signIn.place === SignInModel.OwnServer
             onToggled: places.signIn.place = SignInModel.OwnServer
 
-            TextEntry {
-                id: address
-
+            Column {
                 y: Theme.space8
                 width: parent.width
-                placeholderText: qsTr("https://time.example.com")
-                Accessible.name: qsTr("Server address")
-                inputMethodHints: Qt.ImhUrlCharactersOnly | Qt.ImhNoAutoUppercase
-                text: places.signIn.address
-                busy: places.signIn.isAsking
-                error: places.signIn.addressProblem
-                enabled: !places.signIn.isBusy
-                onTextEdited: places.signIn.address = text
+                spacing: Theme.space4
 
-                Icon {
-                    anchors.right: parent.right
-                    anchors.rightMargin: 11
-                    y: 8
-                    visible: places.signIn.isMet
-                    name: "check"
-                    color: Theme.accent
+                TextEntry {
+                    id: address
+
+                    width: parent.width
+                    placeholderText: qsTr("https://time.example.com")
+                    Accessible.name: qsTr("Server address")
+                    inputMethodHints: Qt.ImhUrlCharactersOnly | Qt.ImhNoAutoUppercase
+                    text: places.signIn.address
+                    busy: places.signIn.isAsking
+                    error: places.signIn.addressProblem
+                    enabled: !places.signIn.isBusy
+                    onTextEdited: places.signIn.address = text
+
+                    Icon {
+                        anchors.right: parent.right
+                        anchors.rightMargin: 11
+                        y: 8
+                        visible: places.signIn.isMet
+                        name: "check"
+                        color: Theme.accent
+                    }
                 }
-            }
-            Label {
-                anchors.top: address.bottom
-                anchors.topMargin: visible ? Theme.space4 : 0
-                width: parent.width
-                height: visible ? implicitHeight : 0
-                visible: text !== "" && places.signIn.addressProblem === ""
-                type: Label.Type.Small
-                wrapMode: Text.Wrap
-                color: Theme.warning
-                text: places.signIn.addressWarning
+                Label {
+                    width: parent.width
+                    visible: text !== "" && places.signIn.addressProblem === ""
+                    type: Label.Type.Small
+                    wrapMode: Text.Wrap
+                    color: Theme.warning
+                    text: places.signIn.addressWarning
+                }
             }
         }
     }

@@ -30,7 +30,7 @@ Item {
         anchors.verticalCenter: day.verticalCenter
         type: Label.Type.Small
         text: root.line.subtitle
-        color: Theme.ink3
+        color: root.line.isLocked ? Theme.ink2 : Theme.ink3
     }
     Label {
         anchors.right: parent.right

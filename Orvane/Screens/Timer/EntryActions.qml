@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 import QtQuick
+import Orvane
 import Orvane.Components
 
 // What can be done with the entry under the pointer.

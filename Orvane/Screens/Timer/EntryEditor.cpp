@@ -23,6 +23,9 @@ constexpr QLatin1String lengthKey("length");
 constexpr QLatin1String billableKey("isBillable");
 constexpr QLatin1String projectKey("projectId");
 constexpr QLatin1String taskKey("taskId");
+/// What the fields of the times said when they were last read, in milliseconds.
+constexpr QLatin1String settledStartKey("settledStart");
+constexpr QLatin1String settledStopKey("settledStop");
 
 QString text(const std::string &utf8)
 {
@@ -77,6 +80,7 @@ void EntryEditor::keepDraft()
                 {tagsKey, m_tags},          {startKey, m_start},
                 {stopKey, m_stop},          {lengthKey, m_length},
                 {billableKey, isBillable()}};
+        keepSettledTimes(kept);
         if (m_picked) {
             kept[projectKey] = text(m_picked->first);
             kept[taskKey] = text(m_picked->second);
@@ -85,6 +89,26 @@ void EntryEditor::keepDraft()
     m_app->setDraft(draftPlace, kept.isEmpty()
                                     ? QString()
                                     : QString::fromUtf8(QJsonDocument(kept).toJson(QJsonDocument::Compact)));
+}
+
+/// Those that differ from the entry's own: what stands in a field counts as typed where it differs from them.
+void EntryEditor::keepSettledTimes(QJsonObject &kept) const
+{
+    if (m_times.start != m_base.start)
+        kept[settledStartKey] = double(millisecondsSinceEpoch(m_times.start));
+    if (m_times.stop && m_times.stop != m_base.stop)
+        kept[settledStopKey] = double(millisecondsSinceEpoch(*m_times.stop));
+}
+
+void EntryEditor::restoreSettledTimes(const QJsonObject &kept)
+{
+    const auto at = [&](QLatin1String key) {
+        return instantFromMilliseconds(static_cast<std::int64_t>(kept[key].toDouble()));
+    };
+    if (kept.contains(settledStartKey))
+        m_times.start = at(settledStartKey);
+    if (kept.contains(settledStopKey) && m_times.stop)
+        m_times.stop = at(settledStopKey);
 }
 
 /// Once its entry is known.
@@ -102,6 +126,7 @@ void EntryEditor::restoreDraft()
     m_start = kept[startKey].toString();
     m_stop = kept[stopKey].toString();
     m_length = kept[lengthKey].toString();
+    restoreSettledTimes(kept);
     if (kept.contains(projectKey))
         setProject(kept[projectKey].toString(), kept[taskKey].toString());
     setBillable(kept[billableKey].toBool());
@@ -111,8 +136,12 @@ void EntryEditor::restoreDraft()
 
 bool EntryEditor::open(const QString &id)
 {
-    if (!begin(id))
+    if (!begin(id)) {
+        const auto entry = m_tracker ? m_tracker->entry(id.toStdString()) : std::nullopt;
+        if (entry && isLocked(*entry))
+            m_app->notices()->tellFailure(tr("This entry lies in a locked period of the workspace."));
         return false;
+    }
     Q_EMIT entryChanged();
     Q_EMIT edited();
     return true;
@@ -121,7 +150,7 @@ bool EntryEditor::open(const QString &id)
 bool EntryEditor::begin(const QString &id)
 {
     const auto entry = m_tracker ? m_tracker->entry(id.toStdString()) : std::nullopt;
-    if (!entry || (m_tracker->settings() && m_tracker->rules().isLocked(entry->start)))
+    if (!entry || isLocked(*entry))
         return false;
     m_entryId = entry->id;
     m_base = *entry;
@@ -133,6 +162,11 @@ bool EntryEditor::begin(const QString &id)
     show({entry->start, entry->stop});
     setProblem(Field::None, {});
     return true;
+}
+
+bool EntryEditor::isLocked(const TimeEntryResponse &entry) const
+{
+    return m_tracker->settings() && m_tracker->rules().isLocked(entry.start);
 }
 
 bool EntryEditor::openWith(const QString &id, const EntryRequest &wanted)
@@ -232,6 +266,22 @@ void EntryEditor::applyPick(EntryDraft &draft) const
 void EntryEditor::setBillable(bool isBillable)
 {
     m_draft.setBillable(isBillable);
+    Q_EMIT edited();
+}
+
+void EntryEditor::takeOver(const TimeEntrySuggestion &work)
+{
+    if (m_entryId.empty() || !m_tracker)
+        return;
+    m_description = text(work.description);
+    if (m_tags.trimmed().isEmpty())
+        m_tags = tagsText(work.tagIds, m_tracker->catalog());
+    const ProjectResponse *project = work.projectId ? m_tracker->catalog().project(*work.projectId) : nullptr;
+    if (!m_draft.details().projectId && !isSplit() && project != nullptr && !project->isArchived) {
+        const bool hasTask = work.taskId && m_tracker->catalog().task(*work.taskId) != nullptr;
+        setProject(text(project->id), hasTask ? text(*work.taskId) : QString());
+        m_draft.setBillable(work.isBillable);
+    }
     Q_EMIT edited();
 }
 

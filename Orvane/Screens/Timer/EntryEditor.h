@@ -5,6 +5,7 @@
 #include "Support/Task.h"
 #include "Tracker/Tracker.h"
 
+#include <QJsonObject>
 #include <QObject>
 #include <QPointer>
 #include <QString>
@@ -52,7 +53,8 @@ public:
     Field wrongField() const { return m_wrongField; }
     QString problem() const { return m_problem; }
 
-    /// Edits this entry; another one that was edited is left as it was. False for one that is locked or gone.
+    /// Edits this entry; another one that was edited is left as it was. False for one that is gone
+    /// and, told in the notice line, for one that is locked.
     Q_INVOKABLE bool open(const QString &id);
     /// The same with what is wanted of the entry typed in already; the parts of a split stay as they are.
     bool openWith(const QString &id, const EntryRequest &wanted);
@@ -61,6 +63,9 @@ public:
     /// A project, with one of its tasks or none; both empty: no project.
     Q_INVOKABLE void setProject(const QString &projectId, const QString &taskId);
     Q_INVOKABLE void setBillable(bool isBillable);
+    /// Says what earlier work said: its description, and its project and tags where the entry has none. The
+    /// project brings the task and the billable mark.
+    void takeOver(const TimeEntrySuggestion &work);
     /// Moves a time that can be read by so many minutes.
     Q_INVOKABLE void nudge(Field field, int minutes);
     /// Takes over what the field of one time says into those that follow from it: a length moves the end, an
@@ -79,8 +84,11 @@ Q_SIGNALS:
 private:
     void follow();
     bool begin(const QString &id);
+    bool isLocked(const TimeEntryResponse &entry) const;
     void keepDraft();
     void restoreDraft();
+    void keepSettledTimes(QJsonObject &kept) const;
+    void restoreSettledTimes(const QJsonObject &kept);
     void show(const EntryTimes &times);
     void close();
     void setProblem(Field field, const QString &problem);

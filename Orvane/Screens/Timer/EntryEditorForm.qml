@@ -49,13 +49,11 @@ FocusScope {
         width: parent.width - 16
         height: form.isWide ? 32 : 72
 
-        TextEntry {
+        DescriptionField {
             id: description
             width: form.isWide ? project.x - 8 : times.x - 8
-            placeholderText: qsTr("Description")
-            text: form.editor.description
-            onTextEdited: form.editor.description = text
-            onAccepted: form.editor.save()
+            editor: form.editor
+            suggestions: form.timer.suggestions
         }
         ProjectField {
             id: project

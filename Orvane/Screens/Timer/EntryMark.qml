@@ -16,7 +16,7 @@ Row {
     Icon {
         anchors.verticalCenter: parent.verticalCenter
         name: root.mark === TimerList.Waiting ? "pending" : root.mark === TimerList.Conflict ? "fork" : root.mark === TimerList.Overlap ? "overlap" : "lock"
-        color: root.mark === TimerList.Locked ? Theme.ink2 : Theme.warning
+        color: root.mark === TimerList.Locked ? Theme.ink3 : Theme.warning
     }
     Label {
         anchors.verticalCenter: parent.verticalCenter

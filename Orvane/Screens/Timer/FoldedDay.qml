@@ -21,8 +21,17 @@ Item {
         text: root.line.title
         font.weight: Font.DemiBold
     }
-    Label {
+    Icon {
+        id: lock
         anchors.left: day.right
+        anchors.leftMargin: 8
+        anchors.verticalCenter: day.verticalCenter
+        visible: root.line.isLocked
+        name: "lock"
+        size: 14
+    }
+    Label {
+        anchors.left: lock.visible ? lock.right : day.right
         anchors.leftMargin: 8
         anchors.verticalCenter: parent.verticalCenter
         type: Label.Type.Small

@@ -256,7 +256,7 @@ QVariant TimerList::dayData(const TimerRow &row, int role) const
     case partsRole:
         return dayParts(row);
     case isLockedRole:
-        return isLocked(m_list.entries[row.entry]);
+        return holdsLocked(row);
     case spokenRole:
         return spoken(row);
     default:
@@ -264,18 +264,33 @@ QVariant TimerList::dayData(const TimerRow &row, int role) const
     }
 }
 
+/// The lock may end in the middle of the day, whose earliest entry is the last.
+bool TimerList::holdsLocked(const TimerRow &row) const
+{
+    return isLocked(m_list.entries[row.entry + row.count - 1]);
+}
+
 QString TimerList::dayTitle(DayKey day) const
 {
     return qtext(m_tracker->time().dayLabel(day));
 }
 
+/// Until when it is; empty for a day that is not.
+QString TimerList::lockText(const TimerRow &row) const
+{
+    if (!holdsLocked(row))
+        return {};
+    const UserTime &time = m_tracker->time();
+    return tr("Time before %1 is locked.")
+        .arg(qtext(time.dayTitle(time.dayKey(*m_tracker->settings()->lockedBefore))));
+}
+
 QString TimerList::daySubtitle(const TimerRow &row) const
 {
     const UserTime &time = m_tracker->time();
-    const TimeEntryResponse &first = m_list.entries[row.entry];
-    const auto &locked = m_tracker->settings() ? m_tracker->settings()->lockedBefore : std::nullopt;
-    if (locked && isLocked(first))
-        return tr("Time before %1 is locked.").arg(qtext(time.dayTitle(time.dayKey(*locked))));
+    // Where the day is one line, only its padlock has room.
+    if (const QString lock = lockText(row); !lock.isEmpty() && row.kind == TimerRow::Kind::day)
+        return lock;
     if (row.day >= time.today().adding(-1) && row.day <= time.today())
         return qtext(time.dayTitle(row.day));
     return row.count == 1 ? tr("1 entry") : tr("%1 entries").arg(row.count);
@@ -460,9 +475,10 @@ TimerList::Mark TimerList::markOf(const TimerRow &row) const
     const Outbox &outbox = m_tracker->outbox();
     if (m_waiting.contains(entry.id) && (outbox.isOffline() || !outbox.isFlushing()))
         return Mark::Waiting;
-    if (m_overlapping.contains(row.entry))
-        return Mark::Overlap;
-    return isLocked(entry) ? Mark::Locked : Mark::None;
+    // Nothing can be done about an overlap there.
+    if (isLocked(entry))
+        return Mark::Locked;
+    return m_overlapping.contains(row.entry) ? Mark::Overlap : Mark::None;
 }
 
 bool TimerList::isLocked(const TimeEntryResponse &entry) const
@@ -493,8 +509,13 @@ QString TimerList::spoken(const TimerRow &row) const
 {
     const auto shown = [&](int role) { return saidBy(row, role).toString(); };
     QStringList said{shown(titleRole)};
-    if (row.kind == TimerRow::Kind::day || row.kind == TimerRow::Kind::folded)
-        return (said << shown(subtitleRole) << shown(totalRole)).join(QStringLiteral(", "));
+    if (row.kind == TimerRow::Kind::day || row.kind == TimerRow::Kind::folded) {
+        said << shown(subtitleRole) << shown(totalRole);
+        if (row.kind == TimerRow::Kind::folded)
+            said << lockText(row);
+        said.removeAll(QString());
+        return said.join(QStringLiteral(", "));
+    }
     const QString project = shown(projectRole);
     said << (project.isEmpty() ? tr("no project") : project) << shown(taskRole) << shown(tagsRole);
     const TimeEntryResponse &entry = m_list.entries[row.entry];

@@ -95,6 +95,8 @@ private:
     QVariantList entryParts(const TimeEntryResponse &entry) const;
     QString spoken(const TimerRow &row) const;
     Mark markOf(const TimerRow &row) const;
+    QString lockText(const TimerRow &row) const;
+    bool holdsLocked(const TimerRow &row) const;
     bool isLocked(const TimeEntryResponse &entry) const;
     QString projectName(const std::optional<std::string> &projectId) const;
     QString taskName(const std::optional<std::string> &taskId) const;

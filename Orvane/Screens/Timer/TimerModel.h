@@ -4,6 +4,7 @@
 #include "Screens/Conflict/ConflictModel.h"
 #include "Screens/Conflict/RefusedList.h"
 #include "Screens/Timer/DayRuler.h"
+#include "Screens/Timer/DescriptionSuggestions.h"
 #include "Screens/Timer/EntryEditor.h"
 #include "Screens/Timer/EntryField.h"
 #include "Screens/Timer/ProjectPicker.h"
@@ -29,6 +30,7 @@ class TimerModel final : public QObject {
     Q_PROPERTY(orvane::TimerList *list READ list CONSTANT)
     Q_PROPERTY(orvane::EntryField *field READ field CONSTANT)
     Q_PROPERTY(orvane::EntryEditor *editor READ editor CONSTANT)
+    Q_PROPERTY(orvane::DescriptionSuggestions *suggestions READ suggestions CONSTANT)
     Q_PROPERTY(orvane::ProjectPicker *picker READ picker CONSTANT)
     Q_PROPERTY(orvane::DayRuler *ruler READ ruler CONSTANT)
     Q_PROPERTY(orvane::SplitModel *split READ split CONSTANT)
@@ -61,6 +63,7 @@ public:
     TimerList *list() { return &m_list; }
     EntryField *field() { return &m_field; }
     EntryEditor *editor() { return &m_editor; }
+    DescriptionSuggestions *suggestions() { return &m_suggestions; }
     ProjectPicker *picker() { return &m_picker; }
     DayRuler *ruler() { return &m_ruler; }
     SplitModel *split() { return &m_split; }
@@ -136,6 +139,7 @@ private:
     TimerList m_list;
     EntryField m_field;
     EntryEditor m_editor;
+    DescriptionSuggestions m_suggestions;
     ProjectPicker m_picker;
     DayRuler m_ruler;
     SplitModel m_split;
