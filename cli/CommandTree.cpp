@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "CommandTree.h"
 
+#include "Account/ServerAddress.h"
 #include "HelpText.h"
 #include "Input/NearestName.h"
-#include "Account/ServerAddress.h"
 #include "Input/WantedAddress.h"
 #include "QuickEntry/FoldedText.h"
 #include "Support/Require.h"

@@ -20,7 +20,7 @@ FocusScope {
         id: search
         x: 32
         y: 16
-        width: Math.min(400, parent.width - 64)
+        width: Math.min(400, restore.x - x - 12)
         height: 28
         iconName: "search"
         placeholderText: qsTr("Find a command, or press its keys")
