@@ -23,7 +23,7 @@ FocusScope {
         width: Math.min(400, restore.x - x - 12)
         height: 28
         iconName: "search"
-        placeholderText: qsTr("Find a command, or press its keys")
+        placeholderText: page.isNarrow ? qsTr("Find a command") : qsTr("Find a command, or press its keys")
         text: page.shortcuts.query
         onTextEdited: page.shortcuts.query = text
         // Keys that write nothing are looked for as keys.
