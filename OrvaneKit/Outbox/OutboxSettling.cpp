@@ -57,12 +57,16 @@ Task<Result<bool, StoreError>> Outbox::settle(std::int64_t seq, Settlement settl
 Task<std::optional<Outbox::ConflictSides>> Outbox::sides(std::int64_t seq)
 {
     const QPointer<Outbox> self(this);
-    const auto ground = co_await groundOfChange(m_parts.store, seq);
-    const Pending *row = self ? m_queue.find(seq) : nullptr;
+    const Pending *row = m_queue.find(seq);
     if (row == nullptr || !row->conflict)
         co_return std::nullopt;
-    co_return ConflictSides{seq, madeAnew(row->change, ground, *row->conflict), *row->conflict,
-                            std::holds_alternative<EntryChange::Stop>(row->change.action)};
+    const TimeEntryResponse theirs = *row->conflict;
+    const bool isStop = std::holds_alternative<EntryChange::Stop>(row->change.action);
+    const auto mine = co_await changeMadeAnew(m_parts.store, seq, theirs);
+    row = self ? m_queue.find(seq) : nullptr;
+    if (!mine || !*mine || row == nullptr || !row->conflict)
+        co_return std::nullopt;
+    co_return ConflictSides{seq, **mine, theirs, isStop};
 }
 
 Task<std::vector<Refusal>> Outbox::unshownRefusals()

@@ -342,10 +342,19 @@ Task<Result<std::optional<Rows>, StoreError>> settleConflict(std::shared_ptr<Loc
         });
 }
 
-Task<std::optional<TimeEntryResponse>> groundOfChange(std::shared_ptr<LocalStore> store, std::int64_t seq)
+Task<Result<std::optional<EntryChange>, StoreError>>
+changeMadeAnew(std::shared_ptr<LocalStore> store, std::int64_t seq, TimeEntryResponse theirs)
 {
-    auto base = co_await store->load<ChangeBase>(ChangeBase::key(seq));
-    co_return base ? std::optional(std::move(base->entry)) : std::nullopt;
+    co_return co_await store->transact(
+        [seq, theirs = std::move(theirs)](Connection &connection) -> Stored<std::optional<EntryChange>> {
+            StoreSteps steps(connection);
+            std::optional<PendingChange> row;
+            std::optional<ChangeBase> base;
+            steps.readRow(seq, row).read(ChangeBase::key(seq), base);
+            if (!steps)
+                return steps.error();
+            return row ? settledChange(row->change, base, theirs, KeepMine{}) : std::nullopt;
+        });
 }
 
 Task<Result<SettledElsewhere, StoreError>> settledElsewhere(std::shared_ptr<LocalStore> store, Rows rows)

@@ -151,8 +151,10 @@ Task<Result<std::optional<std::vector<PendingChange>>, StoreError>>
 settleConflict(std::shared_ptr<LocalStore> store, std::int64_t seq, TimeEntryResponse current,
                Settlement settlement);
 
-/// What a queued change stands on; none for a creation.
-Task<std::optional<TimeEntryResponse>> groundOfChange(std::shared_ptr<LocalStore> store, std::int64_t seq);
+/// A queued change as it would be if it were made anew in `theirs`. Read in one go with what it stands on,
+/// since another process may be settling it. Nothing when the row is there no more.
+Task<Result<std::optional<EntryChange>, StoreError>>
+changeMadeAnew(std::shared_ptr<LocalStore> store, std::int64_t seq, TimeEntryResponse theirs);
 
 /// What became of rows that another process settled: the refusals, and the entries as its answers left them.
 struct SettledElsewhere {

@@ -137,5 +137,28 @@ TEST_F(OutboxSettlingTest, WhatWaitsBehindStandsOnTheMergeOrAsks)
     EXPECT_TRUE(box.outbox->pending().empty());
 }
 
+TEST_F(OutboxSettlingTest, WhatAnotherWindowGaveUpIsNotOfferedAsMine)
+{
+    changeElsewhere([](auto &theirs) { theirs.start -= std::chrono::minutes{30}; });
+    edit([](auto &mine) {
+        mine.details.description = "mine";
+        mine.start -= std::chrono::minutes{5};
+    });
+    ClientStack::Box beside = stack.openOutbox();
+    await(beside.outbox->flush());
+    ASSERT_EQ(beside.outbox->conflicts().size(), 1U);
+
+    // The first window takes their start while the server is away; the one beside it has not heard of that.
+    stack.proxy().setDown(true);
+    const auto first = this->sides();
+    EntryRequest merged = *first.mine.request();
+    merged.start = first.theirs.start;
+    ASSERT_TRUE(*await(box.outbox->keepMerged(first.seq, merged, first.theirs)));
+    const auto second = await(beside.outbox->sides(first.seq));
+    ASSERT_TRUE(second);
+    EXPECT_EQ(second->mine.request()->start, second->theirs.start);
+    EXPECT_EQ(second->mine.request()->details.description, "mine");
+}
+
 } // namespace
 } // namespace orvane
