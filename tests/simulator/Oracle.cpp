@@ -99,12 +99,17 @@ void Oracle::settled(int id)
     }
 }
 
+bool Oracle::isNumbered(int deed) const
+{
+    return std::ranges::any_of(m_bySeq, [deed](const auto &item) { return item.second == deed; });
+}
+
 std::optional<int> Oracle::deedLike(const std::string &device, const std::string &entry, Kind kind,
                                     const Contents &contents) const
 {
     const auto isLike = [&](const Deed *deed) {
         return deed->device == device && deed->kind == kind && deed->fate == Fate::unknown &&
-               std::ranges::all_of(deed->writes, [&](const auto &item) {
+               !isNumbered(deed->id) && std::ranges::all_of(deed->writes, [&](const auto &item) {
                    const auto found = contents.find(item.first);
                    return found != contents.end() && found->second == item.second;
                });

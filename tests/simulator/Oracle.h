@@ -55,6 +55,8 @@ public:
     /// The user was told where the change is in the queue, so that later news of it are understood.
     void number(int deed, const std::string &device, std::int64_t seq) { m_bySeq[{device, seq}] = deed; }
     std::optional<int> deedAt(const std::string &device, std::int64_t seq) const;
+    /// Whether its place in a queue was ever heard.
+    bool isNumbered(int deed) const;
     /// A deed whose answer was never heard, by what it asks for.
     std::optional<int> deedLike(const std::string &device, const std::string &entry, Kind kind,
                                 const Contents &contents) const;
