@@ -225,6 +225,8 @@ Task<> AppModel::leave()
     if (!m_account)
         co_return;
     const std::shared_ptr<Account> before = std::move(m_account);
+    before->access().disconnect(this);
+    before->state().disconnect(this);
     m_undo.reset();
     m_sync.setAccount(nullptr);
     Q_EMIT placeChanged();

@@ -79,7 +79,7 @@ Task<Result<void, AccountError>> ServerAccess::findLocal()
     m_link = LocalServerLink::make(*m_network, {.folder = installation.serverFolder(), .program = program});
     m_link->giveUpAt(m_deadline);
     if (!waitsForServer() && !m_address.empty()) {
-        lookForMove();
+        m_looking = lookForMove(m_link);
         co_return Result<void, AccountError>{};
     }
     auto hello = m_options.startsServer ? co_await m_link->ensureRunning() : co_await m_link->hello();
@@ -97,10 +97,9 @@ Task<Result<void, AccountError>> ServerAccess::findLocal()
     co_return Result<void, AccountError>{};
 }
 
-Task<> ServerAccess::lookForMove()
+Task<> ServerAccess::lookForMove(std::shared_ptr<LocalServerLink> link)
 {
     const QPointer<ServerAccess> self(this);
-    const auto link = m_link;
     const auto hello = m_options.startsServer ? co_await link->ensureRunning() : co_await link->hello();
     if (!self)
         co_return;
@@ -221,6 +220,8 @@ void ServerAccess::close()
 
 Task<> ServerAccess::settle()
 {
+    if (m_looking)
+        co_await *m_looking;
     co_await m_network->run([]() -> Task<bool> { co_return true; });
 }
 

@@ -109,7 +109,7 @@ Q_SIGNALS:
 
 private:
     Task<Result<void, AccountError>> findLocal();
-    Task<> lookForMove();
+    Task<> lookForMove(std::shared_ptr<LocalServerLink> link);
     Result<void, AccountError> moveLocalStores(const std::string &before);
     Task<> makeClient();
 
@@ -123,6 +123,8 @@ private:
     std::chrono::steady_clock::time_point m_deadline = std::chrono::steady_clock::time_point::max();
     std::shared_ptr<NetworkThread> m_network;
     std::shared_ptr<LocalServerLink> m_link;
+    /// Under way beside an account that is open already.
+    std::optional<Task<>> m_looking;
     std::shared_ptr<AuthSession> m_session;
     std::shared_ptr<OrvaneClient> m_client;
 };

@@ -3,6 +3,7 @@
 
 #include "LinkWire/LinkSocket.h"
 
+#include <QThread>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -47,6 +48,17 @@ std::optional<std::string> socketPath(const std::string &folder, [[maybe_unused]
 #else
     return std::nullopt;
 #endif
+}
+
+/// Through the event loop, since it may be let go of inside one of its own signals; a loop that has ended
+/// deletes nothing more.
+void letGo(LocalSocket *socket)
+{
+    const QThread *thread = socket->thread();
+    if (thread == nullptr || thread->isFinished())
+        delete socket;
+    else
+        socket->deleteLater();
 }
 
 LinkError connectError(QLocalSocket::LocalSocketError error, const QString &text)
@@ -117,8 +129,7 @@ Task<LocalSocket::Connected> LocalSocket::connectTo(std::string folder, std::chr
     const auto descriptor = openOwnFolder(runFolder);
     if (!descriptor)
         co_return failure(descriptor.error());
-    // Destroyed through the event loop: it may be let go of inside one of its own signals.
-    std::shared_ptr<LocalSocket> self(new LocalSocket, [](LocalSocket *socket) { socket->deleteLater(); });
+    std::shared_ptr<LocalSocket> self(new LocalSocket, letGo);
     self->m_folderDescriptor = *descriptor;
     const auto path = socketPath(runFolder, *descriptor);
     if (!path)
