@@ -49,7 +49,8 @@ void SecondTick::schedule()
 {
     using namespace std::chrono;
     const auto now = AppClock::now();
-    const auto next = floor<seconds>(now) + seconds{1};
+    // A timer that fires a little early has made this second's tick.
+    const auto next = floor<seconds>(now + milliseconds{100}) + seconds{1};
     m_timer.start(ceil<milliseconds>(next - now));
 }
 
