@@ -229,7 +229,12 @@ void ProjectEditor::save()
     if (project == nullptr || ProjectFields::of(*project) == *fields)
         close();
     else
-        doUpdate(m_id, std::move(*fields));
+        doChange(
+            m_id,
+            [id = m_id, changed = std::move(*fields)](CatalogEditor &editor) {
+                return editor.updateProject(id, changed);
+            },
+            false);
 }
 
 Task<> ProjectEditor::doCreate(ProjectFields fields)
@@ -247,14 +252,14 @@ Task<> ProjectEditor::doCreate(ProjectFields fields)
         close();
 }
 
-Task<> ProjectEditor::doUpdate(std::string id, ProjectFields fields)
+Task<> ProjectEditor::doChange(std::string id, Change change, bool isTold)
 {
     const QPointer<ProjectEditor> self(this);
     const QPointer<Tracker> tracker = m_tracker;
     const ProjectResponse before = *m_tracker->catalog().project(id);
     setBusy(true);
     CatalogEditor editor(m_app->account()->client(), *m_tracker);
-    const auto after = co_await editor.updateProject(id, std::move(fields));
+    const auto after = co_await change(editor);
     if (!self)
         co_return;
     setBusy(false);
@@ -265,7 +270,7 @@ Task<> ProjectEditor::doUpdate(std::string id, ProjectFields fields)
     if (m_id == id)
         close();
     if (tracker)
-        m_app->noteChange(undoableChange(editor, *tracker, before, *after), false);
+        m_app->noteChange(undoableChange(editor, *tracker, before, *after), isTold);
 }
 
 // What acts at once
@@ -273,34 +278,13 @@ Task<> ProjectEditor::doUpdate(std::string id, ProjectFields fields)
 void ProjectEditor::archive()
 {
     if (!m_id.empty() && !m_isBusy)
-        doArchive(m_id, true);
+        doChange(m_id, [id = m_id](CatalogEditor &editor) { return editor.archiveProject(id); }, true);
 }
 
 void ProjectEditor::restore()
 {
     if (!m_id.empty() && !m_isBusy)
-        doArchive(m_id, false);
-}
-
-Task<> ProjectEditor::doArchive(std::string id, bool isArchived)
-{
-    const QPointer<ProjectEditor> self(this);
-    const QPointer<Tracker> tracker = m_tracker;
-    const ProjectResponse before = *m_tracker->catalog().project(id);
-    setBusy(true);
-    CatalogEditor editor(m_app->account()->client(), *m_tracker);
-    const auto after = isArchived ? co_await editor.archiveProject(id) : co_await editor.restoreProject(id);
-    if (!self)
-        co_return;
-    setBusy(false);
-    if (!after) {
-        setProblem(Field::None, QString::fromStdString(describe(after.error())));
-        co_return;
-    }
-    if (m_id == id)
-        close();
-    if (tracker)
-        m_app->noteChange(undoableChange(editor, *tracker, before, *after), true);
+        doChange(m_id, [id = m_id](CatalogEditor &editor) { return editor.restoreProject(id); }, true);
 }
 
 void ProjectEditor::addTask()

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Catalog/ProjectFields.h"
+#include "Http/CallError.h"
 #include "Screens/Projects/TaskRows.h"
 #include "Support/Task.h"
 
@@ -9,10 +10,12 @@
 #include <QPointer>
 #include <QString>
 #include <QStringList>
+#include <functional>
 
 namespace orvane {
 
 class AppModel;
+class CatalogEditor;
 class Tracker;
 
 /// One project while it is edited in its place, or a new one. Fields hold what is typed; nothing is changed
@@ -97,8 +100,9 @@ private:
     std::vector<std::pair<std::string, QString>> openClients() const;
     std::optional<ProjectFields> typed();
     Task<> doCreate(ProjectFields fields);
-    Task<> doUpdate(std::string id, ProjectFields fields);
-    Task<> doArchive(std::string id, bool isArchived);
+    using Change = std::function<Task<CallResult<ProjectResponse>>(CatalogEditor &editor)>;
+    /// A step that undo takes back; `isTold` puts it into the notice line.
+    Task<> doChange(std::string id, Change change, bool isTold);
     Task<> doAddTask(std::string id, std::string name);
     Task<> doUpdateTask(std::string id, std::string name, bool isActive);
 

@@ -76,7 +76,7 @@ Item {
         anchors.leftMargin: 4
         anchors.verticalCenter: name.verticalCenter
         type: Label.Type.Small
-        text: line.isWanted ? qsTr("Wanted elsewhere") : line.isRecorded ? line.shortcuts.refusal : ""
+        text: line.isWanted ? line.isNarrow ? qsTr("Wanted") : qsTr("Wanted elsewhere") : line.isRecorded ? line.shortcuts.refusal : ""
         font.weight: Font.Medium
         color: line.isWanted ? Theme.warning : Theme.danger
         Accessible.role: Accessible.AlertMessage

@@ -38,7 +38,9 @@ Item {
                 keys: actions.line.timer.keys.caps[KeyTable.SplitEntry]
                 onClicked: actions.line.timer.split.open(actions.line.entryId)
             }
+            // It would stand at the same, locked, time.
             IconButton {
+                visible: !actions.line.isLocked
                 iconName: "copy"
                 text: qsTr("Duplicate %1").arg(actions.line.title)
                 keys: actions.line.timer.keys.caps[KeyTable.DuplicateEntry]
