@@ -3,6 +3,7 @@
 #include "AppModel/AppModel.h"
 #include "Catalog/EntryConversions.h"
 #include "Client/OrvaneClient.h"
+#include "OpenedApp.h"
 #include "Screens/Conflict/ConflictModel.h"
 #include "Time/AppClock.h"
 #include "support/Await.h"
@@ -18,23 +19,19 @@ using namespace orvane::testing;
 using std::chrono::minutes;
 using ::testing::ElementsAre;
 
-class ConflictModelTest : public ::testing::Test {
+class ConflictModelTest : public testing::OpenedApp {
 protected:
     using Edit = std::function<void(EntryRequest &)>;
 
     void SetUp() override
     {
-        app.open();
-        ASSERT_TRUE(eventually([&] { return app.tracker() && tracker().state() == LoadState::loaded; }));
+        OpenedApp::SetUp();
         EntryDetails details;
         details.description = "Pricing page copy";
         const SaveResult made = await(tracker().create({details, start, start + minutes{65}, false}));
         ASSERT_TRUE(made.entry) << made.message;
         before = *made.entry;
     }
-    void TearDown() override { await(app.close()); }
-
-    Tracker &tracker() const { return *app.tracker(); }
     Outbox &outbox() const { return app.account()->outbox(); }
     OrvaneClient &client() const { return app.account()->client(); }
 
@@ -80,8 +77,6 @@ protected:
         return eventually([&] { return outbox().pending().empty(); });
     }
 
-    TestInstallation installation;
-    AppModel app{{.folder = installation.folder(), .serverProgram = builtProgram("orvane-server")}};
     ConflictModel conflict{app};
     const Instant start = std::chrono::floor<minutes>(AppClock::now()) - minutes{300};
     TimeEntryResponse before;

@@ -2,6 +2,7 @@
 // Earlier work offered in the editor of the application without its windows, over the real server.
 #include "AppModel/AppModel.h"
 #include "Client/OrvaneClient.h"
+#include "OpenedApp.h"
 #include "Screens/Timer/TimerModel.h"
 #include "Time/AppClock.h"
 #include "Tracker/CatalogEditor.h"
@@ -19,19 +20,8 @@ using namespace orvane::testing;
 using std::chrono::hours;
 using ::testing::ElementsAre;
 
-class DescriptionSuggestionsTest : public ::testing::Test {
+class DescriptionSuggestionsTest : public testing::OpenedApp {
 protected:
-    void SetUp() override
-    {
-        app.open();
-        ASSERT_TRUE(eventually([&] {
-            return app.sync()->kind() == SyncStatus::Kind::Saved && app.tracker();
-        })) << app.problem().toStdString();
-        ASSERT_TRUE(eventually([&] { return tracker().state() == LoadState::loaded; }));
-    }
-    void TearDown() override { await(app.close()); }
-
-    Tracker &tracker() const { return *app.tracker(); }
     DescriptionSuggestions &suggestions() { return *timer.suggestions(); }
     EntryEditor &editor() { return *timer.editor(); }
 
@@ -72,8 +62,6 @@ protected:
         return eventually([&] { return offered() == descriptions; });
     }
 
-    TestInstallation installation;
-    AppModel app{{.folder = installation.folder(), .serverProgram = builtProgram("orvane-server")}};
     TimerModel timer{app};
     const Instant now = millisecondsFloor(AppClock::now());
 };

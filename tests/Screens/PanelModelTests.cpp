@@ -2,6 +2,7 @@
 // The panel without its window, over the real server.
 #include "AppModel/AppModel.h"
 #include "Client/OrvaneClient.h"
+#include "OpenedApp.h"
 #include "Screens/Panel/PanelModel.h"
 #include "Time/AppClock.h"
 #include "Tracker/CatalogEditor.h"
@@ -21,21 +22,14 @@ using ::testing::ElementsAre;
 using ::testing::Not;
 using ::testing::StartsWith;
 
-class PanelModelTest : public ::testing::Test {
+class PanelModelTest : public testing::OpenedApp {
 protected:
     void SetUp() override
     {
-        app.open();
-        ASSERT_TRUE(eventually([&] {
-            return app.sync()->kind() == SyncStatus::Kind::Saved && app.tracker();
-        })) << app.problem().toStdString();
-        ASSERT_TRUE(eventually([&] { return tracker().state() == LoadState::loaded; }));
+        OpenedApp::SetUp();
         QObject::connect(&panel, &PanelModel::left, &panel, [this] { ++timesLeft; });
         QObject::connect(&panel, &PanelModel::wanted, &panel, [this] { ++timesWanted; });
     }
-    void TearDown() override { await(app.close()); }
-
-    Tracker &tracker() const { return *app.tracker(); }
     CatalogEditor catalog() { return {app.account()->client(), tracker()}; }
 
     ProjectResponse project(const char *name, const std::optional<std::string> &clientId = {})
@@ -78,8 +72,6 @@ protected:
     }
     PaletteUsage usage() { return app.installation().paletteUsage(tracker().workspace().id); }
 
-    TestInstallation installation;
-    AppModel app{{.folder = installation.folder(), .serverProgram = builtProgram("orvane-server")}};
     PanelModel panel{app};
     int timesLeft = 0;
     int timesWanted = 0;

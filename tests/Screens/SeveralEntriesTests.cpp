@@ -2,6 +2,7 @@
 // Several entries edited as one in the application without its windows, over the real server.
 #include "AppModel/AppModel.h"
 #include "Client/OrvaneClient.h"
+#include "OpenedApp.h"
 #include "Screens/Timer/TimerModel.h"
 #include "Time/AppClock.h"
 #include "Tracker/CatalogEditor.h"
@@ -16,12 +17,11 @@ namespace {
 using namespace orvane::testing;
 using std::chrono::minutes;
 
-class SeveralEntriesTest : public ::testing::Test {
+class SeveralEntriesTest : public testing::OpenedApp {
 protected:
     void SetUp() override
     {
-        app.open();
-        ASSERT_TRUE(eventually([&] { return app.tracker() && tracker().state() == LoadState::loaded; }));
+        OpenedApp::SetUp();
         ProjectFields fields;
         fields.name = "Checkout";
         fields.color = "#BE4C6F";
@@ -41,9 +41,6 @@ protected:
             ids.push_back(QString::fromStdString(saved.entry->id));
         }
     }
-    void TearDown() override { await(app.close()); }
-
-    Tracker &tracker() const { return *app.tracker(); }
     using Held = std::vector<std::pair<std::string, std::string>>;
 
     /// Whether the server comes to hold these, each as what it is and its project, in order of start.
@@ -60,8 +57,6 @@ protected:
         });
     }
 
-    TestInstallation installation;
-    AppModel app{{.folder = installation.folder(), .serverProgram = builtProgram("orvane-server")}};
     TimerModel timer{app};
     SeveralEntries &several = *timer.several();
     const Instant noon = std::chrono::floor<minutes>(AppClock::now()) - minutes{400};

@@ -3,6 +3,7 @@
 #include "AppModel/AppModel.h"
 #include "Catalog/EntryConversions.h"
 #include "Client/OrvaneClient.h"
+#include "OpenedApp.h"
 #include "Screens/Timer/SplitModel.h"
 #include "Time/AppClock.h"
 #include "Tracker/CatalogEditor.h"
@@ -19,19 +20,8 @@ using namespace orvane::testing;
 using std::chrono::minutes;
 using ::testing::ElementsAre;
 
-class SplitModelTest : public ::testing::Test {
+class SplitModelTest : public testing::OpenedApp {
 protected:
-    void SetUp() override
-    {
-        app.open();
-        ASSERT_TRUE(eventually([&] {
-            return app.sync()->kind() == SyncStatus::Kind::Saved && app.tracker();
-        })) << app.problem().toStdString();
-        ASSERT_TRUE(eventually([&] { return tracker().state() == LoadState::loaded; }));
-    }
-    void TearDown() override { await(app.close()); }
-
-    Tracker &tracker() const { return *app.tracker(); }
     SplitRows &halves() { return *split.halves(); }
     SplitRows &parts() { return *split.parts(); }
 
@@ -96,8 +86,6 @@ protected:
         return all;
     }
 
-    TestInstallation installation;
-    AppModel app{{.folder = installation.folder(), .serverProgram = builtProgram("orvane-server")}};
     SplitModel split{app};
     const Instant start = std::chrono::floor<minutes>(AppClock::now()) - minutes{120};
     const Instant stop = start + minutes{85};
