@@ -6,6 +6,7 @@ import json
 import os
 import statistics
 import subprocess
+import time
 
 import command_runs
 
@@ -13,7 +14,7 @@ import command_runs
 def spoken(program, *arguments):
     """What a program that measures itself says."""
     done = subprocess.run([program, *arguments], check=True, stdout=subprocess.PIPE, text=True, timeout=300,
-                          env={**os.environ, "QT_QPA_PLATFORM": "xcb"})
+                          env={**os.environ, "QT_QPA_PLATFORM": "xcb", "ORVANE_BENCHMARK_BEGAN": str(time.monotonic())})
     return json.loads(done.stdout.strip().splitlines()[-1])
 
 
