@@ -56,6 +56,7 @@ def measure(binaries, programs, folder, runs, seconds):
             return {"ratio": ratio, "open": ours[-1], "bare": bare[-1],
                     "scroll": spoken(window, "scroll", folder),
                     "type": spoken(window, "type", folder),
+                    "panel": spoken(window, "panel", folder),
                     "rest": spoken(window, "rest", folder, str(seconds)),
                     "hidden": spoken(window, "hidden", folder, str(seconds))}
         finally:

@@ -2,27 +2,21 @@
 import QtQuick
 import Orvane.Components
 
-// The colour of a project; dashed where there is none.
-Item {
+// The colour of a project: Dot { shade: … }; dashed where there is none.
+Rectangle {
     id: dot
 
-    property color color: Theme.none
+    property color shade: Theme.none
     property bool empty: false
 
     implicitWidth: 8
     implicitHeight: 8
+    radius: width / 2
+    color: empty ? "transparent" : shade
 
-    Rectangle {
+    Loader {
+        active: dot.empty
         anchors.fill: parent
-        visible: !dot.empty
-        radius: width / 2
-        color: dot.color
-    }
-    Icon {
-        anchors.fill: parent
-        visible: dot.empty
-        name: dot.empty ? "dashed" : ""
-        size: 8
-        color: Theme.none
+        source: "DashedDot.qml"
     }
 }

@@ -52,16 +52,9 @@ T.Button {
         }
     }
 
-    // Only while it may be wanted: a list has many of these.
-    Loader {
-        active: (control.hovered || control.visualFocus) && control.text !== ""
-        source: "Hint.qml"
-        onLoaded: {
-            const hint = item as Hint;
-            hint.parent = control;
-            hint.text = control.text;
-            hint.keys = control.keys;
-            hint.visible = true;
-        }
+    HoverHint {
+        isWanted: control.hovered || control.visualFocus
+        text: control.text
+        keys: control.keys
     }
 }

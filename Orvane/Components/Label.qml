@@ -23,14 +23,12 @@ Text {
     // A name or a description, which may be longer than any room for it.
     property bool saidByPeople: false
 
-    readonly property int lineSize: [Theme.line11, Theme.line12, Theme.line13, Theme.line15, Theme.line18, Theme.line20, Theme.line24, Theme.line28][type]
-
     color: Theme.ink1
     font.family: Theme.family
-    font.pixelSize: [Theme.t11, Theme.t12, Theme.t13, Theme.t15, Theme.t18, Theme.t20, Theme.t24, Theme.t28][type]
+    font.pixelSize: Theme.typeSizes[type]
     font.weight: type === Label.Type.Title || type >= Label.Type.Figures ? Font.DemiBold : Font.Normal
-    font.letterSpacing: [0, 0, 0, -0.075, -0.144, -0.24, -0.384, -0.504][type]
-    lineHeight: lineSize
+    font.letterSpacing: Theme.typeSpacings[type]
+    lineHeight: Theme.typeLines[type]
     lineHeightMode: Text.FixedHeight
     verticalAlignment: Text.AlignVCenter
     elide: Text.ElideRight

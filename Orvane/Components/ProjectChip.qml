@@ -15,15 +15,15 @@ Item {
     property color taskInk: Theme.ink2
     readonly property bool empty: project === ""
 
-    implicitWidth: Math.ceil(name.x + name.implicitWidth + (rest.visible ? rest.implicitWidth : 0))
+    implicitWidth: Math.ceil(name.x + name.implicitWidth + (rest.isWanted ? rest.implicitWidth : 0))
     implicitHeight: name.implicitHeight
     Accessible.role: Accessible.StaticText
-    Accessible.name: empty ? name.text : task === "" ? project : project + rest.text
+    Accessible.name: empty ? name.text : task === "" ? project : project + " › " + task
 
     Dot {
         anchors.verticalCenter: parent.verticalCenter
         empty: chip.empty
-        color: Theme.projectColor(String(chip.color))
+        shade: Theme.projectColor(String(chip.color))
     }
     Label {
         id: name
@@ -37,19 +37,17 @@ Item {
         color: chip.empty ? Theme.ink2 : chip.ink
         Accessible.ignored: true
     }
-    Label {
+    // Many have no task.
+    Loader {
         id: rest
 
-        saidByPeople: true
+        readonly property bool isWanted: !chip.empty && chip.task !== ""
+
         x: name.x + name.width
         width: Math.min(implicitWidth, Math.max(0, chip.width - x))
         height: chip.height
-        visible: !chip.empty && chip.task !== ""
         // The task gives way first, and is gone before it is only a letter.
         opacity: width < Math.min(implicitWidth, 36) ? 0 : 1
-        type: chip.type
-        text: " › " + chip.task
-        color: chip.taskInk
-        Accessible.ignored: true
+        onIsWantedChanged: isWanted ? setSource("TaskOfChip.qml", { chip: chip }) : source = ""
     }
 }

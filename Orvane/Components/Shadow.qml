@@ -16,7 +16,7 @@ Item {
 
         anchors.fill: parent
         anchors.margins: -reach
-        source: shadow.width <= 0 || shadow.height <= 0 ? "" : Pictures.shadow(shadow.level, shadow.radius, Qt.size(shadow.width, shadow.height), Theme.dark)
+        source: !shadow.visible || shadow.width <= 0 || shadow.height <= 0 ? "" : Pictures.shadow(shadow.level, shadow.radius, Qt.size(shadow.width, shadow.height), Theme.dark)
         border {
             left: sideEdge
             top: topEdge

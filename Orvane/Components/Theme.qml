@@ -103,6 +103,11 @@ QtObject {
     readonly property int line24: 32
     readonly property int line28: 36
 
+    // The same by Label.Type.
+    readonly property var typeSizes: [t11, t12, t13, t15, t18, t20, t24, t28]
+    readonly property var typeLines: [line11, line12, line13, line15, line18, line20, line24, line28]
+    readonly property var typeSpacings: [0, 0, 0, -0.075, -0.144, -0.24, -0.384, -0.504]
+
     readonly property int space4: 4
     readonly property int space8: 8
     readonly property int space12: 12

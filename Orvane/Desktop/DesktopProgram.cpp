@@ -90,7 +90,14 @@ int runDesktop(int argc, char **argv)
             desktop.raise();
     });
     QObject::connect(&desktop, &DesktopWindow::panelFinishedAlone, &application, &QGuiApplication::quit);
-    const bool isShown = options.isPanelAlone ? desktop.openPanel() : desktop.show();
+    QObject::connect(
+        &desktop, &DesktopWindow::failed, &application, [] { QGuiApplication::exit(1); },
+        Qt::QueuedConnection);
+    bool isShown = true;
+    if (options.isPanelAlone)
+        isShown = desktop.openPanel();
+    else
+        desktop.show();
     const int status = isShown ? QGuiApplication::exec() : 1;
     instance.retire();
     QCoro::waitFor(desktop.close());

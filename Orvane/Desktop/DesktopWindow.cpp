@@ -4,6 +4,7 @@
 #include "Fonts.h"
 
 #include <QQuickWindow>
+#include <QtQml>
 
 namespace orvane {
 
@@ -14,58 +15,83 @@ DesktopWindow::DesktopWindow(AppModel::Options options)
     , m_settings(m_app)
     , m_signIn(m_app)
     , m_places(m_app)
+    , m_drawing(&m_engine)
     , m_panel(m_app, m_engine)
 {
-    loadFonts();
     // Where our modules lie; Qt 6.4 does not look there by itself.
     m_engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
     connect(&m_panel, &DesktopPanel::visibilityChanged, this, &DesktopWindow::followVisibility);
     connect(&m_panel, &DesktopPanel::finished, this, [this] {
-        if (m_window == nullptr)
+        if (m_drawing.isNull())
             Q_EMIT panelFinishedAlone();
     });
     connect(&m_panel.model(), &PanelModel::windowWanted, this, &DesktopWindow::raise);
+    m_patience.setSingleShot(true);
+    connect(&m_patience, &QTimer::timeout, this, &DesktopWindow::makeWindow);
+    connect(&m_drawing, &QQmlComponent::statusChanged, this, &DesktopWindow::makeWindow);
+    connect(&m_app, &AppModel::phaseChanged, this, &DesktopWindow::makeWindow);
 }
 
 DesktopWindow::~DesktopWindow()
 {
-    // It goes with the engine, after the panel that its visibility is seen beside.
-    if (m_window != nullptr)
+    // Nobody is to hear of what the window says as it goes.
+    if (m_window)
         m_window->disconnect(this);
+    m_window.reset();
 }
 
 void DesktopWindow::openAccount()
 {
-    if (!m_isAccountOpened)
-        m_app.open();
+    if (m_isAccountOpened)
+        return;
     m_isAccountOpened = true;
+    m_app.open();
+    // The system's list of fonts is read for it, while other threads read the account's store.
+    loadFonts();
 }
 
-bool DesktopWindow::show()
+void DesktopWindow::show()
 {
+    constexpr std::chrono::milliseconds shortWait{150};
+    if (m_window || !m_drawing.isNull())
+        return;
+    m_patience.start(shortWait);
+    // Read on a thread of its own, while the account is opened on this one.
+    m_drawing.loadUrl(QUrl(QStringLiteral("qrc:/qt/qml/Orvane/Main.qml")), QQmlComponent::Asynchronous);
     openAccount();
-    if (m_window != nullptr)
-        return true;
-    m_engine.setInitialProperties({{QStringLiteral("app"), QVariant::fromValue(&m_app)},
-                                   {QStringLiteral("timer"), QVariant::fromValue(&m_timer)},
-                                   {QStringLiteral("signIn"), QVariant::fromValue(&m_signIn)},
-                                   {QStringLiteral("places"), QVariant::fromValue(&m_places)},
-                                   {QStringLiteral("panel"), QVariant::fromValue(&m_panel.model())},
-                                   {QStringLiteral("projects"), QVariant::fromValue(&m_projects)},
-                                   {QStringLiteral("settings"), QVariant::fromValue(&m_settings)}});
-    m_engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Orvane/Main.qml")));
-    if (!m_engine.rootObjects().isEmpty())
-        m_window = qobject_cast<QQuickWindow *>(m_engine.rootObjects().constFirst());
-    if (m_window == nullptr)
-        return false;
-    connect(m_window, &QWindow::visibilityChanged, this, &DesktopWindow::followVisibility);
+}
+
+void DesktopWindow::makeWindow()
+{
+    const bool mayBeFilledSoon = m_app.phase() == AppModel::Phase::Opening && m_patience.isActive();
+    if (m_window || m_drawing.isNull() || m_drawing.isLoading() || mayBeFilledSoon)
+        return;
+    std::unique_ptr<QObject> made(m_drawing.createWithInitialProperties(
+        {{QStringLiteral("app"), QVariant::fromValue(&m_app)},
+         {QStringLiteral("timer"), QVariant::fromValue(&m_timer)},
+         {QStringLiteral("signIn"), QVariant::fromValue(&m_signIn)},
+         {QStringLiteral("places"), QVariant::fromValue(&m_places)},
+         {QStringLiteral("panel"), QVariant::fromValue(&m_panel.model())},
+         {QStringLiteral("projects"), QVariant::fromValue(&m_projects)},
+         {QStringLiteral("settings"), QVariant::fromValue(&m_settings)}}));
+    for (const QQmlError &error : m_drawing.errors())
+        qmlWarning(nullptr, error);
+    auto *window = qobject_cast<QQuickWindow *>(made.get());
+    if (window == nullptr) {
+        Q_EMIT failed();
+        return;
+    }
+    (void)made.release();
+    m_window.reset(window);
+    connect(window, &QWindow::visibilityChanged, this, &DesktopWindow::followVisibility);
     followVisibility();
-    return true;
 }
 
 void DesktopWindow::raise()
 {
-    if (!show())
+    // A window that is made comes up by itself.
+    show();
+    if (!m_window)
         return;
     m_window->show();
     m_window->raise();
@@ -84,7 +110,7 @@ bool DesktopWindow::openPanel()
 void DesktopWindow::followVisibility()
 {
     const bool isWindowSeen =
-        m_window != nullptr && m_window->isVisible() && m_window->visibility() != QWindow::Minimized;
+        m_window && m_window->isVisible() && m_window->visibility() != QWindow::Minimized;
     m_app.tick().setVisible(isWindowSeen || m_panel.isVisible());
 }
 

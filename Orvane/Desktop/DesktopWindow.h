@@ -9,7 +9,10 @@
 #include "Screens/SignIn/SignInModel.h"
 #include "Screens/Timer/TimerModel.h"
 
-#include <QQmlApplicationEngine>
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QTimer>
+#include <memory>
 
 class QQuickWindow;
 
@@ -26,9 +29,9 @@ public:
     explicit DesktopWindow(AppModel::Options options);
     ~DesktopWindow() override;
 
-    /// Makes the window, if it is not there yet, and begins to open the account. False when the QML cannot be
-    /// loaded.
-    bool show();
+    /// Begins to open the account and to make the window, if it is not there yet. It comes with the entries
+    /// that are kept on this computer, and without them where they are not there at once.
+    void show();
     /// Brings the window to the front, making it where only the panel was there.
     void raise();
     /// Opens the panel, and the account where it is not open yet. False when the QML cannot be loaded.
@@ -43,14 +46,17 @@ public:
     ProjectsModel &projects() { return m_projects; }
     SettingsModel &settings() { return m_settings; }
     /// Null before it is shown.
-    QQuickWindow *window() const { return m_window; }
+    QQuickWindow *window() const { return m_window.get(); }
 
 Q_SIGNALS:
+    /// The window's QML cannot be loaded.
+    void failed();
     /// The panel was all that was wanted, and has done its part.
     void panelFinishedAlone();
 
 private:
     void openAccount();
+    void makeWindow();
     void followVisibility();
 
     AppModel m_app;
@@ -59,9 +65,12 @@ private:
     SettingsModel m_settings;
     SignInModel m_signIn;
     PlacesModel m_places;
-    QQmlApplicationEngine m_engine;
+    QQmlEngine m_engine;
+    QQmlComponent m_drawing;
+    /// For the entries, before the window comes without them.
+    QTimer m_patience;
     DesktopPanel m_panel;
-    QQuickWindow *m_window = nullptr;
+    std::unique_ptr<QQuickWindow> m_window;
     bool m_isAccountOpened = false;
 };
 

@@ -13,9 +13,17 @@ std::int64_t entrySeconds(const TimeEntryResponse &entry, Instant now)
 
 std::int64_t entrySeconds(std::span<const TimeEntryResponse> entries, Instant now)
 {
+    return entrySeconds(entries, {Instant::min(), Instant::max()}, now);
+}
+
+std::int64_t entrySeconds(std::span<const TimeEntryResponse> entries, const InstantInterval &startedIn,
+                          Instant now)
+{
     Instant::duration sum{0};
-    for (const TimeEntryResponse &entry : entries)
-        sum += std::max(entry.stop.value_or(now) - entry.start, Instant::duration{0});
+    for (const TimeEntryResponse &entry : entries) {
+        if (startedIn.contains(entry.start))
+            sum += std::max(entry.stop.value_or(now) - entry.start, Instant::duration{0});
+    }
     return std::chrono::floor<std::chrono::seconds>(sum).count();
 }
 

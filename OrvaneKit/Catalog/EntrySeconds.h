@@ -3,6 +3,7 @@
 
 #include "OrvaneAPI/Schemas.h"
 #include "Support/Instant.h"
+#include "Time/UserTime.h"
 
 #include <cstdint>
 #include <span>
@@ -15,6 +16,9 @@ namespace orvane {
 std::int64_t entrySeconds(const TimeEntryResponse &entry, Instant now);
 /// Summed before it is cut to seconds, so that many short entries do not lose what they add up to.
 std::int64_t entrySeconds(std::span<const TimeEntryResponse> entries, Instant now);
+/// Of those alone that start in an interval.
+std::int64_t entrySeconds(std::span<const TimeEntryResponse> entries, const InstantInterval &startedIn,
+                          Instant now);
 
 /// What each part of a split entry has of its seconds, in the order of the shares, whose percents sum to 100;
 /// together exactly as many.

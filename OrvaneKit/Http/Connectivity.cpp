@@ -2,6 +2,7 @@
 #include "Http/Connectivity.h"
 
 #include <QNetworkInformation>
+#include <QTimer>
 
 namespace orvane {
 
@@ -17,11 +18,16 @@ bool looksUsable(QNetworkInformation::Reachability reachability)
 
 Connectivity::Connectivity(QObject *parent) : QObject(parent)
 {
+    QTimer::singleShot(std::chrono::seconds(1), this, &Connectivity::watch);
+}
+
+void Connectivity::watch()
+{
     QNetworkInformation::loadBackendByFeatures(QNetworkInformation::Feature::Reachability);
     const QNetworkInformation *monitor = QNetworkInformation::instance();
     if (!monitor)
         return;
-    m_isOnline = looksUsable(monitor->reachability());
+    setOnline(looksUsable(monitor->reachability()));
     connect(monitor, &QNetworkInformation::reachabilityChanged, this,
             [this](QNetworkInformation::Reachability now) { setOnline(looksUsable(now)); });
 }

@@ -8,7 +8,8 @@ namespace orvane {
 
 /// Whether the machine's network looks usable, as the system reports it. A hint and no more: nothing asks it
 /// before sending, and without a back end for the system (no bus, say) it stays online. What it is good for
-/// is the moment of coming back, when what is queued can go at once.
+/// is the moment of coming back, when what is queued can go at once. The system is first asked after a
+/// second, since its monitor keeps the thread waiting while it is set up.
 ///
 /// Lives on the main thread, as long as the account that it serves.
 class Connectivity : public QObject {
@@ -29,6 +30,8 @@ Q_SIGNALS:
     void isOnlineChanged();
 
 private:
+    void watch();
+
     bool m_isOnline = true;
 };
 

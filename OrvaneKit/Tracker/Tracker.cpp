@@ -67,12 +67,12 @@ Task<bool> Tracker::loadSnapshot()
     if (!snapshot || m_known.hasAnswer())
         co_return snapshot.has_value();
     m_catalog.replace(snapshot->projects, snapshot->clients, snapshot->tags);
-    auto settings = snapshot->settings;
-    const TouchedEntries touched = m_known.takeSnapshot(std::move(*snapshot));
-    if (settings)
-        setSettings(std::move(*settings));
-    if (self)
-        show(touched);
+    const bool hasOtherSettings = snapshot->settings && m_settings != snapshot->settings;
+    if (hasOtherSettings)
+        m_settings = snapshot->settings;
+    show(m_known.takeSnapshot(std::move(*snapshot)));
+    if (self && hasOtherSettings)
+        Q_EMIT settingsChanged();
     co_return true;
 }
 

@@ -149,7 +149,7 @@ void drawConflict(Album &album)
     const auto isLoaded = [&] {
         return desktop.app().tracker() != nullptr && desktop.app().tracker()->state() == LoadState::loaded;
     };
-    if (desktop.show() && eventually(isLoaded))
+    if (opens(desktop, isLoaded))
         drawAll(album, desktop);
     else
         album.complain(QStringLiteral("The window did not open"));

@@ -98,7 +98,7 @@ void drawSections(Album &album)
     const auto isLoaded = [&] {
         return desktop.app().tracker() != nullptr && desktop.app().tracker()->state() == LoadState::loaded;
     };
-    if (desktop.show() && eventually(isLoaded)) {
+    if (opens(desktop, isLoaded)) {
         drawProjects(album, desktop);
         drawSettings(album, desktop);
         Album::withLongTexts(desktop.window(), [&] { drawLongSections(album, desktop); });

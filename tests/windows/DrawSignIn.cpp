@@ -57,15 +57,15 @@ void drawSignIn(Album &album)
         "a good password\n");
     (void)world.installation().run({"--server", address, "logout"});
     DesktopWindow desktop({.folder = world.folder(), .startsServer = false});
-    if (!desktop.show() || !eventually([&] { return desktop.app().phase() == AppModel::Phase::Open; })) {
+    if (!opens(desktop, [&] { return desktop.app().phase() == AppModel::Phase::Open; })) {
         album.complain(QStringLiteral("The window did not open"));
         await(desktop.close());
         return;
     }
     auto *switcher = desktop.window()->findChild<QObject *>(QStringLiteral("switcher"));
-    QMetaObject::invokeMethod(switcher, "open");
+    switcher->setProperty("isWanted", true);
     album.take(desktop, QStringLiteral("switcher"));
-    QMetaObject::invokeMethod(switcher, "close");
+    QMetaObject::invokeMethod(switcher->property("item").value<QObject *>(), "close");
     desktop.app().askForSignIn({});
     album.take(desktop, QStringLiteral("signin"));
     desktop.signIn().setAddress(QStringLiteral("http://127.0.0.1:9"));

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "PictureAlbum.h"
 
+#include "support/Await.h"
+
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QGuiApplication>
@@ -114,6 +116,12 @@ void Album::save(QQuickWindow *window, const QString &name, Appearance::Scheme s
         complain(QStringLiteral("%1 could not be drawn").arg(file));
     for (const QString &text : cutTexts(window->contentItem()))
         complain(QStringLiteral("%1: “%2” is cut").arg(file, text));
+}
+
+bool opens(DesktopWindow &desktop, const std::function<bool()> &holds)
+{
+    desktop.show();
+    return eventually([&] { return desktop.window() != nullptr && holds(); });
 }
 
 const TimeEntryResponse *entryCalled(DesktopWindow &desktop, std::string_view description)

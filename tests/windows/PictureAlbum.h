@@ -34,6 +34,8 @@ private:
     int m_problems = 0;
 };
 
+/// Whether the window comes up and what is wanted of it then holds.
+bool opens(DesktopWindow &desktop, const std::function<bool()> &holds);
 /// Null when no entry is called that.
 const TimeEntryResponse *entryCalled(DesktopWindow &desktop, std::string_view description);
 /// Its identifier, or nothing.
@@ -44,5 +46,6 @@ void drawConflict(Album &album);
 void drawPanel(Album &album);
 void drawSections(Album &album);
 void drawSignIn(Album &album);
+void drawStates(Album &album);
 
 } // namespace orvane::testing

@@ -96,7 +96,7 @@ void drawTimer(Album &album)
     const auto isLoaded = [&] {
         return desktop.app().tracker() != nullptr && desktop.app().tracker()->state() == LoadState::loaded;
     };
-    if (!desktop.show() || !eventually(isLoaded)) {
+    if (!opens(desktop, isLoaded)) {
         album.complain(QStringLiteral("The window did not open"));
         await(desktop.close());
         return;
@@ -124,7 +124,7 @@ void drawEmpty(Album &album)
 {
     const PictureWorld world(PictureWorld::Contents::nothing);
     DesktopWindow desktop({.folder = world.folder(), .startsServer = false});
-    if (desktop.show() && eventually([&] { return desktop.timer().isEmpty(); }))
+    if (opens(desktop, [&] { return desktop.timer().isEmpty(); }))
         album.take(desktop, QStringLiteral("empty"));
     else
         album.complain(QStringLiteral("The empty window did not open"));
@@ -149,9 +149,10 @@ int main(int argc, char **argv)
     const QStringList wanted = arguments.mid(isWhole ? 3 : 2);
     orvane::testing::Album album(arguments.at(1), isWhole);
     using orvane::testing::Album;
-    const std::array<std::pair<QLatin1String, void (*)(Album &)>, 6> subjects{
+    const std::array<std::pair<QLatin1String, void (*)(Album &)>, 7> subjects{
         {{QLatin1String("timer"), orvane::testing::drawTimer},
          {QLatin1String("empty"), orvane::testing::drawEmpty},
+         {QLatin1String("states"), orvane::testing::drawStates},
          {QLatin1String("signin"), orvane::testing::drawSignIn},
          {QLatin1String("panel"), orvane::testing::drawPanel},
          {QLatin1String("conflict"), orvane::testing::drawConflict},

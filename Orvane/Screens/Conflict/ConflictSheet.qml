@@ -22,12 +22,22 @@ Sheet {
             save.forceActiveFocus(Qt.TabFocusReason);
     }
 
+    function follow(row: int): void {
+        if (conflict.entryId === "")
+            close();
+        else if (visible)
+            takeRow(row);
+        else
+            open();
+    }
+
     title: qsTr("Changed on another device")
     width: Math.min(760, (parent ? parent.width : 760) - 2 * Theme.space16)
     height: body.height + topPadding + bottomPadding
     onVisibleChanged: if (visible)
         takeRow(0)
     onClosed: conflict.cancel()
+    Component.onCompleted: follow(0)
 
     FocusScope {
         id: body
@@ -79,12 +89,7 @@ Sheet {
             target: sheet.conflict
 
             function onEntryChanged() {
-                if (sheet.conflict.entryId === "")
-                    sheet.close();
-                else if (sheet.visible)
-                    sheet.takeRow(body.current);
-                else
-                    sheet.open();
+                sheet.follow(body.current);
             }
         }
 

@@ -45,7 +45,7 @@ Rectangle {
         Dot {
             anchors.centerIn: parent
             visible: line.icon === ""
-            color: Theme.projectColor(line.projectColor)
+            shade: Theme.projectColor(line.projectColor)
             empty: line.projectColor === ""
         }
         Icon {

@@ -23,7 +23,7 @@ Item {
         x: 40
         anchors.verticalCenter: parent.verticalCenter
         visible: facts.line.isProject
-        color: facts.line.shade
+        shade: facts.line.shade
         opacity: facts.line.isArchived ? 0.6 : 1
     }
     Label {

@@ -112,14 +112,8 @@ QString TimeSettings::weekSays() const
         exampleText(DateFormatters::string(time.startOfDay(week.front()), isOneMonth ? "d" : "d MMMM", time));
     std::int64_t seconds = 0;
     const InstantInterval interval = time.weekInterval(time.today());
-    if (const Tracker *tracker = m_app->tracker()) {
-        std::vector<TimeEntryResponse> counted;
-        for (const TimeEntryResponse &entry : tracker->entries()) {
-            if (interval.contains(entry.start))
-                counted.push_back(entry);
-        }
-        seconds = entrySeconds(counted, now);
-    }
+    if (const Tracker *tracker = m_app->tracker())
+        seconds = entrySeconds(tracker->entries(), interval, now);
     return tr("This week is %1 – %2, %3 so far.")
         .arg(first, exampleText(time.dayTitle(week.back())),
              exampleText(Durations::shortLabel(static_cast<double>(seconds))));

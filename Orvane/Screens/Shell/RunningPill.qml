@@ -41,7 +41,7 @@ Rectangle {
         Dot {
             anchors.verticalCenter: parent.verticalCenter
             visible: !pill.isShort
-            color: Theme.projectColor(pill.timer.projectColor)
+            shade: Theme.projectColor(pill.timer.projectColor)
             empty: pill.timer.projectColor === ""
         }
         Label {

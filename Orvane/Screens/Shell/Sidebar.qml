@@ -53,8 +53,8 @@ Rectangle {
                 current: sidebar.section === modelData.section
                 onClicked: sidebar.chosen(modelData.section)
 
-                Hint {
-                    visible: row.hovered
+                HoverHint {
+                    isWanted: row.hovered
                     text: row.modelData.text
                     keys: sidebar.app.keys.caps[row.modelData.command]
                 }
@@ -84,22 +84,39 @@ Rectangle {
         }
         WorkspaceLine {
             app: sidebar.app
-            open: switcher.opened
+            open: switcher.isOpen
             x: Theme.space12
             width: parent.width - 2 * Theme.space12
-            onClicked: switcher.open()
+            onClicked: switcher.isWanted = true
         }
     }
-    Switcher {
+    // Made when it is first opened.
+    Loader {
         id: switcher
 
         objectName: "switcher"
-        app: sidebar.app
-        places: sidebar.places
-        x: Theme.space12
-        // Its margin lifts it above the line that opens it.
-        y: sidebar.height
-        bottomMargin: 60
-        onAccountWanted: sidebar.accountWanted()
+
+        property bool isWanted: false
+        readonly property bool isOpen: (item as Switcher)?.opened ?? false
+
+        onIsWantedChanged: {
+            if (!isWanted)
+                return;
+            if (status === Loader.Null)
+                setSource("Switcher.qml", { app: sidebar.app, places: sidebar.places, parent: sidebar });
+            (item as Switcher).open();
+        }
+
+        Connections {
+            target: switcher.item as Switcher
+            ignoreUnknownSignals: true
+
+            function onClosed() {
+                switcher.isWanted = false;
+            }
+            function onAccountWanted() {
+                sidebar.accountWanted();
+            }
+        }
     }
 }

@@ -18,6 +18,10 @@ T.Popup {
 
     signal accountWanted
 
+    x: Theme.space12
+    // The margin lifts it above the line that opens it.
+    y: parent ? parent.height : 0
+    bottomMargin: 60
     width: 336
     implicitHeight: column.implicitHeight + 2 * padding
     padding: 6

@@ -8,7 +8,7 @@ Loader {
     required property bool isWanted
     required property string page
     // Of what is made.
-    required property var properties
+    property var properties: ({})
     property bool isComplete: false
 
     function update(): void {

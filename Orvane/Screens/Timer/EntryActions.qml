@@ -3,13 +3,31 @@ import QtQuick
 import Orvane
 import Orvane.Components
 
-// What can be done with the entry under the pointer.
+// What can be done with the entry under the pointer; of one among those chosen, its mark.
 Item {
     id: actions
 
     required property LineData line
 
+    Rectangle {
+        anchors.right: parent.right
+        anchors.rightMargin: 12
+        y: 10
+        width: 16
+        height: 16
+        visible: actions.line.isSelected
+        radius: Theme.radiusBlock
+        color: Theme.accentFill
+
+        Icon {
+            anchors.centerIn: parent
+            size: 12
+            name: "check"
+            color: Theme.inkOnAccent
+        }
+    }
     IconButton {
+        visible: !actions.line.isSelected
         anchors.right: parent.right
         anchors.verticalCenter: parent.verticalCenter
         iconName: "play"
@@ -21,7 +39,7 @@ Item {
         anchors.right: parent.right
         anchors.rightMargin: 40 + actions.line.columns.durationWidth + actions.line.columns.timesWidth + 24 + 28
         anchors.verticalCenter: parent.verticalCenter
-        visible: actions.line.columns.isWide
+        visible: actions.line.columns.isWide && !actions.line.isSelected
         width: buttons.width
         height: 28
         radius: Theme.radiusControl

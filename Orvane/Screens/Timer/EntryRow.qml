@@ -10,6 +10,8 @@ Item {
     required property LineData line
 
     readonly property TimerColumns columns: line.columns
+    // Most entries are none, and are drawn without what it takes.
+    readonly property bool isSplit: line.partCount > 0
 
     Rectangle {
         x: 0
@@ -18,24 +20,14 @@ Item {
         height: parent.height - 16
         radius: 1.5
         color: row.line.shade
-        visible: row.line.partCount === 0
+        visible: !row.isSplit
     }
-    Column {
-        y: 8
-        visible: row.line.partCount > 0
+    Loader {
+        readonly property bool isWanted: row.isSplit
 
-        Repeater {
-            model: row.line.partCount > 0 ? row.line.shares : []
-
-            Rectangle {
-                required property var modelData
-                width: 3
-                height: 20 * modelData.share / 100
-                color: modelData.color
-            }
-        }
+        anchors.fill: parent
+        onIsWantedChanged: isWanted ? setSource("EntryShares.qml", { line: row.line, place: where }) : source = ""
     }
-
     Item {
         id: what
         anchors.left: parent.left
@@ -47,27 +39,20 @@ Item {
         Label {
             id: title
             anchors.verticalCenter: parent.verticalCenter
-            width: Math.min(implicitWidth, parent.width - (state.visible ? state.width + 8 : 0) - (fork.visible ? 24 : 0))
+            width: Math.min(implicitWidth, parent.width - (signs.isWanted ? signs.width + 8 : 0))
             saidByPeople: true
             text: row.line.title
             color: row.line.isLocked ? Theme.ink2 : Theme.ink1
         }
-        Icon {
-            id: fork
+        Loader {
+            id: signs
+
+            readonly property bool isWanted: row.isSplit || row.line.mark !== TimerList.None
+
             anchors.left: title.right
             anchors.leftMargin: 8
             anchors.verticalCenter: parent.verticalCenter
-            visible: row.line.partCount > 0
-            name: "split"
-            color: Theme.ink3
-        }
-        EntryMark {
-            id: state
-            anchors.left: fork.visible ? fork.right : title.right
-            anchors.leftMargin: 8
-            anchors.verticalCenter: parent.verticalCenter
-            mark: row.line.mark
-            isShort: title.implicitWidth + 150 > what.width
+            onIsWantedChanged: isWanted ? setSource("EntrySigns.qml", { line: row.line, title: title, room: what }) : source = ""
         }
     }
     Item {
@@ -80,26 +65,10 @@ Item {
         ProjectChip {
             anchors.verticalCenter: parent.verticalCenter
             width: parent.width
-            visible: row.line.partCount === 0
+            visible: !row.isSplit
             project: row.line.project
             task: row.columns.isNarrow ? "" : row.line.task
             color: row.line.shade
-        }
-        ShareBar {
-            id: bar
-            anchors.verticalCenter: parent.verticalCenter
-            width: row.columns.isWide ? 72 : 32
-            visible: row.line.partCount > 0
-            shares: row.line.shares
-        }
-        Label {
-            anchors.left: bar.right
-            anchors.leftMargin: 8
-            anchors.right: parent.right
-            anchors.verticalCenter: parent.verticalCenter
-            visible: row.line.partCount > 0
-            text: qsTr("%1 projects").arg(row.line.partCount)
-            color: Theme.ink2
         }
     }
     Label {
@@ -120,8 +89,7 @@ Item {
         anchors.rightMargin: 12
         anchors.verticalCenter: parent.verticalCenter
         width: row.columns.isWide ? 16 : 0
-        visible: row.columns.isWide && row.line.isBillable
-        name: "bill"
+        name: row.columns.isWide && row.line.isBillable ? "bill" : ""
         color: Theme.ink3
     }
     Label {
@@ -143,12 +111,5 @@ Item {
         horizontalAlignment: Text.AlignRight
         text: row.line.duration
         font.weight: Font.Medium
-    }
-    Loader {
-        anchors.fill: parent
-
-        readonly property bool isWanted: row.line.isHovered && !row.line.isSelected
-
-        onIsWantedChanged: isWanted ? setSource("EntryActions.qml", { line: row.line }) : source = ""
     }
 }

@@ -43,7 +43,7 @@ Item {
         anchors.rightMargin: root.line.columns.projectRight - (root.line.columns.isWide ? 116 : 0)
         anchors.verticalCenter: parent.verticalCenter
         width: root.line.columns.projectWidth + (root.line.columns.isWide ? 116 : 0)
-        shares: root.line.shares
+        shares: root.line.sharesOf(root.line.parts)
     }
     Label {
         anchors.right: parent.right

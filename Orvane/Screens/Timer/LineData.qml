@@ -31,6 +31,10 @@ Item {
     required property string spoken
     required property bool isSelected
 
-    readonly property var shares: parts.map(part => ({ color: part.color === "" ? Theme.none : Theme.projectColor(part.color), share: part.share }))
     readonly property color shade: projectColor === "" ? Theme.none : Theme.projectColor(projectColor)
+
+    // For who draws them, which few rows do.
+    function sharesOf(parts: var): var {
+        return parts.map(part => ({ color: part.color === "" ? Theme.none : Theme.projectColor(part.color), share: part.share }));
+    }
 }

@@ -30,7 +30,7 @@ Rectangle {
         id: dot
         x: 10
         anchors.verticalCenter: parent.verticalCenter
-        color: Theme.projectColor(row.shade)
+        shade: Theme.projectColor(row.shade)
         empty: row.shade === ""
     }
     Label {

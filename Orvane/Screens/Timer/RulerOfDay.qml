@@ -47,72 +47,36 @@ Item {
     Repeater {
         model: root.ruler.blocks
 
-        Item {
+        // Many may be a few pixels high: what is written in the higher ones is made for them alone.
+        Rectangle {
             id: block
             required property var modelData
-            readonly property var shades: modelData.parts.map(part => Theme.projectColor(part.color))
-            readonly property real sum: modelData.parts.reduce((total, part) => total + part.share, 0)
+            readonly property bool isShared: modelData.parts.length > 1
 
             x: 40
             y: root.at(modelData.from) + 0.5
             width: root.width - 40
             height: Math.max(3, root.at(modelData.to) - root.at(modelData.from) - 1)
-            clip: true
+            color: isShared ? "transparent" : Theme.tintOf(stripe.color)
 
-            Row {
+            Loader {
+                readonly property bool isWanted: block.isShared
+
                 anchors.fill: parent
-
-                Repeater {
-                    model: block.modelData.parts
-
-                    Rectangle {
-                        required property int index
-                        required property var modelData
-                        width: block.width * modelData.share / block.sum
-                        height: block.height
-                        color: Theme.tintOf(block.shades[index])
-
-                        Rectangle {
-                            visible: block.shades.length > 1
-                            anchors.bottom: parent.bottom
-                            width: parent.width
-                            height: Math.min(3, parent.height)
-                            color: block.shades[parent.index]
-                        }
-                    }
-                }
+                onIsWantedChanged: setSource("RulerShares.qml", { parts: block.modelData.parts })
             }
             Rectangle {
+                id: stripe
                 width: 3
                 height: parent.height
-                color: block.shades[0]
+                color: Theme.projectColor(block.modelData.parts[0].color)
             }
-            LiveDot {
-                id: live
-                x: 10
-                y: 8
-                size: 6
-                visible: block.modelData.isRunning && block.height >= 22
-            }
-            Label {
-                x: live.visible ? 22 : 10
-                y: block.height < 24 ? (block.height - height) / 2 : 3
-                width: block.width - x - 6
-                visible: block.height >= 16
-                type: block.height < 24 ? Label.Type.Caption : Label.Type.Small
-                saidByPeople: true
-                text: block.modelData.title
-                font.weight: Font.Medium
-            }
-            Label {
-                x: 10
-                y: 19
-                width: block.width - x - 6
-                visible: block.height > 40
-                type: Label.Type.Caption
-                saidByPeople: true
-                text: block.modelData.places
-                color: Theme.ink2
+            Loader {
+                readonly property bool isWanted: block.height >= 16
+
+                anchors.fill: parent
+                clip: true
+                onIsWantedChanged: isWanted ? setSource("RulerWords.qml", { block: block.modelData }) : source = ""
             }
         }
     }

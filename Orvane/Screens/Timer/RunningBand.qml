@@ -94,6 +94,8 @@ Item {
                 anchors.verticalCenter: parent.verticalCenter
                 type: band.isWide ? Label.Type.Elapsed : Label.Type.Figures
                 text: band.timer.elapsed
+                // So that it keeps its width, and what stands beside it its place.
+                font.kerning: false
                 Accessible.name: qsTr("Running for %1").arg(text)
             }
             PrimaryButton {

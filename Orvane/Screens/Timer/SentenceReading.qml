@@ -31,7 +31,7 @@ Item {
                 Dot {
                     anchors.verticalCenter: parent.verticalCenter
                     visible: chip.modelData.kind === "project"
-                    color: Theme.projectColor(chip.modelData.color)
+                    shade: Theme.projectColor(chip.modelData.color)
                 }
                 Label {
                     anchors.verticalCenter: parent.verticalCenter

@@ -50,9 +50,8 @@ Item {
         type: Label.Type.Small
         font.weight: Font.Medium
         text: block.description === "" ? qsTr("No description") : block.description
+        saidByPeople: true
         Accessible.ignored: true
-
-        readonly property bool isSaidByPeople: true
     }
     Label {
         x: 10

@@ -21,6 +21,18 @@ Sheet {
             byPercent.take();
     }
 
+    function follow() {
+        if (split.entryId === "")
+            close();
+        else
+            open();
+    }
+    function followMode() {
+        modes.currentIndex = isAtTime ? 0 : 1;
+        if (visible)
+            takePane();
+    }
+
     title: split.title
     width: Math.min(640, (parent ? parent.width : 640) - 2 * Theme.space16)
     height: body.height + topPadding + bottomPadding
@@ -32,6 +44,10 @@ Sheet {
     onVisibleChanged: if (visible)
         takePane()
     onClosed: split.cancel()
+    Component.onCompleted: {
+        followMode();
+        follow();
+    }
 
     FocusScope {
         id: body
@@ -45,15 +61,10 @@ Sheet {
             target: sheet.split
 
             function onEntryChanged() {
-                if (sheet.split.entryId === "")
-                    sheet.close();
-                else
-                    sheet.open();
+                sheet.follow();
             }
             function onModeChanged() {
-                modes.currentIndex = sheet.isAtTime ? 0 : 1;
-                if (sheet.visible)
-                    sheet.takePane();
+                sheet.followMode();
             }
         }
         Shortcut {
@@ -67,9 +78,8 @@ Sheet {
             width: Math.min(implicitWidth, modes.x - Theme.space16 - about.implicitWidth - Theme.space8)
             height: 28
             type: Label.Type.Title
+            saidByPeople: true
             text: sheet.title
-
-            readonly property bool isSaidByPeople: true
         }
         Label {
             id: about

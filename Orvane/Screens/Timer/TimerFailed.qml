@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 import QtQuick
+import Orvane
 import Orvane.Components
 
 // Why nothing can be shown, and the way to try again.
 Item {
     id: failed
 
-    required property string problem
-
-    signal tryAgain
+    required property TimerModel timer
 
     Column {
         x: 16
@@ -18,14 +17,14 @@ Item {
 
         Label {
             width: parent.width
-            text: failed.problem
+            text: failed.timer.loadProblem
             wrapMode: Text.Wrap
             elide: Text.ElideNone
             Accessible.role: Accessible.AlertMessage
         }
         ActionButton {
             text: qsTr("Try Again")
-            onClicked: failed.tryAgain()
+            onClicked: failed.timer.loadAgain()
         }
     }
 }

@@ -11,7 +11,7 @@ LineData {
 
     // The chosen entries have their editor below the last of them.
     readonly property bool hasSeveral: kind === TimerList.Entry && timer.several.count > 1 && timer.several.lastId === entryId
-    readonly property SeveralForm severalForm: several.item as SeveralForm
+    readonly property SeveralForm severalForm: editor.item as SeveralForm
 
     // The editor has gone, and the keyboard goes back to the list.
     signal edited
@@ -23,7 +23,7 @@ LineData {
     ListView.onPooled: isPooled = true
     ListView.onReused: isPooled = false
 
-    height: isEdited ? editor.height + 8 : kind === TimerList.Day ? 40 : kind === TimerList.Share ? 28 : kind === TimerList.Offer ? 44 : 36 + (hasSeveral ? several.height + 8 : 0)
+    height: isEdited ? editor.height + 8 : kind === TimerList.Day ? 40 : kind === TimerList.Share ? 28 : kind === TimerList.Offer ? 44 : 36 + (hasSeveral ? editor.height + 8 : 0)
     Accessible.role: Accessible.ListItem
     Accessible.name: spoken
     Accessible.focusable: true
@@ -56,18 +56,12 @@ LineData {
                 line.act();
         }
     }
-    Rectangle {
+    // Below what the line says.
+    Loader {
+        readonly property bool isWanted: !line.isEdited && (line.isSelected || (line.kind === TimerList.Entry || line.kind === TimerList.Folded) && (line.isHovered || line.isChosen))
+
         anchors.fill: content
-        visible: line.isSelected && !line.isEdited
-        color: Theme.accentTint
-    }
-    Rectangle {
-        anchors.fill: content
-        visible: !line.isEdited && (line.kind === TimerList.Entry || line.kind === TimerList.Folded) && (line.isHovered || line.isChosen)
-        radius: Theme.radiusControl
-        color: line.isHovered ? Theme.hover : "transparent"
-        border.width: line.isChosen ? 2 : 0
-        border.color: Theme.accent
+        onIsWantedChanged: isWanted ? setSource("LineGround.qml", { line: line }) : source = ""
     }
     Loader {
         id: content
@@ -86,51 +80,33 @@ LineData {
         onWantedChanged: if (status !== Loader.Null || wanted !== "")
             update()
     }
+    // And above it.
+    Loader {
+        readonly property bool isWanted: line.kind === TimerList.Entry && !line.isEdited && (line.isHovered || line.isSelected)
+
+        anchors.fill: content
+        onIsWantedChanged: isWanted ? setSource("EntryActions.qml", { line: line }) : source = ""
+    }
+    // The entry's editor in its place, or below it that of all that are chosen.
     Loader {
         id: editor
         x: 4
-        y: 4
+        y: line.isEdited ? 4 : 40
         width: parent.width - 8
         height: item ? (item as Item).implicitHeight : 0
+
+        readonly property string wanted: line.isEdited ? "EntryEditorForm.qml" : line.hasSeveral ? "SeveralForm.qml" : ""
+        property bool wasEdited: false
 
         function update(): void {
-            if (line.isEdited) {
-                setSource("EntryEditorForm.qml", { timer: line.timer, columns: line.columns });
-            } else if (status !== Loader.Null) {
+            if (wanted !== "")
+                setSource(wanted, line.isEdited ? { timer: line.timer, columns: line.columns } : { timer: line.timer });
+            else if (status !== Loader.Null)
                 source = "";
+            if (wasEdited && !line.isEdited)
                 line.edited();
-            }
+            wasEdited = line.isEdited;
         }
-        Component.onCompleted: update()
-    }
-    onIsEditedChanged: editor.update()
-
-    Rectangle {
-        anchors.right: parent.right
-        anchors.rightMargin: 4 + 12
-        y: 10
-        width: 16
-        height: 16
-        visible: line.isSelected
-        radius: Theme.radiusBlock
-        color: Theme.accentFill
-
-        Icon {
-            anchors.centerIn: parent
-            size: 12
-            name: "check"
-            color: Theme.inkOnAccent
-        }
-    }
-    Loader {
-        id: several
-        x: 4
-        y: 40
-        width: parent.width - 8
-        height: item ? (item as Item).implicitHeight : 0
-
-        readonly property bool isWanted: line.hasSeveral
-
-        onIsWantedChanged: isWanted ? setSource("SeveralForm.qml", { timer: line.timer }) : source = ""
+        onWantedChanged: update()
     }
 }

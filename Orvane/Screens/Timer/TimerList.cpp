@@ -63,7 +63,7 @@ void TimerList::setTracker(Tracker *tracker)
     m_leftBoth.clear();
     if (tracker != nullptr) {
         connect(tracker, &Tracker::entriesChanged, this, &TimerList::rebuild);
-        connect(tracker, &Tracker::settingsChanged, this, &TimerList::rebuild);
+        connect(tracker, &Tracker::settingsChanged, this, &TimerList::followSettings);
         connect(tracker, &Tracker::timeChanged, this, &TimerList::rebuild);
         connect(tracker, &Tracker::dayTurned, this, &TimerList::rebuild);
         connect(&tracker->catalog(), &Catalog::changed, this, &TimerList::tellAllChanged);
@@ -72,6 +72,13 @@ void TimerList::setTracker(Tracker *tracker)
         connect(&tracker->outbox(), &Outbox::passEnded, this, &TimerList::tellAllChanged);
     }
     rebuild();
+}
+
+/// Of the settings the list shows what is locked.
+void TimerList::followSettings()
+{
+    if (m_tracker->settings() && m_tracker->settings()->lockedBefore != m_lockedBefore)
+        rebuild();
 }
 
 void TimerList::rebuild()
@@ -84,6 +91,7 @@ void TimerList::rebuild()
     }
     for (const Outbox::Pending &row : m_tracker->outbox().pending())
         (row.conflict ? m_inConflict : m_waiting).insert(row.change.entryId());
+    m_lockedBefore = m_tracker->settings() ? m_tracker->settings()->lockedBefore : std::nullopt;
     const UserTime &time = m_tracker->time();
     TimerRows next = TimerRows::of(m_tracker->entries(), m_turned, time, time.today());
     next.addOffers(trimOffers(next.entries, AppClock::now(),

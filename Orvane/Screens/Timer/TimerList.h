@@ -81,6 +81,7 @@ Q_SIGNALS:
 
 private:
     void rebuild();
+    void followSettings();
     void replaceRows(TimerRows next);
     void tellAllChanged();
     QVariant saidBy(const TimerRow &row, int role) const;
@@ -111,6 +112,8 @@ private:
     std::set<std::string> m_chosen;
     /// Entries that overlap and stay so.
     std::set<std::pair<std::string, std::string>> m_leftBoth;
+    /// As the rows were made with it.
+    std::optional<Instant> m_lockedBefore;
 };
 
 } // namespace orvane

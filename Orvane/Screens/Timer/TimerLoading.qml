@@ -15,14 +15,12 @@ Item {
 
     Timer {
         interval: 300
-        running: loading.visible
+        running: true
         onTriggered: bars.visible = true
     }
-    onVisibleChanged: if (!visible)
-        bars.visible = false
-
     Column {
         id: bars
+        objectName: "bars"
         visible: false
         width: parent.width
         topPadding: 40

@@ -176,12 +176,8 @@ QString TimerModel::total(DayKey first, int count) const
 {
     const InstantInterval days{m_tracker->time().startOfDay(first),
                                m_tracker->time().startOfDay(first.adding(count))};
-    std::vector<TimeEntryResponse> counted;
-    for (const TimeEntryResponse &entry : m_tracker->entries()) {
-        if (days.contains(entry.start))
-            counted.push_back(entry);
-    }
-    return shown(Durations::shortLabel(static_cast<double>(entrySeconds(counted, AppClock::now()))));
+    const std::int64_t seconds = entrySeconds(m_tracker->entries(), days, AppClock::now());
+    return shown(Durations::shortLabel(static_cast<double>(seconds)));
 }
 
 QString TimerModel::todayTotal() const

@@ -78,25 +78,36 @@ FocusScope {
             anchors.topMargin: Theme.space8
             anchors.bottom: keys.top
             width: Math.min(parent.width - 2 * x, 1040)
-            visible: !empty.visible && !failed.visible && !loading.visible
+            visible: !empty.isWanted && !failed.isWanted && !loading.isWanted
             onLeftUpwards: field.take()
         }
-        TimerEmpty {
+        WantedLoader {
             id: empty
-            anchors.fill: entries
-            visible: page.timer.isEmpty
+            x: entries.x
+            y: entries.y
+            width: entries.width
+            height: entries.height
+            isWanted: page.timer.isEmpty
+            page: "TimerEmpty.qml"
         }
-        TimerLoading {
+        WantedLoader {
             id: loading
-            anchors.fill: entries
-            visible: page.timer.isLoading
+            x: entries.x
+            y: entries.y
+            width: entries.width
+            height: entries.height
+            isWanted: page.timer.isLoading
+            page: "TimerLoading.qml"
         }
-        TimerFailed {
+        WantedLoader {
             id: failed
-            anchors.fill: entries
-            visible: page.app.phase === AppModel.Failed
-            problem: page.timer.loadProblem
-            onTryAgain: page.timer.loadAgain()
+            x: entries.x
+            y: entries.y
+            width: entries.width
+            height: entries.height
+            isWanted: page.app.phase === AppModel.Failed
+            page: "TimerFailed.qml"
+            properties: ({ timer: page.timer })
         }
         KeyBar {
             id: keys
@@ -154,11 +165,15 @@ FocusScope {
             field.take();
         }
     }
-    SplitSheet {
-        timer: page.timer
+    SheetLoader {
+        isWanted: page.timer.split.entryId !== ""
+        page: "SplitSheet.qml"
+        properties: ({ timer: page.timer })
     }
-    ConflictSheet {
-        conflict: page.timer.conflict
+    SheetLoader {
+        isWanted: page.timer.conflict.entryId !== ""
+        page: "ConflictSheet.qml"
+        properties: ({ conflict: page.timer.conflict })
     }
 
     Keys.onDownPressed: event => {

@@ -90,7 +90,7 @@ Rectangle {
                 Dot {
                     id: dot
                     anchors.verticalCenter: parent.verticalCenter
-                    color: Theme.projectColor(project.modelData.color)
+                    shade: Theme.projectColor(project.modelData.color)
                     empty: project.modelData.color === ""
                 }
                 Label {
