@@ -307,7 +307,10 @@ void Account::liveOn()
     }
     m_retry = makeRetryTimer();
     m_connectivity = std::make_unique<Connectivity>();
-    m_connectivity->onOnline = [this] { catchUp(); };
+    m_connectivity->onOnline = [this] {
+        Q_EMIT networkCameBack();
+        catchUp();
+    };
     connect(m_connectivity.get(), &Connectivity::isOnlineChanged, this, [this] {
         // The server on this computer needs no network.
         if (!m_connectivity->isOnline() && !isLocal())
