@@ -38,6 +38,7 @@ HubSocket::HubSocket(QObject *parent) : QObject(parent)
     m_socket.setMaxAllowedIncomingMessageSize(longestHubFrame);
     // What Qt says of an end may quote the address, which holds a token.
     const auto lost = [this] {
+        m_isBroken = true;
         end({m_isAccepted ? "The connection to the server was lost."
                           : "The server wouldn't open live sync."});
     };
@@ -76,7 +77,7 @@ void HubSocket::leave(HubFarewell farewell)
     m_hasEnded = true;
     disconnect();
     m_socket.disconnect(this);
-    if (m_socket.state() == QAbstractSocket::ConnectedState)
+    if (m_socket.state() == QAbstractSocket::ConnectedState && !m_isBroken)
         m_socket.close(farewell == HubFarewell::done ? QWebSocketProtocol::CloseCodeNormal
                                                      : QWebSocketProtocol::CloseCodeGoingAway);
     else

@@ -45,6 +45,8 @@ private:
     QWebSocket m_socket;
     HubSplitter m_splitter;
     bool m_isAccepted = false;
+    /// Nothing can be sent any more.
+    bool m_isBroken = false;
     bool m_hasEnded = false;
 };
 
