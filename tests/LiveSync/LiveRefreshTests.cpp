@@ -39,9 +39,9 @@ protected:
         ASSERT_TRUE(found) << found.error().message;
         Account::Options options{.livesOn = false};
         options.retryTimer = [this] {
-            auto timer = std::make_unique<ManualRetryTimer>();
-            pause = timer.get();
-            return timer;
+            auto manual = std::make_unique<ManualRetryTimer>();
+            pause = manual.get();
+            return manual;
         };
         auto opened = await(Account::open(access, std::move(options)));
         ASSERT_TRUE(opened) << opened.error().message;
