@@ -201,6 +201,10 @@ void LiveSync::keepAlive()
         return lose({"Nothing was heard from the server."}, HubFarewell::goingAway);
     m_socket->send(hubPing());
     m_parts.timer->schedule(pingInterval, [this] { keepAlive(); });
+    if (std::exchange(m_asksAgain, false)) {
+        m_refused.reset();
+        bringInLine();
+    }
 }
 
 void LiveSync::lose(LiveSyncError error, HubFarewell farewell)
@@ -229,6 +233,7 @@ void LiveSync::dropConnection(HubFarewell farewell)
         socket->leave(farewell);
     m_watched.reset();
     m_refused.reset();
+    m_asksAgain = false;
     m_isBringingInLine = false;
     m_tellsReconnected = false;
     for (const auto &[id, waiting] : std::exchange(m_invocations, {}))
@@ -249,6 +254,7 @@ void LiveSync::watch(std::optional<std::string> workspaceId)
         return;
     m_wanted = std::move(workspaceId);
     m_refused.reset();
+    m_asksAgain = false;
     if (m_state == State::connected)
         bringInLine();
 }
@@ -270,10 +276,11 @@ Task<> LiveSync::bringInLine()
             m_socket->send(hubUnwatch(*std::exchange(m_watched, std::nullopt)));
         if (m_wanted) {
             std::string workspaceId = *m_wanted;
-            const bool isWatched = co_await invokeWatch(workspaceId);
+            const auto answer = co_await invokeWatch(workspaceId);
             if (!self || number != m_attempt)
                 co_return;
-            (isWatched ? m_watched : m_refused) = std::move(workspaceId);
+            m_asksAgain = !answer;
+            (answer.value_or(false) ? m_watched : m_refused) = std::move(workspaceId);
         }
         Q_EMIT watchedChanged();
         if (!self || number != m_attempt)
@@ -284,15 +291,13 @@ Task<> LiveSync::bringInLine()
         Q_EMIT reconnected();
 }
 
-/// An error is a refusal too: what made it would make it again.
-Task<bool> LiveSync::invokeWatch(std::string workspaceId)
+Task<Result<bool, LiveSyncError>> LiveSync::invokeWatch(std::string workspaceId)
 {
     const std::uint64_t invocation = m_nextInvocation++;
     const Eventual<Result<bool, LiveSyncError>> answer;
     m_invocations.emplace(std::to_string(invocation), answer);
     m_socket->send(hubWatch(invocation, workspaceId));
-    const auto answered = co_await answer;
-    co_return answered.value_or(false);
+    co_return co_await answer;
 }
 
 void LiveSync::take(const HubMessage &message)

@@ -74,7 +74,7 @@ public:
     const std::optional<std::string> &watched() const { return m_watched; }
     /// Whether the hub does not let this user watch the workspace. It is not asked again until another one is
     /// wanted, or over another connection.
-    bool isRefused() const { return m_refused.has_value() && m_refused == m_wanted; }
+    bool isRefused() const { return m_refused.has_value() && m_refused == m_wanted && !m_asksAgain; }
     /// Why the last connection or attempt failed, as a sentence; empty while connected.
     const std::string &problem() const { return m_problem; }
 
@@ -98,7 +98,7 @@ private:
     void take(const HubMessage &message);
     Task<> bringInLine();
     bool isInLine() const;
-    Task<bool> invokeWatch(std::string workspaceId);
+    Task<Result<bool, LiveSyncError>> invokeWatch(std::string workspaceId);
     void keepAlive();
     void lose(LiveSyncError error, HubFarewell farewell);
     void dropConnection(HubFarewell farewell);
@@ -118,6 +118,8 @@ private:
     std::optional<std::string> m_wanted;
     std::optional<std::string> m_watched;
     std::optional<std::string> m_refused;
+    /// It was no refusal but an error, which may pass: the next ping brings the question again.
+    bool m_asksAgain = false;
     bool m_isBringingInLine = false;
     bool m_tellsReconnected = false;
     /// Those that wait for the hub's answer, by their identifiers.
