@@ -29,9 +29,10 @@ protected:
         options.clock = [this] { return now; };
         options.userName = "ada";
         options.linkKey = linkKey;
-        options.onChange = [this](const std::vector<Change> &told) {
+        options.onChange = [this](const ChangeNotice &told) {
             const std::lock_guard lock(changesLock);
-            changes.insert(changes.end(), told.begin(), told.end());
+            changes.insert(changes.end(), told.changes.begin(), told.changes.end());
+            lastNotice = told;
         };
         auto opened = ServerCore::open(std::move(options));
         ASSERT_TRUE(opened) << opened.error();
@@ -122,6 +123,7 @@ protected:
     std::string accessToken;
     /// What was told of since the test last looked.
     std::vector<Change> changes;
+    ChangeNotice lastNotice;
     std::mutex changesLock;
     std::string workspaceId;
     std::unique_ptr<ServerCore> server;
