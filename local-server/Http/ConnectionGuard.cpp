@@ -159,6 +159,12 @@ void GuardedSocket::handOver()
 {
     setSignedIn();
     m_isHandedOver = true;
+    // The HTTP library keeps a request for each connection until it hears of its end, which the WebSocket
+    // library would keep from it. After that it must hear nothing more.
+    Q_EMIT destroyed(this);
+    QObject::disconnect(this, nullptr, nullptr, nullptr);
+    connect(this, &QTcpSocket::disconnected, this, &GuardedSocket::tellGone);
+    connect(this, &QTcpSocket::disconnected, this, &QObject::deleteLater);
 }
 
 void GuardedSocket::settle()

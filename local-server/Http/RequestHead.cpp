@@ -67,7 +67,7 @@ bool addField(std::string_view line, HttpHeaders &headers)
     if (const auto before = headers.find(name)) {
         if (decides(name))
             return false;
-        value = *before + ", " + value;
+        value = *before + (before->empty() || value.empty() ? "" : ", ") + value;
     }
     headers.set(name, std::move(value));
     return true;

@@ -32,7 +32,8 @@ protected:
         options.onChange = [this](const ChangeNotice &told) {
             const std::lock_guard lock(changesLock);
             changes.insert(changes.end(), told.changes.begin(), told.changes.end());
-            lastNotice = told;
+            if (alsoTold)
+                alsoTold(told);
         };
         auto opened = ServerCore::open(std::move(options));
         ASSERT_TRUE(opened) << opened.error();
@@ -42,7 +43,7 @@ protected:
     HttpResponse send(HttpRequest request, const std::string &token = {})
     {
         if (!request.headers.find("Host"))
-            request.headers.set("Host", "127.0.0.1:0");
+            request.headers.set("Host", host);
         if (!token.empty())
             request.headers.set("Authorization", "Bearer " + token);
         return server->handle(request, peer);
@@ -123,7 +124,9 @@ protected:
     std::string accessToken;
     /// What was told of since the test last looked.
     std::vector<Change> changes;
-    ChangeNotice lastNotice;
+    ChangeObserver alsoTold;
+    /// What requests are sent to.
+    std::string host = "127.0.0.1:0";
     std::mutex changesLock;
     std::string workspaceId;
     std::unique_ptr<ServerCore> server;
