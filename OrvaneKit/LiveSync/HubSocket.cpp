@@ -93,10 +93,12 @@ void HubSocket::takeFrame(const QString &text)
     Q_EMIT heard();
     if (!self || m_hasEnded)
         return;
-    const auto messages = m_splitter.take(text.toStdString());
+    const auto messages = m_records.take(text.toStdString());
     if (!messages)
-        return end(messages.error());
+        return end({"The server sent a message that is too long."});
     for (const std::string &message : *messages) {
+        if (message.empty())
+            continue;
         if (!take(message) || !self || m_hasEnded)
             return;
     }

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "LiveSync/HubFrames.h"
+#include "HubWire/HubFrames.h"
+#include "LiveSync/HubMessages.h"
 #include "OrvaneAPI/HttpMessage.h"
 
 #include <QObject>
@@ -43,7 +44,7 @@ private:
     void end(LiveSyncError error);
 
     QWebSocket m_socket;
-    HubSplitter m_splitter;
+    hub::Records m_records{longestHubMessage};
     bool m_isAccepted = false;
     /// Nothing can be sent any more.
     bool m_isBroken = false;

@@ -3,7 +3,7 @@
 
 #include "Client/OrvaneClient.h"
 #include "Http/SyncConnection.h"
-#include "LiveSync/HubRecords.h"
+#include "LiveSync/HubNegotiation.h"
 #include "LiveSync/HubSocket.h"
 #include "Session/AuthSession.h"
 

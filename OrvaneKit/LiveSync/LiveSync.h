@@ -3,7 +3,7 @@
 
 #include "Http/CallChannel.h"
 #include "Http/CallScope.h"
-#include "LiveSync/HubFrames.h"
+#include "LiveSync/HubMessages.h"
 #include "LiveSync/LiveSyncError.h"
 #include "LiveSync/SyncChange.h"
 #include "OrvaneAPI/HttpMessage.h"

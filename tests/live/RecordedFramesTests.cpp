@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What the protocol's official client was recorded to send and to get is what ours sends and understands.
-#include "LiveSync/HubFrames.h"
+#include "LiveSync/HubMessages.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -34,7 +34,7 @@ RecordedFrames recorded()
 
 QJsonObject objectOf(std::string text)
 {
-    if (text.ends_with(hubSeparator))
+    if (text.ends_with('\x1e'))
         text.pop_back();
     return QJsonDocument::fromJson(QByteArray::fromStdString(text)).object();
 }

@@ -10,13 +10,9 @@
 #include <string>
 #include <string_view>
 #include <variant>
-#include <vector>
 
-/// The hub's language: JSON messages, each ended by a record separator, in text frames that may hold several
-/// of them or the part of one. Values and pure functions, for any thread.
+/// What the hub says to a client, and what a client says to it. Values and pure functions, for any thread.
 namespace orvane {
-
-inline constexpr char hubSeparator = '\x1e';
 
 /// Bytes of one message from the hub. A change takes some two hundred; the rest is room for members that are
 /// not known yet. Without a bound, a server that never ends a message would fill the memory.
@@ -26,17 +22,6 @@ inline constexpr std::size_t longestHubFrame = 16 * longestHubMessage;
 
 /// How a connection is left: because it is not wanted any more (close code 1000), or for another try (1001).
 enum class HubFarewell { done, goingAway };
-
-/// Cuts what comes over one connection into messages.
-class HubSplitter {
-public:
-    /// The messages that end in this frame, without their separators; those without a byte are left out.
-    Result<std::vector<std::string>, LiveSyncError> take(std::string_view frame);
-
-private:
-    /// Begun, not ended.
-    std::string m_begun;
-};
 
 /// "Changed": something is otherwise at the server.
 struct HubChange {
