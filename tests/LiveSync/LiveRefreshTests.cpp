@@ -26,7 +26,6 @@ using testing::eventually;
 using ::testing::IsEmpty;
 using testing::ManualContinuousTimer;
 using testing::ScriptedHub;
-using Delays = std::vector<std::chrono::milliseconds>;
 
 /// An account at the real server, and a hub of the test's own that tells of its changes.
 class LiveRefreshTest : public ::testing::Test {

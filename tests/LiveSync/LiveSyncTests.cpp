@@ -383,6 +383,17 @@ TEST_F(LiveSyncTest, ComesBackFromAnOpeningThatFails)
     ASSERT_TRUE(connects());
     EXPECT_EQ(hub.requestsFor("/api/hubs/sync?").back().path.find("a1%2B"), std::string::npos);
 
+    hub.refusals = {{401, {}, "Sign in first."}, {503, {}, ""}, {200, {}, "<html>"}};
+    hub.drop();
+    ASSERT_TRUE(fails());
+    for (int i = 0; i < 3; ++i) {
+        timer->advance(30s);
+        ASSERT_TRUE(fails()) << i;
+        EXPECT_EQ(live->problem(), wouldNot) << i;
+    }
+    timer->advance(30s);
+    ASSERT_TRUE(connects());
+
     hub.firstWords = {"{\"error\":\"Not today.\"}\x1e", "<html>\x1e", ""};
     hub.drop();
     ASSERT_TRUE(fails());
@@ -400,7 +411,7 @@ TEST_F(LiveSyncTest, ComesBackFromAnOpeningThatFails)
     EXPECT_EQ(live->problem(), wouldNot);
     timer->advance(30s);
     EXPECT_TRUE(connects());
-    EXPECT_EQ(reconnects, 1);
+    EXPECT_EQ(reconnects, 2);
 }
 
 TEST_F(LiveSyncTest, GoesOnWithoutAToken)

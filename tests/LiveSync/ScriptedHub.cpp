@@ -116,7 +116,8 @@ void ScriptedHub::serve(QTcpSocket *socket)
     if (!request)
         return;
     requests.push_back(*request);
-    if (request->headers.find("Upgrade")) {
+    const bool isUpgrade = request->headers.find("Upgrade").has_value();
+    if (isUpgrade && refusals.empty()) {
         socket->disconnect(this);
         m_raw = socket;
         m_upgrader.handleConnection(socket);
@@ -139,6 +140,8 @@ void ScriptedHub::answer(QTcpSocket *socket, const SeenRequest &request)
 
 HttpResponse ScriptedHub::answerTo(const SeenRequest &request)
 {
+    if (request.headers.find("Upgrade"))
+        return *next(refusals);
     const auto done = [](std::string body) { return HttpResponse{200, {}, std::move(body)}; };
     if (request.path == "/api/auth/external/exchange" || request.path == "/api/auth/refresh") {
         if (const auto told = next(tokenAnswers))

@@ -33,6 +33,8 @@ public:
 
     /// A status of 0 is no answer at all.
     std::deque<HttpResponse> negotiations;
+    /// To requests for the WebSocket, which are taken otherwise.
+    std::deque<HttpResponse> refusals;
     /// The hub's first words, as they are; an empty one is none.
     std::deque<std::string> firstWords;
     /// To requests for tokens.

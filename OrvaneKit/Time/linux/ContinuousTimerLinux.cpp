@@ -3,6 +3,8 @@
 #include "Time/ContinuousTimer.h"
 
 #include <QSocketNotifier>
+#include <algorithm>
+#include <cstdint>
 #include <ctime>
 #include <sys/timerfd.h>
 #include <unistd.h>
