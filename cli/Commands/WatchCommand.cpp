@@ -92,7 +92,7 @@ private:
     void sayWhatFailed()
     {
         if (!std::exchange(m_isToldOfFailure, true))
-            writeMessage("Not connected: " + printable(m_live.problem()) + " It is tried again.");
+            writeMessage("Not connected, trying again: " + printable(m_live.problem()));
     }
 
     CommandContext &m_context;

@@ -77,7 +77,7 @@ TEST(WatchCommand, PrintsChangesAsTheyArriveAlsoAfterTheServerWasKilled)
 
     watch.forget();
     ASSERT_TRUE(installation.killServer());
-    ASSERT_TRUE(watch.says("Not connected: ")) << watch.errors();
+    ASSERT_TRUE(watch.says("Not connected, trying again: ")) << watch.errors();
     ASSERT_TRUE(watch.says("Connected again.")) << "it starts the server itself";
     ASSERT_EQ(installation.run({"stop"}).exitStatus, 0);
     ASSERT_TRUE(watch.prints(1)) << watch.errors();
@@ -129,7 +129,7 @@ TEST(WatchCommand, HearsOfAnotherInstallationOfTheSameAccount)
     ASSERT_TRUE(watch.prints(1)) << watch.errors();
     EXPECT_THAT(watch.output(), HasSubstr("Entries changed"));
     ASSERT_TRUE(one.killServer());
-    ASSERT_TRUE(watch.says("Not connected: ")) << watch.errors();
+    ASSERT_TRUE(watch.says("Not connected, trying again: ")) << watch.errors();
     ASSERT_EQ(one.run({"status"}).exitStatus, 0) << "which starts the server again";
     ASSERT_TRUE(watch.says("Connected again.")) << watch.errors();
     ASSERT_EQ(one.run({"stop"}).exitStatus, 0);
