@@ -2,6 +2,7 @@
 #include "LiveSync/HubMessages.h"
 
 #include "HubWire/HubFrames.h"
+#include "Support/JsonOutput.h"
 
 namespace orvane {
 
@@ -10,6 +11,13 @@ namespace {
 LiveSyncError senseless()
 {
     return {"The server said something that makes no sense."};
+}
+
+RawJson jsonOf(const std::string &text)
+{
+    JsonOutput output{JsonStyle{}};
+    output.value(text);
+    return {output.take()};
 }
 
 HubMessage changeFrom(const hub::Message &message)
@@ -63,13 +71,12 @@ std::string hubPing()
 
 std::string hubWatch(std::uint64_t invocation, const std::string &workspaceId)
 {
-    return hub::record(
-        hub::Message::invocation("Watch", {RawJson{encodeJson(workspaceId)}}, std::to_string(invocation)));
+    return hub::record(hub::Message::invocation("Watch", {jsonOf(workspaceId)}, std::to_string(invocation)));
 }
 
 std::string hubUnwatch(const std::string &workspaceId)
 {
-    return hub::record(hub::Message::invocation("Unwatch", {RawJson{encodeJson(workspaceId)}}));
+    return hub::record(hub::Message::invocation("Unwatch", {jsonOf(workspaceId)}));
 }
 
 } // namespace orvane
