@@ -87,6 +87,27 @@ Task<Result<Account *, CommandFailure>> CommandContext::openAccount()
     co_return co_await adopt(std::move(opened), false);
 }
 
+Task<Result<Account *, CommandFailure>> CommandContext::openToStay()
+{
+    m_moment.reset();
+    m_stays = true;
+    m_progress.begin("Waiting for the server …");
+    const auto access =
+        std::make_shared<ServerAccess>(ServerAccess::Options{.installation = &m_installation,
+                                                             .server = m_options.server,
+                                                             .startsServer = m_options.startsServer,
+                                                             .waitsForServer = false});
+    Account::Opened opened;
+    if (auto found = co_await access->find(); !found)
+        opened = failure(std::move(found.error()));
+    else
+        opened = co_await Account::open(
+            access, {.workspace = m_options.workspace, .zone = m_options.zone, .livesOn = false});
+    m_tokenPlace = access->tokenPlace();
+    m_progress.finish();
+    co_return co_await adopt(std::move(opened), false);
+}
+
 Task<Result<ServerResponse, CommandFailure>> CommandContext::meetServer(std::string address)
 {
     m_options.server = std::move(address);
@@ -307,8 +328,11 @@ Task<> CommandContext::finish()
     // waiting.
     if (m_account->outbox().isFlushing() && m_account->isReachable())
         co_await m_account->outbox().flush();
-    co_await showRefusals();
-    showQueue();
+    // Who stays has said what there was to say.
+    if (!m_stays) {
+        co_await showRefusals();
+        showQueue();
+    }
     for (const std::string &message : m_besides)
         writeMessage(message);
     m_patience.end();

@@ -30,7 +30,8 @@ struct GlobalOptions {
 
 /// What a running command works with: its options, the streams' styles, and the account, opened when it is
 /// asked for. The clock stands still while it lives: whatever the command does, it does at the moment when it
-/// was called, however long the server takes. Lives on the main thread for the length of one command.
+/// was called, however long the server takes; but for one that stays. Lives on the main thread for the length
+/// of one command.
 class CommandContext final : public QObject {
     Q_OBJECT
 
@@ -47,6 +48,9 @@ public:
 
     /// The signed-in account with its snapshot read; the same one at each call. The account stays owned here.
     Task<Result<Account *, CommandFailure>> openAccount();
+    /// The same for a command that stays: it is there at once as it was known last, the clock runs, and the
+    /// server may come and go.
+    Task<Result<Account *, CommandFailure>> openToStay();
     /// Looks whether somebody can sign in at that server, before they are asked for anything. From here on it
     /// is the server of this command.
     Task<Result<ServerResponse, CommandFailure>> meetServer(std::string address);
@@ -66,7 +70,10 @@ public:
     /// Somebody has answered, the server or the user who was asked: the wait for the server counts anew.
     void noteAnswer() { m_patience.restart(); }
     /// How long the command has been at it.
-    std::chrono::milliseconds waited() const { return m_moment.held(); }
+    std::chrono::milliseconds waited() const
+    {
+        return m_moment ? m_moment->held() : std::chrono::milliseconds{0};
+    }
     /// Sends what waits, with a progress bar, for as long as the server goes on answering. Does nothing for
     /// an account whose server did not answer.
     Task<> flush();
@@ -96,7 +103,7 @@ private:
     void showQueue();
 
     /// The first member: from here on the clock stands still.
-    ClockHold m_moment;
+    std::optional<ClockHold> m_moment{std::in_place};
     GlobalOptions m_options;
     TerminalStyle m_style;
     Installation m_installation;
@@ -108,6 +115,7 @@ private:
     TokenPlace m_tokenPlace = TokenPlace::keychain;
     std::vector<std::int64_t> m_unreadable;
     std::vector<std::string> m_besides;
+    bool m_stays = false;
 };
 
 using Context = std::shared_ptr<CommandContext>;

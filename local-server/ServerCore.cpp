@@ -80,6 +80,38 @@ bool keepsChanges(const Step &step, const Call &call)
     return !response || response->status < 400 || call.keepsChanges;
 }
 
+std::string queryValue(const QueryPairs &query, std::string_view name)
+{
+    const auto found = std::ranges::find(query, name, &QueryPairs::value_type::first);
+    return found == query.end() ? std::string() : found->second;
+}
+
+Step negotiate(Call &call, const RequestParts &parts)
+{
+    return negotiateHub(call, queryValue(parts.query, "negotiateVersion"));
+}
+
+/// Nothing for a badly encoded one.
+std::optional<QueryPairs> queryOf(const std::string &path)
+{
+    const std::size_t mark = path.find('?');
+    return parseQuery(mark == std::string::npos ? std::string_view()
+                                                : std::string_view(path).substr(mark + 1));
+}
+
+HttpResponse badlyEncoded()
+{
+    return problem(400, "The request was not understood.", "The address is badly encoded.");
+}
+
+/// A WebSocket's request can bring its token in the address, where browsers let it bring no headers.
+void authorizeByQuery(RequestParts &parts)
+{
+    const std::string token = queryValue(parts.query, "access_token");
+    if (!token.empty() && !parts.headers.find("Authorization"))
+        parts.headers.set("Authorization", "Bearer " + token);
+}
+
 Router allHandlers()
 {
     Router router;
@@ -121,6 +153,8 @@ ServerCore::ServerCore(Options options, std::unique_ptr<Database> database, std:
     , m_gate(m_options.listenPoint, m_options.trustedProxy)
     , m_proofs(m_options.linkKey)
     , m_router(allHandlers())
+    , m_negotiateRoute{.handle = negotiate, .lane = Lane::reading}
+    , m_admissionRoute{.handle = {}, .lane = Lane::reading}
 {
 }
 
@@ -139,27 +173,40 @@ HttpResponse ServerCore::handle(const HttpRequest &request, const std::string &p
     return response;
 }
 
-void ServerCore::serve(const HttpRequest &request, const std::string &peer, Executor &executor,
-                       const Done &done)
+/// What every request has to pass. Answers what makes an answer whole, or nothing for one that was refused.
+std::optional<ServerCore::Done> ServerCore::pass(const HttpRequest &request, const std::string &peer,
+                                                 const Done &done) const
 {
-    if (auto refusal = m_proofs.refuse(request))
-        return done({std::move(*refusal)});
+    if (auto refusal = m_proofs.refuse(request)) {
+        done({std::move(*refusal)});
+        return std::nullopt;
+    }
     const auto prove = [this, nonce = m_proofs.nonceOf(request), done](Served served) {
         m_proofs.prove(nonce, served.response);
         done(std::move(served));
     };
-    if (auto refusal = m_gate.refuse(request, peer))
-        return prove({std::move(*refusal)});
-    const Done finish = [prove](Served served) {
+    if (auto refusal = m_gate.refuse(request, peer)) {
+        prove({std::move(*refusal)});
+        return std::nullopt;
+    }
+    return [prove](Served served) {
         // Answers are for the caller alone and go stale at once.
         served.response.headers.set("Cache-Control", "no-store");
         prove(std::move(served));
     };
+}
+
+void ServerCore::serve(const HttpRequest &request, const std::string &peer, Executor &executor,
+                       const Done &done)
+{
+    const auto finish = pass(request, peer, done);
+    if (!finish)
+        return;
     auto routed = route(request, m_gate.senderOf(request, peer));
     if (!routed)
-        return finish({std::move(routed.error())});
+        return (*finish)({std::move(routed.error())});
     routed->executor = &executor;
-    routed->done = finish;
+    routed->done = *finish;
     const auto exchange = std::make_shared<const Exchange>(std::move(*routed));
     transact(exchange, exchange->route->lane,
              [exchange](Call &call) { return exchange->route->handle(call, exchange->parts); });
@@ -168,6 +215,15 @@ void ServerCore::serve(const HttpRequest &request, const std::string &peer, Exec
 Result<ServerCore::Exchange, HttpResponse> ServerCore::route(const HttpRequest &request,
                                                              const std::string &peer) const
 {
+    auto query = queryOf(request.path);
+    if (request.path.substr(0, request.path.find('?')) == hubNegotiatePath) {
+        if (request.method != HttpMethod::post)
+            return failure(wrongMethod({HttpMethod::post}));
+        if (!query)
+            return failure(badlyEncoded());
+        return Exchange{
+            .route = &m_negotiateRoute, .parts = {{}, std::move(*query), request.headers}, .peer = peer};
+    }
     auto match = matchRoute(request.method, request.path);
     if (!match) {
         const auto methods = routeMethods(request.path);
@@ -178,11 +234,8 @@ Result<ServerCore::Exchange, HttpResponse> ServerCore::route(const HttpRequest &
     if (!route)
         return failure(
             problem(501, "Not available here.", "The server on this computer does not offer this."));
-    const std::size_t mark = request.path.find('?');
-    auto query = parseQuery(mark == std::string::npos ? std::string_view()
-                                                      : std::string_view(request.path).substr(mark + 1));
     if (!query)
-        return failure(problem(400, "The request was not understood.", "The address is badly encoded."));
+        return failure(badlyEncoded());
     return Exchange{
         .route = route,
         .parts = {std::move(match->pathArguments), std::move(*query), request.headers, request.body},
@@ -232,7 +285,8 @@ std::optional<ServerCore::Transacted> ServerCore::transactHere(Database &databas
         if (!keeps)
             database.rollback();
         else if (m_options.onChange && !call.changes.empty())
-            m_options.onChange(call.changes);
+            m_options.onChange({std::move(call.changes), call.caller.userId,
+                                exchange.parts.headers.find("X-Sync-Connection").value_or("")});
         return Transacted{std::move(step), isSignedIn};
     }
     if (database.lastFailure() != DatabaseFailure::taken)
@@ -260,6 +314,47 @@ ServerCore::Entry ServerCore::enter(Call &call, const Exchange &exchange, Lane l
     }
     call.caller = {claims->userId, claims->sessionId};
     return Entry::granted;
+}
+
+void ServerCore::admitToHub(const HttpRequest &request, const std::string &peer, Executor &executor,
+                            const std::function<void(Admission)> &done)
+{
+    const auto guest = std::make_shared<HubGuest>();
+    const auto finish = pass(request, peer, [guest, done](Served served) {
+        if (served.response.status == 200)
+            done(std::move(*guest));
+        else
+            done(failure(std::move(served.response)));
+    });
+    if (!finish)
+        return;
+    auto query = queryOf(request.path);
+    if (!query)
+        return (*finish)({badlyEncoded()});
+    Exchange exchange{.route = &m_admissionRoute,
+                      .parts = {{}, std::move(*query), request.headers},
+                      .peer = m_gate.senderOf(request, peer),
+                      .executor = &executor,
+                      .done = *finish};
+    authorizeByQuery(exchange.parts);
+    const std::string ticket = queryValue(exchange.parts.query, "id");
+    transact(std::make_shared<const Exchange>(std::move(exchange)), Lane::reading,
+             [guest, ticket](Call &call) -> Step {
+                 const auto &[userId, sessionId] = call.caller;
+                 auto connection = call.services.hubTickets.redeem(ticket, userId, sessionId, call.now);
+                 if (!connection)
+                     return noSuch("connection");
+                 *guest = {std::move(*connection), userId, sessionId, call.isProved};
+                 return noBody(200);
+             });
+}
+
+void ServerCore::askForHub(std::vector<HubQuestion> questions, Executor &executor,
+                           const std::function<void(std::optional<std::vector<HubStanding>>)> &done)
+{
+    executor.transact(Lane::reading, [this, questions = std::move(questions), done](Database *database) {
+        done(database ? hubStandings(*database, questions, now()) : std::nullopt);
+    });
 }
 
 ServerCore::Code ServerCore::localSignInCode(const std::string &challenge, const std::string &timeZone)

@@ -3,6 +3,7 @@
 
 #include "Http/ProofGate.h"
 #include "Http/RequestGate.h"
+#include "Hub/HubAccess.h"
 #include "Requests/Executor.h"
 #include "Requests/Router.h"
 #include "Support/Result.h"
@@ -56,6 +57,16 @@ public:
     /// thread or one of the executor's; the core and the executor must live until then.
     void serve(const HttpRequest &request, const std::string &peer, Executor &executor, const Done &done);
 
+    /// Whose connection to the hub a request asks for; what it is answered instead when it may not be had.
+    using Admission = Result<HubGuest, HttpResponse>;
+    /// Looks at all that is looked at in any request, and at the token, which may stand in the address too.
+    /// `done` as above.
+    void admitToHub(const HttpRequest &request, const std::string &peer, Executor &executor,
+                    const std::function<void(Admission)> &done);
+    /// Answers hubStandings(). `done` as above.
+    void askForHub(std::vector<HubQuestion> questions, Executor &executor,
+                   const std::function<void(std::optional<std::vector<HubStanding>>)> &done);
+
     /// A sentence for people when there is none.
     using Code = Result<std::string, std::string>;
     /// A one-time code for the account on this computer, which is made when it is not there yet; see
@@ -85,6 +96,7 @@ private:
     enum class Entry { granted, refused, laterInWriting };
 
     Instant now() const;
+    std::optional<Done> pass(const HttpRequest &request, const std::string &peer, const Done &done) const;
     Result<Exchange, HttpResponse> route(const HttpRequest &request, const std::string &peer) const;
     void transact(const SharedExchange &exchange, Lane lane, const Handle &handle);
     std::optional<Transacted> transactHere(Database &database, const Exchange &exchange, Lane lane,
@@ -100,6 +112,8 @@ private:
     const RequestGate m_gate;
     const ProofGate m_proofs;
     const Router m_router;
+    const Router::Route m_negotiateRoute;
+    const Router::Route m_admissionRoute;
 };
 
 } // namespace orvane::server

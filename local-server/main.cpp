@@ -4,6 +4,7 @@
 #include "Process/ServerOptions.h"
 #include "Process/ServerProcess.h"
 #include "Support/FolderSafety.h"
+#include "Support/StopSignals.h"
 
 #include <QCoreApplication>
 #include <cstdio>

@@ -63,6 +63,8 @@ install_debian_packages() {
     # dpkg-query fails when it does not know one of the names; what it says of the others counts all the same.
     installed=$(dpkg-query -W -f '${db:Status-Abbrev}${Package}\n' "${wanted[@]}" 2>/dev/null || true)
     for package in "${wanted[@]}"; do
+        # Elsewhere than in Debian's own packages npm comes with node, and clashes with the package.
+        [[ $package == npm ]] && command -v npm >/dev/null && continue
         grep -q "^.i[^a-z]*${package//+/\\+}\$" <<<"$installed" || missing+=("$package")
     done
     if ((${#missing[@]} == 0)); then

@@ -224,6 +224,7 @@ Task<> AppModel::leave()
 {
     if (!m_account)
         co_return;
+    m_live.reset();
     const std::shared_ptr<Account> before = std::move(m_account);
     before->access().disconnect(this);
     before->state().disconnect(this);
@@ -376,6 +377,8 @@ Task<> AppModel::load()
     setPhase(Phase::Open);
     m_account->tracker().load();
     m_account->outbox().flush();
+    m_live = std::make_unique<LiveRefresh>(*m_account);
+    m_live->start();
 }
 
 Task<> AppModel::close()
@@ -386,6 +389,7 @@ Task<> AppModel::close()
         m_access->giveUp("The application ends.");
     if (m_opening)
         co_await *m_opening;
+    m_live.reset();
     m_sync.setAccount(nullptr);
     m_undo.reset();
     if (m_drafts)

@@ -3,6 +3,7 @@
 
 #include "Account/Account.h"
 #include "Account/Installation.h"
+#include "Account/LiveRefresh.h"
 #include "AppModel/DraftFile.h"
 #include "AppModel/KeyTable.h"
 #include "AppModel/Notices.h"
@@ -113,6 +114,8 @@ public:
     void setDraft(const std::string &place, const QString &text);
     /// Null while there is none.
     Account *account() const { return m_account.get(); }
+    /// Tells what changes elsewhere; null while no account is shown.
+    LiveSync *live() const { return m_live ? &m_live->live() : nullptr; }
     Tracker *tracker() const { return m_account ? &m_account->tracker() : nullptr; }
 
 Q_SIGNALS:
@@ -158,6 +161,8 @@ private:
     bool m_isClosing = false;
     bool m_isSigningOut = false;
     std::unique_ptr<Account> m_account;
+    /// Of the account in use, once it is shown.
+    std::unique_ptr<LiveRefresh> m_live;
     /// Of the tracker in use.
     std::unique_ptr<UndoStack> m_undo;
     Phase m_phase = Phase::Opening;

@@ -15,6 +15,23 @@
 
 namespace orvane {
 
+namespace {
+
+/// The profile as it is after every change of this account's own that was accepted until the answer came:
+/// that may be from before one.
+Task<CallResult<MeResponse>> currentMe(QPointer<Account> account)
+{
+    constexpr int tries = 3;
+    for (int tried = 1;; ++tried) {
+        const MeResponse before = account->me();
+        auto me = co_await account->client().getMe();
+        if (!me || !account || account->me() == before || tried == tries)
+            co_return std::move(me);
+    }
+}
+
+} // namespace
+
 Account::Account(std::shared_ptr<ServerAccess> access, Options options)
     : m_access(std::move(access)), m_options(std::move(options))
 {
@@ -214,7 +231,7 @@ Task<CallResult<void>> Account::refreshMe()
 {
     const QPointer<Account> self(this);
     m_isMeMissed = true;
-    auto me = co_await m_access->client()->getMe();
+    auto me = co_await currentMe(self);
     if (!me)
         co_return failure(std::move(me.error()));
     if (!self)
@@ -307,7 +324,10 @@ void Account::liveOn()
     }
     m_retry = makeRetryTimer();
     m_connectivity = std::make_unique<Connectivity>();
-    m_connectivity->onOnline = [this] { catchUp(); };
+    m_connectivity->onOnline = [this] {
+        Q_EMIT networkCameBack();
+        catchUp();
+    };
     connect(m_connectivity.get(), &Connectivity::isOnlineChanged, this, [this] {
         // The server on this computer needs no network.
         if (!m_connectivity->isOnline() && !isLocal())

@@ -12,6 +12,7 @@
 #include "Support/Result.h"
 #include "Support/RetryTimer.h"
 #include "Support/Task.h"
+#include "Time/ContinuousTimer.h"
 #include "Time/DayTurn.h"
 #include "Time/UserTime.h"
 #include "Time/WallTimer.h"
@@ -55,6 +56,7 @@ public:
         /// Where a test's time and disk come in; empty: the system's.
         std::function<std::unique_ptr<RetryTimer>()> retryTimer = {};
         std::function<std::unique_ptr<WallTimer>()> wallTimer = {};
+        std::function<std::unique_ptr<ContinuousTimer>()> continuousTimer = {};
         std::function<std::string()> newIdentifier = {};
         StoreOptions store = {};
     };
@@ -71,7 +73,9 @@ public:
     /// Ends what is under way; afterwards the account can be destroyed.
     Task<> close();
 
+    const Options &options() const { return m_options; }
     ServerAccess &access() { return *m_access; }
+    std::shared_ptr<ServerAccess> sharedAccess() const { return m_access; }
     AccountState &state() { return m_access->state(); }
     const AccountState &state() const { return std::as_const(*m_access).state(); }
     const std::string &server() const { return m_access->address(); }
@@ -96,6 +100,9 @@ public:
     Tracker &tracker() { return *m_tracker; }
     const Tracker &tracker() const { return *m_tracker; }
 
+    /// A timer of the kind that this account waits with.
+    std::unique_ptr<RetryTimer> makeRetryTimer() const;
+
     /// Switches to another workspace of the account and remembers it. False when the account has none of that
     /// id.
     bool useWorkspace(const std::string &id);
@@ -110,6 +117,8 @@ Q_SIGNALS:
     void meChanged();
     /// `tracker` is another one, of another workspace; the one before goes when this has been told.
     void trackerChanged();
+    /// The system says that this computer has a network again.
+    void networkCameBack();
 
 private:
     Account(std::shared_ptr<ServerAccess> access, Options options);
@@ -133,7 +142,6 @@ private:
     void tryAgainLater();
     Task<> tryOnce();
     void tellNextTry();
-    std::unique_ptr<RetryTimer> makeRetryTimer() const;
 
     std::shared_ptr<ServerAccess> m_access;
     Options m_options;

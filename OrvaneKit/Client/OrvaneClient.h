@@ -33,7 +33,9 @@ public:
     const std::shared_ptr<SyncConnection> &syncConnection() const { return m_sync; }
 
     /// The same calls, which end when the scope does.
-    ServerCalls within(const CallScope &scope) const { return ServerCalls(channel().within(scope)); }
+    ServerCalls within(const CallScope &scope) const { return ServerCalls(channelWithin(scope)); }
+    /// For requests beside the API's operations.
+    CallChannel channelWithin(const CallScope &scope) const { return channel().within(scope); }
 
 private:
     OrvaneClient(std::shared_ptr<NetworkThread> thread, std::shared_ptr<AuthSession> session,

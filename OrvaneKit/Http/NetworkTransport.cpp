@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Http/NetworkTransport.h"
 
+#include "Http/SystemProxy.h"
 #include "Support/Eventual.h"
 
-#include <QHostAddress>
 #include <QJsonDocument>
 #include <QNetworkAccessManager>
 #include <QNetworkProxy>
@@ -17,19 +17,9 @@ namespace {
 
 using Answer = Result<HttpResponse, ConnectionError>;
 
-bool isLoopback(const QString &host)
-{
-    return host == QLatin1String("localhost") || QHostAddress(host).isLoopback();
-}
-
 class ProxyFactory final : public QNetworkProxyFactory {
 public:
-    QList<QNetworkProxy> queryProxy(const QNetworkProxyQuery &query) override
-    {
-        if (isLoopback(query.peerHostName()))
-            return {QNetworkProxy(QNetworkProxy::NoProxy)};
-        return systemProxyForQuery(query);
-    }
+    QList<QNetworkProxy> queryProxy(const QNetworkProxyQuery &query) override { return systemProxies(query); }
 };
 
 QNetworkRequest networkRequest(const HttpRequest &request, const QUrl &url, std::size_t answerLimit)

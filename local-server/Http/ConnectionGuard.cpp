@@ -76,15 +76,36 @@ void dropAll(const Doomed &doomed)
 
 } // namespace
 
-GuardedSocket::GuardedSocket(SteadyClock clock, QObject *parent)
-    : QTcpSocket(parent), m_clock(std::move(clock)), m_began(m_clock()), m_lastArrival(m_began)
+GuardedSocket::GuardedSocket(SteadyClock clock, std::string upgradePath, QObject *parent)
+    : QTcpSocket(parent)
+    , m_clock(std::move(clock))
+    , m_upgradeLine(upgradePath.empty() ? "" : "GET " + upgradePath)
+    , m_began(m_clock())
+    , m_lastArrival(m_began)
 {
     // Connected before the HTTP library connects, hence called before it reads.
     connect(this, &QTcpSocket::readyRead, this, &GuardedSocket::arrived);
+    connect(this, &QTcpSocket::disconnected, this, &GuardedSocket::tellGone);
+}
+
+GuardedSocket::~GuardedSocket()
+{
+    // Libraries that the connection went through take their leave by cutting all that was connected to it.
+    tellGone();
+    // The end of what is below says that it is disconnected, when there is no GuardedSocket any more.
+    QObject::disconnect(this, &QTcpSocket::disconnected, this, &GuardedSocket::tellGone);
+}
+
+void GuardedSocket::tellGone()
+{
+    if (const auto gone = std::exchange(m_gone, {}))
+        gone();
 }
 
 void GuardedSocket::arrived()
 {
+    if (isUpgrade())
+        return keepFromLibrary();
     m_lastArrival = m_clock();
     m_hasSpoken = true;
     if (!m_requestBegan)
@@ -101,6 +122,49 @@ void GuardedSocket::arrived()
             abort();
     }
     QMetaObject::invokeMethod(this, &GuardedSocket::settle, Qt::QueuedConnection);
+}
+
+/// The first bytes of a request decide, of which the library may have read some already.
+bool GuardedSocket::isUpgrade()
+{
+    const bool beginsRequest = !isTransactionStarted() && !m_isAnswering && !m_refused;
+    if (beginsRequest && !m_upgradeLine.empty())
+        m_line.emplace();
+    if (!m_line)
+        return false;
+    const auto missing = static_cast<qint64>(m_upgradeLine.size() + 1 - m_line->size());
+    m_line->append(peek(m_unread + missing).mid(m_unread).toStdString());
+    const std::string_view begun = std::string_view(*m_line).substr(0, m_upgradeLine.size());
+    const bool isLike = std::string_view(m_upgradeLine).starts_with(begun);
+    if (isLike && m_line->size() <= m_upgradeLine.size())
+        return false;
+    const bool is = isLike && (m_line->back() == '?' || m_line->back() == ' ');
+    m_line.reset();
+    return is;
+}
+
+void GuardedSocket::keepFromLibrary()
+{
+    m_lastArrival = m_clock();
+    m_hasSpoken = true;
+    if (!m_requestBegan)
+        m_requestBegan = m_lastArrival;
+    QObject::disconnect(this, &QTcpSocket::readyRead, nullptr, nullptr);
+    if (isTransactionStarted())
+        rollbackTransaction();
+    Q_EMIT upgradeAsked();
+}
+
+void GuardedSocket::handOver()
+{
+    setSignedIn();
+    m_isHandedOver = true;
+    // The HTTP library keeps a request for each connection until it hears of its end, which the WebSocket
+    // library would keep from it. After that it must hear nothing more.
+    Q_EMIT destroyed(this);
+    QObject::disconnect(this, nullptr, nullptr, nullptr);
+    connect(this, &QTcpSocket::disconnected, this, &GuardedSocket::tellGone);
+    connect(this, &QTcpSocket::disconnected, this, &QObject::deleteLater);
 }
 
 void GuardedSocket::settle()
@@ -187,7 +251,7 @@ bool GuardedSocket::hadItsMoment() const
 
 bool GuardedSocket::isStale() const
 {
-    if (m_isAnswering)
+    if (m_isAnswering || m_isHandedOver)
         return false;
     const SteadyTime now = m_clock();
     const auto longest = m_hasSpoken || !m_isStranger ? longestQuiet : longestSilence;
@@ -209,13 +273,15 @@ ConnectionGuard::ConnectionGuard(Options options)
 ConnectionGuard::~ConnectionGuard()
 {
     // They end after the lists out of which they would go.
-    for (auto *socket : findChildren<GuardedSocket *>())
+    for (const auto &[number, socket] : m_connections) {
+        socket->onGone({});
         socket->disconnect(this);
+    }
 }
 
 void ConnectionGuard::incomingConnection(qintptr descriptor)
 {
-    auto *socket = new GuardedSocket(m_options.clock, this);
+    auto *socket = new GuardedSocket(m_options.clock, m_options.upgradePath, this);
     if (!socket->setSocketDescriptor(descriptor)) {
         delete socket;
         return;
@@ -245,8 +311,8 @@ void ConnectionGuard::take(GuardedSocket *socket)
         m_strangersOf[peer].emplace(number, socket);
     }
     connect(socket, &GuardedSocket::signedIn, this, [this, number, peer] { forgetStranger(number, peer); });
-    connect(socket, &GuardedSocket::disconnected, this, [this, number, peer] { forget(number, peer); });
-    connect(socket, &QObject::destroyed, this, [this, number, peer] { forget(number, peer); });
+    connect(socket, &GuardedSocket::upgradeAsked, this, [this, socket] { Q_EMIT upgradeAsked(socket); });
+    socket->onGone([this, number, peer] { forget(number, peer); });
 }
 
 void ConnectionGuard::forget(std::uint64_t number, const QHostAddress &peer)

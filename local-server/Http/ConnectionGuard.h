@@ -27,7 +27,9 @@ class GuardedSocket : public QTcpSocket {
     Q_OBJECT
 
 public:
-    GuardedSocket(SteadyClock clock, QObject *parent);
+    /// A request for `upgradePath` is kept from the HTTP library; empty when there is no such path.
+    GuardedSocket(SteadyClock clock, std::string upgradePath, QObject *parent);
+    ~GuardedSocket() override;
 
     /// Calls `begin` when the answers to all earlier requests have been given.
     void takeTurn(std::function<void()> begin);
@@ -46,17 +48,30 @@ public:
     bool isStale() const;
     /// Ends the connection at once, and this object soon.
     void drop();
+    /// It is open for who is signed in, who looks after it from now on: no request comes over it any more.
+    void handOver();
+    /// Called once, when the connection or this object ends.
+    void onGone(std::function<void()> gone) { m_gone = std::move(gone); }
 
 Q_SIGNALS:
     void signedIn();
+    /// The next bytes are a request for the upgrade path. Nobody else reads them, or what comes after them.
+    void upgradeAsked();
 
 private:
     void arrived();
     void settle();
+    bool isUpgrade();
+    void keepFromLibrary();
+    void tellGone();
     void refuse();
     void beginNextTurn();
 
     SteadyClock m_clock;
+    /// How a request for the upgrade path begins, and how this one does as long as it may be one.
+    const std::string m_upgradeLine;
+    std::optional<std::string> m_line;
+    std::function<void()> m_gone;
     SteadyTime m_began;
     SteadyTime m_lastArrival;
     std::optional<SteadyTime> m_requestBegan;
@@ -67,6 +82,7 @@ private:
     bool m_isStranger = true;
     bool m_hasSpoken = false;
     bool m_refused = false;
+    bool m_isHandedOver = false;
 };
 
 /// Takes connections: those of signed-in users as long as the process has descriptors, and of strangers a
@@ -86,6 +102,8 @@ public:
         std::optional<std::size_t> mostConnections = {};
         /// The system's when absent.
         SteadyClock clock = {};
+        /// Requests for this path go to who hears upgradeAsked(); without it there is none.
+        std::string upgradePath = {};
     };
 
     ConnectionGuard();
@@ -94,6 +112,9 @@ public:
 
     /// Closes the connections that are stale or too many; happens by itself every second.
     void sweep();
+
+Q_SIGNALS:
+    void upgradeAsked(GuardedSocket *socket);
 
 protected:
     void incomingConnection(qintptr descriptor) override;

@@ -156,8 +156,11 @@ private:
     Handle m_handle;
 };
 
-HttpFront::HttpFront(Handle handle, std::optional<std::string> trustedProxy)
-    : m_trustedProxy(std::move(trustedProxy)), m_bridge(std::make_unique<Bridge>(std::move(handle)))
+HttpFront::HttpFront(Handle handle, std::optional<std::string> trustedProxy, std::optional<Upgrades> upgrades)
+    : m_trustedProxy(std::move(trustedProxy))
+    , m_upgradePath(upgrades ? upgrades->path : std::string())
+    , m_door(upgrades ? std::make_unique<UpgradeDoor>(std::move(*upgrades)) : nullptr)
+    , m_bridge(std::make_unique<Bridge>(std::move(handle)))
 {
 }
 
@@ -166,9 +169,11 @@ HttpFront::~HttpFront() = default;
 Result<std::uint16_t, std::string> HttpFront::listen(const ListenPoint &point)
 {
     auto listener = std::make_unique<ConnectionGuard>(
-        ConnectionGuard::Options{.trustedProxy = m_trustedProxy, .mostConnections = {}, .clock = {}});
+        ConnectionGuard::Options{.trustedProxy = m_trustedProxy, .upgradePath = m_upgradePath});
     if (!listener->listen(QHostAddress(QString::fromStdString(point.address)), point.port))
         return failure(listener->errorString().toStdString());
+    if (m_door)
+        connect(listener.get(), &ConnectionGuard::upgradeAsked, m_door.get(), &UpgradeDoor::take);
     const std::uint16_t port = listener->serverPort();
     m_bridge->bind(listener.release());
     return port;

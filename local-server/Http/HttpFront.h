@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Http/RequestGate.h"
+#include "Http/UpgradeDoor.h"
 #include "OrvaneAPI/HttpMessage.h"
 #include "Support/Result.h"
 
@@ -23,7 +24,8 @@ public:
     using Handle = std::function<void(const HttpRequest &request, const std::string &peer, Reply reply)>;
 
     /// `trustedProxy` is the address of a proxy whose connections carry everybody's requests.
-    explicit HttpFront(Handle handle, std::optional<std::string> trustedProxy = {});
+    explicit HttpFront(Handle handle, std::optional<std::string> trustedProxy = {},
+                       std::optional<Upgrades> upgrades = {});
     ~HttpFront() override;
 
     /// Port 0 lets the system choose. Answers the port, or what the system said.
@@ -33,6 +35,8 @@ public:
 private:
     class Bridge;
     std::optional<std::string> m_trustedProxy;
+    std::string m_upgradePath;
+    std::unique_ptr<UpgradeDoor> m_door;
     std::unique_ptr<Bridge> m_bridge;
 };
 

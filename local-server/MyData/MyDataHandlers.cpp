@@ -85,6 +85,7 @@ HttpResponse accountDeleted(Call &call)
             return conflict("Others work in “" + organization.name + "”; make one of them its owner first.");
     }
     call.accounts.remove(userId);
+    call.changedMe();
     return noBody(204);
 }
 

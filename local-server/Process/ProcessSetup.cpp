@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Process/ProcessSetup.h"
 
-#include <QSocketNotifier>
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
@@ -18,17 +17,6 @@
 namespace orvane::server {
 
 namespace {
-
-// What a signal handler may touch.
-int stopPipe[2] = {-1, -1};
-
-void writeToStopPipe(int)
-{
-    const int kept = errno;
-    const char byte = 0;
-    [[maybe_unused]] const ssize_t written = ::write(stopPipe[1], &byte, 1);
-    errno = kept;
-}
 
 void closeInheritedFiles()
 {
@@ -118,36 +106,6 @@ std::string makePrivateFolder(const std::string &path)
             return std::strerror(errno);
         if (end == std::string::npos)
             return {};
-    }
-}
-
-StopSignals::StopSignals()
-{
-    if (::pipe(stopPipe) != 0)
-        return;
-    for (const int end : stopPipe) {
-        ::fcntl(end, F_SETFD, FD_CLOEXEC);
-        ::fcntl(end, F_SETFL, O_NONBLOCK);
-    }
-    m_notifier = new QSocketNotifier(stopPipe[0], QSocketNotifier::Read, this);
-    connect(m_notifier, &QSocketNotifier::activated, this, [this] {
-        char byte = 0;
-        while (::read(stopPipe[0], &byte, 1) > 0) {
-        }
-        Q_EMIT stopRequested();
-    });
-    for (const int signal : {SIGTERM, SIGINT})
-        setAction(signal, writeToStopPipe);
-}
-
-StopSignals::~StopSignals()
-{
-    for (const int signal : {SIGTERM, SIGINT})
-        setAction(signal, SIG_DFL);
-    for (int &end : stopPipe) {
-        if (end >= 0)
-            ::close(end);
-        end = -1;
     }
 }
 

@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QObject>
 #include <string>
-
-class QSocketNotifier;
 
 namespace orvane::server {
 
@@ -21,20 +18,5 @@ void raiseDescriptorLimit();
 
 /// Makes a folder, and those above it, for the owner alone. Answers what went wrong, or nothing.
 std::string makePrivateFolder(const std::string &path);
-
-/// Turns SIGTERM and SIGINT into a signal of the event loop. One in a process.
-class StopSignals : public QObject {
-    Q_OBJECT
-
-public:
-    StopSignals();
-    ~StopSignals() override;
-
-Q_SIGNALS:
-    void stopRequested();
-
-private:
-    QSocketNotifier *m_notifier = nullptr;
-};
 
 } // namespace orvane::server

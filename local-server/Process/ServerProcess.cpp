@@ -47,12 +47,16 @@ ServerProcess::ServerProcess(ServerOptions options)
     : m_options(std::move(options))
     , m_linkKey(randomText(32))
     , m_lock(file("server.lock"))
+    , m_hub({.ask =
+                 [this](std::vector<HubQuestion> questions, std::function<void(SyncHub::Standings)> done) {
+                     askForHub(std::move(questions), std::move(done));
+                 }})
     , m_front(
           [this](const HttpRequest &request, const std::string &peer, HttpFront::Reply reply) {
               restartIdleTimer();
               serve(request, peer, std::move(reply));
           },
-          m_options.trustedProxy)
+          m_options.trustedProxy, hubUpgrades())
     , m_socket([this](const LinkRequest &request, const ServerSocket::Reply &reply) {
         restartIdleTimer();
         if (request.command == "request")
@@ -64,7 +68,8 @@ ServerProcess::ServerProcess(ServerOptions options)
     })
 {
     m_idle.setSingleShot(true);
-    connect(&m_idle, &QTimer::timeout, this, &ServerProcess::idle);
+    connect(&m_idle, &QTimer::timeout, this, &ServerProcess::idleTimeIsOver);
+    connect(&m_hub, &SyncHub::emptied, this, &ServerProcess::restartIdleTimer);
 }
 
 ServerProcess::~ServerProcess()
@@ -73,9 +78,13 @@ ServerProcess::~ServerProcess()
     // at the port or in the database.
     m_socket.close();
     m_front.close();
+    m_hub.disconnect(this);
+    m_hub.close();
     m_executor.reset();
     m_waiting.clear();
     m_waitingForCode.clear();
+    m_waitingForHub.clear();
+    m_waitingForStandings.clear();
     m_core.reset();
     m_lock.unlock();
 }
@@ -149,7 +158,11 @@ std::string ServerProcess::openCore()
                                   .trustedProxy = m_options.trustedProxy,
                                   .clock = {},
                                   .linkKey = m_linkKey,
-                                  .userName = userName()});
+                                  .userName = userName(),
+                                  .onChange = [this](const ChangeNotice &notice) {
+                                      const auto tell = [this, notice] { m_hub.tell(notice); };
+                                      QMetaObject::invokeMethod(&m_hub, tell, Qt::QueuedConnection);
+                                  }});
     if (!core)
         return std::move(core.error());
     m_core = std::move(*core);
@@ -228,6 +241,52 @@ void ServerProcess::passOn(const LinkRequest &request, const ServerSocket::Reply
         answer.body = std::move(response.body);
         reply(answer);
     });
+}
+
+Upgrades ServerProcess::hubUpgrades()
+{
+    return {hubPath, [this](const HttpRequest &request, const std::string &peer,
+                            std::function<void(Upgrades::Decision)> decided) {
+                restartIdleTimer();
+                const std::uint64_t number = ++m_lastNumber;
+                m_waitingForHub.emplace(number, std::move(decided));
+                m_core->admitToHub(request, peer, *m_executor,
+                                   [this, number](const ServerCore::Admission &admission) {
+                                       QMetaObject::invokeMethod(
+                                           this, [this, number, admission] { admit(number, admission); },
+                                           Qt::QueuedConnection);
+                                   });
+            }};
+}
+
+void ServerProcess::admit(std::uint64_t number, ServerCore::Admission admission)
+{
+    const auto decided = m_waitingForHub.extract(number);
+    if (!admission)
+        return decided.mapped()(failure(std::move(admission.error())));
+    if (auto refusal = m_hub.refuse(*admission))
+        return decided.mapped()(failure(std::move(*refusal)));
+    decided.mapped()(
+        [this, guest = std::move(*admission)](QWebSocket *socket) { m_hub.take(socket, guest); });
+}
+
+void ServerProcess::askForHub(std::vector<HubQuestion> questions,
+                              std::function<void(SyncHub::Standings)> done)
+{
+    const std::uint64_t number = ++m_lastNumber;
+    m_waitingForStandings.emplace(number, std::move(done));
+    m_core->askForHub(std::move(questions), *m_executor, [this, number](const SyncHub::Standings &standings) {
+        const auto back = [this, number, standings] {
+            m_waitingForStandings.extract(number).mapped()(standings);
+        };
+        QMetaObject::invokeMethod(this, back, Qt::QueuedConnection);
+    });
+}
+
+void ServerProcess::idleTimeIsOver()
+{
+    if (m_hub.isEmpty())
+        Q_EMIT idle();
 }
 
 void ServerProcess::restartIdleTimer()

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Http/HttpFront.h"
+#include "Hub/SyncHub.h"
 #include "Process/ServerExecutor.h"
 #include "Process/ServerOptions.h"
 #include "Process/ServerSocket.h"
@@ -33,7 +34,7 @@ public:
     const ListenPoint &listenPoint() const { return m_point; }
 
 Q_SIGNALS:
-    /// No request came for as long as the options say.
+    /// No request came for as long as the options say, and nobody listens to live sync.
     void idle();
 
 private:
@@ -46,7 +47,11 @@ private:
     void sendCode(const LinkRequest &request, const ServerSocket::Reply &reply);
     void answerCode(std::uint64_t number, const ServerCore::Code &code);
     void passOn(const LinkRequest &request, const ServerSocket::Reply &reply);
+    Upgrades hubUpgrades();
+    void admit(std::uint64_t number, ServerCore::Admission admission);
+    void askForHub(std::vector<HubQuestion> questions, std::function<void(SyncHub::Standings)> done);
     void restartIdleTimer();
+    void idleTimeIsOver();
     std::string file(const char *name) const;
 
     ServerOptions m_options;
@@ -59,7 +64,10 @@ private:
     /// Who waits for an answer, by number: what belongs to a connection stays on the thread of connections.
     std::unordered_map<std::uint64_t, HttpFront::Reply> m_waiting;
     std::unordered_map<std::uint64_t, ServerSocket::Reply> m_waitingForCode;
+    std::unordered_map<std::uint64_t, std::function<void(Upgrades::Decision)>> m_waitingForHub;
+    std::unordered_map<std::uint64_t, std::function<void(SyncHub::Standings)>> m_waitingForStandings;
     std::uint64_t m_lastNumber = 0;
+    SyncHub m_hub;
     HttpFront m_front;
     ServerSocket m_socket;
     QTimer m_idle;

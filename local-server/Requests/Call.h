@@ -55,7 +55,9 @@ struct Call {
         add({topic, workspaceId, caller.userId});
     }
     /// The caller's own account and preferences.
-    void changedMe() { add({ChangeTopic::me, {}, caller.userId}); }
+    void changedMe() { changedAccount(caller.userId); }
+    /// An account's own, or one of its sessions.
+    void changedAccount(const std::string &userId) { add({ChangeTopic::me, {}, userId}); }
 
 private:
     void add(Change change)

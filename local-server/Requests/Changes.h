@@ -24,8 +24,16 @@ struct Change {
     bool operator==(const Change &) const = default;
 };
 
-/// Told once what one transaction changed, after that is on the disk: on the thread that wrote it, which must
-/// not be kept for long.
-using ChangeObserver = std::function<void(const std::vector<Change> &)>;
+/// What one transaction changed, and whose doing that was: nobody's in particular when the texts are empty.
+struct ChangeNotice {
+    std::vector<Change> changes;
+    std::string byUser;
+    /// The one of the user's connections to the hub that knows of it already, as far as that is true.
+    std::string byConnection;
+};
+
+/// Told once for each transaction, after it is on the disk: on the thread that wrote it, which must not be
+/// kept for long.
+using ChangeObserver = std::function<void(const ChangeNotice &)>;
 
 } // namespace orvane::server

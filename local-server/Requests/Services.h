@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Hub/HubTickets.h"
 #include "Security/AccessTokens.h"
 #include "Security/GuessGuard.h"
 #include "Security/PasswordGuesses.h"
@@ -16,6 +17,7 @@ struct Services {
     SignInCodes codes{};
     PasswordGuesses passwordGuesses{};
     GuessGuard registrations{20};
+    HubTickets hubTickets{};
 };
 
 } // namespace orvane::server

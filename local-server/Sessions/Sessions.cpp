@@ -69,7 +69,7 @@ Sessions::Renewal Sessions::renew(const std::string &token, bool isProved, Insta
         return Unknown{};
     if (found->state == dead) {
         m_database.run("DELETE FROM sessions WHERE id = ?", found->sessionId);
-        return Ended{};
+        return Ended{found->userId};
     }
     if (found->state == fresh)
         spend(digest, found->sessionId);
@@ -96,11 +96,19 @@ void Sessions::boundSuccessors(const std::string &sessionId)
         m_database.run("UPDATE refresh_tokens SET state = ? WHERE digest = ?", dead, successors[i]);
 }
 
-void Sessions::endByToken(const std::string &token, bool isProved)
+std::optional<std::string> Sessions::endByToken(const std::string &token, bool isProved)
 {
-    m_database.run("DELETE FROM sessions WHERE (is_bound = 0 OR ? = 1) AND id IN "
-                   "(SELECT session_id FROM refresh_tokens WHERE digest = ?)",
-                   isProved, digestText(token));
+    struct Found {
+        std::string sessionId, userId;
+    };
+    auto found = m_database.row(
+        "SELECT s.id, s.user_id FROM refresh_tokens t JOIN sessions s ON s.id = t.session_id "
+        "WHERE t.digest = ? AND (s.is_bound = 0 OR ? = 1)",
+        [](const SqlRow &row) { return Found{row.text(0), row.text(1)}; }, digestText(token), isProved);
+    if (!found)
+        return std::nullopt;
+    m_database.run("DELETE FROM sessions WHERE id = ?", found->sessionId);
+    return std::move(found->userId);
 }
 
 std::optional<Instant> Sessions::lastUse(const std::string &sessionId, const std::string &userId,

@@ -50,13 +50,15 @@ public:
                         bool isBound, Instant now);
 
     struct Unknown {};
-    struct Ended {};
+    struct Ended {
+        std::string userId;
+    };
     using Renewal = std::variant<IssuedRefresh, Unknown, Ended>;
     /// A token of a bound session that comes without a proof is as good as unknown, and changes nothing.
     Renewal renew(const std::string &token, bool isProved, Instant now);
 
-    /// Ends the session that a token of it, fresh or spent, stands for.
-    void endByToken(const std::string &token, bool isProved);
+    /// Ends the session that a token of it, fresh or spent, stands for. Answers whose it was.
+    std::optional<std::string> endByToken(const std::string &token, bool isProved);
 
     /// When a session that goes on was used last; kept to a minute, so `touch` is due when that is over.
     std::optional<Instant> lastUse(const std::string &sessionId, const std::string &userId, bool isProved,

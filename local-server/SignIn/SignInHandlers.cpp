@@ -132,6 +132,8 @@ HttpResponse refreshTokens(Call &call, const operations::RefreshTokens::Input &i
     const auto renewal = call.sessions.renew(input.body.refreshToken, call.isProved, call.now);
     if (const auto *refresh = std::get_if<IssuedRefresh>(&renewal))
         return jsonAnswer(200, tokensFor(call, *refresh));
+    if (const auto *ended = std::get_if<Sessions::Ended>(&renewal))
+        call.changedAccount(ended->userId);
     call.keepsChanges = true; // the session that ended stays ended
     return unauthorized("Your session has ended. Please sign in again.");
 }
@@ -139,7 +141,8 @@ HttpResponse refreshTokens(Call &call, const operations::RefreshTokens::Input &i
 HttpResponse logout(Call &call, const operations::Logout::Input &input)
 {
     // An unknown token is no news to whoever wants to be rid of it.
-    call.sessions.endByToken(input.body.refreshToken, call.isProved);
+    if (const auto userId = call.sessions.endByToken(input.body.refreshToken, call.isProved))
+        call.changedAccount(*userId);
     return noBody(202);
 }
 

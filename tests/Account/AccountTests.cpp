@@ -125,6 +125,30 @@ TEST_F(AccountTest, LeavesASessionThatIsOver)
     EXPECT_EQ(installation.lastServer(), server.url());
 }
 
+TEST_F(AccountTest, TakesNoProfileFromBeforeItsOwnChange)
+{
+    const auto account = signIn();
+    ASSERT_NE(account, nullptr);
+    MeResponse changed = profile();
+    changed.preferences.timeFormat = "12h";
+    std::atomic<bool> isChanged = false;
+    std::atomic<int> asked = 0;
+    server.setAnswer([&](const SeenRequest &, LoopbackServer::Connection &connection) {
+        const bool isOld = asked++ == 0;
+        while (isOld && !isChanged && connection.wait(std::chrono::milliseconds{5})) {
+        }
+        connection.answer(200, encodeJson(isOld ? profile() : changed));
+    });
+    auto refreshing = account->refreshMe();
+    ASSERT_TRUE(testing::eventually([&] { return asked == 1; }));
+    await(account->updateMe(changed));
+    isChanged = true;
+    EXPECT_TRUE(await(std::move(refreshing)));
+    EXPECT_EQ(account->me(), changed);
+    EXPECT_EQ(asked, 2);
+    await(account->close());
+}
+
 TEST_F(AccountTest, KnowsAServerThatNobodySignedInTo)
 {
     server.setDown(true);

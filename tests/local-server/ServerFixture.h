@@ -29,9 +29,11 @@ protected:
         options.clock = [this] { return now; };
         options.userName = "ada";
         options.linkKey = linkKey;
-        options.onChange = [this](const std::vector<Change> &told) {
+        options.onChange = [this](const ChangeNotice &told) {
             const std::lock_guard lock(changesLock);
-            changes.insert(changes.end(), told.begin(), told.end());
+            changes.insert(changes.end(), told.changes.begin(), told.changes.end());
+            if (alsoTold)
+                alsoTold(told);
         };
         auto opened = ServerCore::open(std::move(options));
         ASSERT_TRUE(opened) << opened.error();
@@ -41,7 +43,7 @@ protected:
     HttpResponse send(HttpRequest request, const std::string &token = {})
     {
         if (!request.headers.find("Host"))
-            request.headers.set("Host", "127.0.0.1:0");
+            request.headers.set("Host", host);
         if (!token.empty())
             request.headers.set("Authorization", "Bearer " + token);
         return server->handle(request, peer);
@@ -122,6 +124,9 @@ protected:
     std::string accessToken;
     /// What was told of since the test last looked.
     std::vector<Change> changes;
+    ChangeObserver alsoTold;
+    /// What requests are sent to.
+    std::string host = "127.0.0.1:0";
     std::mutex changesLock;
     std::string workspaceId;
     std::unique_ptr<ServerCore> server;

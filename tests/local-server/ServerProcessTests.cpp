@@ -606,6 +606,32 @@ TEST_F(ServerRun, ItEndsWhenNobodyAsks)
     EXPECT_EQ(exitCode(*server), 0);
 }
 
+TEST_F(ServerRun, WhoListensToLiveSyncKeepsIt)
+{
+    const auto server = serve({QStringLiteral("--idle-exit"), QStringLiteral("2")});
+    signIn();
+    const std::string negotiated =
+        send({HttpMethod::post, "/api/hubs/sync/negotiate?negotiateVersion=1", {}, {}}).body;
+    const std::string member = "\"connectionToken\":\"";
+    const auto begin = negotiated.find(member) + member.size();
+    FileDescriptor listening = connected();
+    sendAll(listening,
+            "GET /api/hubs/sync?id=" + negotiated.substr(begin, negotiated.find('"', begin) - begin) +
+                " HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(m_port) + "\r\nAuthorization: Bearer " +
+                m_token +
+                "\r\nUpgrade: websocket\r\nConnection: Upgrade\r\nSec-WebSocket-Version: 13\r\n"
+                "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n\r\n");
+    char answer[12]{};
+    EXPECT_EQ(::recv(listening.get(), answer, sizeof answer, MSG_WAITALL), 12);
+    EXPECT_EQ(std::string(answer, 12), "HTTP/1.1 101");
+    EXPECT_FALSE(server->waitForFinished(3'000));
+    listening = FileDescriptor();
+    EXPECT_EQ(exitCode(*server), 0);
+    QFile log(text(folder() + "/server.log"));
+    ASSERT_TRUE(log.open(QIODevice::ReadOnly));
+    EXPECT_FALSE(log.readAll().contains(QByteArray::fromStdString(m_token)));
+}
+
 TEST_F(ServerRun, ItHoldsNothingOfWhoStartedIt)
 {
     int pipe[2];
