@@ -206,6 +206,8 @@ void GuardedSocket::takeTurn(std::function<void()> begin)
 
 void GuardedSocket::requestAnswered()
 {
+    // Who has to give way from now on is to have its answer all the same.
+    flush();
     m_received = 0;
     m_requestBegan.reset();
     m_lastArrival = m_clock();
