@@ -76,7 +76,7 @@ void dropAll(const Doomed &doomed)
 
 } // namespace
 
-GuardedSocket::GuardedSocket(SteadyClock clock, std::string upgradePath, QObject *parent)
+GuardedSocket::GuardedSocket(SteadyClock clock, const std::string &upgradePath, QObject *parent)
     : QTcpSocket(parent)
     , m_clock(std::move(clock))
     , m_upgradeLine(upgradePath.empty() ? "" : "GET " + upgradePath)
