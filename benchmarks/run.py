@@ -18,6 +18,7 @@ import tempfile
 import activity_runs
 import command_runs
 import compile_runs
+import live_runs
 import queue_runs
 import server_runs
 import window_runs
@@ -168,6 +169,16 @@ def server_rows(arguments):
     yield row("a bare transaction of that work: the 99th percentile, in ms", bare["p99"])
 
 
+def live_rows(arguments):
+    with tempfile.TemporaryDirectory(dir=arguments.folder) as folder:
+        ours, bare = live_runs.latency(BUILD / "bin", PROGRAMS, folder, 40 * arguments.repetitions)
+        memory, heard = live_runs.crowd(BUILD / "bin", folder, 1000, arguments.repetitions)
+    yield row("a change to the news of it on another client, beside a bare POST, commit and WebSocket", ours / bare, 2)
+    yield row("the same, in ms", 1e3 * ours)
+    yield row("1,000 watching connections: the server's memory for each, in KiB", memory, form="{:.1f}")
+    yield row("the same: a change until all have heard, in ms", 1e3 * heard, form="{:.0f}")
+
+
 def compile_rows(arguments):
     with tempfile.TemporaryDirectory(dir=arguments.folder) as folder:
         count, seconds = compile_runs.all_calls(BUILD, folder)
@@ -200,6 +211,7 @@ GROUPS = {"store": (store_rows, ["StoreBenchmark"]), "json": (json_rows, ["JsonB
           "activity": (activity_rows, ["orvane", "ActivityRequests"]),
           "queue": (queue_rows, ["orvane", "orvane-server", "BareDrain"]),
           "server": (server_rows, ["orvane-server", "ServerLoad", "BareTransactions"]),
+          "live": (live_rows, ["orvane-server", "BareLive"]),
           "compile": (compile_rows, ["OrvaneKit"]),
           "window": (window_rows, ["orvane", "orvane-server", "WindowBenchmark", "BareWindow"]),
           "command": (command_rows, ["orvane", "orvane-server", "BareStatus", "BareStatusLine", "BareIdle"])}

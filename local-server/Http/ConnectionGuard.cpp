@@ -76,7 +76,7 @@ void dropAll(const Doomed &doomed)
 
 } // namespace
 
-GuardedSocket::GuardedSocket(SteadyClock clock, std::string upgradePath, QObject *parent)
+GuardedSocket::GuardedSocket(SteadyClock clock, const std::string &upgradePath, QObject *parent)
     : QTcpSocket(parent)
     , m_clock(std::move(clock))
     , m_upgradeLine(upgradePath.empty() ? "" : "GET " + upgradePath)
@@ -206,6 +206,8 @@ void GuardedSocket::takeTurn(std::function<void()> begin)
 
 void GuardedSocket::requestAnswered()
 {
+    // Who has to give way from now on is to have its answer all the same.
+    flush();
     m_received = 0;
     m_requestBegan.reset();
     m_lastArrival = m_clock();

@@ -28,7 +28,7 @@ class GuardedSocket : public QTcpSocket {
 
 public:
     /// A request for `upgradePath` is kept from the HTTP library; empty when there is no such path.
-    GuardedSocket(SteadyClock clock, std::string upgradePath, QObject *parent);
+    GuardedSocket(SteadyClock clock, const std::string &upgradePath, QObject *parent);
     ~GuardedSocket() override;
 
     /// Calls `begin` when the answers to all earlier requests have been given.

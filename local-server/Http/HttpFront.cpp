@@ -58,6 +58,18 @@ HttpRequest requestFrom(const QHttpServerRequest &request, HttpMethod method)
     return out;
 }
 
+bool asksForUpgrade(const QHttpServerRequest &request)
+{
+    return request.value("Upgrade").compare("websocket", Qt::CaseInsensitive) == 0;
+}
+
+/// The answer to a request for an upgrade that is none of the door's, or came behind one that was not
+/// answered yet.
+HttpResponse noWebSocketHere()
+{
+    return problem(400, "There is no WebSocket here.", {});
+}
+
 /// `isHead` asks for what a GET is answered, without its body.
 void send(QHttpServerResponder &responder, const HttpResponse &response, bool isHead)
 {
@@ -87,6 +99,8 @@ public:
 #if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
     bool handleRequest(const QHttpServerRequest &request, QHttpServerResponder &responder) override
     {
+        if (asksForUpgrade(request))
+            return false;
         for (auto *server : servers()) {
             for (auto *socket : server->findChildren<GuardedSocket *>()) {
                 if (socket->peerPort() == request.remotePort()) {
@@ -97,16 +111,25 @@ public:
         }
         return false;
     }
-    void missingHandler(const QHttpServerRequest &, QHttpServerResponder &) override {}
+    void missingHandler(const QHttpServerRequest &, QHttpServerResponder &responder) override
+    {
+        send(responder, noWebSocketHere(), false);
+    }
 #else
     bool handleRequest(const QHttpServerRequest &request, QTcpSocket *socket) override
     {
+        if (asksForUpgrade(request))
+            return false;
         auto *guarded = qobject_cast<GuardedSocket *>(socket);
         ORVANE_REQUIRE(guarded, "a connection came past the guard");
         take(request, makeResponder(request, socket), *guarded);
         return true;
     }
-    void missingHandler(const QHttpServerRequest &, QTcpSocket *) override {}
+    void missingHandler(const QHttpServerRequest &request, QTcpSocket *socket) override
+    {
+        auto responder = makeResponder(request, socket);
+        send(responder, noWebSocketHere(), false);
+    }
 #endif
 
 private:

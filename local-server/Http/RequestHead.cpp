@@ -3,7 +3,6 @@
 
 #include "OrvaneAPI/LinkProof.h"
 
-#include <QByteArray>
 #include <algorithm>
 #include <array>
 
@@ -13,7 +12,8 @@ namespace {
 
 bool sameName(std::string_view a, std::string_view b)
 {
-    return a.size() == b.size() && qstrnicmp(a.data(), b.data(), a.size()) == 0;
+    const auto lowered = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+    return std::ranges::equal(a, b, {}, lowered, lowered);
 }
 
 bool decides(std::string_view name)

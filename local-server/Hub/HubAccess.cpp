@@ -69,6 +69,7 @@ std::optional<std::vector<HubStanding>> hubStandings(Database &database,
                                                      const std::vector<HubQuestion> &questions, Instant now)
 {
     std::vector<HubStanding> standings;
+    standings.reserve(questions.size());
     database.begin(Lane::reading);
     for (const HubQuestion &question : questions)
         standings.push_back(standingOf(database, question, now));

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Hub/HubConnection.h"
 
+#include <QTimer>
 #include <QWebSocket>
 #include <QWebSocketProtocol>
 #include <algorithm>
@@ -153,7 +154,7 @@ void HubConnection::drop()
 {
     if (!m_left)
         m_left = m_clock();
-    QMetaObject::invokeMethod(m_socket, &QWebSocket::abort, Qt::QueuedConnection);
+    QTimer::singleShot(0, m_socket, &QWebSocket::abort);
 }
 
 SteadyTime HubConnection::keepAlive()

@@ -72,7 +72,7 @@ private:
     Connections m_connections;
     Index m_ofUser;
     Index m_watching;
-    SteadyTime m_lastReview;
+    SteadyTime m_lastReview{0};
     QTimer m_timer;
 };
 

@@ -122,6 +122,19 @@ TEST_F(Connections, TheOldestStrangerOfAPeerGivesWay)
     EXPECT_TRUE(answering.isOpen());
 }
 
+TEST_F(Connections, WhoGivesWayHasItsAnswerFirst)
+{
+    listen();
+    Pair pair = connectFrom();
+    say(pair, "GET");
+    pair.server->takeTurn([] {});
+    pair.server->write("answer");
+    pair.server->requestAnswered();
+    pair.server->drop();
+    EXPECT_TRUE(eventually([&] { return pair.isClosed(); }));
+    EXPECT_EQ(pair.client->readAll(), "answer");
+}
+
 TEST_F(Connections, ManyWhoComeAtOnceHaveAMomentToSignIn)
 {
     listen();

@@ -116,6 +116,17 @@ TEST_F(Front, AHeadIsAGetWithoutItsBody)
     EXPECT_EQ(heardUntil("body").find("body"), heard.size() - 4) << "once";
 }
 
+TEST_F(Front, AnUpgradeWhereThereIsNoneIsRefused)
+{
+    say("GET", "/thing", "Upgrade: websocket\r\nConnection: Upgrade\r\n");
+    EXPECT_TRUE(eventually([&] {
+        heard += client.readAll().toStdString();
+        return client.state() == QAbstractSocket::UnconnectedState;
+    }));
+    EXPECT_TRUE(heard.starts_with("HTTP/1.1 400 ")) << heard;
+    EXPECT_TRUE(asked.empty());
+}
+
 TEST_F(Front, WhoAsksOnWithoutListeningIsHungUpOn)
 {
     for (int i = 0; i < 100; ++i)

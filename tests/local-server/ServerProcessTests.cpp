@@ -617,8 +617,7 @@ TEST_F(ServerRun, WhoListensToLiveSyncKeepsIt)
     FileDescriptor listening = connected();
     sendAll(listening,
             "GET /api/hubs/sync?id=" + negotiated.substr(begin, negotiated.find('"', begin) - begin) +
-                " HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(m_port) + "\r\nAuthorization: Bearer " +
-                m_token +
+                "&access_token=" + m_token + " HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(m_port) +
                 "\r\nUpgrade: websocket\r\nConnection: Upgrade\r\nSec-WebSocket-Version: 13\r\n"
                 "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n\r\n");
     char answer[12]{};
