@@ -17,6 +17,7 @@ void addCommands(CommandTree &tree)
     addSignInCommands(tree);
     addSettingsCommands(tree);
     addOutboxCommand(tree);
+    addConnectCommand(tree);
     addServeCommand(tree);
     addCompletionCommand(tree);
     addHelpCommands(tree);

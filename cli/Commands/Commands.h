@@ -22,6 +22,7 @@ void addCatalogCommands(CommandTree &tree);
 void addSignInCommands(CommandTree &tree);
 void addSettingsCommands(CommandTree &tree);
 void addOutboxCommand(CommandTree &tree);
+void addConnectCommand(CommandTree &tree);
 void addServeCommand(CommandTree &tree);
 void addCompletionCommand(CommandTree &tree);
 void addHelpCommands(CommandTree &tree);
