@@ -149,7 +149,8 @@ std::string ServerProcess::openCore()
                                   .trustedProxy = m_options.trustedProxy,
                                   .clock = {},
                                   .linkKey = m_linkKey,
-                                  .userName = userName()});
+                                  .userName = userName(),
+                                  .devProvider = m_options.devProvider});
     if (!core)
         return std::move(core.error());
     m_core = std::move(*core);
