@@ -78,6 +78,8 @@ void CallbackSocket::read(QLocalSocket &socket)
     }
     const QByteArray line = socket.readLine(longestAddress + 1);
     socket.write(takenLine);
+    // Whoever hears of the address may end this, and the connection with it.
+    socket.flush();
     socket.disconnectFromServer();
     Q_EMIT arrived(QString::fromUtf8(line).trimmed());
 }
