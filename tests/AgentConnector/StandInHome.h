@@ -89,4 +89,25 @@ private:
     QTemporaryDir m_folder;
 };
 
+/// Makes it this process's home, with bash for a shell, for what is made meanwhile.
+class HomeInUse {
+public:
+    explicit HomeInUse(const StandInHome &home) : m_home(qgetenv("HOME")), m_shell(qgetenv("SHELL"))
+    {
+        qputenv("HOME", QByteArray::fromStdString(home.path()));
+        qputenv("SHELL", "/bin/bash");
+    }
+    ~HomeInUse()
+    {
+        qputenv("HOME", m_home);
+        qputenv("SHELL", m_shell);
+    }
+    HomeInUse(const HomeInUse &) = delete;
+    HomeInUse &operator=(const HomeInUse &) = delete;
+
+private:
+    QByteArray m_home;
+    QByteArray m_shell;
+};
+
 } // namespace orvane::testing
