@@ -57,7 +57,7 @@ std::string removeCommand(CodingAgent agent)
 
 std::string signInCommand(CodingAgent agent, TerminalForm form)
 {
-    const std::string command = toolOf(agent) + " mcp login " + quotedArgument(agentServerName);
+    std::string command = toolOf(agent) + " mcp login " + quotedArgument(agentServerName);
     switch (form) {
     case TerminalForm::bsd:
         return "script -q /dev/null " + command;

@@ -7,15 +7,15 @@
 namespace orvane {
 namespace {
 
-const std::string address = "https://time.example.com/mcp";
+const std::string endpoint = "https://time.example.com/mcp";
 
 TEST(AgentCommandsTest, AreThoseThatPeopleCopy)
 {
-    EXPECT_EQ(agentEndpoint("https://time.example.com"), address);
-    EXPECT_EQ(agentEndpoint("https://time.example.com/"), address);
-    EXPECT_EQ(addCommand(CodingAgent::claudeCode, address),
+    EXPECT_EQ(agentEndpoint("https://time.example.com"), endpoint);
+    EXPECT_EQ(agentEndpoint("https://time.example.com/"), endpoint);
+    EXPECT_EQ(addCommand(CodingAgent::claudeCode, endpoint),
               "claude mcp add --transport http --scope user orvane https://time.example.com/mcp");
-    EXPECT_EQ(addCommand(CodingAgent::codex, address),
+    EXPECT_EQ(addCommand(CodingAgent::codex, endpoint),
               "codex mcp add orvane --url https://time.example.com/mcp");
     EXPECT_EQ(removeCommand(CodingAgent::claudeCode), "claude mcp remove --scope user orvane");
     EXPECT_EQ(removeCommand(CodingAgent::codex), "codex mcp remove orvane");
