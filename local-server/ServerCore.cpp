@@ -149,7 +149,10 @@ ServerCore::ServerCore(Options options, std::unique_ptr<Database> database, std:
     : m_options(std::move(options))
     , m_database(std::move(database))
     , m_services{.tokens = AccessTokens(std::move(key)),
-                 .registrationOpen = m_options.listenPoint.isLoopback() && !m_options.trustedProxy}
+                 .registrationOpen = m_options.listenPoint.isLoopback() && !m_options.trustedProxy,
+                 .devProvider = m_options.devProvider
+                                    ? std::make_shared<DevProvider>(m_options.listenPoint.url())
+                                    : nullptr}
     , m_gate(m_options.listenPoint, m_options.trustedProxy)
     , m_proofs(m_options.linkKey)
     , m_router(allHandlers())
@@ -185,7 +188,8 @@ std::optional<ServerCore::Done> ServerCore::pass(const HttpRequest &request, con
         m_proofs.prove(nonce, served.response);
         done(std::move(served));
     };
-    if (auto refusal = m_gate.refuse(request, peer)) {
+    const auto body = isPage(request) ? RequestGate::Body::form : RequestGate::Body::json;
+    if (auto refusal = m_gate.refuse(request, peer, body)) {
         prove({std::move(*refusal)});
         return std::nullopt;
     }
@@ -196,12 +200,20 @@ std::optional<ServerCore::Done> ServerCore::pass(const HttpRequest &request, con
     };
 }
 
+/// Of the sign-in for trying it out, which a browser shows.
+bool ServerCore::isPage(const HttpRequest &request) const
+{
+    return m_services.devProvider && DevProvider::owns(request.path);
+}
+
 void ServerCore::serve(const HttpRequest &request, const std::string &peer, Executor &executor,
                        const Done &done)
 {
     const auto finish = pass(request, peer, done);
     if (!finish)
         return;
+    if (isPage(request))
+        return servePage(request, executor, *finish);
     auto routed = route(request, m_gate.senderOf(request, peer));
     if (!routed)
         return (*finish)({std::move(routed.error())});
@@ -386,7 +398,38 @@ ServerCore::Code ServerCore::newCode(Database *database, const std::string &chal
         qCWarning(serverLog, "the database failed: %s", database->lastError().c_str());
         return failure(std::string("the server could not use its database"));
     }
-    return m_services.codes.issue(userId, isNew, challenge, now());
+    return m_services.codes.issue({.userId = userId, .isNewAccount = isNew, .isLocal = true}, challenge,
+                                  now());
+}
+
+void ServerCore::servePage(const HttpRequest &request, Executor &executor, const Done &done)
+{
+    auto answer = m_services.devProvider->answer(request, now());
+    if (auto *response = std::get_if<HttpResponse>(&answer))
+        return done({std::move(*response)});
+    executor.transact(Lane::writing, [this, person = std::get<DevProvider::Person>(answer),
+                                      done](Database *database) { done({enterPerson(database, person)}); });
+}
+
+HttpResponse ServerCore::enterPerson(Database *database, const DevProvider::Person &person)
+{
+    if (database == nullptr)
+        return databaseFailed();
+    database->begin();
+    Accounts accounts(*database);
+    const auto known = accounts.byEmail(person.account);
+    AccountRecord account;
+    account.email = person.account;
+    account.emailConfirmed = true;
+    account.fullName = person.name;
+    account.timeZone = isZone(person.timeZone) ? person.timeZone : "UTC";
+    const std::string userId = known ? known->id : accounts.create(std::move(account), now());
+    if (!database->commit()) {
+        qCWarning(serverLog, "the database failed: %s", database->lastError().c_str());
+        return databaseFailed();
+    }
+    return DevProvider::backWithCode(
+        m_services.codes.issue({.userId = userId, .isNewAccount = !known}, person.challenge, now()));
 }
 
 std::pair<std::string, bool> ServerCore::localAccount(Database &database, const std::string &timeZone)

@@ -40,6 +40,8 @@ public:
         std::string linkKey = {};
         /// The name of the account on this computer: what stands before "@localhost".
         std::string userName = "user";
+        /// Lets anybody sign in by a name alone, through the browser; for a server on loopback.
+        bool devProvider = false;
         /// Hears what requests change.
         ChangeObserver onChange = {};
     };
@@ -96,6 +98,7 @@ private:
     enum class Entry { granted, refused, laterInWriting };
 
     Instant now() const;
+    bool isPage(const HttpRequest &request) const;
     std::optional<Done> pass(const HttpRequest &request, const std::string &peer, const Done &done) const;
     Result<Exchange, HttpResponse> route(const HttpRequest &request, const std::string &peer) const;
     void transact(const SharedExchange &exchange, Lane lane, const Handle &handle);
@@ -104,6 +107,8 @@ private:
     void goOn(const SharedExchange &exchange, Transacted transacted);
     Entry enter(Call &call, const Exchange &exchange, Lane lane) const;
     Code newCode(Database *database, const std::string &challenge, const std::string &timeZone);
+    void servePage(const HttpRequest &request, Executor &executor, const Done &done);
+    HttpResponse enterPerson(Database *database, const DevProvider::Person &person);
     std::pair<std::string, bool> localAccount(Database &database, const std::string &timeZone);
 
     const Options m_options;

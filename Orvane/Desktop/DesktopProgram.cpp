@@ -3,6 +3,7 @@
 
 #include "AppModel/SingleInstance.h"
 #include "Desktop/DesktopWindow.h"
+#include "SignIn/CallbackSocket.h"
 #include "Support/DateText.h"
 #include "Time/AppClock.h"
 
@@ -18,6 +19,8 @@ namespace {
 struct DesktopOptions {
     AppModel::Options app;
     bool isPanelAlone = false;
+    /// What a browser was sent to; the system starts the program with it.
+    QString callback;
     QString problem;
 };
 
@@ -39,6 +42,9 @@ DesktopOptions readOptions(const QGuiApplication &application)
     options.app.folder = parser.value(QStringLiteral("data-dir")).toStdString();
     if (parser.isSet(QStringLiteral("server")))
         options.app.server = parser.value(QStringLiteral("server")).toStdString();
+    const QStringList words = parser.positionalArguments();
+    if (!words.isEmpty() && words.first().startsWith(QLatin1String("orvane:")))
+        options.callback = words.first();
     options.isPanelAlone = parser.isSet(QStringLiteral("panel"));
     options.app.startsServer = !parser.isSet(QStringLiteral("no-start-server"));
     if (options.app.folder.empty() && !Installation::hasUsualPlace())
@@ -71,6 +77,11 @@ int runDesktop(int argc, char **argv)
     if (!options.problem.isEmpty()) {
         QTextStream(stderr) << options.problem << Qt::endl;
         return 2;
+    }
+    // Nobody has to wait for it any more, whatever became of the sign-in.
+    if (!options.callback.isEmpty()) {
+        CallbackSocket::deliver(CallbackSocket::usualFolder(), options.callback.toStdString());
+        return 0;
     }
     std::string problem;
     const Installation installation(options.app.folder);

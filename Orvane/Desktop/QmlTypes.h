@@ -212,6 +212,18 @@ struct AccountDetailsType {
     QML_NAMED_ELEMENT(AccountDetails)
     QML_UNCREATABLE("of the SettingsModel")
 };
+struct AgentConnectionsType {
+    Q_GADGET
+    QML_FOREIGN(orvane::AgentConnections)
+    QML_NAMED_ELEMENT(AgentConnections)
+    QML_UNCREATABLE("of the SettingsModel")
+};
+struct AgentConnectionType {
+    Q_GADGET
+    QML_FOREIGN(orvane::AgentConnection)
+    QML_NAMED_ELEMENT(AgentConnection)
+    QML_UNCREATABLE("of the AgentConnections")
+};
 struct SyncDetailsType {
     Q_GADGET
     QML_FOREIGN(orvane::SyncDetails)

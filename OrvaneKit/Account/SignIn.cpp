@@ -23,6 +23,14 @@ Task<CallResult<void>> signInWith(Registration way, std::shared_ptr<AuthSession>
     return session->registerAccount(std::move(request));
 }
 
+Task<CallResult<void>> signInWith(CodeSignIn way, std::shared_ptr<AuthSession> session)
+{
+    const auto isNew = co_await session->exchangeExternalSignIn(std::move(way.code), std::move(way.verifier));
+    if (!isNew)
+        co_return failure(isNew.error());
+    co_return CallResult<void>();
+}
+
 } // namespace
 
 Task<CallResult<void>> signIn(SignIn way, std::shared_ptr<AuthSession> session)

@@ -24,7 +24,14 @@ struct Registration {
     std::string password;
 };
 
-using SignIn = std::variant<PasswordSignIn, Registration>;
+/// The end of a sign-in through the browser; see ExternalSignIn.
+struct CodeSignIn {
+    std::string code;
+    /// Of the same attempt.
+    std::string verifier;
+};
+
+using SignIn = std::variant<PasswordSignIn, Registration, CodeSignIn>;
 
 /// Afterwards the session has its tokens.
 Task<CallResult<void>> signIn(SignIn way, std::shared_ptr<AuthSession> session);

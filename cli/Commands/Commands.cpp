@@ -18,6 +18,7 @@ void addCommands(CommandTree &tree)
     addSettingsCommands(tree);
     addOutboxCommand(tree);
     addWatchCommand(tree);
+    addConnectCommand(tree);
     addServeCommand(tree);
     addCompletionCommand(tree);
     addHelpCommands(tree);

@@ -23,6 +23,7 @@ void addSignInCommands(CommandTree &tree);
 void addSettingsCommands(CommandTree &tree);
 void addOutboxCommand(CommandTree &tree);
 void addWatchCommand(CommandTree &tree);
+void addConnectCommand(CommandTree &tree);
 void addServeCommand(CommandTree &tree);
 void addCompletionCommand(CommandTree &tree);
 void addHelpCommands(CommandTree &tree);

@@ -26,6 +26,7 @@ std::filesystem::path ownFolder()
 struct ServeOptions {
     std::optional<std::string> listen;
     std::optional<std::string> trustedProxy;
+    bool devProvider = false;
 };
 
 /// The server takes this process's place: its messages, its signals and its exit status are the caller's own.
@@ -41,6 +42,8 @@ CommandResult serve(const CommandTree &tree, const ServeOptions &options)
         arguments.insert(arguments.end(), {"--listen", *options.listen});
     if (options.trustedProxy)
         arguments.insert(arguments.end(), {"--trusted-proxy", *options.trustedProxy});
+    if (options.devProvider)
+        arguments.emplace_back("--dev-provider");
     std::vector<char *> raw;
     for (std::string &argument : arguments)
         raw.push_back(argument.data());
@@ -63,6 +66,8 @@ void addServeCommand(CommandTree &tree)
                          "Where others can reach it; closes registration");
     CommandTree::addText(command, "--trusted-proxy", options->trustedProxy, "ADDRESS",
                          "A proxy in front that says for whom it speaks; closes registration");
+    CommandTree::addFlag(command, "--dev-provider", options->devProvider,
+                         "Let anybody on this computer sign in by a name alone, to try that out");
     tree.onRunPlain(command, [options](const CommandTree &whole) { return serve(whole, *options); });
 }
 

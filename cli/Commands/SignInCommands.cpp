@@ -3,6 +3,7 @@
 
 #include "Account/ServerAddress.h"
 #include "CommandTree.h"
+#include "Commands/BrowserSignIn.h"
 #include "Input/WantedAddress.h"
 #include "Output/JsonShapes.h"
 #include "Terminal/StandardStreams.h"
@@ -76,30 +77,47 @@ CommandFailure failedAt(const std::string &server, const LoginOptions &options, 
     return failure;
 }
 
+Result<SignIn, CommandFailure> passwordWay(const LoginOptions &options, const std::string &server)
+{
+    auto email = emailFor(options, server);
+    if (!email)
+        return failure(email.error());
+    auto password = passwordFor(options, *email, server);
+    if (!password)
+        return failure(password.error());
+    if (options.registers)
+        return Registration{std::move(*email), std::move(*password)};
+    return PasswordSignIn{std::move(*email), std::move(*password)};
+}
+
 /// Looks first whether it can be done at all, so that nobody types a password in vain.
-Task<Result<SignIn, CommandFailure>> wayIn(Context context, LoginOptions options, std::string server)
+Task<Result<Account *, CommandFailure>> enter(Context context, LoginOptions options, std::string server)
 {
     const auto met = co_await context->meetServer(server);
     if (!met)
         co_return failure(failedAt(server, options, met.error()));
     if (options.registers && !met->registrationOpen)
         co_return failure(failedAt(server, options, CommandFailure::of("It takes no new accounts.")));
-    auto email = emailFor(options, server);
-    if (!email)
-        co_return failure(email.error());
-    auto password = passwordFor(options, *email, server);
-    if (!password)
-        co_return failure(password.error());
-    if (options.registers)
-        co_return Registration{std::move(*email), std::move(*password)};
-    co_return PasswordSignIn{std::move(*email), std::move(*password)};
+    if (options.provider) {
+        auto opened = co_await signInWithBrowser(context, *met, server, *options.provider);
+        if (!opened)
+            co_return failure(failedAt(server, options, opened.error()));
+        co_return *opened;
+    }
+    auto way = passwordWay(options, server);
+    if (!way)
+        co_return failure(way.error());
+    const auto opened = co_await context->signIn(std::move(*way));
+    if (!opened)
+        co_return failure(failedAt(server, options, opened.error()));
+    co_return *opened;
 }
 
 CommandTask login(Context context, LoginOptions options)
 {
-    if (options.provider)
-        co_return failure(CommandFailure::of("Signing in with " + printable(*options.provider) +
-                                             " needs the desktop application; here, sign in with --email."));
+    if (options.provider && (options.email || options.readsPassword || options.registers))
+        co_return failure(CommandFailure::usage(
+            "--provider asks in the browser: --email, --password-stdin and --register do not go with it."));
     const auto server = serverFor(*context);
     if (!server)
         co_return failure(server.error());
@@ -111,12 +129,9 @@ CommandTask login(Context context, LoginOptions options)
             "if the server offers it.");
         writeMessage(notes.back());
     }
-    auto way = co_await wayIn(context, options, *server);
-    if (!way)
-        co_return failure(way.error());
-    const auto opened = co_await context->signIn(std::move(*way));
+    const auto opened = co_await enter(context, options, *server);
     if (!opened)
-        co_return failure(failedAt(*server, options, opened.error()));
+        co_return failure(opened.error());
     Account &account = **opened;
     if (!account.access().tokenNotice().empty())
         notes.push_back(account.access().tokenNotice());
@@ -192,7 +207,7 @@ void addSignInCommands(CommandTree &tree)
                          "Read the password from standard input");
     CommandTree::addFlag(command, "--register", options->registers, "Make a new account");
     CommandTree::addText(command, "--provider", options->provider, "NAME",
-                         "Sign in with another service's account");
+                         "Sign in with another service's account, in the browser");
     CommandTree::addFooter(
         command,
         "Name the server with --server; else it is the one signed in to last, or asked for. Without a "

@@ -188,6 +188,12 @@ void addArguments(std::vector<LinePiece> &pieces, std::span<const std::string_vi
     }
 }
 
+/// Ours, and those of the agents that it is connected with.
+bool isProgram(std::string_view word)
+{
+    return word == "orvane" || word == "claude" || word == "codex";
+}
+
 /// The words of a line, those of a command together when they fit, else each of its arguments that fits.
 std::vector<LinePiece> piecesOf(std::string_view line, int width)
 {
@@ -198,7 +204,7 @@ std::vector<LinePiece> piecesOf(std::string_view line, int width)
     int commands = 0;
     for (std::size_t at = 0; at < words.size(); ++at) {
         const bool isCommand =
-            words[at] == "orvane" && (at == 0 || words[at - 1].ends_with(':') || words[at - 1] == "or");
+            isProgram(words[at]) && (at == 0 || words[at - 1].ends_with(':') || words[at - 1] == "or");
         const std::size_t count = isCommand ? wordsOfCommand(words.subspan(at)) : 1;
         const auto command = words.subspan(at, count);
         at += count - 1;

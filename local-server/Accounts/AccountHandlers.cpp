@@ -13,6 +13,9 @@ HttpResponse getServer(Call &call, const operations::GetServer::Input &)
     ServerResponse server;
     server.hosted = false;
     server.registrationOpen = call.services.registrationOpen;
+    if (call.services.devProvider)
+        server.signInProviders.push_back(
+            {std::string(DevProvider::providerName), std::string(DevProvider::displayName)});
     return jsonAnswer(200, server);
 }
 

@@ -108,13 +108,15 @@ std::optional<HttpResponse> RequestGate::refuseName(const HttpRequest &request, 
     return std::nullopt;
 }
 
-std::optional<HttpResponse> RequestGate::refuse(const HttpRequest &request, const std::string &peer) const
+std::optional<HttpResponse> RequestGate::refuse(const HttpRequest &request, const std::string &peer,
+                                                Body body) const
 {
     if (auto refusal = refuseName(request, peer))
         return refusal;
     if (request.body.size() > longestBody)
         return bodyTooLarge();
-    if (!request.body.empty() && !isJson(request.headers.find("Content-Type").value_or("")))
+    if (body == Body::json && !request.body.empty() &&
+        !isJson(request.headers.find("Content-Type").value_or("")))
         return problem(415, "The request's body is not JSON.", "Its Content-Type must be application/json.");
     return std::nullopt;
 }

@@ -35,8 +35,11 @@ public:
     {
     }
 
-    /// The refusal, or nothing when the request may go on. `peer` is the other side of the connection.
-    std::optional<HttpResponse> refuse(const HttpRequest &request, const std::string &peer) const;
+    /// The refusal, or nothing when the request may go on. `peer` is the other side of the connection. A
+    /// form's body is looked at by who takes it; any other is JSON, which no form of another page can send.
+    enum class Body { json, form };
+    std::optional<HttpResponse> refuse(const HttpRequest &request, const std::string &peer,
+                                       Body body = Body::json) const;
     /// Who sent the request: `peer`, or the one that the trusted proxy names.
     std::string senderOf(const HttpRequest &request, const std::string &peer) const;
 

@@ -84,6 +84,8 @@ Result<ServerOptions, std::string> readServerOptions(int argc, const char *const
         const std::string_view argument = argv[i];
         if (argument == "--foreground") {
             options.foreground = true;
+        } else if (argument == "--dev-provider") {
+            options.devProvider = true;
         } else if (argument == "--help") {
             options.wantsHelp = true;
         } else if (argument == "--version") {
@@ -99,6 +101,10 @@ Result<ServerOptions, std::string> readServerOptions(int argc, const char *const
     }
     if (options.dataDir.empty() && !options.wantsHelp && !options.wantsVersion)
         return failure(std::string("--data-dir DIR is needed"));
+    if (options.devProvider && (options.trustedProxy || (options.listen && !options.listen->isLoopback())))
+        return failure(
+            std::string("--dev-provider lets anybody in, so it is for a server that only this computer "
+                        "reaches"));
     return options;
 }
 
@@ -114,6 +120,9 @@ std::string serverUsage()
            "                          (X-Forwarded-For and X-Forwarded-Host, or Forwarded). It must set one\n"
            "                          kind and should remove the other: where they differ, neither\n"
            "                          counts. Closes registration\n"
+           "  --dev-provider          let anybody on this computer sign in by a name alone, to try the "
+           "browser\n"
+           "                          sign-in out; on loopback only\n"
            "  --idle-exit SECONDS     end after that long without a request, 0 for never (default 600)\n"
            "  --foreground            stay with the terminal and say what happens\n"
            "  --version, --help\n";

@@ -17,6 +17,8 @@ struct ServerOptions {
     std::optional<ListenPoint> listen;
     /// The address of a proxy that says for whom it speaks; see RequestGate.
     std::optional<std::string> trustedProxy;
+    /// Lets anybody on this computer sign in by a name alone; see DevProvider.
+    bool devProvider = false;
     /// Ends after that long without a request; zero is never.
     std::chrono::seconds idleExit{600};
     /// Stays with its terminal and says what it does there.

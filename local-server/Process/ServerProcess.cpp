@@ -159,6 +159,7 @@ std::string ServerProcess::openCore()
                                   .clock = {},
                                   .linkKey = m_linkKey,
                                   .userName = userName(),
+                                  .devProvider = m_options.devProvider,
                                   .onChange = [this](const ChangeNotice &notice) {
                                       const auto tell = [this, notice] { m_hub.tell(notice); };
                                       QMetaObject::invokeMethod(&m_hub, tell, Qt::QueuedConnection);

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "DevProvider/DevProvider.h"
 #include "Hub/HubTickets.h"
 #include "Security/AccessTokens.h"
 #include "Security/GuessGuard.h"
 #include "Security/PasswordGuesses.h"
 #include "Security/SignInCodes.h"
+
+#include <memory>
 
 namespace orvane::server {
 
@@ -14,6 +17,8 @@ namespace orvane::server {
 struct Services {
     const AccessTokens tokens;
     const bool registrationOpen = true;
+    /// None where nobody signs in through it.
+    const std::shared_ptr<DevProvider> devProvider{};
     SignInCodes codes{};
     PasswordGuesses passwordGuesses{};
     GuessGuard registrations{20};

@@ -14,7 +14,7 @@ constexpr std::size_t mostCodes = 256;
 
 } // namespace
 
-std::string SignInCodes::issue(std::string userId, bool isNewAccount, std::string challenge, Instant now)
+std::string SignInCodes::issue(Grant grant, std::string challenge, Instant now)
 {
     const std::lock_guard lock(m_lock);
     std::erase_if(m_issued, [&](const auto &item) { return item.second.expiresAt <= now; });
@@ -22,7 +22,7 @@ std::string SignInCodes::issue(std::string userId, bool isNewAccount, std::strin
         m_issued.erase(
             std::ranges::min_element(m_issued, {}, [](const auto &item) { return item.second.expiresAt; }));
     std::string code = randomText(32);
-    m_issued[digestText(code)] = {{std::move(userId), isNewAccount}, std::move(challenge), now + lifetime};
+    m_issued[digestText(code)] = {std::move(grant), std::move(challenge), now + lifetime};
     return code;
 }
 

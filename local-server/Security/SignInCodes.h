@@ -10,18 +10,20 @@
 
 namespace orvane::server {
 
-/// The one-time codes with which a process of the same user signs in to the account on this computer. A code
-/// is good once, for a minute, and only together with the verifier whose digest came with its request. Kept
-/// in memory alone. Any thread.
+/// The one-time codes with which a process of the same user signs in to the account on this computer, and
+/// with which who signed in through the browser goes on. A code is good once, for a minute, and only together
+/// with the verifier whose digest came with its request. Kept in memory alone. Any thread.
 class SignInCodes {
 public:
     struct Grant {
         std::string userId;
         bool isNewAccount = false;
+        /// To the account on this computer, whose sessions are short.
+        bool isLocal = false;
     };
 
     /// `challenge` is the base64url SHA-256 of the verifier that the exchange will bring.
-    std::string issue(std::string userId, bool isNewAccount, std::string challenge, Instant now);
+    std::string issue(Grant grant, std::string challenge, Instant now);
     /// Nothing for a code that is unknown, spent or too old, or a verifier that does not fit; a code is spent
     /// by any attempt on it.
     std::optional<Grant> redeem(const std::string &code, const std::string &verifier, Instant now);

@@ -146,13 +146,50 @@ HttpResponse logout(Call &call, const operations::Logout::Input &input)
     return noBody(202);
 }
 
+HttpResponse startExternalSignIn(Call &call, const operations::StartExternalSignIn::Input &input)
+{
+    DevProvider *provider = call.services.devProvider.get();
+    if (provider == nullptr || input.provider != DevProvider::providerName)
+        return noSuch("sign-in provider");
+    if (input.redirectUri != DevProvider::callback)
+        return invalid(400, {{"redirectUri", {"This is not where Orvane can be sent back to."}}});
+    if (!isCodeChallenge(input.codeChallenge))
+        return invalid(400, {{"codeChallenge", {"This is not the SHA-256 of a verifier, as base64url."}}});
+    HttpResponse response{302, {}, {}};
+    response.headers.set("Location",
+                         provider->begin(input.codeChallenge, input.timeZone.value_or(""), call.now));
+    return response;
+}
+
+/// A login is the account's own: it has no other way in, so it stays.
+HttpResponse listExternalLogins(Call &call, const operations::ListExternalLogins::Input &)
+{
+    std::vector<ExternalLoginResponse> logins;
+    const auto account = call.accounts.byId(call.caller.userId);
+    if (account && DevProvider::isAccount(account->email))
+        logins.push_back({.id = account->id,
+                          .provider = std::string(DevProvider::providerName),
+                          .email = {},
+                          .createdAt = account->createdAt});
+    return jsonAnswer(200, logins);
+}
+
+HttpResponse removeExternalLogin(Call &call, const operations::RemoveExternalLogin::Input &input)
+{
+    const auto account = call.accounts.byId(call.caller.userId);
+    if (!account || !DevProvider::isAccount(account->email) || input.loginId != account->id)
+        return noSuch("login");
+    return conflict("This is the only way to sign in to this account.");
+}
+
 HttpResponse exchangeExternalSignIn(Call &call, const operations::ExchangeExternalSignIn::Input &input)
 {
     const auto grant = call.services.codes.redeem(input.body.code, input.body.codeVerifier, call.now);
     if (!grant)
         return invalid(400, {{"code", {"This code is not valid, or no longer."}}});
     ExternalSignInResponse response;
-    response.tokens = newSession(call, grant->userId, input.body.deviceName, Sessions::Kind::local);
+    response.tokens = newSession(call, grant->userId, input.body.deviceName,
+                                 grant->isLocal ? Sessions::Kind::local : Sessions::Kind::lasting);
     response.isNewAccount = grant->isNewAccount;
     return jsonAnswer(200, response);
 }
@@ -165,7 +202,10 @@ void addSignInHandlers(Router &router)
     router.add<operations::Login>(login);
     router.add<operations::RefreshTokens>(refreshTokens);
     router.add<operations::Logout>(logout);
+    router.add<operations::StartExternalSignIn>(startExternalSignIn);
     router.add<operations::ExchangeExternalSignIn>(exchangeExternalSignIn);
+    router.add<operations::ListExternalLogins>(listExternalLogins);
+    router.add<operations::RemoveExternalLogin>(removeExternalLogin);
 }
 
 } // namespace orvane::server

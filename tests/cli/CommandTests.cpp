@@ -277,8 +277,7 @@ TEST_F(Command, SaysWhatIsWrongWithACall)
     EXPECT_THAT(text(failed(1, {"start", "x", "--project", "Nope"})[u"message"]),
                 HasSubstr("no project \"Nope\""));
     EXPECT_THAT(text(failed(1, {"delete", "abcdef"})[u"message"]), HasSubstr("no entry"));
-    EXPECT_THAT(text(failed(1, {"login", "--provider", "anyone"})[u"message"]),
-                HasSubstr("desktop application"));
+    failed(2, {"login", "--provider", "anyone", "--email", "ada@example.com"});
     failed(1, {"outbox", "keep-mine", "7"});
     failed(1, {"logout"});
 

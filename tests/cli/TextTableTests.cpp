@@ -94,6 +94,8 @@ TEST(TextWidth, KeepsACommandOnALineToBeCopied)
               "  orvane add --tag \\\n  \"a b\" --start 9:30");
     EXPECT_EQ(wrapped("So: orvane add --description \"Write the README\" -t a", 18),
               "So:\norvane add \\\n--description \\\n\"Write the\nREADME\" -t a");
+    EXPECT_EQ(wrapped("codex mcp add orvane --url http://127.0.0.1:42037/mcp", 40),
+              "codex mcp add orvane --url \\\nhttp://127.0.0.1:42037/mcp");
     EXPECT_EQ(wrapped("as orvane outbox lists it", 12), "as orvane\noutbox lists\nit") << "which is prose";
 }
 

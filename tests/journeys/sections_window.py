@@ -75,6 +75,33 @@ def keys(seen):
     seen.waits_until_gone("dialog", "Split")
 
 
+STAND_IN = """#!/bin/sh
+echo "$*" >> "$HOME/calls"
+[ "$2" != login ] || sleep 300
+"""
+
+
+def agents(seen):
+    """One that is not there, then one whose sign-in is called off by the key that is shown beside it."""
+    folder = seen.desk.home / ".local" / "bin"
+    folder.mkdir(parents=True)
+    seen.keys("ctrl+7")
+    seen.clicks("page tab", "Connect Agents")
+    seen.clicks("push button", "Connect Codex")
+    seen.waits_for("alert", "Codex isn't installed, or its command isn't on the shell's path. Copy the commands instead.")
+    seen.waits_for("push button", "Add: copy the command")
+    (folder / "claude").write_text(STAND_IN, encoding="utf-8")
+    (folder / "claude").chmod(0o755)
+    seen.clicks("push button", "Connect Claude Code")
+    seen.waits_for("alert", "Waiting for Claude Code. Your browser opens to sign in.")
+    seen.waits_for_focus("push button", "Cancel connecting Claude Code")
+    wait(lambda: "mcp login orvane" in (seen.desk.home / "calls").read_text(encoding="utf-8"), "the sign-in")
+    seen.keys("Escape")
+    seen.waits_for("alert", "Not signed in. Connect again when you're ready")
+    seen.waits_for_focus("push button", "Connect Claude Code")
+    assert seen.desk.home.joinpath("calls").read_text(encoding="utf-8").startswith("mcp add --transport http")
+
+
 def sections(desk):
     desk.types('orvane settings set time-format 24h')
     desk.types('orvane add "Answer mail 9:00-9:30"')
@@ -85,6 +112,7 @@ def sections(desk):
     projects(seen)
     formats(seen)
     keys(seen)
+    agents(seen)
     seen.closes()
 
 

@@ -109,7 +109,8 @@ TEST_F(AccessToOperations, WhatTheDocumentSecuresWantsAGoodToken)
         EXPECT_EQ(askFor(*operation, {}).status, 401) << operation->name;
         EXPECT_EQ(askFor(*operation, ownersToken + "x").status, 401) << operation->name;
     }
-    EXPECT_EQ(open, 6) << "register, login, refresh, logout, the exchange and the server itself";
+    EXPECT_EQ(open, 7)
+        << "register, login, refresh, logout, the browser sign-in's start and exchange, the server";
 }
 
 TEST_F(AccessToOperations, AStrangersWorkspaceIsNotThere)

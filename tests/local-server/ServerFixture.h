@@ -29,6 +29,7 @@ protected:
         options.clock = [this] { return now; };
         options.userName = "ada";
         options.linkKey = linkKey;
+        options.devProvider = devProvider;
         options.onChange = [this](const ChangeNotice &told) {
             const std::lock_guard lock(changesLock);
             changes.insert(changes.end(), told.changes.begin(), told.changes.end());
@@ -120,6 +121,8 @@ protected:
     /// What the server's socket would hand out.
     std::string linkKey = randomText(32);
     Instant now = instantFromMilliseconds(1'772'355'600'000); // 2026-03-01T09:00:00Z
+    /// From the next opening on.
+    bool devProvider = false;
     std::string peer = "127.0.0.1";
     std::string accessToken;
     /// What was told of since the test last looked.

@@ -3,6 +3,7 @@
 #include "PictureWorld.h"
 #include "support/Await.h"
 
+#include <QProcess>
 #include <QQuickWindow>
 
 namespace orvane::testing {
@@ -49,7 +50,8 @@ void drawSignIn(Album &album)
 {
     const PictureWorld world;
     const TestInstallation team;
-    if (team.run({"status"}).exitStatus != 0)
+    const std::unique_ptr<QProcess> server = team.start({"serve", "--dev-provider"});
+    if (!eventually([&] { return team.hello().has_value(); }))
         album.complain(QStringLiteral("The team's server does not run"));
     const std::string address = team.hello()->address;
     (void)world.installation().run(
@@ -73,6 +75,7 @@ void drawSignIn(Album &album)
     album.take(desktop, QStringLiteral("signin-nobody"));
     desktop.signIn().setAddress(QString::fromStdString(address));
     (void)eventually([&] { return desktop.signIn().isMet(); });
+    album.take(desktop, QStringLiteral("signin-provider"));
     desktop.signIn().setRegistering(true);
     desktop.signIn().submit({});
     album.take(desktop, QStringLiteral("signin-register"));
@@ -83,6 +86,7 @@ void drawSignIn(Album &album)
     Album::withLongTexts(desktop.window(), [&] { album.take(desktop, QStringLiteral("signin-long")); });
     drawAccount(album, desktop, team);
     await(desktop.close());
+    server->waitForFinished();
 }
 
 } // namespace orvane::testing

@@ -7,20 +7,31 @@
 #include <QQuickWindow>
 #include <csignal>
 #include <filesystem>
+#include <sqlite3.h>
 
 namespace orvane::testing {
 
 namespace {
 
-/// On the way to an account that nothing is known of, at a server that takes its time.
+/// Takes what is kept of the entries out of the account's store.
+void forgetEntries(const PictureWorld &world)
+{
+    for (const auto &file : std::filesystem::directory_iterator(world.folder())) {
+        if (file.path().extension() != ".sqlite")
+            continue;
+        sqlite3 *store = nullptr;
+        sqlite3_open(file.path().c_str(), &store);
+        sqlite3_exec(store, "DELETE FROM document WHERE key LIKE 'workspace:%'", nullptr, nullptr, nullptr);
+        sqlite3_close(store);
+    }
+}
+
+/// Nothing is kept here, and the server takes its time.
 void drawLoading(Album &album)
 {
     const PictureWorld world(PictureWorld::Contents::nothing);
     const auto server = static_cast<pid_t>(world.installation().hello()->pid);
-    for (const auto &file : std::filesystem::directory_iterator(world.folder())) {
-        if (file.is_regular_file())
-            std::filesystem::remove(file.path());
-    }
+    forgetEntries(world);
     ::kill(server, SIGSTOP);
     DesktopWindow desktop({.folder = world.folder(), .startsServer = false});
     const auto areBarsShown = [&] {
@@ -29,7 +40,7 @@ void drawLoading(Album &album)
     };
     if (opens(desktop, areBarsShown))
         album.take(desktop, QStringLiteral("loading"));
-    else
+    if (desktop.window() == nullptr || !areBarsShown())
         album.complain(QStringLiteral("The window did not say that it is loading"));
     ::kill(server, SIGCONT);
     await(desktop.close());

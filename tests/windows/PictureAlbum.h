@@ -43,6 +43,7 @@ QString idOf(DesktopWindow &desktop, std::string_view description);
 
 /// What the rest of the pictures' program draws, a file each.
 void drawConflict(Album &album);
+void drawConnect(Album &album);
 void drawPanel(Album &album);
 void drawSections(Album &album);
 void drawSignIn(Album &album);

@@ -10,6 +10,7 @@ SettingsModel::SettingsModel(AppModel &app)
     , m_time(app, m_writer)
     , m_shortcuts(*app.keys())
     , m_rules(app, m_writer)
+    , m_agents(app)
     , m_sync(app)
     , m_account(app, m_writer)
 {

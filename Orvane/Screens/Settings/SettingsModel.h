@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Screens/Settings/AccountDetails.h"
+#include "Screens/Settings/AgentConnections.h"
 #include "Screens/Settings/SettingsWriter.h"
 #include "Screens/Settings/ShortcutRows.h"
 #include "Screens/Settings/SyncDetails.h"
@@ -26,6 +27,7 @@ class SettingsModel final : public QObject {
     Q_PROPERTY(orvane::TimeSettings *time READ time CONSTANT)
     Q_PROPERTY(orvane::ShortcutRows *shortcuts READ shortcuts CONSTANT)
     Q_PROPERTY(orvane::WorkspaceRules *rules READ rules CONSTANT)
+    Q_PROPERTY(orvane::AgentConnections *agents READ agents CONSTANT)
     Q_PROPERTY(orvane::SyncDetails *sync READ sync CONSTANT)
     Q_PROPERTY(orvane::AccountDetails *account READ account CONSTANT)
 
@@ -44,6 +46,7 @@ public:
     TimeSettings *time() { return &m_time; }
     ShortcutRows *shortcuts() { return &m_shortcuts; }
     WorkspaceRules *rules() { return &m_rules; }
+    AgentConnections *agents() { return &m_agents; }
     SyncDetails *sync() { return &m_sync; }
     AccountDetails *account() { return &m_account; }
 
@@ -63,6 +66,7 @@ private:
     TimeSettings m_time;
     ShortcutRows m_shortcuts;
     WorkspaceRules m_rules;
+    AgentConnections m_agents;
     SyncDetails m_sync;
     AccountDetails m_account;
 };

@@ -18,6 +18,7 @@ FocusScope {
         { page: "time", file: "TimePage.qml", title: qsTr("Time and Formats"), holds: qsTr("time zone, week starts on, clock, durations, date order") },
         { page: "appearance", file: "AppearancePage.qml", title: qsTr("Appearance"), holds: qsTr("colours, light, dark, motion, animation") },
         { page: "shortcuts", file: "ShortcutsPage.qml", title: qsTr("Shortcuts"), holds: qsTr("keys, keyboard, commands") },
+        { page: "connect", file: "ConnectPage.qml", title: qsTr("Connect Agents"), holds: qsTr("Claude Code, Codex, commands to copy, disconnect") },
         { page: "sync", file: "SyncPage.qml", title: qsTr("Sync"), holds: qsTr("server, waiting changes, send now, offline") },
         { page: "workspace", file: "WorkspacePage.qml", title: qsTr("Workspace"), holds: qsTr("name, currency, rate, required, administrators, locked time") },
         { page: "account", file: "AccountPage.qml", title: qsTr("Account"), holds: qsTr("name, email, password, sessions, devices, sign out, export, my data, delete") }
@@ -122,6 +123,11 @@ FocusScope {
             { keys: section.settings.shortcuts.taker >= 0 ? "Return" : "", text: qsTr("Use here") },
             { keys: "Backspace", text: qsTr("No keys") },
             { keys: "Esc", text: qsTr("Leave as it was") }
+        ] : section.settings.page === "connect" ? [
+            { keys: section.app.keys.caps[KeyTable.FindHere], text: qsTr("Find a setting") },
+            { keys: "Tab", text: qsTr("Next") },
+            { keys: "Return", text: qsTr("Connect") },
+            { keys: "Ctrl+C", text: qsTr("Copy the command") }
         ] : [
             { keys: section.app.keys.caps[KeyTable.FindHere], text: qsTr("Find a setting") },
             { keys: "Tab", text: qsTr("Next") },

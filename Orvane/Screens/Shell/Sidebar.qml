@@ -78,6 +78,8 @@ Rectangle {
         }
         SyncLine {
             sync: sidebar.app.sync
+            // What could not be opened is told where the entries would be.
+            visible: sidebar.app.phase !== AppModel.Failed
             onSettle: sidebar.settle()
             x: Theme.space12
             width: parent.width - 2 * Theme.space12

@@ -12,7 +12,7 @@ T.Button {
     property bool open: false
 
     readonly property string place: app.placeName
-    readonly property string name: app.workspaceName === "" ? qsTr("No account open") : app.workspaceName
+    readonly property string name: app.workspaceName === "" ? qsTr("No account") : app.workspaceName
 
     height: 44
     hoverEnabled: true
@@ -42,7 +42,7 @@ T.Button {
         width: 24
         height: 24
         radius: Theme.radiusControl
-        color: Theme.ink2
+        color: line.app.workspaceName === "" ? Theme.press : Theme.ink2
 
         Label {
             anchors.centerIn: parent

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import Orvane
 import Orvane.Components
@@ -26,6 +28,9 @@ FocusScope {
 
         function onShownChanged() {
             password.text = "";
+        }
+        function onBrowserWanted(address: string) {
+            Qt.openUrlExternally(address);
         }
     }
     Column {
@@ -177,6 +182,83 @@ FocusScope {
             enabled: form.signIn.isMet && !busy
             text: form.signIn.isRegistering ? busy ? qsTr("Creating…") : qsTr("Create Account") : busy ? qsTr("Signing In…") : qsTr("Sign In")
             onClicked: form.submit()
+        }
+        Item {
+            width: parent.width
+            height: 56
+            visible: form.signIn.providers.length > 0
+
+            Label {
+                id: or
+
+                anchors.centerIn: parent
+                type: Label.Type.Small
+                color: Theme.ink2
+                text: qsTr("or")
+            }
+            Rectangle {
+                anchors.left: parent.left
+                anchors.right: or.left
+                anchors.rightMargin: Theme.space12
+                anchors.verticalCenter: parent.verticalCenter
+                height: 1
+                color: Theme.line
+            }
+            Rectangle {
+                anchors.left: or.right
+                anchors.leftMargin: Theme.space12
+                anchors.right: parent.right
+                anchors.verticalCenter: parent.verticalCenter
+                height: 1
+                color: Theme.line
+            }
+        }
+        Flow {
+            id: providers
+
+            width: parent.width
+            spacing: Theme.space8
+            visible: form.signIn.providers.length > 0 && form.signIn.awaited === ""
+
+            Repeater {
+                model: form.signIn.providers
+
+                ActionButton {
+                    required property var modelData
+
+                    width: form.signIn.providers.length > 1 ? Math.max(implicitWidth, (providers.width - Theme.space8) / 2) : providers.width
+                    implicitHeight: 36
+                    enabled: !form.signIn.isBusy
+                    text: qsTr("Continue with %1").arg(modelData.title)
+                    onClicked: form.signIn.continueWith(modelData.name)
+                }
+            }
+        }
+        Row {
+            width: parent.width
+            height: 36
+            spacing: Theme.space8
+            visible: form.signIn.awaited !== ""
+
+            Spinner {
+                anchors.verticalCenter: parent.verticalCenter
+            }
+            Label {
+                width: parent.width - stop.width - 14 - 2 * parent.spacing
+                anchors.verticalCenter: parent.verticalCenter
+                wrapMode: Text.Wrap
+                color: Theme.ink2
+                text: qsTr("Waiting for %1 in your browser.").arg(form.signIn.awaited)
+                Accessible.role: Accessible.AlertMessage
+            }
+            ActionButton {
+                id: stop
+
+                anchors.verticalCenter: parent.verticalCenter
+                enabled: !form.signIn.isBusy
+                text: qsTr("Cancel")
+                onClicked: form.signIn.abandonBrowser()
+            }
         }
         Item {
             width: 1

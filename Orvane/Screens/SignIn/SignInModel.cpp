@@ -4,7 +4,10 @@
 #include "Account/KnownServer.h"
 #include "Account/ServerAddress.h"
 #include "AppModel/AppModel.h"
+#include "SignIn/SchemeHandler.h"
+#include "Time/SystemZone.h"
 
+#include <QCoreApplication>
 #include <QPointer>
 #include <algorithm>
 
@@ -169,6 +172,7 @@ std::shared_ptr<ServerAccess> SignInModel::accessTo(const std::string &server)
 void SignInModel::forgetServer()
 {
     m_rest.stop();
+    m_browser.reset();
     m_met.reset();
     m_addressProblem.clear();
     m_isAsking = false;
@@ -257,6 +261,68 @@ void SignInModel::submit(const QString &password)
     Q_EMIT changed();
 }
 
+QVariantList SignInModel::providers() const
+{
+    QVariantList providers;
+    if (!m_met)
+        return providers;
+    for (const SignInProviderResponse &provider : m_met->signInProviders)
+        providers << QVariantMap{{QStringLiteral("name"), QString::fromStdString(provider.name)},
+                                 {QStringLiteral("title"), QString::fromStdString(provider.displayName)}};
+    return providers;
+}
+
+QString SignInModel::awaited() const
+{
+    return m_browser ? m_browser->title : QString();
+}
+
+void SignInModel::continueWith(const QString &provider)
+{
+    if (m_isBusy || !m_met)
+        return;
+    const auto found =
+        std::ranges::find(m_met->signInProviders, provider.toStdString(), &SignInProviderResponse::name);
+    if (found == m_met->signInProviders.end())
+        return;
+    // Where the system cannot be told, the browser says that it does not know the address.
+    registerSchemeHandler(QCoreApplication::applicationFilePath().toStdString());
+    m_problem.clear();
+    m_browser = BrowserAttempt{.title = QString::fromStdString(found->displayName),
+                               .pkce = ExternalSignIn::PKCE::make(),
+                               .socket = std::make_unique<CallbackSocket>(CallbackSocket::usualFolder())};
+    connect(m_browser->socket.get(), &CallbackSocket::arrived, this, &SignInModel::takeCallback,
+            Qt::QueuedConnection);
+    Q_EMIT browserWanted(QString::fromStdString(ExternalSignIn::startAddress(
+        server(), found->name, m_browser->pkce, systemZone().value_or(std::string()))));
+    Q_EMIT changed();
+}
+
+void SignInModel::abandonBrowser()
+{
+    m_browser.reset();
+    Q_EMIT changed();
+}
+
+void SignInModel::takeCallback(const QString &address)
+{
+    const auto callback = ExternalSignIn::readCallback(address.toStdString());
+    if (!m_browser || m_isBusy || !callback)
+        return;
+    if (const auto *code = std::get_if<ExternalSignIn::Code>(&*callback)) {
+        m_problem.clear();
+        m_isBusy = true;
+        // Should the server not take it, it was of another attempt, and this one is still open.
+        signInWith(CodeSignIn{code->value, m_browser->pkce.verifier});
+        Q_EMIT changed();
+        return;
+    }
+    m_browser.reset();
+    fail(QString::fromStdString(describe(std::holds_alternative<ExternalSignIn::Cancelled>(*callback)
+                                             ? ExternalSignInError::cancelled
+                                             : ExternalSignInError::failed)));
+}
+
 Task<> SignInModel::signInWith(SignIn way)
 {
     const QPointer<SignInModel> self(this);
@@ -276,6 +342,7 @@ Task<> SignInModel::signInWith(SignIn way)
         fail(QString::fromStdString(opened.error().message));
         co_return;
     }
+    m_browser.reset();
     m_app->enter(std::move(*opened));
     Q_EMIT changed();
 }

@@ -3,10 +3,13 @@
 
 #include "Account/ServerAccess.h"
 #include "Account/SignIn.h"
+#include "SignIn/CallbackSocket.h"
+#include "SignIn/ExternalSignIn.h"
 #include "Support/Task.h"
 
 #include <QObject>
 #include <QTimer>
+#include <QVariantList>
 
 namespace orvane {
 
@@ -36,6 +39,10 @@ class SignInModel final : public QObject {
     Q_PROPERTY(bool takesAccounts READ takesAccounts NOTIFY changed)
     Q_PROPERTY(QString termsUrl READ termsUrl NOTIFY changed)
     Q_PROPERTY(QString privacyUrl READ privacyUrl NOTIFY changed)
+    /// { name, title }: who can be signed in with beside a password.
+    Q_PROPERTY(QVariantList providers READ providers NOTIFY changed)
+    /// The title of the provider whose page is open in the browser; empty when none is.
+    Q_PROPERTY(QString awaited READ awaited NOTIFY changed)
     Q_PROPERTY(bool isRegistering READ isRegistering WRITE setRegistering NOTIFY changed)
     Q_PROPERTY(QString email READ email WRITE setEmail NOTIFY emailChanged)
     Q_PROPERTY(bool isBusy READ isBusy NOTIFY changed)
@@ -66,6 +73,8 @@ public:
     bool takesAccounts() const { return m_met && m_met->registrationOpen; }
     QString termsUrl() const;
     QString privacyUrl() const;
+    QVariantList providers() const;
+    QString awaited() const;
     bool isRegistering() const { return m_isRegistering; }
     void setRegistering(bool isRegistering);
     QString email() const { return m_email; }
@@ -75,6 +84,11 @@ public:
 
     /// Signs in, or registers. Where it works, the account is open afterwards and the screen gone.
     Q_INVOKABLE void submit(const QString &password);
+    /// Sends the browser to a provider's page; `browserWanted` tells where that is. The terms have been shown
+    /// beside it. Where the browser comes back, the account is open afterwards and the screen gone.
+    Q_INVOKABLE void continueWith(const QString &provider);
+    /// What the browser comes back with from now on is ignored.
+    Q_INVOKABLE void abandonBrowser();
     Q_INVOKABLE void useThisComputer();
     /// Back to the account that is open.
     Q_INVOKABLE void leave();
@@ -83,9 +97,18 @@ Q_SIGNALS:
     void shownChanged();
     void changed();
     void emailChanged();
+    void browserWanted(const QString &address);
 
 private:
+    /// A sign-in that went on in the browser.
+    struct BrowserAttempt {
+        QString title;
+        ExternalSignIn::PKCE pkce;
+        std::unique_ptr<CallbackSocket> socket;
+    };
+
     void begin(const QString &server, const QString &notice);
+    void takeCallback(const QString &address);
     void setShown(bool isShown);
     void fillIn(const std::string &server);
     std::string server() const;
@@ -108,6 +131,7 @@ private:
     std::shared_ptr<ServerAccess> m_asked;
     bool m_isAsking = false;
     std::optional<ServerResponse> m_met;
+    std::optional<BrowserAttempt> m_browser;
     bool m_isRegistering = false;
     QString m_email;
     std::int64_t m_waiting = 0;
