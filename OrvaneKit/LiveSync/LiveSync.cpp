@@ -21,7 +21,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-Q_LOGGING_CATEGORY(logLiveSync, "orvane.livesync")
+Q_LOGGING_CATEGORY(logLiveSync, "orvane.livesync", QtWarningMsg)
 
 constexpr std::chrono::milliseconds pingInterval = 15s;
 constexpr std::chrono::milliseconds longestSilence = 30s;
