@@ -10,7 +10,8 @@ Icon {
     size: 14
     color: Theme.ink3
 
-    RotationAnimator on rotation {
+    // No Animator: one that is stopped as its window goes out of sight turns on until the next frame, which never comes.
+    RotationAnimation on rotation {
         running: spinner.visible && spinner.Window.visibility !== Window.Hidden && !Appearance.reducedMotion
         from: 0
         to: 360

@@ -83,10 +83,13 @@ Rectangle {
         anchors.verticalCenter: parent.verticalCenter
         spacing: 6
 
-        KeyCap {
+        Loader {
             anchors.verticalCenter: parent.verticalCenter
-            visible: line.isChosen
-            keys: "Return"
+            active: line.isChosen
+            visible: active
+            sourceComponent: KeyCap {
+                keys: "Return"
+            }
         }
         Label {
             anchors.verticalCenter: parent.verticalCenter

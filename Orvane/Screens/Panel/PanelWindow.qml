@@ -135,6 +135,8 @@ Window {
             bottomMargin: 6
             clip: true
             reuseItems: true
+            // Each letter makes the rows anew: those out of sight are not worth it.
+            cacheBuffer: 0
             boundsBehavior: Flickable.StopAtBounds
             highlightFollowsCurrentItem: false
             model: window.panel.rows
