@@ -91,12 +91,20 @@ Item {
                 color: Theme.ink2
             }
             Label {
+                id: elapsed
                 anchors.verticalCenter: parent.verticalCenter
                 type: band.isWide ? Label.Type.Elapsed : Label.Type.Figures
                 text: band.timer.elapsed
-                // So that it keeps its width, and what stands beside it its place.
-                font.kerning: false
+                // As wide whatever the last figure is, so that what stands beside it is not laid out anew each second.
+                width: Math.ceil(noughts.advanceWidth) + 1
+                elide: Text.ElideNone
                 Accessible.name: qsTr("Running for %1").arg(text)
+
+                TextMetrics {
+                    id: noughts
+                    font: elapsed.font
+                    text: band.timer.elapsed.replace(/[0-9]/g, "0")
+                }
             }
             PrimaryButton {
                 anchors.verticalCenter: parent.verticalCenter
