@@ -5,8 +5,12 @@
 #include "Account/KnownServer.h"
 
 #include <QPointer>
+#include <QTimer>
 #include <QUrl>
 #include <algorithm>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 namespace orvane {
 
@@ -22,6 +26,14 @@ bool isWorthTelling(const StoredStep &stored)
     const bool isDeletion =
         std::ranges::any_of(turns, [](const EntryTurn &turn) { return !turn.after.has_value(); });
     return !stored.isTakeBack && !isTimer && (isDeletion || turns.size() > 1);
+}
+
+/// Reading lists of thousands leaves a heap that is larger than what is kept of them.
+void giveBackMemory()
+{
+#ifdef __GLIBC__
+    malloc_trim(0);
+#endif
 }
 
 QString sessionEndedText()
@@ -379,6 +391,7 @@ Task<> AppModel::load()
     m_account->outbox().flush();
     m_live = std::make_unique<LiveRefresh>(*m_account);
     m_live->start();
+    QTimer::singleShot(std::chrono::seconds(1), this, &giveBackMemory);
 }
 
 Task<> AppModel::close()
