@@ -281,19 +281,21 @@ std::optional<Simulation::Merged> Simulation::merged(const EntryRequest &mine,
                                                      const TimeEntryResponse &theirs)
 {
     Merged merged{entryRequest(theirs), {}};
+    bool hasMine = false;
     const auto choose = [&](Field field, const auto &ours, auto &into) {
-        if (ours == into)
-            return;
-        if (m_world.random().chance(50))
+        const bool isSame = ours == into;
+        if (!isSame && m_world.random().chance(50))
             return;
         into = ours;
+        // What both have is mine too: it may have been taken before its answer was lost.
         merged.kept.insert(field);
+        hasMine = hasMine || !isSame;
     };
     choose(Field::description, mine.details.description, merged.request.details.description);
     choose(Field::start, mine.start, merged.request.start);
     choose(Field::stop, mine.stop, merged.request.stop);
     const bool isPossible = !merged.request.stop || *merged.request.stop >= merged.request.start;
-    return isPossible && !merged.kept.empty() ? std::optional(std::move(merged)) : std::nullopt;
+    return isPossible && hasMine ? std::optional(std::move(merged)) : std::nullopt;
 }
 
 /// `shown` is what the user has on the screen as theirs, which may be old by now.
