@@ -40,23 +40,13 @@ std::vector<std::uint32_t> bordersOf(std::string_view text)
     return borders;
 }
 
-/// All the places where a term occurs, one after the other.
+/// All the places where a long term occurs, one after the other.
 class Occurrences {
 public:
     Occurrences(std::string_view text, const Term &term) : m_text(text), m_term(term) {}
 
     /// `nowhere` at the end.
-    std::size_t next() { return m_term.borders.empty() ? nextShort() : nextLong(); }
-
-private:
-    std::size_t nextShort()
-    {
-        const std::size_t found = m_text.find(m_term.text, m_read);
-        m_read = found == nowhere ? m_text.size() : found + 1;
-        return found;
-    }
-
-    std::size_t nextLong()
+    std::size_t next()
     {
         const std::string_view term = m_term.text;
         while (m_read < m_text.size()) {
@@ -71,6 +61,7 @@ private:
         return nowhere;
     }
 
+private:
     std::string_view m_text;
     const Term &m_term;
     std::size_t m_read = 0;
@@ -87,11 +78,22 @@ void highlight(Ranges ranges, const FoldedText &name, std::size_t from, std::siz
 }
 
 struct Place {
-    std::size_t first = nowhere; ///< of all
+    std::size_t first = nowhere; ///< of all; where words begin, that place may stand for it
     std::size_t word = nowhere;  ///< the first at which a word begins
 };
 
-Place placeOf(const FoldedText &name, const Term &term)
+/// Most names are decided where their words begin, without a search.
+Place placeOfShort(const FoldedText &name, const Term &term)
+{
+    const std::string_view text = name.text();
+    for (const std::uint32_t start : name.wordStarts()) {
+        if (text[start] == term.text.front() && text.substr(start).starts_with(term.text))
+            return {start, start};
+    }
+    return {text.find(term.text), nowhere};
+}
+
+Place placeOfLong(const FoldedText &name, const Term &term)
 {
     Place place;
     Occurrences occurrences(name.text(), term);
@@ -142,7 +144,7 @@ std::optional<double> termScore(const FoldedText &name, const Term &term, Ranges
     if ((term.letters & ~name.letters()) != 0)
         return std::nullopt;
     const std::size_t size = term.text.size();
-    const Place place = placeOf(name, term);
+    const Place place = term.borders.empty() ? placeOfShort(name, term) : placeOfLong(name, term);
     if (place.first == 0 && size == name.text().size()) {
         highlight(ranges, name, 0, size);
         return whole;
