@@ -120,15 +120,17 @@ public:
     bool isHeldBack() const { return m_isHeldBack; }
 
     /// Settles a conflict with the user's change: what it changed is changed anew in the server's current
-    /// entry. False when no conflict has that number.
-    Task<Result<bool, StoreError>> keepMine(std::int64_t seq);
+    /// entry. False when no conflict has that number. `onStored` of each way is called once it is settled,
+    /// stored and shown, before the server is asked.
+    using SettledHandler = std::function<void()>;
+    Task<Result<bool, StoreError>> keepMine(std::int64_t seq, SettledHandler onStored = {});
     /// Settles a conflict by dropping the user's change. What was made on top of it is put on top of the
     /// server's current entry, and asks again where both changed the same field.
-    Task<Result<bool, StoreError>> keepTheirs(std::int64_t seq);
+    Task<Result<bool, StoreError>> keepTheirs(std::int64_t seq, SettledHandler onStored = {});
     /// Settles a conflict with the entry as its user put it together from both sides, having seen `theirs`.
     /// It is sent as made on that; what the server has beyond it is a conflict again, and never overwritten.
     Task<Result<bool, StoreError>> keepMerged(std::int64_t seq, EntryRequest request,
-                                              TimeEntryResponse theirs);
+                                              TimeEntryResponse theirs, SettledHandler onStored = {});
 
     /// Both sides of a conflict, as its user is asked about them.
     struct ConflictSides {
@@ -202,7 +204,7 @@ private:
     Step stopForStore(const StoreError &error);
     Task<> catchUp(std::int64_t after, std::int64_t before);
     void reportSettledElsewhere(const Pending &row, const SettledElsewhere &settled);
-    Task<Result<bool, StoreError>> settle(std::int64_t seq, Settlement settlement,
+    Task<Result<bool, StoreError>> settle(std::int64_t seq, Settlement settlement, SettledHandler onStored,
                                           std::optional<TimeEntryResponse> seen = {});
     void resume(std::int64_t seq, const Outcome &outcome);
     void resumeAllQueued();

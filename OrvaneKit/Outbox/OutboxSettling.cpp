@@ -9,27 +9,27 @@
 
 namespace orvane {
 
-Task<Result<bool, StoreError>> Outbox::keepMine(std::int64_t seq)
+Task<Result<bool, StoreError>> Outbox::keepMine(std::int64_t seq, SettledHandler onStored)
 {
-    return settle(seq, KeepMine{});
+    return settle(seq, KeepMine{}, std::move(onStored));
 }
 
-Task<Result<bool, StoreError>> Outbox::keepTheirs(std::int64_t seq)
+Task<Result<bool, StoreError>> Outbox::keepTheirs(std::int64_t seq, SettledHandler onStored)
 {
-    return settle(seq, KeepTheirs{});
+    return settle(seq, KeepTheirs{}, std::move(onStored));
 }
 
 Task<Result<bool, StoreError>> Outbox::keepMerged(std::int64_t seq, EntryRequest request,
-                                                  TimeEntryResponse theirs)
+                                                  TimeEntryResponse theirs, SettledHandler onStored)
 {
     // An update that changes nothing would only give the entry another version.
     if (saysTheSame(entryResponse(request, theirs.id, theirs.workspaceId), theirs))
-        return settle(seq, KeepTheirs{});
-    return settle(seq, KeepMerged{std::move(request)}, std::move(theirs));
+        return settle(seq, KeepTheirs{}, std::move(onStored));
+    return settle(seq, KeepMerged{std::move(request)}, std::move(onStored), std::move(theirs));
 }
 
 Task<Result<bool, StoreError>> Outbox::settle(std::int64_t seq, Settlement settlement,
-                                              std::optional<TimeEntryResponse> seen)
+                                              SettledHandler onStored, std::optional<TimeEntryResponse> seen)
 {
     const QPointer<Outbox> self(this);
     const Pending *row = m_queue.find(seq);
@@ -50,6 +50,8 @@ Task<Result<bool, StoreError>> Outbox::settle(std::int64_t seq, Settlement settl
     if (*changed)
         m_queue.adopt(**changed);
     tellPending();
+    if (*changed && onStored)
+        onStored();
     co_await flush();
     co_return changed->has_value();
 }

@@ -189,6 +189,11 @@ public:
     /// no longer what the action made of it. A deleted entry comes back under a new identifier, since no
     /// server takes a used one: `renamed` of the answer tells which.
     Task<SaveResult> takeBack(EntryStep step);
+    /// Settles a conflict of an entry of this workspace as the outbox does, as an action: taking it back
+    /// brings what was given up, their entry, or all of one's own where nothing of it was kept. `theirs` is
+    /// what its user saw. Answers the action, or nothing when no conflict has that number.
+    Task<Result<std::optional<EntryStep>, StoreError>> settle(std::int64_t seq, Settlement settlement,
+                                                              TimeEntryResponse theirs);
     /// Makes the entries of an action known that lie beside the loaded days.
     Task<CallResult<void>> loadDaysOf(EntryStep step);
     /// Whether taking it back would start a timer while another runs, which only lasts until that is stopped.
@@ -243,6 +248,7 @@ private:
     Result<Submission, SaveResult> endedAt(const TimeEntryResponse &entry, Instant at,
                                            std::optional<EntryDetails> details) const;
     Submission made(EntryChange change, const TimeEntryResponse &shown) const;
+    EntryStep noteSettled(std::int64_t seq, EntryTurn turn);
     SaveResult refusedHere(SaveOutcome outcome, std::string message) const;
     SaveResult lacking(std::vector<RequiredDetail> missing, std::string message) const;
     struct TakenBack {

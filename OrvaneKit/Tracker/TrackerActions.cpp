@@ -536,6 +536,43 @@ Task<SaveResult> Tracker::takeBack(EntryStep step)
     co_return result;
 }
 
+Task<Result<std::optional<EntryStep>, StoreError>> Tracker::settle(std::int64_t seq, Settlement settlement,
+                                                                   TimeEntryResponse theirs)
+{
+    const QPointer<Tracker> self(this);
+    const auto step = std::make_shared<EntryStep>();
+    const bool keepsMine = std::holds_alternative<KeepMine>(settlement);
+    const auto onStored = [self, step, seq, theirs, keepsMine, mine = entry(theirs.id)] {
+        if (!self || theirs.workspaceId != self->m_parts.workspace.id)
+            return;
+        // Beside the loaded days an entry is shown only while a change of it waits.
+        auto settled = self->entry(theirs.id);
+        if (!settled && !keepsMine)
+            settled = theirs;
+        const bool isTheirs = settled && saysTheSame(*settled, theirs);
+        *step = self->noteSettled(seq, {isTheirs ? mine : theirs, settled});
+    };
+    Outbox &outbox = *m_parts.outbox;
+    auto *merged = std::get_if<KeepMerged>(&settlement);
+    const auto settled = co_await (
+        merged != nullptr ? outbox.keepMerged(seq, std::move(merged->request), std::move(theirs), onStored)
+        : keepsMine       ? outbox.keepMine(seq, onStored)
+                          : outbox.keepTheirs(seq, onStored));
+    if (!settled)
+        co_return failure(settled.error());
+    co_return *settled ? std::optional(*step) : std::nullopt;
+}
+
+EntryStep Tracker::noteSettled(std::int64_t seq, EntryTurn turn)
+{
+    if (!turn.before && !turn.after)
+        return {};
+    const std::string sentence = "Settled " + quotedEntry(turn.after ? *turn.after : *turn.before);
+    const EntryStep step{{std::move(turn)}};
+    Q_EMIT stepStored({step, {seq}, sentence});
+    return step;
+}
+
 Task<CallResult<void>> Tracker::loadDaysOf(EntryStep step)
 {
     const QPointer<Tracker> self(this);

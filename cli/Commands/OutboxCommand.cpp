@@ -2,6 +2,7 @@
 #include "Commands/Commands.h"
 
 #include "CommandTree.h"
+#include "Commands/EntryAnswers.h"
 #include "Output/EntryText.h"
 #include "Output/JsonShapes.h"
 #include "Time/AppClock.h"
@@ -51,37 +52,40 @@ CommandTask flush(Context context)
     co_return answer;
 }
 
-enum class Side { mine, theirs };
-
-CommandTask settle(Context context, std::int64_t seq, Side side)
+CommandTask settle(Context context, std::int64_t seq, Settlement settlement)
 {
     const auto opened = co_await context->openAccount();
     if (!opened)
         co_return failure(opened.error());
     co_await context->flush();
-    Outbox &outbox = (*opened)->outbox();
-    const auto settled = side == Side::mine ? co_await outbox.keepMine(seq) : co_await outbox.keepTheirs(seq);
+    const Outbox &outbox = (*opened)->outbox();
+    const auto row = std::ranges::find(outbox.pending(), seq, &Outbox::Pending::seq);
+    const bool waits = row != outbox.pending().end();
+    Result<std::optional<EntryStep>, StoreError> settled;
+    if (waits && row->conflict)
+        settled = co_await (*opened)->tracker().settle(seq, settlement, *row->conflict);
     if (!settled)
         co_return failure(CommandFailure::of(settled.error()));
     if (!*settled) {
-        const bool waits =
-            std::ranges::any_of(outbox.pending(), [seq](const auto &item) { return item.seq == seq; });
         co_return failure(CommandFailure::of(
             !waits ? "No change with the number " + std::to_string(seq) + " is waiting."
             : (*opened)->isReachable()
                 ? "The change " + std::to_string(seq) + " is in no conflict."
                 : "Whether the change is in conflict is known only when the server answers."));
     }
+    co_await noteStep(context, (*settled)->turns);
     co_await context->flush();
     co_return co_await queueAnswer(context);
 }
 
-void addSide(CommandTree &tree, CLI::App *outbox, const char *name, const char *description, Side side)
+void addSide(CommandTree &tree, CLI::App *outbox, const char *name, const char *description,
+             Settlement settlement)
 {
     const auto seq = std::make_shared<std::int64_t>(0);
     CLI::App *command = CommandTree::addVerb(outbox, name, description);
     CommandTree::addRequired(command, "SEQ", *seq, "The change's number, as orvane outbox lists it");
-    tree.onRun(command, [seq, side](Context context) { return settle(std::move(context), *seq, side); });
+    tree.onRun(command,
+               [seq, settlement](Context context) { return settle(std::move(context), *seq, settlement); });
 }
 
 } // namespace
@@ -92,8 +96,8 @@ void addOutboxCommand(CommandTree &tree)
         tree.add("outbox", "List the changes that wait to be sent, and settle conflicts", "Entries");
     tree.onRun(outbox, listQueue);
     tree.onRun(CommandTree::addVerb(outbox, "flush", "Send what is waiting"), flush);
-    addSide(tree, outbox, "keep-mine", "Settle a conflict: your change is made again", Side::mine);
-    addSide(tree, outbox, "keep-theirs", "Settle a conflict: your change is dropped", Side::theirs);
+    addSide(tree, outbox, "keep-mine", "Settle a conflict: your change is made again", KeepMine{});
+    addSide(tree, outbox, "keep-theirs", "Settle a conflict: your change is dropped", KeepTheirs{});
 }
 
 } // namespace orvane

@@ -354,6 +354,54 @@ private:
     int m_number;
 };
 
+TEST_F(UndoStackTest, TakesASettlementBack)
+{
+    const auto says = [&](const std::string &id) {
+        const auto entry = tracker().entry(id);
+        return entry ? entry->description : "";
+    };
+    /// An entry that both sides renamed, or that this side deleted; answers its identifier.
+    const auto contested = [&](minutes ago, bool isDeleted) {
+        const std::string id = made("mine", ago);
+        EntryRequest theirs = entryRequest(*tracker().entry(id));
+        theirs.details.description = "theirs";
+        EXPECT_TRUE(await(account->client().updateTimeEntry(
+            tracker().workspace().id, id, timeEntryRequest(theirs), tracker().entry(id)->version)));
+        if (isDeleted)
+            await(tracker().remove(id));
+        else
+            rename(id, "mine again");
+        return id;
+    };
+    const auto settle = [&](Settlement settlement) {
+        const auto conflict = account->outbox().conflicts().at(0);
+        EXPECT_TRUE(*await(tracker().settle(conflict.seq, std::move(settlement), *conflict.conflict)));
+    };
+
+    const std::string kept = contested(minutes{300}, false);
+    settle(KeepTheirs{});
+    EXPECT_EQ(says(kept), "theirs");
+    EXPECT_EQ(undone(), "Undone: Settled “theirs”");
+    EXPECT_EQ(says(kept), "mine again") << "what was given up";
+    EXPECT_TRUE(await(stack->redo()).isDone);
+    EXPECT_EQ(says(kept), "theirs");
+
+    const std::string merged = contested(minutes{200}, false);
+    EntryRequest both = entryRequest(*account->outbox().conflicts().at(0).conflict);
+    both.details.description = "of both";
+    settle(KeepMerged{both});
+    EXPECT_EQ(undone(), "Undone: Settled “of both”");
+    EXPECT_EQ(says(merged), "theirs");
+
+    const std::string gone = contested(minutes{100}, true);
+    settle(KeepMine{});
+    EXPECT_EQ(says(gone), "");
+    EXPECT_EQ(undone(), "Undone: Settled “theirs”");
+    EXPECT_THAT(shown(), ::testing::Contains(::testing::Key("theirs")).Times(3));
+    EXPECT_EQ(held(), shown());
+    EXPECT_EQ(await(tracker().settle(9999, KeepMine{}, *tracker().entry(kept))).value(), std::nullopt);
+}
+
 TEST_F(UndoStackTest, KeepsAHundredStepsAndThoseThatCanBeTriedAgain)
 {
     int state = 0;

@@ -456,11 +456,18 @@ TEST_F(Command, SettlesConflictsAndShowsRefusals)
     EXPECT_THAT(second.errors, HasSubstr("orvane outbox keep-mine " + seq(0)));
     EXPECT_EQ(listed({"outbox", "keep-mine", seq(0)}).size(), 1);
     EXPECT_TRUE(listed({"outbox", "keep-theirs", seq(1)}).isEmpty());
-    std::map<std::string, std::string> descriptions;
-    for (const QJsonValue &item : done({"list"})[u"days"].toArray()[0].toObject()[u"entries"].toArray())
-        descriptions[id(item.toObject())] = text(item.toObject()[u"description"]);
-    EXPECT_EQ(descriptions,
+    const auto descriptions = [&] {
+        std::map<std::string, std::string> all;
+        for (const QJsonValue &item : done({"list"})[u"days"].toArray()[0].toObject()[u"entries"].toArray())
+            all[id(item.toObject())] = text(item.toObject()[u"description"]);
+        return all;
+    };
+    EXPECT_EQ(descriptions(),
               (std::map<std::string, std::string>{{mine, "Edited here"}, {theirs, "Edited there"}}));
+    done({"undo"});
+    EXPECT_EQ(descriptions()[theirs], "Edited here") << "what was given up";
+    done({"undo"});
+    EXPECT_EQ(descriptions()[mine], "Edited there");
 }
 
 TEST_F(Command, SignsInElsewhereAndComesBack)

@@ -245,30 +245,31 @@ void ConflictModel::save()
 {
     if (!isOpen() || !m_problem.isEmpty())
         return;
-    Outbox &outbox = m_tracker->outbox();
-    const std::int64_t seq = m_seq;
     if (m_kind == Kind::Fields)
-        settle(outbox.keepMerged(seq, m_result, m_theirs));
+        settle(KeepMerged{m_result});
+    else if (m_kind == Kind::Stop && !m_fields.mine().empty())
+        settle(KeepMine{});
     else
-        settle(m_kind == Kind::Stop && !m_fields.mine().empty() ? outbox.keepMine(seq)
-                                                                : outbox.keepTheirs(seq));
+        settle(KeepTheirs{});
 }
 
 void ConflictModel::deleteAnyway()
 {
     if (isOpen() && m_kind == Kind::Delete)
-        settle(m_tracker->outbox().keepMine(m_seq));
+        settle(KeepMine{});
 }
 
-void ConflictModel::settle(Task<Result<bool, StoreError>> settling)
+void ConflictModel::settle(Settlement settlement)
 {
     const std::string id = m_theirs.id;
     const QString quoted = EntryWords::quoted(m_result.details.description);
+    const std::int64_t seq = m_seq;
     close();
-    tellEnd(std::move(settling), id, quoted);
+    tellEnd(m_tracker->settle(seq, std::move(settlement), m_theirs), id, quoted);
 }
 
-Task<> ConflictModel::tellEnd(Task<Result<bool, StoreError>> settling, std::string entryId, QString quoted)
+Task<> ConflictModel::tellEnd(Task<Result<std::optional<EntryStep>, StoreError>> settling,
+                              std::string entryId, QString quoted)
 {
     const QPointer<ConflictModel> self(this);
     const auto settled = co_await settling;

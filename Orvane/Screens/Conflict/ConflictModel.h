@@ -89,8 +89,9 @@ private:
     void take(Outbox::ConflictSides sides);
     void work();
     void close();
-    void settle(Task<Result<bool, StoreError>> settling);
-    Task<> tellEnd(Task<Result<bool, StoreError>> settling, std::string entryId, QString quoted);
+    void settle(Settlement settlement);
+    Task<> tellEnd(Task<Result<std::optional<EntryStep>, StoreError>> settling, std::string entryId,
+                   QString quoted);
     EntryWords words() const { return EntryWords(m_tracker->catalog(), m_tracker->time()); }
     bool isOpen() const { return !m_entryId.empty() && m_tracker; }
 
