@@ -128,6 +128,7 @@ Router allHandlers()
     addEntryHandlers(router);
     addEntryBulkHandlers(router);
     addSuggestionHandlers(router);
+    addProposalHandlers(router);
     return router;
 }
 

@@ -171,7 +171,30 @@ constexpr std::string_view boundSessions[] = {
     R"(ALTER TABLE sessions ADD COLUMN is_bound INTEGER NOT NULL DEFAULT 0)",
 };
 
-constexpr std::span<const std::string_view> versions[] = {firstVersion, boundSessions};
+// A plan is kept as its JSON: nothing is looked for in it. What undoing needs beside it stands in the columns
+// that are named after it.
+constexpr std::string_view agentProposals[] = {
+    R"(CREATE TABLE agent_proposals (
+        id TEXT PRIMARY KEY,
+        workspace_id TEXT NOT NULL REFERENCES workspaces (id) ON DELETE CASCADE,
+        user_id TEXT NOT NULL REFERENCES users (id) ON DELETE CASCADE,
+        agent_name TEXT NOT NULL,
+        kind TEXT NOT NULL,
+        status TEXT NOT NULL,
+        note TEXT NOT NULL,
+        entry_id TEXT,
+        plan TEXT NOT NULL,
+        created_at BIGINT NOT NULL,
+        position INTEGER NOT NULL,
+        resolved_at BIGINT,
+        answer_note TEXT,
+        undo_version TEXT,
+        undo_describe_parts INTEGER NOT NULL,
+        undo_creation_digest TEXT NOT NULL))",
+    R"(CREATE INDEX agent_proposals_by_user ON agent_proposals (user_id, workspace_id, status))",
+};
+
+constexpr std::span<const std::string_view> versions[] = {firstVersion, boundSessions, agentProposals};
 
 bool applyStep(Database &database, std::int64_t version)
 {

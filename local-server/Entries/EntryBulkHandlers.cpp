@@ -71,10 +71,8 @@ HttpResponse bulkDelete(Call &call, const WorkspaceAccess &workspace,
         const auto found = findEntry(call, workspace, id);
         if (!found)
             continue;
-        if (changesLockedTime(workspace, &found->entry, nullptr))
-            return timeLocked();
-        EntryRecords(call.database).remove(*found, call.now);
-        call.changedForCaller(ChangeTopic::timeEntries, workspace.id());
+        if (auto removed = removeEntry(call, workspace, *found); !removed)
+            return std::move(removed.error());
     }
     return noBody(204);
 }

@@ -68,15 +68,8 @@ HttpResponse createEntry(Call &call, const WorkspaceAccess &workspace,
     record.entry.id = input.body.id;
     record.entry.workspaceId = workspace.id();
     takeContents(record, contentsOf(input.body));
-    if (auto faults = entryFaults(call, workspace, record); !faults.empty())
-        return invalid(422, std::move(faults));
-    if (changesLockedTime(workspace, nullptr, &record.entry))
-        return timeLocked();
-    if (!record.entry.stop)
-        stopOther(call, record);
-    entries(call).add(record);
-    call.changedForCaller(ChangeTopic::timeEntries, workspace.id());
-    return jsonAnswer(201, record.entry);
+    const auto added = addEntry(call, workspace, std::move(record));
+    return added ? jsonAnswer(201, *added) : added.error();
 }
 
 HttpResponse listEntries(Call &call, const WorkspaceAccess &workspace,
@@ -151,11 +144,8 @@ HttpResponse deleteEntry(Call &call, const WorkspaceAccess &workspace,
                          const operations::DeleteTimeEntry::Input &input)
 {
     return changeEntry(call, workspace, input, [&](const EntryRecord &before) {
-        if (changesLockedTime(workspace, &before.entry, nullptr))
-            return timeLocked();
-        entries(call).remove(before, call.now);
-        call.changedForCaller(ChangeTopic::timeEntries, workspace.id());
-        return noBody(204);
+        const auto removed = removeEntry(call, workspace, before);
+        return removed ? noBody(204) : removed.error();
     });
 }
 
@@ -168,6 +158,30 @@ Result<EntryRecord, HttpResponse> findEntry(Call &call, const WorkspaceAccess &w
     if (!found || found->userId != call.caller.userId || found->entry.workspaceId != workspace.id())
         return failure(noSuch("time entry"));
     return std::move(*found);
+}
+
+Result<TimeEntryResponse, HttpResponse> addEntry(Call &call, const WorkspaceAccess &workspace,
+                                                 EntryRecord record)
+{
+    if (auto faults = entryFaults(call, workspace, record); !faults.empty())
+        return failure(invalid(422, std::move(faults)));
+    if (changesLockedTime(workspace, nullptr, &record.entry))
+        return failure(timeLocked());
+    if (!record.entry.stop)
+        stopOther(call, record);
+    entries(call).add(record);
+    call.changedForCaller(ChangeTopic::timeEntries, workspace.id());
+    return std::move(record.entry);
+}
+
+Result<void, HttpResponse> removeEntry(Call &call, const WorkspaceAccess &workspace,
+                                       const EntryRecord &record)
+{
+    if (changesLockedTime(workspace, &record.entry, nullptr))
+        return failure(timeLocked());
+    entries(call).remove(record, call.now);
+    call.changedForCaller(ChangeTopic::timeEntries, workspace.id());
+    return {};
 }
 
 Result<TimeEntryResponse, HttpResponse> keepEntry(Call &call, const WorkspaceAccess &workspace,

@@ -182,6 +182,11 @@ bool EntryRecords::wasRemoved(const std::string &id)
     return m_database.exists("SELECT 1 FROM deleted_entries WHERE id = ?", id);
 }
 
+void EntryRecords::forgetRemoval(const std::string &id)
+{
+    m_database.run("DELETE FROM deleted_entries WHERE id = ?", id);
+}
+
 void EntryRecords::renewVersion(const std::string &id)
 {
     m_database.run("UPDATE time_entries SET version = ? WHERE id = ?", newVersion(), id);

@@ -45,6 +45,8 @@ public:
     void remove(const EntryRecord &record, Instant now);
     /// Whether an entry of that identifier was there and was deleted.
     bool wasRemoved(const std::string &id);
+    /// So that it can be added again, as it was.
+    void forgetRemoval(const std::string &id);
     /// For an entry that was changed by other means.
     void renewVersion(const std::string &id);
 

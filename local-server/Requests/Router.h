@@ -84,6 +84,7 @@ void addClientHandlers(Router &router);
 void addEntryBulkHandlers(Router &router);
 void addEntryHandlers(Router &router);
 void addProjectHandlers(Router &router);
+void addProposalHandlers(Router &router);
 void addServerHandlers(Router &router);
 void addSessionHandlers(Router &router);
 void addSignInHandlers(Router &router);
