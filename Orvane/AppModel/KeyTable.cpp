@@ -12,7 +12,7 @@ namespace {
 
 using Command = KeyTable::Command;
 
-constexpr std::array<KeyTable::Entry, 18> table{{
+constexpr std::array<KeyTable::Entry, 22> table{{
     {Command::NewEntry, "newEntry", QT_TRANSLATE_NOOP("orvane::KeyTable", "New Entry"), "",
      KeyTable::Anywhere, "Ctrl+N"},
     {Command::StartOrStop, "startOrStop", QT_TRANSLATE_NOOP("orvane::KeyTable", "Start or Stop"),
@@ -33,6 +33,8 @@ constexpr std::array<KeyTable::Entry, 18> table{{
      "Ctrl+Shift+Z"},
     {Command::ShowTimer, "showTimer", QT_TRANSLATE_NOOP("orvane::KeyTable", "Go to Timer"), "",
      KeyTable::Anywhere, "Ctrl+1"},
+    {Command::ShowReview, "showReview", QT_TRANSLATE_NOOP("orvane::KeyTable", "Go to Review"), "",
+     KeyTable::Anywhere, "Ctrl+4"},
     {Command::ShowProjects, "showProjects", QT_TRANSLATE_NOOP("orvane::KeyTable", "Go to Projects"), "",
      KeyTable::Anywhere, "Ctrl+6"},
     {Command::ShowSettings, "showSettings", QT_TRANSLATE_NOOP("orvane::KeyTable", "Go to Settings"), "",
@@ -49,6 +51,12 @@ constexpr std::array<KeyTable::Entry, 18> table{{
      QT_TRANSLATE_NOOP("orvane::KeyTable", "Timer"), KeyTable::Entries, "Ctrl+D"},
     {Command::DeleteEntry, "deleteEntry", QT_TRANSLATE_NOOP("orvane::KeyTable", "Delete"),
      QT_TRANSLATE_NOOP("orvane::KeyTable", "Timer"), KeyTable::Entries, "Del Backspace"},
+    {Command::TakeOffer, "takeOffer", QT_TRANSLATE_NOOP("orvane::KeyTable", "Take, Add or Accept"),
+     QT_TRANSLATE_NOOP("orvane::KeyTable", "Review"), KeyTable::Offers, "Return"},
+    {Command::EditOffer, "editOffer", QT_TRANSLATE_NOOP("orvane::KeyTable", "Edit…"),
+     QT_TRANSLATE_NOOP("orvane::KeyTable", "Review"), KeyTable::Offers, "E"},
+    {Command::DismissOffer, "dismissOffer", QT_TRANSLATE_NOOP("orvane::KeyTable", "Dismiss"),
+     QT_TRANSLATE_NOOP("orvane::KeyTable", "Review"), KeyTable::Offers, "X"},
 }};
 
 const KeyTable::Entry &entryOf(Command command)
@@ -132,10 +140,10 @@ bool KeyTable::isChanged(Command command) const
     return m_choices->values().keys.contains(entryOf(command).id);
 }
 
-int KeyTable::entryCommand(const QString &chord) const
+int KeyTable::commandIn(Context context, const QString &chord) const
 {
     for (const Entry &entry : table) {
-        if (entry.context == Entries && has(m_chords[entry.command], chord))
+        if (entry.context == context && has(m_chords[entry.command], chord))
             return entry.command;
     }
     return -1;

@@ -33,6 +33,7 @@ public:
         Undo,
         Redo,
         ShowTimer,
+        ShowReview,
         ShowProjects,
         ShowSettings,
         EditEntry,
@@ -41,11 +42,15 @@ public:
         TrimEntry,
         DuplicateEntry,
         DeleteEntry,
+        TakeOffer,
+        EditOffer,
+        DismissOffer,
     };
     Q_ENUM(Command)
 
-    /// Where a command is given: in every section, or on an entry of the list, outside fields.
-    enum Context { Anywhere, Entries };
+    /// Where a command is given: in every section, on an entry of the list, or on an offer of the review; the
+    /// latter two outside fields.
+    enum Context { Anywhere, Entries, Offers };
     Q_ENUM(Context)
 
     struct Entry {
@@ -72,8 +77,9 @@ public:
     QString keys(Command command) const { return m_chords.value(command); }
     bool isChanged(Command command) const;
 
-    /// The command that keys give on an entry of the list; -1 for none.
-    Q_INVOKABLE int entryCommand(const QString &chord) const;
+    /// The command that keys give on an entry of the list, or on an offer; -1 for none.
+    Q_INVOKABLE int entryCommand(const QString &chord) const { return commandIn(Entries, chord); }
+    Q_INVOKABLE int offerCommand(const QString &chord) const { return commandIn(Offers, chord); }
     /// Who has keys that `command` would want, where both can be meant; -1 for nobody.
     int takenBy(Command command, const QString &chord) const;
     /// Why these keys cannot be the command's, for people; empty when they can.
@@ -89,6 +95,7 @@ Q_SIGNALS:
     void changed();
 
 private:
+    int commandIn(Context context, const QString &chord) const;
     void update();
 
     WindowChoices *m_choices;

@@ -11,6 +11,7 @@ namespace orvane {
 DesktopWindow::DesktopWindow(AppModel::Options options)
     : m_app(std::move(options))
     , m_timer(m_app)
+    , m_review(m_app, m_timer)
     , m_projects(m_app)
     , m_settings(m_app)
     , m_signIn(m_app)
@@ -72,6 +73,7 @@ void DesktopWindow::makeWindow()
          {QStringLiteral("signIn"), QVariant::fromValue(&m_signIn)},
          {QStringLiteral("places"), QVariant::fromValue(&m_places)},
          {QStringLiteral("panel"), QVariant::fromValue(&m_panel.model())},
+         {QStringLiteral("review"), QVariant::fromValue(&m_review)},
          {QStringLiteral("projects"), QVariant::fromValue(&m_projects)},
          {QStringLiteral("settings"), QVariant::fromValue(&m_settings)}}));
     for (const QQmlError &error : m_drawing.errors())

@@ -4,6 +4,7 @@
 #include "AppModel/AppModel.h"
 #include "Desktop/DesktopPanel.h"
 #include "Screens/Projects/ProjectsModel.h"
+#include "Screens/Review/ReviewModel.h"
 #include "Screens/Settings/SettingsModel.h"
 #include "Screens/Shell/PlacesModel.h"
 #include "Screens/SignIn/SignInModel.h"
@@ -44,6 +45,7 @@ public:
     PlacesModel &places() { return m_places; }
     DesktopPanel &panel() { return m_panel; }
     ProjectsModel &projects() { return m_projects; }
+    ReviewModel &review() { return m_review; }
     SettingsModel &settings() { return m_settings; }
     /// Null before it is shown.
     QQuickWindow *window() const { return m_window.get(); }
@@ -61,6 +63,7 @@ private:
 
     AppModel m_app;
     TimerModel m_timer;
+    ReviewModel m_review;
     ProjectsModel m_projects;
     SettingsModel m_settings;
     SignInModel m_signIn;

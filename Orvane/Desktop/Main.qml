@@ -12,11 +12,12 @@ Window {
     required property SignInModel signIn
     required property PlacesModel places
     required property PanelModel panel
+    required property ReviewModel review
     required property ProjectsModel projects
     required property SettingsModel settings
 
     readonly property bool isWide: width >= 1200
-    // "timer", "projects" or "settings".
+    // "timer", "review", "projects" or "settings".
     property string section: "timer"
 
     function show(which: string): void {
@@ -63,6 +64,11 @@ Window {
         table: window.app.keys
         command: KeyTable.ShowTimer
         onActivated: window.show("timer")
+    }
+    CommandShortcut {
+        table: window.app.keys
+        command: KeyTable.ShowReview
+        onActivated: window.show("review")
     }
     CommandShortcut {
         table: window.app.keys
@@ -123,6 +129,7 @@ Window {
         id: sidebar
         app: window.app
         places: window.places
+        waiting: window.review.waiting
         section: window.section
         width: window.isWide ? 216 : 192
         height: parent.height
@@ -151,6 +158,13 @@ Window {
             focus: true
         }
         SectionLoader {
+            id: reviewSection
+            anchors.fill: parent
+            isCurrent: window.section === "review"
+            page: "ReviewPage.qml"
+            properties: ({ app: window.app, timer: window.timer, review: window.review })
+        }
+        SectionLoader {
             anchors.fill: parent
             isCurrent: window.section === "projects"
             page: "ProjectsPage.qml"
@@ -161,6 +175,21 @@ Window {
             isCurrent: window.section === "settings"
             page: "SettingsPage.qml"
             properties: ({ app: window.app, timer: window.timer, settings: window.settings })
+        }
+    }
+
+    Connections {
+        target: reviewSection.item as ReviewPage
+        ignoreUnknownSignals: true
+
+        function onEditing(inField: bool) {
+            window.show("timer");
+            if (inField)
+                timerPage.takeField();
+        }
+        function onConnectWanted() {
+            window.settings.page = "connect";
+            window.show("settings");
         }
     }
 

@@ -4,6 +4,7 @@
 #include "AppModel/AppModel.h"
 #include "Screens/Panel/PanelModel.h"
 #include "Screens/Projects/ProjectsModel.h"
+#include "Screens/Review/ReviewModel.h"
 #include "Screens/Settings/SettingsModel.h"
 #include "Screens/Shell/PlacesModel.h"
 #include "Screens/SignIn/SignInModel.h"
@@ -31,6 +32,24 @@ struct NoticesType {
     QML_FOREIGN(orvane::Notices)
     QML_NAMED_ELEMENT(Notices)
     QML_UNCREATABLE("of the AppModel")
+};
+struct ReviewModelType {
+    Q_GADGET
+    QML_FOREIGN(orvane::ReviewModel)
+    QML_NAMED_ELEMENT(ReviewModel)
+    QML_UNCREATABLE("made by the program")
+};
+struct OfferListType {
+    Q_GADGET
+    QML_FOREIGN(orvane::OfferList)
+    QML_NAMED_ELEMENT(OfferList)
+    QML_UNCREATABLE("of the ReviewModel")
+};
+struct SettledListType {
+    Q_GADGET
+    QML_FOREIGN(orvane::SettledList)
+    QML_NAMED_ELEMENT(SettledList)
+    QML_UNCREATABLE("of the ReviewModel")
 };
 struct SignInModelType {
     Q_GADGET

@@ -149,7 +149,7 @@ int main(int argc, char **argv)
     const QStringList wanted = arguments.mid(isWhole ? 3 : 2);
     orvane::testing::Album album(arguments.at(1), isWhole);
     using orvane::testing::Album;
-    const std::array<std::pair<QLatin1String, void (*)(Album &)>, 8> subjects{
+    const std::array<std::pair<QLatin1String, void (*)(Album &)>, 9> subjects{
         {{QLatin1String("timer"), orvane::testing::drawTimer},
          {QLatin1String("empty"), orvane::testing::drawEmpty},
          {QLatin1String("states"), orvane::testing::drawStates},
@@ -157,6 +157,7 @@ int main(int argc, char **argv)
          {QLatin1String("panel"), orvane::testing::drawPanel},
          {QLatin1String("conflict"), orvane::testing::drawConflict},
          {QLatin1String("connect"), orvane::testing::drawConnect},
+         {QLatin1String("review"), orvane::testing::drawReview},
          {QLatin1String("sections"), orvane::testing::drawSections}}};
     for (const auto &[name, draw] : subjects) {
         if (wanted.isEmpty() || wanted.contains(name))

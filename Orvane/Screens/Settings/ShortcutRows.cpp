@@ -29,7 +29,7 @@ void ShortcutRows::find()
 {
     beginResetModel();
     m_rows.clear();
-    for (const KeyTable::Context context : {KeyTable::Anywhere, KeyTable::Entries}) {
+    for (const KeyTable::Context context : {KeyTable::Anywhere, KeyTable::Entries, KeyTable::Offers}) {
         const std::size_t head = m_rows.size();
         for (const KeyTable::Entry &entry : KeyTable::entries()) {
             if (entry.context != context || !isFound(entry))
@@ -76,9 +76,11 @@ QVariant ShortcutRows::data(const QModelIndex &index, int role) const
     case titleRole:
         if (!isHead)
             return KeyTable::title(command);
-        return row.context == KeyTable::Anywhere ? tr("Anywhere in Orvane") : tr("Entries");
+        return row.context == KeyTable::Anywhere  ? tr("Anywhere in Orvane")
+               : row.context == KeyTable::Entries ? tr("Entries")
+                                                  : tr("Review");
     case noteRole:
-        return isHead && row.context == KeyTable::Entries ? tr("only outside fields") : QString();
+        return isHead && row.context != KeyTable::Anywhere ? tr("only outside fields") : QString();
     case commandRole:
         return row.command;
     case keyBarRole:

@@ -11,6 +11,8 @@ Rectangle {
 
     required property AppModel app
     required property PlacesModel places
+    // How much there is to settle.
+    required property int waiting
     required property string section
 
     signal chosen(section: string)
@@ -38,6 +40,7 @@ Rectangle {
         Repeater {
             model: [
                 { section: "timer", text: qsTr("Timer"), icon: "timer", command: KeyTable.ShowTimer },
+                { section: "review", text: qsTr("Review"), icon: "review", command: KeyTable.ShowReview },
                 { section: "projects", text: qsTr("Projects"), icon: "projects", command: KeyTable.ShowProjects },
                 { section: "settings", text: qsTr("Settings"), icon: "settings", command: KeyTable.ShowSettings }
             ]
@@ -50,6 +53,7 @@ Rectangle {
                 width: parent.width
                 text: modelData.text
                 iconName: modelData.icon
+                count: modelData.section === "review" ? sidebar.waiting : 0
                 current: sidebar.section === modelData.section
                 onClicked: sidebar.chosen(modelData.section)
 
