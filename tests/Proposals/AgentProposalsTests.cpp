@@ -153,6 +153,8 @@ TEST_F(AgentProposalsTest, ARefusalBringsTheListAsItIs)
 TEST_F(AgentProposalsTest, WaitWhileTheServerIsAway)
 {
     const std::string id = propose("Later");
+    await(account->close());
+    account = std::move(*await(openAccount(installation, false)));
     ASSERT_TRUE(await(proposals().load()));
     ASSERT_TRUE(folder.killServer());
     const auto undoable = undoableSettling(proposals(), *proposals().find(id));
