@@ -73,7 +73,7 @@ CommandTask settle(Context context, std::int64_t seq, Settlement settlement)
                 ? "The change " + std::to_string(seq) + " is in no conflict."
                 : "Whether the change is in conflict is known only when the server answers."));
     }
-    co_await noteStep(context, (*settled)->turns);
+    co_await noteStep(context, **settled);
     co_await context->flush();
     co_return co_await queueAnswer(context);
 }

@@ -10,7 +10,7 @@ import contextlib
 
 import playing
 from timer_window import FIELD, expect_everywhere, choose, open_editor, rename, tab_to
-from window import Window
+from window import Window, wait
 
 SETTLE = "1 entry to settle"
 
@@ -100,6 +100,24 @@ def refusal(desk):
     seen.closes()
 
 
+def steady(desk):
+    """Another device's entry comes in above, and the row under the pointer stays where it is."""
+    desk.types('orvane add "Answer mail 9:00-9:30"')
+    seen = Window(desk)
+    before = seen.top("list item", "Answer mail")
+    other = desk.home / "other"
+    other.mkdir()
+    (other / "server").symlink_to(desk.data / "server")
+    seen.points_at("list item", "Answer mail")
+    elsewhere(desk, 'add "Call the printer 10:00-10:45"')
+    seen.waits_for("list item", "Call the printer")
+    assert seen.top("list item", "Answer mail") == before, "the row has moved"
+    # Once the pointer is elsewhere, the list stands as it belongs.
+    seen.points_at("page tab", "Settings")
+    wait(lambda: seen.top("list item", "Answer mail") > before, "the row below the new one")
+    seen.closes()
+
+
 def several(desk):
     """Two of three entries are changed as one step, which is taken back as one; then an overlap is trimmed."""
     for entry in ("Answer mail 9:00-9:30", "Call the printer 10:00-10:45", "Plan 11:00-11:30"):
@@ -164,7 +182,7 @@ def is_told(seen, description):
     seen.waits_for_focus("text", FIELD)
 
 
-JOURNEYS = {journey.__name__: journey for journey in (conflict, refusal, several, locked)}
+JOURNEYS = {journey.__name__: journey for journey in (conflict, refusal, steady, several, locked)}
 
 if __name__ == "__main__":
     playing.main(JOURNEYS, __file__)

@@ -122,8 +122,12 @@ class Screen:
         assert self.does("xdotool", "type", "--delay", "4", text), text
 
     def clicks(self, extents):
+        self.points_at(extents)
+        assert self.does("xdotool", "click", "1")
+
+    def points_at(self, extents):
         x, y = extents.x + extents.width // 2, extents.y + extents.height // 2
-        assert self.does("xdotool", "mousemove", str(x), str(y), "click", "1")
+        assert self.does("xdotool", "mousemove", str(x), str(y))
 
 
 def end(process):
@@ -341,6 +345,13 @@ class Window:
 
     def clicks(self, role, name):
         self._screen.clicks(self.waits_for(role, name).extents())
+
+    def points_at(self, role, name):
+        self._screen.points_at(self.waits_for(role, name).extents())
+
+    def top(self, role, name):
+        """Where its upper edge is on the screen."""
+        return self.waits_for(role, name).extents().y
 
     # How it ends
 

@@ -143,6 +143,55 @@ FocusScope {
 
         bottomMargin: 72
     }
+    // What came from elsewhere above it moves neither the row that the pointer is on its way to press nor the one that is
+    // edited. A pointer that lies still is on its way nowhere, and what one types oneself shows where it belongs.
+    HoverHandler {
+        id: pointer
+
+        property real movedAt: 0
+        readonly property real onItsWay: 3000
+
+        function aimedAt(): string {
+            const row = hovered && Date.now() - movedAt < onItsWay ? list.indexAt(list.width / 2, list.contentY + point.position.y) : -1;
+            return row < 0 ? "" : root.timer.list.idAt(row);
+        }
+        onPointChanged: movedAt = Date.now()
+        onHoveredChanged: if (!hovered)
+            list.returnToBounds()
+    }
+    Connections {
+        id: hold
+
+        property string entryId: ""
+        property real place: 0
+
+        target: root.timer.list
+
+        function begin(): void {
+            if (entryId !== "")
+                return;
+            const id = root.timer.editor.entryId || pointer.aimedAt();
+            const item = id === "" ? null : list.itemAtIndex(root.timer.list.rowOf(id));
+            if (item === null)
+                return;
+            entryId = id;
+            place = item.y - list.contentY;
+            Qt.callLater(hold.end);
+        }
+        function end(): void {
+            list.forceLayout();
+            const item = list.itemAtIndex(root.timer.list.rowOf(entryId));
+            entryId = "";
+            if (item !== null)
+                list.contentY = item.y - place;
+        }
+        function onRowsAboutToBeInserted() {
+            begin();
+        }
+        function onRowsAboutToBeRemoved() {
+            begin();
+        }
+    }
     // Their editor has gone, and the keyboard goes back to the row.
     Connections {
         target: root.timer.several
