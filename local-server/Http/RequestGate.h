@@ -42,6 +42,8 @@ public:
                                        Body body = Body::json) const;
     /// Who sent the request: `peer`, or the one that the trusted proxy names.
     std::string senderOf(const HttpRequest &request, const std::string &peer) const;
+    /// The address under which an admitted request was sent, without a slash at the end.
+    std::string addressOf(const HttpRequest &request, const std::string &peer) const;
 
 private:
     bool isOurHost(const std::string &host) const;

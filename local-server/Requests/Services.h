@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Agents/AgentAttempts.h"
 #include "DevProvider/DevProvider.h"
 #include "Hub/HubTickets.h"
 #include "Security/AccessTokens.h"
@@ -22,6 +23,8 @@ struct Services {
     SignInCodes codes{};
     PasswordGuesses passwordGuesses{};
     GuessGuard registrations{20};
+    GuessGuard agentRegistrations{20};
+    AgentAttempts agentAttempts{};
     HubTickets hubTickets{};
 };
 
