@@ -3,6 +3,7 @@
 
 #include "Agents/AgentGrants.h"
 #include "Agents/AgentSignIn.h"
+#include "Agents/McpEndpoint.h"
 #include "Http/Forms.h"
 #include "Http/Problems.h"
 #include "OrvaneAPI/Routes.h"
@@ -157,7 +158,13 @@ PathRoutes allPaths()
     PathRoutes paths;
     paths.add(HttpMethod::post, hubNegotiatePath, {.handle = negotiate, .lane = Lane::reading});
     addAgentSignInPaths(paths);
+    addAgentToolPaths(paths);
     return paths;
+}
+
+bool mayWrite(const Router::Route &route, const RequestParts &parts)
+{
+    return route.mayWrite && route.mayWrite(parts);
 }
 
 HttpResponse refusedEntry(const Call &call, Router::Entrance entrance, const HttpHeaders &headers)
@@ -338,7 +345,8 @@ std::optional<ServerCore::Transacted> ServerCore::transactHere(Database &databas
     call.isProved = ProofGate::isProved(exchange.parts.headers);
     database.begin(lane);
     const Entry entry = enter(call, exchange, lane);
-    if (entry == Entry::laterInWriting) {
+    if (entry == Entry::laterInWriting ||
+        (entry == Entry::granted && lane == Lane::reading && mayWrite(*exchange.route, exchange.parts))) {
         database.rollback();
         return std::nullopt;
     }

@@ -39,6 +39,8 @@ public:
         Entrance entrance = Entrance::signedIn;
         Lane lane = Lane::writing;
         RequestGate::Body body = RequestGate::Body::json;
+        /// Of a route that reads: whether this request is one that may write after all.
+        std::function<bool(const RequestParts &)> mayWrite = {};
     };
 
     template <class Operation, class Outcome>

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Agents/AgentAttempts.h"
+#include "Agents/AgentPace.h"
 #include "DevProvider/DevProvider.h"
 #include "Hub/HubTickets.h"
 #include "Security/AccessTokens.h"
@@ -25,6 +26,7 @@ struct Services {
     GuessGuard registrations{20};
     GuessGuard agentRegistrations{20};
     AgentAttempts agentAttempts{};
+    AgentPace agentPace{};
     HubTickets hubTickets{};
 };
 
