@@ -47,6 +47,10 @@ export class SigningAgent {
     codeVerifier() {
         return this.verifier;
     }
+    invalidateCredentials(scope) {
+        if (scope === 'all' || scope === 'tokens') this.kept = undefined;
+        if (scope === 'all' || scope === 'client') this.client = undefined;
+    }
     redirectToAuthorization(address) {
         this.opened = address;
     }
