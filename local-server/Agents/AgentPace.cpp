@@ -17,13 +17,13 @@ std::optional<std::chrono::seconds> AgentPace::take(const std::string &grantId, 
     const std::lock_guard lock(m_lock);
     // Who asks for nothing is forgotten, so the map is as long as the list of agents at work.
     std::erase_if(m_full, [now](const auto &item) { return item.second <= now; });
-    const auto found = m_full.find(grantId);
+    Instant &full = m_full.try_emplace(grantId, now).first->second;
     // A clock that was put back must not make anybody wait for longer than the burst lasts.
-    const Instant before = found == m_full.end() ? now : std::min<Instant>(found->second, now + wholeBurst);
-    const Instant after = before + perMessage * messages;
+    full = std::min<Instant>(full, now + wholeBurst);
+    const Instant after = full + perMessage * messages;
     if (after > now + wholeBurst)
         return std::chrono::ceil<std::chrono::seconds>(after - (now + wholeBurst));
-    m_full[grantId] = after;
+    full = after;
     return std::nullopt;
 }
 

@@ -127,7 +127,7 @@ HttpResponse answersTo(AgentCall &agent, const McpPost &post)
     return jsonBody(200, isBatch ? "[" + answers + "]" : std::move(answers));
 }
 
-Step answerMcp(Call &call, const RequestParts &parts)
+Step takeMcp(Call &call, const RequestParts &parts)
 {
     const auto visit = readMcpVisit(parts);
     const int weight = visit && visit->post ? static_cast<int>(visit->post->messages.size()) : 1;
@@ -135,10 +135,8 @@ Step answerMcp(Call &call, const RequestParts &parts)
         return tooMany(*wait);
     if (!visit)
         return visit.error();
-    if (!visit->post)
-        return jsonBody(400, mcpAnswer(RawJson{}, visit->post.error()));
     AgentCall agent{call, *call.agent};
-    return answersTo(agent, *visit->post);
+    return answerMcp(agent, *visit);
 }
 
 bool mcpMayWrite(const RequestParts &parts)
@@ -152,7 +150,7 @@ bool mcpMayWrite(const RequestParts &parts)
 void addAgentToolPaths(PathRoutes &paths)
 {
     paths.add(HttpMethod::post, agentPath,
-              {.handle = answerMcp,
+              {.handle = takeMcp,
                .entrance = Router::Entrance::agent,
                .lane = Lane::reading,
                .mayWrite = mcpMayWrite});
@@ -180,6 +178,12 @@ Result<McpVisit, HttpResponse> readMcpVisit(const RequestParts &parts)
     if (post && post->isBatch && version != batchVersion)
         post = failure(McpError{McpCode::invalidRequest, "This version of the protocol has no batches."});
     return McpVisit{std::move(post)};
+}
+
+HttpResponse answerMcp(AgentCall &agent, const McpVisit &visit)
+{
+    return visit.post ? answersTo(agent, *visit.post)
+                      : jsonBody(400, mcpAnswer(RawJson{}, visit.post.error()));
 }
 
 } // namespace orvane::server

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Agents/AgentTool.h"
 #include "Agents/McpMessage.h"
 #include "OrvaneAPI/HttpMessage.h"
 #include "OrvaneAPI/RequestReader.h"
-#include "Requests/Aside.h"
 
 /// Where agents reach the server: MCP over streamable HTTP, each message answered by the request that brought
 /// it. Nothing is kept between two requests, and nothing is ever sent unasked, so there are no sessions and
@@ -23,5 +23,8 @@ struct McpVisit {
     bool mayWrite() const;
 };
 Result<McpVisit, HttpResponse> readMcpVisit(const RequestParts &parts);
+
+/// Inside a transaction, which may write when the visit may.
+HttpResponse answerMcp(AgentCall &agent, const McpVisit &visit);
 
 } // namespace orvane::server

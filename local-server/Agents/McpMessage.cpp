@@ -64,7 +64,9 @@ namespace {
 
 bool isId(const RawJson &id)
 {
-    return id.text.starts_with('"') || decodeJson<std::int64_t>(id.text).has_value();
+    const char first = id.text.front();
+    return first == '"' || ((first == '-' || (first >= '0' && first <= '9')) &&
+                            decodeJson<std::int64_t>(id.text).has_value());
 }
 
 McpMessage faulty(std::string message, RawJson id = {})
