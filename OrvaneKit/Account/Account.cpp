@@ -8,6 +8,7 @@
 #include "Client/OrvaneClient.h"
 #include "Http/Connectivity.h"
 #include "Outbox/OutboxRules.h"
+#include "Proposals/AgentProposals.h"
 #include "Time/AppClock.h"
 
 #include <QPointer>
@@ -286,6 +287,7 @@ bool Account::makeTracker()
     PreferredTime preferred = preferredTime(m_me, m_options.zone);
     m_timeNotice = std::move(preferred.notice);
     const std::unique_ptr<Tracker> before = std::move(m_tracker);
+    const std::unique_ptr<AgentProposals> proposalsBefore = std::move(m_proposals);
     m_tracker = std::make_unique<Tracker>(Tracker::Parts{.workspace = *workspace,
                                                          .time = std::move(preferred.time),
                                                          .api = m_access->client(),
@@ -293,6 +295,7 @@ bool Account::makeTracker()
                                                          .outbox = m_outbox.get(),
                                                          .outcomes = m_outcomes.get(),
                                                          .newIdentifier = m_options.newIdentifier});
+    m_proposals = std::make_unique<AgentProposals>(m_access->client(), *m_tracker);
     if (before)
         Q_EMIT trackerChanged();
     return true;

@@ -26,6 +26,7 @@
 
 namespace orvane {
 
+class AgentProposals;
 class Connectivity;
 
 /// One signed-in account put together: the store, the outbox and the tracker of the workspace in use, over
@@ -99,6 +100,8 @@ public:
     OutboxOutcomes &outcomes() { return *m_outcomes; }
     Tracker &tracker() { return *m_tracker; }
     const Tracker &tracker() const { return *m_tracker; }
+    /// Of the tracker's workspace, and another one when the tracker is.
+    AgentProposals &proposals() { return *m_proposals; }
 
     /// A timer of the kind that this account waits with.
     std::unique_ptr<RetryTimer> makeRetryTimer() const;
@@ -159,6 +162,7 @@ private:
     std::unique_ptr<Outbox> m_outbox;
     std::unique_ptr<OutboxOutcomes> m_outcomes;
     std::unique_ptr<Tracker> m_tracker;
+    std::unique_ptr<AgentProposals> m_proposals;
 
     // Of an account that lives on
     std::unique_ptr<StoreWatch> m_storeWatch;

@@ -3,6 +3,7 @@
 
 #include "Account/Account.h"
 #include "Account/ServerAccess.h"
+#include "Proposals/AgentProposals.h"
 
 namespace orvane {
 
@@ -48,6 +49,8 @@ WantedRefresh refreshFor(const std::string &topic)
         return {.topics = Topic::settings, .me = true};
     if (topic == "me")
         return {.topics = {}, .me = true};
+    if (topic == "proposals")
+        return {.topics = {}, .proposals = true};
     return {};
 }
 
@@ -93,13 +96,14 @@ void LiveRefresh::hear(const SyncChange &change)
 
 void LiveRefresh::catchUp()
 {
-    want({.topics = allTopics, .me = true});
+    want({.topics = allTopics, .me = true, .proposals = true});
 }
 
 void LiveRefresh::want(WantedRefresh wanted)
 {
     m_wanted.topics |= wanted.topics;
     m_wanted.me = m_wanted.me || wanted.me;
+    m_wanted.proposals = m_wanted.proposals || wanted.proposals;
     if (m_wanted == WantedRefresh{} || std::exchange(m_isPausing, true))
         return;
     m_pause->schedule(0ms, [this] { refreshNow(); });
@@ -115,6 +119,8 @@ void LiveRefresh::refreshNow()
     m_pause->schedule(betweenRefreshes, [this] { refreshNow(); });
     if (wanted.me)
         m_account.refreshMe();
+    if (wanted.proposals)
+        m_account.proposals().refresh();
     if (wanted.topics)
         m_account.tracker().refresh(wanted.topics);
 }

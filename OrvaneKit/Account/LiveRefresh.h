@@ -23,6 +23,8 @@ struct WantedRefresh {
     Topics topics;
     /// The profile.
     bool me = false;
+    /// What agents proposed, where anybody looks at it.
+    bool proposals = false;
 
     bool operator==(const WantedRefresh &) const = default;
 };

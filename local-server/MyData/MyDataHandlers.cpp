@@ -5,7 +5,7 @@
 #include "MyData/DataArchive.h"
 #include "Names/NameText.h"
 #include "Projects/ProjectRecords.h"
-#include "Proposals/ProposalRecords.h"
+#include "Proposals/ProposalArchive.h"
 #include "Requests/Router.h"
 #include "Security/PasswordHash.h"
 #include "Tags/TagRecords.h"
@@ -36,18 +36,6 @@ std::string folderFor(const WorkspaceSummary &workspace, std::set<std::string> &
     return folder + "/";
 }
 
-/// What agents proposed to the user, as it is listed, and what the user answered.
-AgentProposalsResponse proposalsOf(Call &call, const std::string &workspaceId)
-{
-    AgentProposalsResponse all;
-    for (ProposalRecord &record :
-         ProposalRecords(call.database).list(call.caller.userId, workspaceId, firstInstant)) {
-        all.pendingCount += record.is(pendingProposal) ? 1 : 0;
-        all.proposals.push_back(std::move(record.shown));
-    }
-    return all;
-}
-
 void addWorkspace(Call &call, const WorkspaceSummary &workspace, const std::string &folder,
                   std::vector<ArchiveFile> &files)
 {
@@ -59,7 +47,7 @@ void addWorkspace(Call &call, const WorkspaceSummary &workspace, const std::stri
         jsonFile(folder, "projects.json", ProjectRecords(call.database).list(workspace.id, true)));
     files.push_back(jsonFile(folder, "clients.json", ClientRecords(call.database).list(workspace.id, true)));
     files.push_back(jsonFile(folder, "tags.json", TagRecords(call.database).list(workspace.id)));
-    files.push_back(jsonFile(folder, "proposals.json", proposalsOf(call, workspace.id)));
+    files.push_back({folder + "proposals.json", proposalArchive(call.database, userId, workspace.id)});
 }
 
 HttpResponse exportMyData(Call &call, const operations::ExportMyData::Input &)

@@ -6,6 +6,7 @@
 #include "Http/NetworkThread.h"
 #include "LiveSync/ManualContinuousTimer.h"
 #include "LiveSync/ScriptedHub.h"
+#include "Proposals/AgentProposals.h"
 #include "Session/MemoryTokenStore.h"
 #include "Time/AppClock.h"
 #include "support/Await.h"
@@ -159,13 +160,33 @@ TEST_F(LiveRefreshTest, PassesOverWhatIsNotShownHere)
 {
     hub.say(ScriptedHub::change("time-entries", "another-workspace"));
     hub.say(ScriptedHub::change("time-entries", workspaceId(), "somebody-else"));
-    for (const char *topic : {"agent-activity", "proposals", "weather", ""})
+    for (const char *topic : {"agent-activity", "weather", ""})
         tell(topic);
     hub.say(ScriptedHub::change("me", "", account->me().id));
     ASSERT_TRUE(eventually([&] { return pause->isScheduled(); }));
     EXPECT_THAT(pause->delays, ElementsAre(0ms));
     EXPECT_EQ(refreshFor("me"), (WantedRefresh{.topics = {}, .me = true}));
-    EXPECT_EQ(refreshFor("proposals"), WantedRefresh{});
+    EXPECT_EQ(refreshFor("agent-activity"), WantedRefresh{});
+}
+
+TEST_F(LiveRefreshTest, AsksForProposalsWhereTheyAreLookedAt)
+{
+    AgentProposals &proposals = account->proposals();
+    const auto propose = [&](const std::string &description) {
+        ProposeEntriesRequest request;
+        request.entries.push_back(
+            {.description = description, .start = AppClock::now() - 10min, .stop = AppClock::now() - 5min});
+        ASSERT_TRUE(await(account->client().proposeEntries(workspaceId(), request)));
+        tell("proposals");
+        ASSERT_TRUE(eventually([&] { return pause->isScheduled(); }));
+        passTime();
+    };
+    propose("Nobody looks yet");
+    EXPECT_THAT(proposals.proposals(), IsEmpty());
+    ASSERT_TRUE(await(proposals.load()));
+    EXPECT_EQ(proposals.pendingCount(), 1);
+    propose("Somebody looks");
+    EXPECT_TRUE(eventually([&] { return proposals.pendingCount() == 2; }));
 }
 
 TEST_F(LiveRefreshTest, MakesFewRefreshesOfABurst)

@@ -44,6 +44,17 @@ protected:
         entry.stop = now + std::chrono::hours(1);
         (void)expect<CreateTimeEntry, Created<TimeEntryResponse>>({workspace(), entry});
     }
+    void proposeWork(const std::string &description)
+    {
+        ProposeEntriesRequest request;
+        request.entries.push_back(
+            {.description = description, .start = now - std::chrono::hours(1), .stop = now});
+        using Outcomes = std::vector<ProposalOutcomeResponse>;
+        const auto made = expect<ProposeEntries, Created<Outcomes>>({workspace(), request}).body;
+        ASSERT_TRUE(made.at(0).proposal);
+        (void)expect<ResolveAgentProposal, Ok<AgentProposalResponse>>(
+            {workspace(), made[0].proposal->id, {"dismissed", {}, "It was lunch"}});
+    }
     std::string workspace() { return me().defaultWorkspaceId.value_or(""); }
     HttpResponse remove(const std::string &email, std::optional<std::string> password)
     {
@@ -58,6 +69,7 @@ TEST_F(MyData, GoesAlongAsOneArchive)
     registerAccount();
     record("Plan the week “übermorgen”");
     (void)expect<CreateWorkspace, Created<WorkspaceSummary>>({{"../Trials", {}}});
+    proposeWork("Fix the login");
     const std::string bytes = expect<ExportMyData, Ok<std::string>>({}).body;
     const auto files = unzipped(bytes);
     EXPECT_NE(files.at("account.json").find("grace@example.org"), std::string::npos);
@@ -70,12 +82,16 @@ TEST_F(MyData, GoesAlongAsOneArchive)
     const auto entries = decodeJson<std::vector<TimeEntryResponse>>(own->second);
     ASSERT_TRUE(entries && entries->size() == 1);
     EXPECT_EQ(entries->front().description, "Plan the week “übermorgen”");
+    const std::string folder = own->first.substr(0, own->first.find('/'));
+    EXPECT_NE(files.at(folder + "/proposals.json").find("Fix the login"), std::string::npos);
+    EXPECT_NE(files.at(folder + "/proposals.json").find("It was lunch"), std::string::npos);
 }
 
 TEST_F(MyData, GoesWithItsAccount)
 {
     registerAccount();
     record("Gone for good");
+    proposeWork("Gone for good too");
     EXPECT_EQ(remove("someone@example.org", "correct horse battery").status, 400);
     EXPECT_EQ(remove("grace@example.org", {}).status, 400);
     EXPECT_EQ(remove("grace@example.org", "a guess").status, 400);
