@@ -154,7 +154,7 @@ Result<AgentWorkspaces, std::string> listWorkspaces(AgentCall &agent, const NoAr
     if (!account)
         return failure(std::string("This account no longer exists."));
     const UserZone zone(account->timeZone);
-    AgentWorkspaces out{zone.time(agent.call.now), zone.name(), {}};
+    AgentWorkspaces out{zone.time(std::chrono::floor<std::chrono::seconds>(agent.call.now)), zone.name(), {}};
     for (WorkspaceSummary &workspace : agent.call.workspaces.of(account->id)) {
         if (mayEnter(agent.access, workspace.id))
             out.workspaces.push_back(

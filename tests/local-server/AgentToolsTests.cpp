@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What an agent's tools give, to whom, and what they never do.
+#include "Agents/UserZone.h"
 #include "Entries/EntryRecords.h"
 #include "McpFixture.h"
 
@@ -7,6 +8,28 @@ namespace orvane::server {
 
 using namespace std::chrono_literals;
 using namespace operations;
+
+namespace {
+
+/// The paths of what a schema takes and says nothing about.
+std::vector<std::string> unexplained(const QJsonObject &schema, const std::string &path)
+{
+    std::vector<std::string> out;
+    const QJsonObject members = schema[QLatin1String("properties")].toObject();
+    for (auto member = members.begin(); member != members.end(); ++member) {
+        const std::string name = path + "." + member.key().toStdString();
+        const QJsonObject described = member->toObject();
+        if (described[QLatin1String("description")].toString().isEmpty())
+            out.push_back(name);
+        for (const QJsonObject &inner : {described, described[QLatin1String("items")].toObject()}) {
+            const auto found = unexplained(inner, name);
+            out.insert(out.end(), found.begin(), found.end());
+        }
+    }
+    return out;
+}
+
+} // namespace
 
 class AgentToolsTest : public McpFixture {
 protected:
@@ -58,6 +81,30 @@ TEST_F(AgentToolsTest, ListsTheUsersOwnDays)
     EXPECT_EQ(listed(R"({"day": "2026-03-29"})"), (std::vector<std::string>{"running", "spring"}));
     EXPECT_EQ(each(call("list_entries", R"({"day": "2026-03-29"})"), "entries", "start").back(),
               "2026-03-29T23:30:00+02:00");
+}
+
+TEST(UserZoneTest, WritesTimesAsTheUsersClockShowsThem)
+{
+    const auto shown = [](const char *zone, std::int64_t milliseconds) {
+        return UserZone(zone).time(instantFromMilliseconds(milliseconds)).text;
+    };
+    EXPECT_EQ(shown("Asia/Kolkata", 1'772'355'600'000), "2026-03-01T14:30:00+05:30");
+    EXPECT_EQ(shown("America/St_Johns", 1'772'355'600'250), "2026-03-01T05:30:00.250-03:30");
+    EXPECT_EQ(shown("Nowhere/Here", 1'772'355'600'000), "2026-03-01T09:00:00+00:00");
+    // Samoa skipped the 30th of December 2011 altogether.
+    const UserZone samoa("Pacific/Apia");
+    using namespace std::chrono;
+    EXPECT_EQ(samoa.startOf(2011y / December / 30), samoa.startOf(2011y / December / 31));
+    EXPECT_EQ(samoa.day(samoa.startOf(2011y / December / 31)), 2011y / December / 31);
+}
+
+TEST_F(AgentToolsTest, ExplainsEveryArgument)
+{
+    const QJsonArray tools = ask("tools/list")[QLatin1String("result")][QLatin1String("tools")].toArray();
+    EXPECT_EQ(tools.size(), 9);
+    for (const auto &tool : tools)
+        EXPECT_EQ(unexplained(tool[QLatin1String("inputSchema")].toObject(), textIn(tool.toObject(), "name")),
+                  std::vector<std::string>{});
 }
 
 TEST_F(AgentToolsTest, SaysWhatIsWrongWithItsArguments)
