@@ -224,6 +224,18 @@ struct AgentConnectionType {
     QML_NAMED_ELEMENT(AgentConnection)
     QML_UNCREATABLE("of the AgentConnections")
 };
+struct AgentAskingType {
+    Q_GADGET
+    QML_FOREIGN(orvane::AgentAsking)
+    QML_NAMED_ELEMENT(AgentAsking)
+    QML_UNCREATABLE("of the AgentConnections")
+};
+struct SignedInAgentsType {
+    Q_GADGET
+    QML_FOREIGN(orvane::SignedInAgents)
+    QML_NAMED_ELEMENT(SignedInAgents)
+    QML_UNCREATABLE("of the AgentConnections")
+};
 struct SyncDetailsType {
     Q_GADGET
     QML_FOREIGN(orvane::SyncDetails)
