@@ -8,6 +8,7 @@
 #include <QSslKey>
 #include <QSslSocket>
 #include <QTcpSocket>
+#include <QUuid>
 #include <openssl/ec.h>
 #include <openssl/pem.h>
 #include <openssl/x509v3.h>
@@ -43,7 +44,9 @@ Identity newIdentity()
     X509_gmtime_adj(X509_getm_notAfter(certificate), 3600);
     X509_set_pubkey(certificate, key.get());
     X509_NAME *name = X509_get_subject_name(certificate);
-    X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_ASC, reinterpret_cast<const unsigned char *>("localhost"),
+    // A name of its own: of two with one name that are trusted the other one might be looked at.
+    const std::string own = QUuid::createUuid().toString(QUuid::WithoutBraces).toStdString();
+    X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_ASC, reinterpret_cast<const unsigned char *>(own.c_str()),
                                -1, -1, 0);
     X509_set_issuer_name(certificate, name);
     for (const auto &[what, value] :
