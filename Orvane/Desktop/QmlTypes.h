@@ -212,6 +212,18 @@ struct AccountDetailsType {
     QML_NAMED_ELEMENT(AccountDetails)
     QML_UNCREATABLE("of the SettingsModel")
 };
+struct AccountLoginsType {
+    Q_GADGET
+    QML_FOREIGN(orvane::AccountLogins)
+    QML_NAMED_ELEMENT(AccountLogins)
+    QML_UNCREATABLE("of the SettingsModel")
+};
+struct PasskeyPromptType {
+    Q_GADGET
+    QML_FOREIGN(orvane::PasskeyPrompt)
+    QML_NAMED_ELEMENT(PasskeyPrompt)
+    QML_UNCREATABLE("of the screen that asks")
+};
 struct AgentConnectionsType {
     Q_GADGET
     QML_FOREIGN(orvane::AgentConnections)

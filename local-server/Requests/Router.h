@@ -90,6 +90,7 @@ void addMyDataHandlers(Router &router);
 void addClientHandlers(Router &router);
 void addEntryBulkHandlers(Router &router);
 void addEntryHandlers(Router &router);
+void addPasskeyHandlers(Router &router);
 void addProjectHandlers(Router &router);
 void addServerHandlers(Router &router);
 void addSessionHandlers(Router &router);
