@@ -59,6 +59,7 @@ SettingsSheet {
             spacing: Theme.space8
 
             LoginTable {
+                objectName: "passkeyTable"
                 width: parent.width
                 name: qsTr("Passkeys")
                 iconName: "key"

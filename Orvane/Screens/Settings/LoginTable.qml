@@ -68,13 +68,13 @@ Rectangle {
                 Label {
                     x: 40
                     anchors.verticalCenter: parent.verticalCenter
-                    width: row.asks ? row.rest : row.rest * 0.36
+                    width: row.asks ? row.rest : row.rest * 0.3
                     saidByPeople: true
                     text: row.modelData.name
                     Accessible.ignored: true
                 }
                 Label {
-                    x: row.width > 560 ? 236 : 40 + row.rest * 0.38
+                    x: row.width > 560 ? 236 : 40 + row.rest * 0.33
                     anchors.verticalCenter: parent.verticalCenter
                     visible: !row.asks && row.width > 420
                     type: Label.Type.Small
@@ -83,7 +83,7 @@ Rectangle {
                     Accessible.ignored: true
                 }
                 Label {
-                    x: row.width > 560 ? 236 + (row.width - 236 - buttons.width) * 0.4 : 40 + row.rest * 0.66
+                    x: row.width > 560 ? 236 + (row.width - 236 - buttons.width) * 0.4 : 40 + row.rest * 0.68
                     width: row.width - x - buttons.width - Theme.space16
                     anchors.verticalCenter: parent.verticalCenter
                     visible: !row.asks
