@@ -137,6 +137,7 @@ Router allHandlers()
     Router router;
     addServerHandlers(router);
     addSignInHandlers(router);
+    addPasskeyHandlers(router);
     addSessionHandlers(router);
     addAccountHandlers(router);
     addMyDataHandlers(router);
@@ -192,11 +193,16 @@ ServerCore::ServerCore(Options options, std::unique_ptr<Database> database, std:
     : m_options(std::move(options))
     , m_database(std::move(database))
     , m_services{.tokens = AccessTokens(std::move(key)),
-                 .registrationOpen = m_options.listenPoint.isLoopback() && !m_options.trustedProxy,
+                 .registrationOpen =
+                     m_options.isHosted || (m_options.listenPoint.isLoopback() && !m_options.trustedProxy),
                  .devProvider = m_options.devProvider
                                     ? std::make_shared<DevProvider>(m_options.listenPoint.url())
-                                    : nullptr}
-    , m_gate(m_options.listenPoint, m_options.trustedProxy)
+                                    : nullptr,
+                 .passkeySite =
+                     m_options.publicAddress ? PasskeySite::at(*m_options.publicAddress) : std::nullopt,
+                 .isHosted = m_options.isHosted,
+                 .publicAddress = m_options.publicAddress.value_or("")}
+    , m_gate(m_options.listenPoint, m_options.trustedProxy, m_options.publicAddress)
     , m_proofs(m_options.linkKey)
     , m_router(allHandlers())
     , m_paths(allPaths())

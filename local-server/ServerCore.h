@@ -43,6 +43,10 @@ public:
         std::string userName = "user";
         /// Lets anybody sign in by a name alone, through the browser; for a server on loopback.
         bool devProvider = false;
+        /// By which people reach the server, as "https://HOST[:PORT]". Passkeys need one, with TLS.
+        std::optional<std::string> publicAddress = {};
+        /// Says that it is the service that Orvane's makers run; it takes new accounts then.
+        bool isHosted = false;
         /// Hears what requests change.
         ChangeObserver onChange = {};
     };

@@ -33,7 +33,8 @@ std::optional<TermFault> termFault(const Call &call, const OAuthAuthorizationReq
     if (request.codeChallengeMethod != "S256" || !isCodeChallenge(request.codeChallenge))
         return TermFault{"codeChallenge", "invalid_request",
                          "The agent must bring the SHA-256 of a verifier, as base64url."};
-    if (request.resource && !isOurResource(call.address, *request.resource))
+    if (request.resource && !isOurResource(call.address, *request.resource) &&
+        !isOurResource(call.services.publicAddress, *request.resource))
         return TermFault{"resource", "invalid_target", "The agent asks for another server's tools."};
     if (!asksToPropose(request.scope.value_or("")))
         return TermFault{"scope", "invalid_scope", "The agent asks for what this server does not know."};

@@ -81,7 +81,8 @@ bool isOurResource(const std::string &address, const std::string &resource)
 {
     const QUrl ours = urlOf(address);
     const QUrl asked = urlOf(resource);
-    if (!asked.isValid() || asked.hasQuery() || asked.hasFragment() || !asked.userInfo().isEmpty())
+    if (ours.host().isEmpty() || asked.host().isEmpty() || asked.hasQuery() || asked.hasFragment() ||
+        !asked.userInfo().isEmpty())
         return false;
     const QString path = asked.path();
     const bool isPath = path.isEmpty() || path == QLatin1String("/") || path == QLatin1String(agentPath) ||

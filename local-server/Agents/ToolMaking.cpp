@@ -46,7 +46,7 @@ Result<WorkspaceAccess, std::string> enterWorkspace(AgentCall &agent,
 std::string refusalSentence(const HttpResponse &refusal)
 {
     const auto problem = decodeJson<ProblemDetails>(refusal.body);
-    const std::string fallback = "Orvane refused this.";
+    std::string fallback = "Orvane refused this.";
     if (!problem)
         return fallback;
     return problem->detail.value_or(problem->title.value_or(fallback));

@@ -239,8 +239,21 @@ constexpr std::string_view agentGrants[] = {
     R"(CREATE INDEX agent_tokens_by_expiry ON agent_tokens (expires_at))",
 };
 
+constexpr std::string_view passkeys[] = {
+    R"(CREATE TABLE passkeys (
+        id TEXT PRIMARY KEY,
+        user_id TEXT NOT NULL REFERENCES users (id) ON DELETE CASCADE,
+        credential_id TEXT NOT NULL UNIQUE,
+        public_key TEXT NOT NULL,
+        counter BIGINT NOT NULL,
+        name TEXT NOT NULL,
+        created_at BIGINT NOT NULL,
+        last_used_at BIGINT))",
+    R"(CREATE INDEX passkeys_by_user ON passkeys (user_id))",
+};
+
 constexpr std::span<const std::string_view> versions[] = {firstVersion, boundSessions, agentProposals,
-                                                          agentGrants};
+                                                          agentGrants, passkeys};
 
 bool applyStep(Database &database, std::int64_t version)
 {

@@ -104,7 +104,10 @@ std::string RequestGate::senderOf(const HttpRequest &request, const std::string 
 
 std::string RequestGate::addressOf(const HttpRequest &request, const std::string &peer) const
 {
-    const auto forwarded = peer == m_trustedProxy ? forwardedHost(request.headers) : std::nullopt;
+    const bool isFromProxy = peer == m_trustedProxy;
+    const auto forwarded = isFromProxy ? forwardedHost(request.headers) : std::nullopt;
+    if (m_publicAddress && (forwarded || (isFromProxy && forwardedPeer(request.headers))))
+        return *m_publicAddress;
     // A proxy is there for TLS unless it says that it had none.
     const bool isPlain = !forwarded || forwardedScheme(request.headers) == "http";
     const std::string host = forwarded ? *forwarded : request.headers.find("Host").value_or("");

@@ -92,6 +92,7 @@ void addMyDataHandlers(Router &router);
 void addClientHandlers(Router &router);
 void addEntryBulkHandlers(Router &router);
 void addEntryHandlers(Router &router);
+void addPasskeyHandlers(Router &router);
 void addProjectHandlers(Router &router);
 void addProposalHandlers(Router &router);
 void addServerHandlers(Router &router);

@@ -52,6 +52,11 @@ TEST_F(AgentSignInTest, SpeaksOfItselfAsItsProxyIsKnown)
     EXPECT_EQ(textIn(json(send(request)), "resource"), "http://time.example.org/mcp");
     request.headers.set("X-Forwarded-Host", "evil\"quote");
     EXPECT_EQ(textIn(json(send(request)), "resource"), "http://127.0.0.1:0/mcp");
+    publicAddress = "https://known.example.org";
+    openServer({}, "10.0.0.9");
+    EXPECT_EQ(textIn(json(send(request)), "resource"), "https://known.example.org/mcp");
+    peer = "127.0.0.1";
+    EXPECT_EQ(textIn(json(send(request)), "resource"), "http://127.0.0.1:0/mcp") << "asked here, not there";
 }
 
 TEST_F(AgentSignInTest, RegistersWhatItCanShowAndSendBackTo)
