@@ -174,6 +174,26 @@ ProposalText ProposalText::of(const AgentProposalResponse &proposal, const Catal
     return text;
 }
 
+std::optional<TimeEntryResponse> entryBefore(const AgentProposalResponse &proposal)
+{
+    const auto &before = proposal.plan.before;
+    if (!before)
+        return std::nullopt;
+    TimeEntryResponse entry;
+    entry.id = before->id;
+    entry.workspaceId = proposal.workspaceId;
+    entry.description = before->description;
+    entry.projectId = before->projectId;
+    entry.taskId = before->taskId;
+    entry.tagIds = before->tagIds;
+    entry.isBillable = before->isBillable;
+    entry.start = before->start;
+    entry.stop = before->stop;
+    entry.shares = before->shares;
+    entry.version = before->version;
+    return entry;
+}
+
 std::string proposedEntry(const AgentProposalResponse &proposal)
 {
     const std::string description = contentsOf(proposal.plan).description;

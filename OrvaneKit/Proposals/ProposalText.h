@@ -3,6 +3,7 @@
 
 #include "OrvaneAPI/Schemas.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -45,6 +46,9 @@ struct ProposalText {
     static ProposalText of(const AgentProposalResponse &proposal, const Catalog &catalog,
                            const UserTime &time);
 };
+
+/// The entry that a proposal changes or deletes, as it stood when that was proposed; nothing for a new one.
+std::optional<TimeEntryResponse> entryBefore(const AgentProposalResponse &proposal);
 
 /// The entry that a proposal is about, by its description: "“Stand-up”", "an entry without a description".
 std::string proposedEntry(const AgentProposalResponse &proposal);

@@ -25,6 +25,8 @@ struct EntryTurn {
 /// One action of the user, in the order in which its changes were made.
 struct EntryStep {
     std::vector<EntryTurn> turns;
+    /// The agent's proposal whose applying it was: the server takes that back as a whole.
+    std::optional<std::string> proposalId = {};
     bool operator==(const EntryStep &) const = default;
 };
 
@@ -70,7 +72,8 @@ struct JsonFields<EntryTurn> {
 };
 template <>
 struct JsonFields<EntryStep> {
-    static constexpr auto list = std::tuple{jsonField<"turns">(&EntryStep::turns)};
+    static constexpr auto list =
+        std::tuple{jsonField<"turns">(&EntryStep::turns), jsonField<"proposalId">(&EntryStep::proposalId)};
 };
 template <>
 struct JsonFields<HistoryDocument> {

@@ -11,6 +11,7 @@ void addCommands(CommandTree &tree)
     addQuickEntryCommands(tree);
     addListCommand(tree);
     addActivityCommand(tree);
+    addProposalCommand(tree);
     addProjectCommands(tree);
     addTaskCommands(tree);
     addCatalogCommands(tree);

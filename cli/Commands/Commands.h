@@ -22,6 +22,7 @@ void addCatalogCommands(CommandTree &tree);
 void addSignInCommands(CommandTree &tree);
 void addSettingsCommands(CommandTree &tree);
 void addOutboxCommand(CommandTree &tree);
+void addProposalCommand(CommandTree &tree);
 void addWatchCommand(CommandTree &tree);
 void addConnectCommand(CommandTree &tree);
 void addServeCommand(CommandTree &tree);

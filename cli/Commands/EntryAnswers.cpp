@@ -169,9 +169,9 @@ CommandAnswer answerTo(const CommandContext &context, const SaveResult &result, 
     return answer;
 }
 
-Task<> noteStep(Context context, std::vector<EntryTurn> turns)
+Task<> noteStep(Context context, EntryStep step)
 {
-    const auto noted = co_await context->account()->history().add({std::move(turns)});
+    const auto noted = co_await context->account()->history().add(std::move(step));
     if (!noted)
         writeMessage("It cannot be taken back: " + describe(noted.error()));
 }
@@ -179,7 +179,7 @@ Task<> noteStep(Context context, std::vector<EntryTurn> turns)
 Task<CommandAnswer> conclude(Context context, SaveResult result, std::string verb,
                              std::optional<TimeEntryResponse> before, std::vector<std::string> notes)
 {
-    co_await noteStep(context, result.turns);
+    co_await noteStep(context, {result.turns});
     co_return answerTo(*context, result, verb, before, notes);
 }
 

@@ -32,7 +32,7 @@ Task<CommandAnswer> conclude(Context context, SaveResult result, std::string ver
                              std::optional<TimeEntryResponse> before = {},
                              std::vector<std::string> notes = {});
 /// Keeps what an action changed, so that it can be taken back.
-Task<> noteStep(Context context, std::vector<EntryTurn> turns);
+Task<> noteStep(Context context, EntryStep step);
 
 /// The answers to several changes as one: below each other, for programs as a list.
 CommandAnswer together(const CommandContext &context, std::vector<CommandAnswer> answers);

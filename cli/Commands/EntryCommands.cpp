@@ -127,7 +127,7 @@ CommandTask addLines(Context context, EntryOptions options)
         answers.push_back(answerTo(*context, result, "Added", {}, line.typed.leftOut(tracker)));
         rememberPicks(*context, line.typed, answers.back());
     }
-    co_await noteStep(context, std::move(turns));
+    co_await noteStep(context, {std::move(turns)});
     co_return together(*context, std::move(answers));
 }
 
@@ -224,7 +224,7 @@ CommandTask removeAll(Context context, std::vector<std::string> ids)
         if (answers.back().exitStatus == ExitStatus::done && !context->json())
             answers.back().output += wayBack(*context, entry);
     }
-    co_await noteStep(context, std::move(turns));
+    co_await noteStep(context, {std::move(turns)});
     co_return ids.size() == 1 ? answers.front() : together(*context, std::move(answers));
 }
 

@@ -3,6 +3,7 @@
 #include "Commands/Commands.h"
 #include "Commands/EntryAnswers.h"
 #include "Output/EntryText.h"
+#include "Proposals/AgentProposals.h"
 
 namespace orvane {
 
@@ -19,6 +20,35 @@ std::string linesOf(const CommandContext &context, const std::vector<EntryTurn> 
     return lines;
 }
 
+/// Of an applied proposal, as the server takes it back: its entry is as it was, and the proposal waits again.
+CommandTask reopenProposal(Context context, EntryHistory history, EntryStep step)
+{
+    Account &account = *context->account();
+    const auto reopened = co_await account.proposals().reopen(*step.proposalId);
+    if (!reopened) {
+        const auto *refusal = std::get_if<APIError>(&reopened.error());
+        const bool isForGood = refusal != nullptr && (refusal->status == 404 || refusal->status == 409);
+        // What can never be taken back is not to stand before what can.
+        if (isForGood)
+            co_await history.forget(step, {});
+        co_return failure(CommandFailure::of(reopened.error(),
+                                             proposalFailure(reopened.error()) +
+                                                 (isForGood ? " What was done before it: orvane undo" : "")));
+    }
+    co_await history.forget(step, {});
+    SaveResult result;
+    result.outcome = SaveOutcome::saved;
+    for (EntryTurn &turn : step.turns) {
+        std::swap(turn.before, turn.after);
+        result.entry = turn.after;
+    }
+    result.turns = std::move(step.turns);
+    CommandAnswer answer = answerTo(*context, result, "");
+    if (!context->json())
+        answer.output = linesOf(*context, result.turns) + "The proposal waits again.\n";
+    co_return answer;
+}
+
 CommandTask undo(Context context)
 {
     const auto opened = co_await context->openAccount();
@@ -29,6 +59,8 @@ CommandTask undo(Context context)
     const auto step = co_await history.last();
     if (!step)
         co_return failure(CommandFailure::of("There is nothing to take back."));
+    if (step->proposalId)
+        co_return co_await reopenProposal(context, history, *step);
     if ((*opened)->isReachable())
         co_await (*opened)->tracker().loadDaysOf(*step);
     SaveResult result = co_await (*opened)->tracker().takeBack(*step);

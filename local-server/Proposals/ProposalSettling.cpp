@@ -22,17 +22,27 @@ std::optional<HttpResponse> refusedContents(Call &call, const WorkspaceAccess &w
     return invalid(400, std::move(faults));
 }
 
-/// The entry of a proposal, provided that it is still of that version.
-Result<EntryRecord, HttpResponse> entryAsOf(Call &call, const WorkspaceAccess &workspace,
-                                            const std::string &entryId, const std::string &version,
-                                            const std::string &since)
+HttpResponse cannotBeApplied(std::string why)
+{
+    return problem(409, "This can't be applied any more.", std::move(why));
+}
+
+HttpResponse cannotBeTakenBack(std::string why)
+{
+    return problem(409, "This can't be taken back.", std::move(why));
+}
+
+/// The entry of a proposal, provided that it is still of that version; else what happened to it "since ...".
+Result<EntryRecord, std::string> entryAsOf(Call &call, const WorkspaceAccess &workspace,
+                                           const std::string &entryId, const std::string &version,
+                                           const std::string &since)
 {
     auto found = findEntry(call, workspace, entryId);
     if (!found)
-        return failure(conflict("The entry was deleted since " + since + "."));
+        return failure("The entry was deleted since " + since + ".");
     if (found->entry.version != version)
-        return failure(conflict("The entry has changed since " + since + "."));
-    return found;
+        return failure("The entry has changed since " + since + ".");
+    return std::move(*found);
 }
 
 Kept createEntry(Call &call, const WorkspaceAccess &workspace, ProposalRecord &record)
@@ -72,11 +82,11 @@ Result<std::vector<TimeEntryResponse>, HttpResponse> carryOut(Call &call, const 
         return std::vector{std::move(*made)};
     }
     if (!plan.before || !plan.changes)
-        return failure(conflict("This proposal can't be applied."));
+        return failure(cannotBeApplied("It does not say what to change."));
     const auto before =
         entryAsOf(call, workspace, plan.before->id, plan.before->version, "this was proposed");
     if (!before)
-        return failure(before.error());
+        return failure(cannotBeApplied(before.error()));
     record.undoDescribeParts = before->describeParts;
     record.undoCreationDigest = before->creationDigest;
     if (plan.action == removeAction) {
@@ -101,8 +111,9 @@ void settle(Call &call, const WorkspaceAccess &workspace, ProposalRecord &record
 
 HttpResponse settledAlready(const ProposalRecord &record)
 {
-    return conflict(record.is(withdrawnProposal) ? "The agent has withdrawn this proposal."
-                                                 : "This proposal is settled; open it again first.");
+    return problem(409, "This proposal no longer waits.",
+                   record.is(withdrawnProposal) ? "The agent has withdrawn it."
+                                                : "It was settled before; open it again first.");
 }
 
 // Taking an applied one back
@@ -127,12 +138,12 @@ std::optional<HttpResponse> refusedReturn(Call &call, const WorkspaceAccess &wor
 {
     const auto faults = entryFaults(call, workspace, entry);
     if (!faults.empty())
-        return conflict("The entry can't be as it was before. " + faults.begin()->second.front());
+        return cannotBeTakenBack("The entry can't be as it was before. " + faults.begin()->second.front());
     if (entry.entry.stop)
         return std::nullopt;
     const auto running = EntryRecords(call.database).running(call.caller.userId);
     if (running && running->entry.id != entry.entry.id)
-        return conflict("The entry ran before, and another one runs now.");
+        return cannotBeTakenBack("The entry ran before, and another one runs now.");
     return std::nullopt;
 }
 
@@ -141,7 +152,7 @@ Kept bringBack(Call &call, const WorkspaceAccess &workspace, const ProposalRecor
     EntryRecord entry = entryBefore(record);
     EntryRecords entries(call.database);
     if (entries.find(entry.entry.id))
-        return failure(conflict("The entry is there again."));
+        return failure(cannotBeTakenBack("The entry is there again."));
     if (auto refusal = refusedReturn(call, workspace, entry))
         return failure(std::move(*refusal));
     entries.forgetRemoval(entry.entry.id);
@@ -168,7 +179,7 @@ Result<void, HttpResponse> takeBack(Call &call, const WorkspaceAccess &workspace
         const auto present = entryAsOf(call, workspace, record.shown.entryId.value_or(""),
                                        record.undoVersion.value_or(""), "this was applied");
         if (!present)
-            return failure(present.error());
+            return failure(cannotBeTakenBack(present.error()));
         if (action == createAction)
             return removeEntry(call, workspace, *present);
         back = changeBack(call, workspace, record, *present);
