@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ServerCore.h"
 
+#include "Agents/AgentGrants.h"
+#include "Agents/AgentSignIn.h"
+#include "Agents/McpEndpoint.h"
+#include "Http/Forms.h"
 #include "Http/Problems.h"
 #include "OrvaneAPI/Routes.h"
 #include "Security/RandomText.h"
@@ -91,12 +95,22 @@ Step negotiate(Call &call, const RequestParts &parts)
     return negotiateHub(call, queryValue(parts.query, "negotiateVersion"));
 }
 
-/// Nothing for a badly encoded one.
-std::optional<QueryPairs> queryOf(const std::string &path)
+std::string_view queryTextOf(const std::string &path)
 {
     const std::size_t mark = path.find('?');
-    return parseQuery(mark == std::string::npos ? std::string_view()
-                                                : std::string_view(path).substr(mark + 1));
+    return mark == std::string::npos ? std::string_view() : std::string_view(path).substr(mark + 1);
+}
+
+// Nothing for a badly encoded one.
+std::optional<QueryPairs> queryOf(const std::string &path)
+{
+    return parseQuery(queryTextOf(path));
+}
+
+/// As other protocols and browsers write it.
+std::optional<QueryPairs> formQueryOf(const std::string &path)
+{
+    return readForm(queryTextOf(path));
 }
 
 HttpResponse badlyEncoded()
@@ -112,11 +126,18 @@ void authorizeByQuery(RequestParts &parts)
         parts.headers.set("Authorization", "Bearer " + token);
 }
 
+/// Without the query.
+std::string_view pathOf(const HttpRequest &request)
+{
+    return std::string_view(request.path).substr(0, request.path.find('?'));
+}
+
 Router allHandlers()
 {
     Router router;
     addServerHandlers(router);
     addSignInHandlers(router);
+    addPasskeyHandlers(router);
     addSessionHandlers(router);
     addAccountHandlers(router);
     addMyDataHandlers(router);
@@ -129,7 +150,29 @@ Router allHandlers()
     addEntryBulkHandlers(router);
     addSuggestionHandlers(router);
     addProposalHandlers(router);
+    addAgentAuthorizationHandlers(router);
     return router;
+}
+
+PathRoutes allPaths()
+{
+    PathRoutes paths;
+    paths.add(HttpMethod::post, hubNegotiatePath, {.handle = negotiate, .lane = Lane::reading});
+    addAgentSignInPaths(paths);
+    addAgentToolPaths(paths);
+    return paths;
+}
+
+bool mayWrite(const Router::Route &route, const RequestParts &parts)
+{
+    return route.mayWrite && route.mayWrite(parts);
+}
+
+HttpResponse refusedEntry(const Call &call, Router::Entrance entrance, const HttpHeaders &headers)
+{
+    if (entrance == Router::Entrance::agent)
+        return agentSignInWanted(call.address, bearerToken(headers).has_value());
+    return unauthorized("Your session has ended or its token is not valid.");
 }
 
 } // namespace
@@ -150,14 +193,19 @@ ServerCore::ServerCore(Options options, std::unique_ptr<Database> database, std:
     : m_options(std::move(options))
     , m_database(std::move(database))
     , m_services{.tokens = AccessTokens(std::move(key)),
-                 .registrationOpen = m_options.listenPoint.isLoopback() && !m_options.trustedProxy,
+                 .registrationOpen =
+                     m_options.isHosted || (m_options.listenPoint.isLoopback() && !m_options.trustedProxy),
                  .devProvider = m_options.devProvider
                                     ? std::make_shared<DevProvider>(m_options.listenPoint.url())
-                                    : nullptr}
-    , m_gate(m_options.listenPoint, m_options.trustedProxy)
+                                    : nullptr,
+                 .passkeySite =
+                     m_options.publicAddress ? PasskeySite::at(*m_options.publicAddress) : std::nullopt,
+                 .isHosted = m_options.isHosted,
+                 .publicAddress = m_options.publicAddress.value_or("")}
+    , m_gate(m_options.listenPoint, m_options.trustedProxy, m_options.publicAddress)
     , m_proofs(m_options.linkKey)
     , m_router(allHandlers())
-    , m_negotiateRoute{.handle = negotiate, .lane = Lane::reading}
+    , m_paths(allPaths())
     , m_admissionRoute{.handle = {}, .lane = Lane::reading}
 {
 }
@@ -189,8 +237,7 @@ std::optional<ServerCore::Done> ServerCore::pass(const HttpRequest &request, con
         m_proofs.prove(nonce, served.response);
         done(std::move(served));
     };
-    const auto body = isPage(request) ? RequestGate::Body::form : RequestGate::Body::json;
-    if (auto refusal = m_gate.refuse(request, peer, body)) {
+    if (auto refusal = m_gate.refuse(request, peer, bodyOf(request))) {
         prove({std::move(*refusal)});
         return std::nullopt;
     }
@@ -207,6 +254,12 @@ bool ServerCore::isPage(const HttpRequest &request) const
     return m_services.devProvider && DevProvider::owns(request.path);
 }
 
+RequestGate::Body ServerCore::bodyOf(const HttpRequest &request) const
+{
+    const Router::Route *route = m_paths.find(request.method, pathOf(request));
+    return isPage(request) ? RequestGate::Body::form : route ? route->body : RequestGate::Body::json;
+}
+
 void ServerCore::serve(const HttpRequest &request, const std::string &peer, Executor &executor,
                        const Done &done)
 {
@@ -215,9 +268,11 @@ void ServerCore::serve(const HttpRequest &request, const std::string &peer, Exec
         return;
     if (isPage(request))
         return servePage(request, executor, *finish);
-    auto routed = route(request, m_gate.senderOf(request, peer));
+    auto routed = route(request);
     if (!routed)
         return (*finish)({std::move(routed.error())});
+    routed->peer = m_gate.senderOf(request, peer);
+    routed->address = m_gate.addressOf(request, peer);
     routed->executor = &executor;
     routed->done = *finish;
     const auto exchange = std::make_shared<const Exchange>(std::move(*routed));
@@ -225,18 +280,14 @@ void ServerCore::serve(const HttpRequest &request, const std::string &peer, Exec
              [exchange](Call &call) { return exchange->route->handle(call, exchange->parts); });
 }
 
-Result<ServerCore::Exchange, HttpResponse> ServerCore::route(const HttpRequest &request,
-                                                             const std::string &peer) const
+Result<const Router::Route *, HttpResponse> ServerCore::routeOf(const HttpRequest &request,
+                                                                std::vector<std::string> &pathArguments) const
 {
-    auto query = queryOf(request.path);
-    if (request.path.substr(0, request.path.find('?')) == hubNegotiatePath) {
-        if (request.method != HttpMethod::post)
-            return failure(wrongMethod({HttpMethod::post}));
-        if (!query)
-            return failure(badlyEncoded());
-        return Exchange{
-            .route = &m_negotiateRoute, .parts = {{}, std::move(*query), request.headers}, .peer = peer};
-    }
+    const std::string_view path = pathOf(request);
+    if (const Router::Route *route = m_paths.find(request.method, path))
+        return route;
+    if (const auto methods = m_paths.methods(path); !methods.empty())
+        return failure(wrongMethod(methods));
     auto match = matchRoute(request.method, request.path);
     if (!match) {
         const auto methods = routeMethods(request.path);
@@ -247,12 +298,22 @@ Result<ServerCore::Exchange, HttpResponse> ServerCore::route(const HttpRequest &
     if (!route)
         return failure(
             problem(501, "Not available here.", "The server on this computer does not offer this."));
+    pathArguments = std::move(match->pathArguments);
+    return route;
+}
+
+Result<ServerCore::Exchange, HttpResponse> ServerCore::route(const HttpRequest &request) const
+{
+    RequestParts parts{.headers = request.headers, .body = request.body};
+    const auto found = routeOf(request, parts.pathArguments);
+    if (!found)
+        return failure(found.error());
+    const bool isForm = !m_paths.methods(pathOf(request)).empty();
+    auto query = isForm ? formQueryOf(request.path) : queryOf(request.path);
     if (!query)
         return failure(badlyEncoded());
-    return Exchange{
-        .route = route,
-        .parts = {std::move(match->pathArguments), std::move(*query), request.headers, request.body},
-        .peer = peer};
+    parts.query = std::move(*query);
+    return Exchange{.route = *found, .parts = std::move(parts), .peer = {}};
 }
 
 void ServerCore::transact(const SharedExchange &exchange, Lane lane, const Handle &handle)
@@ -282,16 +343,22 @@ void ServerCore::goOn(const SharedExchange &exchange, Transacted transacted)
 std::optional<ServerCore::Transacted> ServerCore::transactHere(Database &database, const Exchange &exchange,
                                                                Lane lane, const Handle &handle)
 {
-    Call call{.services = m_services, .database = database, .now = now(), .peer = exchange.peer};
+    Call call{.services = m_services,
+              .database = database,
+              .now = now(),
+              .peer = exchange.peer,
+              .address = exchange.address};
     call.isProved = ProofGate::isProved(exchange.parts.headers);
     database.begin(lane);
     const Entry entry = enter(call, exchange, lane);
-    if (entry == Entry::laterInWriting) {
+    if (entry == Entry::laterInWriting ||
+        (entry == Entry::granted && lane == Lane::reading && mayWrite(*exchange.route, exchange.parts))) {
         database.rollback();
         return std::nullopt;
     }
-    Step step = entry == Entry::granted ? handle(call)
-                                        : unauthorized("Your session has ended or its token is not valid.");
+    Step step = entry == Entry::granted
+                    ? handle(call)
+                    : refusedEntry(call, exchange.route->entrance, exchange.parts.headers);
     const bool isSignedIn = !call.caller.userId.empty();
     const bool keeps = keepsChanges(step, call);
     if (keeps ? database.commit() : !database.hasFailed()) {
@@ -311,10 +378,18 @@ std::optional<ServerCore::Transacted> ServerCore::transactHere(Database &databas
 /// Lets the caller in, if the operation wants that anybody is.
 ServerCore::Entry ServerCore::enter(Call &call, const Exchange &exchange, Lane lane) const
 {
-    if (!exchange.route->wantsSignIn)
+    if (exchange.route->entrance == Router::Entrance::open)
         return Entry::granted;
     const auto token = bearerToken(exchange.parts.headers);
-    const auto claims = token ? m_services.tokens.read(*token, call.now) : std::nullopt;
+    if (!token)
+        return Entry::refused;
+    return exchange.route->entrance == Router::Entrance::agent ? enterAgent(call, *token, lane)
+                                                               : enterSignedIn(call, *token, lane);
+}
+
+ServerCore::Entry ServerCore::enterSignedIn(Call &call, const std::string &token, Lane lane) const
+{
+    const auto claims = m_services.tokens.read(token, call.now);
     const auto lastUse =
         claims ? call.sessions.lastUse(claims->sessionId, claims->userId, call.isProved, call.now)
                : std::nullopt;
@@ -326,6 +401,22 @@ ServerCore::Entry ServerCore::enter(Call &call, const Exchange &exchange, Lane l
         call.sessions.touch(claims->sessionId, call.now);
     }
     call.caller = {claims->userId, claims->sessionId};
+    return Entry::granted;
+}
+
+ServerCore::Entry ServerCore::enterAgent(Call &call, const std::string &token, Lane lane)
+{
+    AgentGrants grants(call.database);
+    auto admission = grants.admit(token, call.now);
+    if (!admission)
+        return Entry::refused;
+    if (admission->isTouchDue) {
+        if (lane == Lane::reading)
+            return Entry::laterInWriting;
+        grants.touch(admission->access.grantId, call.now);
+    }
+    call.caller = {.userId = admission->access.userId, .sessionId = {}};
+    call.agent = std::move(admission->access);
     return Entry::granted;
 }
 

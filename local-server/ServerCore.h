@@ -5,6 +5,7 @@
 #include "Http/RequestGate.h"
 #include "Hub/HubAccess.h"
 #include "Requests/Executor.h"
+#include "Requests/PathRoutes.h"
 #include "Requests/Router.h"
 #include "Support/Result.h"
 
@@ -42,6 +43,10 @@ public:
         std::string userName = "user";
         /// Lets anybody sign in by a name alone, through the browser; for a server on loopback.
         bool devProvider = false;
+        /// By which people reach the server, as "https://HOST[:PORT]". Passkeys need one, with TLS.
+        std::optional<std::string> publicAddress = {};
+        /// Says that it is the service that Orvane's makers run; it takes new accounts then.
+        bool isHosted = false;
         /// Hears what requests change.
         ChangeObserver onChange = {};
     };
@@ -86,6 +91,7 @@ private:
         const Router::Route *route = nullptr;
         RequestParts parts;
         std::string peer;
+        std::string address = {};
         Executor *executor = nullptr;
         Done done = {};
     };
@@ -99,13 +105,18 @@ private:
 
     Instant now() const;
     bool isPage(const HttpRequest &request) const;
+    RequestGate::Body bodyOf(const HttpRequest &request) const;
     std::optional<Done> pass(const HttpRequest &request, const std::string &peer, const Done &done) const;
-    Result<Exchange, HttpResponse> route(const HttpRequest &request, const std::string &peer) const;
+    Result<Exchange, HttpResponse> route(const HttpRequest &request) const;
+    Result<const Router::Route *, HttpResponse> routeOf(const HttpRequest &request,
+                                                        std::vector<std::string> &pathArguments) const;
     void transact(const SharedExchange &exchange, Lane lane, const Handle &handle);
     std::optional<Transacted> transactHere(Database &database, const Exchange &exchange, Lane lane,
                                            const Handle &handle);
     void goOn(const SharedExchange &exchange, Transacted transacted);
     Entry enter(Call &call, const Exchange &exchange, Lane lane) const;
+    Entry enterSignedIn(Call &call, const std::string &token, Lane lane) const;
+    static Entry enterAgent(Call &call, const std::string &token, Lane lane);
     Code newCode(Database *database, const std::string &challenge, const std::string &timeZone);
     void servePage(const HttpRequest &request, Executor &executor, const Done &done);
     HttpResponse enterPerson(Database *database, const DevProvider::Person &person);
@@ -117,7 +128,7 @@ private:
     const RequestGate m_gate;
     const ProofGate m_proofs;
     const Router m_router;
-    const Router::Route m_negotiateRoute;
+    const PathRoutes m_paths;
     const Router::Route m_admissionRoute;
 };
 

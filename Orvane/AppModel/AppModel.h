@@ -10,6 +10,7 @@
 #include "AppModel/SecondTick.h"
 #include "AppModel/SyncStatus.h"
 #include "AppModel/WindowChoices.h"
+#include "Passkeys/PasskeyPlatform.h"
 #include "Support/Task.h"
 #include "Tracker/UndoStack.h"
 
@@ -59,6 +60,8 @@ public:
         /// Empty: beside the running program.
         std::string serverProgram = {};
         Account::Options account = {};
+        /// What passkeys are kept in; of this computer, unless a test has its own.
+        std::function<std::unique_ptr<PasskeyPlatform>()> passkeys = PasskeyPlatform::ofThisComputer;
     };
 
     explicit AppModel(Options options);

@@ -16,13 +16,14 @@ namespace orvane {
 namespace {
 
 constexpr int answerPatience = 1000; // milliseconds
-constexpr qint64 longestWish = 16;
+constexpr qint64 longestWish = 4200;
 const QByteArray takenLine = QByteArrayLiteral("taken\n");
 
-/// The wishes as they are on the wire, a line each.
-const std::array<std::pair<SingleInstance::Wish, QByteArray>, 2> wishLines{
-    {{SingleInstance::Wish::raise, QByteArrayLiteral("raise\n")},
-     {SingleInstance::Wish::panel, QByteArrayLiteral("panel\n")}}};
+/// The wishes as they are on the wire, a line each: the word, and after a space what comes along.
+const std::array<std::pair<SingleInstance::Wish, QByteArray>, 3> wishWords{
+    {{SingleInstance::Wish::raise, QByteArrayLiteral("raise")},
+     {SingleInstance::Wish::panel, QByteArrayLiteral("panel")},
+     {SingleInstance::Wish::agent, QByteArrayLiteral("agent")}}};
 
 std::string ownFolder(const std::string &folder)
 {
@@ -39,7 +40,7 @@ SingleInstance::SingleInstance(const std::string &folder)
     connect(&m_server, &QLocalServer::newConnection, this, &SingleInstance::hear);
 }
 
-bool SingleInstance::takeOrHandOver(Wish wish)
+bool SingleInstance::takeOrHandOver(Wish wish, const QString &detail)
 {
     const QDeadlineTimer end(patience);
     while (true) {
@@ -50,7 +51,7 @@ bool SingleInstance::takeOrHandOver(Wish wish)
         }
         if (!m_lock.error().empty())
             return true;
-        if (handOver(wish) || end.hasExpired())
+        if (handOver(wish, detail) || end.hasExpired())
             return false;
         QThread::msleep(20);
     }
@@ -72,14 +73,14 @@ bool SingleInstance::listen()
 }
 
 /// Whether the first has said that it takes the wish.
-bool SingleInstance::handOver(Wish wish)
+bool SingleInstance::handOver(Wish wish, const QString &detail)
 {
-    const auto line = std::ranges::find(wishLines, wish, [](const auto &pair) { return pair.first; });
+    const auto word = std::ranges::find(wishWords, wish, [](const auto &pair) { return pair.first; });
     QLocalSocket socket;
     socket.connectToServer(m_socketPath);
     if (!socket.waitForConnected(answerPatience))
         return false;
-    socket.write(line->second);
+    socket.write(word->second + (detail.isEmpty() ? QByteArray() : ' ' + detail.toUtf8()) + '\n');
     while (!socket.canReadLine()) {
         if (!socket.waitForReadyRead(answerPatience))
             return false;
@@ -102,14 +103,17 @@ void SingleInstance::read(QLocalSocket &socket)
     if (!socket.canReadLine() && socket.bytesAvailable() < longestWish)
         return;
     const QByteArray line = socket.readLine(longestWish);
-    const auto wish = std::ranges::find(wishLines, line, [](const auto &pair) { return pair.second; });
-    if (wish == wishLines.end()) {
+    const qsizetype space = line.indexOf(' ');
+    const QByteArray word = space < 0 ? line.trimmed() : line.left(space);
+    const auto wish = std::ranges::find(wishWords, word, [](const auto &pair) { return pair.second; });
+    const bool hasDetail = space >= 0;
+    if (wish == wishWords.end() || !line.endsWith('\n') || hasDetail != (wish->first == Wish::agent)) {
         socket.abort();
         return;
     }
     socket.write(takenLine);
     socket.disconnectFromServer();
-    Q_EMIT wished(wish->first);
+    Q_EMIT wished(wish->first, hasDetail ? QString::fromUtf8(line.mid(space)).trimmed() : QString());
 }
 
 } // namespace orvane

@@ -24,6 +24,7 @@ public:
     enum class Wish {
         raise, ///< the window to come to the front
         panel, ///< the panel to open
+        agent, ///< an agent's request to be answered, whose address comes along
     };
 
     /// `folder` exists; the socket's own folder is made in it.
@@ -32,18 +33,19 @@ public:
     /// True for the first, which from now on hears of others. A second one's wish is then handed to the first
     /// before this answers. Should the first just be ending, this one takes its place. Blocks for at most
     /// `patience`, after which a first that does not listen is left alone.
-    bool takeOrHandOver(Wish wish);
+    /// `detail` is what comes along, a line of at most a few thousand bytes.
+    bool takeOrHandOver(Wish wish, const QString &detail = {});
     /// From now on nothing is heard any more: who is started waits until this process has ended.
     void retire();
 
     static constexpr std::chrono::seconds patience{5};
 
 Q_SIGNALS:
-    void wished(orvane::SingleInstance::Wish wish);
+    void wished(orvane::SingleInstance::Wish wish, const QString &detail);
 
 private:
     bool listen();
-    bool handOver(Wish wish);
+    bool handOver(Wish wish, const QString &detail);
     void hear();
     void read(QLocalSocket &socket);
 

@@ -3,6 +3,7 @@
 
 #include "AppModel/SingleInstance.h"
 #include "Desktop/DesktopWindow.h"
+#include "SignIn/AgentCallback.h"
 #include "SignIn/CallbackSocket.h"
 #include "Support/DateText.h"
 #include "Time/AppClock.h"
@@ -78,10 +79,12 @@ int runDesktop(int argc, char **argv)
         QTextStream(stderr) << options.problem << Qt::endl;
         return 2;
     }
-    // Nobody has to wait for it any more, whatever became of the sign-in.
     if (!options.callback.isEmpty()) {
-        CallbackSocket::deliver(CallbackSocket::usualFolder(), options.callback.toStdString());
-        return 0;
+        const std::string address = options.callback.toStdString();
+        const bool isTaken = CallbackSocket::deliver(CallbackSocket::usualFolder(), address);
+        // An agent can ask at any time; of a sign-in, nobody has to wait for it any more.
+        if (isTaken || !AgentCallback::read(address))
+            return 0;
     }
     std::string problem;
     const Installation installation(options.app.folder);
@@ -91,12 +94,17 @@ int runDesktop(int argc, char **argv)
     }
     SingleInstance instance(installation.root());
     using Wish = SingleInstance::Wish;
-    if (!instance.takeOrHandOver(options.isPanelAlone ? Wish::panel : Wish::raise))
+    const Wish wished = !options.callback.isEmpty() ? Wish::agent
+                        : options.isPanelAlone      ? Wish::panel
+                                                    : Wish::raise;
+    if (!instance.takeOrHandOver(wished, options.callback))
         return 0;
     DesktopWindow desktop(std::move(options.app));
-    QObject::connect(&instance, &SingleInstance::wished, &desktop, [&](Wish wish) {
+    QObject::connect(&instance, &SingleInstance::wished, &desktop, [&](Wish wish, const QString &detail) {
         if (wish == Wish::panel)
             desktop.openPanel();
+        else if (wish == Wish::agent)
+            desktop.settings().agents()->asking()->take(detail);
         else
             desktop.raise();
     });
@@ -105,10 +113,12 @@ int runDesktop(int argc, char **argv)
         &desktop, &DesktopWindow::failed, &application, [] { QGuiApplication::exit(1); },
         Qt::QueuedConnection);
     bool isShown = true;
-    if (options.isPanelAlone)
+    if (wished == Wish::panel)
         isShown = desktop.openPanel();
     else
         desktop.show();
+    if (wished == Wish::agent)
+        desktop.settings().agents()->asking()->take(options.callback);
     const int status = isShown ? QGuiApplication::exec() : 1;
     instance.retire();
     QCoro::waitFor(desktop.close());

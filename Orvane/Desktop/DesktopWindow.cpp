@@ -27,6 +27,7 @@ DesktopWindow::DesktopWindow(AppModel::Options options)
             Q_EMIT panelFinishedAlone();
     });
     connect(&m_panel.model(), &PanelModel::windowWanted, this, &DesktopWindow::raise);
+    connect(m_settings.agents()->asking(), &AgentAsking::wanted, this, &DesktopWindow::raise);
     m_patience.setSingleShot(true);
     connect(&m_patience, &QTimer::timeout, this, &DesktopWindow::makeWindow);
     connect(&m_drawing, &QQmlComponent::statusChanged, this, &DesktopWindow::makeWindow);

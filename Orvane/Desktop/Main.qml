@@ -210,6 +210,11 @@ Window {
             }
         }
     }
+    SheetLoader {
+        isWanted: window.settings.agents.asking.isOpen
+        page: "AgentAskingSheet.qml"
+        properties: ({ asking: window.settings.agents.asking })
+    }
     WorkspaceKeys {
         places: window.places
     }

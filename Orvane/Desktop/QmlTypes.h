@@ -231,6 +231,18 @@ struct AccountDetailsType {
     QML_NAMED_ELEMENT(AccountDetails)
     QML_UNCREATABLE("of the SettingsModel")
 };
+struct AccountLoginsType {
+    Q_GADGET
+    QML_FOREIGN(orvane::AccountLogins)
+    QML_NAMED_ELEMENT(AccountLogins)
+    QML_UNCREATABLE("of the SettingsModel")
+};
+struct PasskeyPromptType {
+    Q_GADGET
+    QML_FOREIGN(orvane::PasskeyPrompt)
+    QML_NAMED_ELEMENT(PasskeyPrompt)
+    QML_UNCREATABLE("of the screen that asks")
+};
 struct AgentConnectionsType {
     Q_GADGET
     QML_FOREIGN(orvane::AgentConnections)
@@ -241,6 +253,18 @@ struct AgentConnectionType {
     Q_GADGET
     QML_FOREIGN(orvane::AgentConnection)
     QML_NAMED_ELEMENT(AgentConnection)
+    QML_UNCREATABLE("of the AgentConnections")
+};
+struct AgentAskingType {
+    Q_GADGET
+    QML_FOREIGN(orvane::AgentAsking)
+    QML_NAMED_ELEMENT(AgentAsking)
+    QML_UNCREATABLE("of the AgentConnections")
+};
+struct SignedInAgentsType {
+    Q_GADGET
+    QML_FOREIGN(orvane::SignedInAgents)
+    QML_NAMED_ELEMENT(SignedInAgents)
     QML_UNCREATABLE("of the AgentConnections")
 };
 struct SyncDetailsType {

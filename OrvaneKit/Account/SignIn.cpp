@@ -31,6 +31,14 @@ Task<CallResult<void>> signInWith(CodeSignIn way, std::shared_ptr<AuthSession> s
     co_return CallResult<void>();
 }
 
+Task<CallResult<void>> signInWith(PasskeySignIn way, std::shared_ptr<AuthSession> session)
+{
+    NativePasskeyLoginRequest request;
+    request.challengeToken = std::move(way.challengeToken);
+    request.credential.text = std::move(way.credential);
+    return session->passkeyLogin(std::move(request));
+}
+
 } // namespace
 
 Task<CallResult<void>> signIn(SignIn way, std::shared_ptr<AuthSession> session)

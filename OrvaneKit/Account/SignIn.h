@@ -31,7 +31,15 @@ struct CodeSignIn {
     std::string verifier;
 };
 
-using SignIn = std::variant<PasswordSignIn, Registration, CodeSignIn>;
+/// See PasskeyService.
+struct PasskeySignIn {
+    /// As it came with the options.
+    std::string challengeToken;
+    /// The passkey's answer to them, as JSON.
+    std::string credential;
+};
+
+using SignIn = std::variant<PasswordSignIn, Registration, CodeSignIn, PasskeySignIn>;
 
 /// Afterwards the session has its tokens.
 Task<CallResult<void>> signIn(SignIn way, std::shared_ptr<AuthSession> session);

@@ -120,6 +120,11 @@ Task<CallResult<ServerResponse>> AuthSession::getServer()
     return m_raw.getServer();
 }
 
+Task<CallResult<NativePasskeyOptionsResponse>> AuthSession::passkeyOptions()
+{
+    return m_raw.nativePasskeyOptions();
+}
+
 /// `call`, given the session on the network thread, asks the server for new tokens.
 template <class SignIn>
 Task<CallResult<bool>> AuthSession::signIn(SignIn call)

@@ -73,6 +73,8 @@ public:
     Task<bool> hasCredentials();
     /// What the server says about itself; needs no signing in.
     Task<CallResult<ServerResponse>> getServer();
+    /// What a passkey is to answer for a sign-in; its token goes back with the answer.
+    Task<CallResult<NativePasskeyOptionsResponse>> passkeyOptions();
 
     /// A token that is good for more than 60 seconds, renewed if need be.
     Task<CallResult<std::string>> validAccessToken();

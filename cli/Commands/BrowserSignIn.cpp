@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Commands/BrowserSignIn.h"
 
+#include "Commands/OpenInBrowser.h"
 #include "Input/CallbackInput.h"
 #include "SignIn/ExternalSignIn.h"
 #include "Terminal/StandardStreams.h"
 #include "Terminal/TextWidth.h"
 #include "Time/SystemZone.h"
 
-#include <QProcess>
 #include <algorithm>
 
 namespace orvane {
@@ -25,25 +25,6 @@ std::optional<CommandFailure> providerProblem(const ServerResponse &server, cons
         names += (names.empty() ? "" : ", ") + printable(each.name);
     return CommandFailure::of("It has no sign-in with " + printable(provider) + "." +
                               (names.empty() ? " Sign in with --email." : " There is: " + names + "."));
-}
-
-/// Whether somebody was there to open it.
-bool openInBrowser(const std::string &address)
-{
-#ifdef __APPLE__
-    const QString opener = QStringLiteral("open");
-#else
-    if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
-        return false;
-    const QString opener = QStringLiteral("xdg-open");
-#endif
-    QProcess process;
-    process.setProgram(opener);
-    process.setArguments({QString::fromStdString(address)});
-    process.setStandardInputFile(QProcess::nullDevice());
-    process.setStandardOutputFile(QProcess::nullDevice());
-    process.setStandardErrorFile(QProcess::nullDevice());
-    return process.startDetached();
 }
 
 void sayWhatToDo(const ServerResponse &server, const std::string &start, bool isOpened)

@@ -2,9 +2,12 @@
 #include "AgentConnector/AgentConnector.h"
 #include "CommandTree.h"
 #include "Commands/Commands.h"
+#include "Commands/ConnectConsent.h"
 #include "Output/ConnectShapes.h"
 #include "Output/JsonShapes.h"
 #include "Terminal/StandardStreams.h"
+
+#include <unistd.h>
 
 namespace orvane {
 
@@ -36,6 +39,18 @@ CommandTask printCommands(Context context, std::vector<std::string> commands)
     co_return CommandAnswer{.output = linesOf(commands)};
 }
 
+/// What the browser is sent on to by "Allow in Orvane"; none where nobody can be asked, so that the window
+/// is.
+std::shared_ptr<CallbackInput> consentInput(const CommandContext &context)
+{
+    if (context.json() || ::isatty(STDIN_FILENO) == 0)
+        return nullptr;
+    writeMessage(
+        "Your browser asks whether the agent may use Orvane. Choose Allow in Orvane there, and answer "
+        "here. If that opens nothing, paste the address of that link, and press Return.");
+    return std::make_shared<CallbackInput>(CallbackSocket::usualFolder());
+}
+
 CommandTask connectAgent(Context context, CodingAgent agent, bool prints)
 {
     const auto opened = co_await context->openAccount();
@@ -47,7 +62,16 @@ CommandTask connectAgent(Context context, CodingAgent agent, bool prints)
         co_return co_await printCommands(context, commands);
     AgentConnector connector({.folder = context->installation().root()});
     context->progress().begin("Waiting for " + displayNameOf(agent) + ". Your browser opens to sign in.");
+    const auto input = consentInput(*context);
+    std::optional<Task<>> answering;
+    if (input)
+        answering = answerAgents(context, input);
     const AgentSituation situation = co_await connector.connectAgent(agent, endpoint);
+    if (input) {
+        input->stop();
+        co_await *answering;
+    }
+    context->noteAnswer();
     context->progress().finish();
     const std::string message = connector.message(agent);
     const ExitStatus status = isThere(situation) ? ExitStatus::done : ExitStatus::failed;

@@ -26,6 +26,7 @@ std::filesystem::path ownFolder()
 struct ServeOptions {
     std::optional<std::string> listen;
     std::optional<std::string> trustedProxy;
+    std::optional<std::string> publicAddress;
     bool devProvider = false;
 };
 
@@ -42,6 +43,8 @@ CommandResult serve(const CommandTree &tree, const ServeOptions &options)
         arguments.insert(arguments.end(), {"--listen", *options.listen});
     if (options.trustedProxy)
         arguments.insert(arguments.end(), {"--trusted-proxy", *options.trustedProxy});
+    if (options.publicAddress)
+        arguments.insert(arguments.end(), {"--public-address", *options.publicAddress});
     if (options.devProvider)
         arguments.emplace_back("--dev-provider");
     std::vector<char *> raw;
@@ -66,6 +69,8 @@ void addServeCommand(CommandTree &tree)
                          "Where others can reach it; closes registration");
     CommandTree::addText(command, "--trusted-proxy", options->trustedProxy, "ADDRESS",
                          "A proxy in front that says for whom it speaks; closes registration");
+    CommandTree::addText(command, "--public-address", options->publicAddress, "URL",
+                         "Where people reach it, as https://time.example.com; passkeys need one");
     CommandTree::addFlag(command, "--dev-provider", options->devProvider,
                          "Let anybody on this computer sign in by a name alone, to try that out");
     tree.onRunPlain(command, [options](const CommandTree &whole) { return serve(whole, *options); });

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Input/CallbackInput.h"
 
+#include <QPointer>
 #include <array>
 #include <cerrno>
 #include <unistd.h>
@@ -33,6 +34,16 @@ Task<std::optional<std::string>> CallbackInput::next()
     co_return co_await std::move(waiting);
 }
 
+Task<std::optional<std::string>> CallbackInput::answer()
+{
+    const QPointer<CallbackInput> self(this);
+    m_isAsking = true;
+    auto answered = co_await next();
+    if (self)
+        m_isAsking = false;
+    co_return std::move(answered);
+}
+
 void CallbackInput::hand(std::optional<std::string> address)
 {
     m_patience.stop();
@@ -45,7 +56,7 @@ void CallbackInput::hand(std::optional<std::string> address)
 
 void CallbackInput::add(std::string address)
 {
-    if (!address.empty())
+    if (!address.empty() || m_isAsking)
         hand(std::move(address));
 }
 
@@ -71,7 +82,8 @@ void CallbackInput::readInput()
 void CallbackInput::endInput()
 {
     m_input.setEnabled(false);
-    add(std::exchange(m_typed, {}));
+    if (!m_typed.empty())
+        add(std::exchange(m_typed, {}));
     if (m_wasTyped || !m_socket.isListening())
         end();
 }

@@ -17,7 +17,7 @@ namespace orvane {
 /// The addresses that a browser came back with: handed over by the program that the system starts for them,
 /// or typed into standard input, a line each.
 ///
-/// Lives on the main thread for the length of one sign-in.
+/// Lives on the main thread for the length of one sign-in, the user's or an agent's.
 class CallbackInput final : public QObject {
     Q_OBJECT
 
@@ -27,6 +27,10 @@ public:
 
     /// The next one, as soon as it is there; none when nothing can come any more, or came for ten minutes.
     Task<std::optional<std::string>> next();
+    /// The same to a question, which an empty line answers too.
+    Task<std::optional<std::string>> answer();
+    /// Nothing is waited for any more.
+    void stop() { end(); }
 
 private:
     void add(std::string address);
@@ -40,6 +44,7 @@ private:
     QTimer m_patience;
     std::string m_typed;
     bool m_wasTyped = false;
+    bool m_isAsking = false;
     bool m_isOver = false;
     std::deque<std::string> m_addresses;
     std::optional<Eventual<std::optional<std::string>>> m_waiting;

@@ -11,7 +11,7 @@ namespace {
 HttpResponse getServer(Call &call, const operations::GetServer::Input &)
 {
     ServerResponse server;
-    server.hosted = false;
+    server.hosted = call.services.isHosted;
     server.registrationOpen = call.services.registrationOpen;
     if (call.services.devProvider)
         server.signInProviders.push_back(

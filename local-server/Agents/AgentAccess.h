@@ -14,7 +14,10 @@ struct AgentAccess {
     std::string userId;
     /// What the agent called itself when it registered.
     std::string agentName;
+    /// Those that the person is in still.
     std::vector<std::string> workspaceIds;
+    /// Whether it may propose; every agent may read.
+    bool mayPropose = false;
 };
 
 } // namespace orvane::server

@@ -194,7 +194,66 @@ constexpr std::string_view agentProposals[] = {
     R"(CREATE INDEX agent_proposals_by_user ON agent_proposals (user_id, workspace_id, status))",
 };
 
-constexpr std::span<const std::string_view> versions[] = {firstVersion, boundSessions, agentProposals};
+// Codes and tokens are digests. A grant ends by being deleted, and takes both along.
+constexpr std::string_view agentGrants[] = {
+    R"(CREATE TABLE agent_clients (
+        id TEXT PRIMARY KEY,
+        name TEXT NOT NULL,
+        uri TEXT,
+        created_at BIGINT NOT NULL))",
+    R"(CREATE TABLE agent_client_redirects (
+        client_id TEXT NOT NULL REFERENCES agent_clients (id) ON DELETE CASCADE,
+        position INTEGER NOT NULL,
+        uri TEXT NOT NULL,
+        PRIMARY KEY (client_id, position)))",
+    R"(CREATE TABLE agent_grants (
+        id TEXT PRIMARY KEY,
+        user_id TEXT NOT NULL REFERENCES users (id) ON DELETE CASCADE,
+        client_id TEXT NOT NULL REFERENCES agent_clients (id) ON DELETE CASCADE,
+        may_propose INTEGER NOT NULL,
+        granted_at BIGINT NOT NULL,
+        last_used_at BIGINT))",
+    R"(CREATE INDEX agent_grants_by_user ON agent_grants (user_id, client_id))",
+    R"(CREATE INDEX agent_grants_by_client ON agent_grants (client_id))",
+    R"(CREATE TABLE agent_grant_workspaces (
+        grant_id TEXT NOT NULL REFERENCES agent_grants (id) ON DELETE CASCADE,
+        workspace_id TEXT NOT NULL REFERENCES workspaces (id) ON DELETE CASCADE,
+        PRIMARY KEY (grant_id, workspace_id)))",
+    R"(CREATE INDEX agent_grant_workspaces_by_workspace ON agent_grant_workspaces (workspace_id))",
+    R"(CREATE TABLE agent_codes (
+        digest TEXT PRIMARY KEY,
+        grant_id TEXT NOT NULL REFERENCES agent_grants (id) ON DELETE CASCADE,
+        redirect_uri TEXT NOT NULL,
+        challenge TEXT NOT NULL,
+        state TEXT NOT NULL,
+        expires_at BIGINT NOT NULL))",
+    R"(CREATE INDEX agent_codes_by_grant ON agent_codes (grant_id))",
+    R"(CREATE TABLE agent_tokens (
+        digest TEXT PRIMARY KEY,
+        grant_id TEXT NOT NULL REFERENCES agent_grants (id) ON DELETE CASCADE,
+        kind TEXT NOT NULL,
+        state TEXT NOT NULL,
+        issued_at BIGINT NOT NULL,
+        expires_at BIGINT NOT NULL))",
+    R"(CREATE INDEX agent_tokens_by_grant ON agent_tokens (grant_id, kind))",
+    R"(CREATE INDEX agent_tokens_by_expiry ON agent_tokens (expires_at))",
+};
+
+constexpr std::string_view passkeys[] = {
+    R"(CREATE TABLE passkeys (
+        id TEXT PRIMARY KEY,
+        user_id TEXT NOT NULL REFERENCES users (id) ON DELETE CASCADE,
+        credential_id TEXT NOT NULL UNIQUE,
+        public_key TEXT NOT NULL,
+        counter BIGINT NOT NULL,
+        name TEXT NOT NULL,
+        created_at BIGINT NOT NULL,
+        last_used_at BIGINT))",
+    R"(CREATE INDEX passkeys_by_user ON passkeys (user_id))",
+};
+
+constexpr std::span<const std::string_view> versions[] = {firstVersion, boundSessions, agentProposals,
+                                                          agentGrants, passkeys};
 
 bool applyStep(Database &database, std::int64_t version)
 {

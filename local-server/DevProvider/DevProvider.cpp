@@ -26,7 +26,8 @@ HttpResponse page(int status, const std::string &content)
         "default-src 'none'; form-action 'self' orvane:; frame-ancestors 'none'; base-uri 'none'");
     response.headers.set("X-Frame-Options", "DENY");
     response.headers.set("X-Content-Type-Options", "nosniff");
-    response.headers.set("Referrer-Policy", "no-referrer");
+    // With "no-referrer" a browser would hide the form's origin from this server too, which is asked for it.
+    response.headers.set("Referrer-Policy", "same-origin");
     response.body = "<!doctype html>\n<html lang=\"en\">\n<meta charset=\"utf-8\">\n"
                     "<meta name=\"viewport\" content=\"width=device-width\">\n"
                     "<title>Sign In to Orvane</title>\n<h1>Sign In to Orvane</h1>\n" +

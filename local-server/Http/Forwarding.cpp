@@ -74,6 +74,13 @@ Told told(const HttpHeaders &headers, std::string_view own, const QByteArray &in
     return out;
 }
 
+std::optional<std::string> agreed(Told hop)
+{
+    auto one = hop.byOwnHeader ? hop.byOwnHeader : hop.byForwarded;
+    const bool disagree = hop.byOwnHeader && hop.byForwarded && *hop.byOwnHeader != *hop.byForwarded;
+    return disagree || (one && one->empty()) ? std::nullopt : one;
+}
+
 /// Empty for what is no address.
 std::string addressIn(const std::string &hop)
 {
@@ -103,10 +110,12 @@ std::optional<std::string> forwardedPeer(const HttpHeaders &headers)
 
 std::optional<std::string> forwardedHost(const HttpHeaders &headers)
 {
-    const Told hop = told(headers, "X-Forwarded-Host", "host");
-    auto host = hop.byOwnHeader ? hop.byOwnHeader : hop.byForwarded;
-    const bool disagree = hop.byOwnHeader && hop.byForwarded && *hop.byOwnHeader != *hop.byForwarded;
-    return disagree || (host && host->empty()) ? std::nullopt : host;
+    return agreed(told(headers, "X-Forwarded-Host", "host"));
+}
+
+std::optional<std::string> forwardedScheme(const HttpHeaders &headers)
+{
+    return agreed(told(headers, "X-Forwarded-Proto", "proto"));
 }
 
 } // namespace orvane::server

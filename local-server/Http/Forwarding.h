@@ -22,5 +22,8 @@ std::optional<std::string> forwardedPeer(const HttpHeaders &headers);
 /// The name that the request was sent to, with its port if it has one: X-Forwarded-Host or the "host" of
 /// Forwarded's last hop. Nothing when these differ.
 std::optional<std::string> forwardedHost(const HttpHeaders &headers);
+/// "http" or "https", by which the request came to the proxy: X-Forwarded-Proto or the "proto" of Forwarded's
+/// last hop. Nothing when these differ.
+std::optional<std::string> forwardedScheme(const HttpHeaders &headers);
 
 } // namespace orvane::server

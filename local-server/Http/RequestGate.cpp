@@ -48,6 +48,15 @@ HostParts parted(const std::string &text)
     return {text.substr(0, colon), text.substr(colon + 1)};
 }
 
+/// Whether it can stand in an address, and in a header's quotes.
+bool isHostText(const std::string &text)
+{
+    return !text.empty() && std::ranges::all_of(text, [](char c) {
+        return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '.' ||
+               c == '-' || c == '_' || c == ':' || c == '[' || c == ']';
+    });
+}
+
 bool isAddressText(const std::string &host)
 {
     const bool bracketed = host.starts_with('[') && host.ends_with(']');
@@ -91,6 +100,18 @@ bool RequestGate::isOurHost(const std::string &text) const
 std::string RequestGate::senderOf(const HttpRequest &request, const std::string &peer) const
 {
     return peer == m_trustedProxy ? forwardedPeer(request.headers).value_or(peer) : peer;
+}
+
+std::string RequestGate::addressOf(const HttpRequest &request, const std::string &peer) const
+{
+    const bool isFromProxy = peer == m_trustedProxy;
+    const auto forwarded = isFromProxy ? forwardedHost(request.headers) : std::nullopt;
+    if (m_publicAddress && (forwarded || (isFromProxy && forwardedPeer(request.headers))))
+        return *m_publicAddress;
+    // A proxy is there for TLS unless it says that it had none.
+    const bool isPlain = !forwarded || forwardedScheme(request.headers) == "http";
+    const std::string host = forwarded ? *forwarded : request.headers.find("Host").value_or("");
+    return isHostText(host) ? (isPlain ? "http://" : "https://") + lowered(host) : m_point.url();
 }
 
 /// The names behind which the trusted proxy puts this server are the proxy's business; a page of one of them

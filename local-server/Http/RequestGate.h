@@ -30,8 +30,12 @@ HttpResponse bodyTooLarge();
 class RequestGate {
 public:
     /// `trustedProxy` is the address of a proxy whose word is taken for who sent a request and to which name.
-    explicit RequestGate(ListenPoint point, std::optional<std::string> trustedProxy = {})
-        : m_point(std::move(point)), m_trustedProxy(std::move(trustedProxy))
+    /// `publicAddress` is the one by which people reach the server beyond this computer.
+    explicit RequestGate(ListenPoint point, std::optional<std::string> trustedProxy = {},
+                         std::optional<std::string> publicAddress = {})
+        : m_point(std::move(point))
+        , m_trustedProxy(std::move(trustedProxy))
+        , m_publicAddress(std::move(publicAddress))
     {
     }
 
@@ -42,6 +46,8 @@ public:
                                        Body body = Body::json) const;
     /// Who sent the request: `peer`, or the one that the trusted proxy names.
     std::string senderOf(const HttpRequest &request, const std::string &peer) const;
+    /// The address under which an admitted request was sent, without a slash at the end.
+    std::string addressOf(const HttpRequest &request, const std::string &peer) const;
 
 private:
     bool isOurHost(const std::string &host) const;
@@ -49,6 +55,7 @@ private:
 
     ListenPoint m_point;
     std::optional<std::string> m_trustedProxy;
+    std::optional<std::string> m_publicAddress;
 };
 
 } // namespace orvane::server

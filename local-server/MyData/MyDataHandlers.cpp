@@ -4,6 +4,7 @@
 #include "Http/Problems.h"
 #include "MyData/DataArchive.h"
 #include "Names/NameText.h"
+#include "Passkeys/PasskeyRecords.h"
 #include "Projects/ProjectRecords.h"
 #include "Proposals/ProposalArchive.h"
 #include "Requests/Router.h"
@@ -55,7 +56,9 @@ HttpResponse exportMyData(Call &call, const operations::ExportMyData::Input &)
     const auto me = describeCaller(call);
     if (!me)
         return unauthorized("This account no longer exists.");
-    std::vector<ArchiveFile> files{jsonFile("", "account.json", *me)};
+    std::vector<ArchiveFile> files{
+        jsonFile("", "account.json", *me),
+        jsonFile("", "passkeys.json", PasskeyRecords(call.database).described(me->id))};
     std::set<std::string> folders;
     for (const WorkspaceSummary &workspace : me->workspaces)
         addWorkspace(call, workspace, folderFor(workspace, folders), files);

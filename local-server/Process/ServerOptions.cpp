@@ -4,6 +4,7 @@
 #include "Http/Forwarding.h"
 
 #include <QHostAddress>
+#include <QUrl>
 #include <charconv>
 #include <string_view>
 
@@ -48,9 +49,22 @@ std::optional<std::string> proxyFrom(std::string_view text)
     return address.isNull() ? std::nullopt : std::optional{addressText(address)};
 }
 
+/// Without a slash at the end.
+std::optional<std::string> publicAddressFrom(std::string_view text)
+{
+    const QUrl url(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())), QUrl::StrictMode);
+    const bool isWeb = url.scheme() == QLatin1String("https") || url.scheme() == QLatin1String("http");
+    const bool isBare = (url.path().isEmpty() || url.path() == QLatin1String("/")) &&
+                        url.userInfo().isEmpty() && !url.hasQuery() && !url.hasFragment();
+    if (!url.isValid() || !isWeb || !isBare || url.host().isEmpty())
+        return std::nullopt;
+    return url.toString(QUrl::FullyEncoded | QUrl::RemovePath).toStdString();
+}
+
 bool takesValue(std::string_view name)
 {
-    return name == "--data-dir" || name == "--listen" || name == "--trusted-proxy" || name == "--idle-exit";
+    return name == "--data-dir" || name == "--listen" || name == "--trusted-proxy" ||
+           name == "--public-address" || name == "--idle-exit";
 }
 
 std::string setOption(ServerOptions &options, std::string_view name, std::string_view value)
@@ -66,6 +80,12 @@ std::string setOption(ServerOptions &options, std::string_view name, std::string
     if (name == "--trusted-proxy") {
         options.trustedProxy = proxyFrom(value);
         return options.trustedProxy ? "" : "--trusted-proxy takes an address, such as 127.0.0.1";
+    }
+    if (name == "--public-address") {
+        options.publicAddress = publicAddressFrom(value);
+        return options.publicAddress
+                   ? ""
+                   : "--public-address takes a web address, such as https://time.example.com";
     }
     const auto seconds = numberFrom<std::int64_t>(value);
     // A bound that a timer's milliseconds can hold.
@@ -86,6 +106,8 @@ Result<ServerOptions, std::string> readServerOptions(int argc, const char *const
             options.foreground = true;
         } else if (argument == "--dev-provider") {
             options.devProvider = true;
+        } else if (argument == "--hosted") {
+            options.isHosted = true;
         } else if (argument == "--help") {
             options.wantsHelp = true;
         } else if (argument == "--version") {
@@ -120,6 +142,9 @@ std::string serverUsage()
            "                          (X-Forwarded-For and X-Forwarded-Host, or Forwarded). It must set one\n"
            "                          kind and should remove the other: where they differ, neither\n"
            "                          counts. Closes registration\n"
+           "  --public-address URL    where people reach it, such as https://time.example.com; with https "
+           "and a\n"
+           "                          name it keeps passkeys for them\n"
            "  --dev-provider          let anybody on this computer sign in by a name alone, to try the "
            "browser\n"
            "                          sign-in out; on loopback only\n"

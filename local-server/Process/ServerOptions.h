@@ -17,6 +17,10 @@ struct ServerOptions {
     std::optional<ListenPoint> listen;
     /// The address of a proxy that says for whom it speaks; see RequestGate.
     std::optional<std::string> trustedProxy;
+    /// By which people reach the server through that proxy: "https://HOST[:PORT]".
+    std::optional<std::string> publicAddress;
+    /// Says that it is the service that Orvane's makers run. For tests: the usage does not name it.
+    bool isHosted = false;
     /// Lets anybody on this computer sign in by a name alone; see DevProvider.
     bool devProvider = false;
     /// Ends after that long without a request; zero is never.

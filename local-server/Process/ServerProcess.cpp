@@ -160,6 +160,8 @@ std::string ServerProcess::openCore()
                                   .linkKey = m_linkKey,
                                   .userName = userName(),
                                   .devProvider = m_options.devProvider,
+                                  .publicAddress = m_options.publicAddress,
+                                  .isHosted = m_options.isHosted,
                                   .onChange = [this](const ChangeNotice &notice) {
                                       const auto tell = [this, notice] { m_hub.tell(notice); };
                                       QMetaObject::invokeMethod(&m_hub, tell, Qt::QueuedConnection);

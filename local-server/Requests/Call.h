@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Accounts/Accounts.h"
+#include "Agents/AgentAccess.h"
 #include "Database/Database.h"
 #include "Requests/Changes.h"
 #include "Requests/Services.h"
@@ -9,6 +10,7 @@
 #include "Workspaces/Workspaces.h"
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,10 +31,15 @@ struct Call {
     Instant now;
     /// The address of the other side: of the one that a trusted proxy speaks for.
     std::string peer;
+    /// The address under which the server was asked, without a slash at the end: "http://127.0.0.1:4711".
+    std::string address;
     /// Whether it came from one of this user's own programs; see ProofGate.
     bool isProved = false;
     /// Empty for operations that need no signing in.
     Caller caller{};
+    /// Where the caller is an agent that asks on a user's behalf; the user is `caller` then, without a
+    /// session.
+    std::optional<AgentAccess> agent{};
     /// Set by a handler whose changes are to stay although it refuses.
     bool keepsChanges = false;
     /// What is to be told once the transaction is kept; see the functions below.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Http/RequestGate.h"
 #include "OrvaneAPI/HttpMessage.h"
 #include "OrvaneAPI/Operations.h"
 #include "Requests/Aside.h"
@@ -30,10 +31,16 @@ concept InWorkspace = requires(const typename Operation::Input &input) {
 /// A handler answers an HttpResponse, or a Step when it may have work to do aside.
 class Router {
 public:
+    /// Who may ask: anybody, who is signed in, or who comes with an agent's access token. Neither of the last
+    /// two opens what is for the other.
+    enum class Entrance { open, signedIn, agent };
     struct Route {
         std::function<Step(Call &, const RequestParts &)> handle;
-        bool wantsSignIn = true;
+        Entrance entrance = Entrance::signedIn;
         Lane lane = Lane::writing;
+        RequestGate::Body body = RequestGate::Body::json;
+        /// Of a route that reads: whether this request is one that may write after all.
+        std::function<bool(const RequestParts &)> mayWrite = {};
     };
 
     template <class Operation, class Outcome>
@@ -71,7 +78,8 @@ private:
             return handle(call, *input);
         };
         constexpr Lane lane = Operation::method == HttpMethod::get ? Lane::reading : Lane::writing;
-        m_routes[Operation::name] = {readAndHandle, Operation::wantsSignIn, lane};
+        constexpr Entrance entrance = Operation::wantsSignIn ? Entrance::signedIn : Entrance::open;
+        m_routes[Operation::name] = {.handle = readAndHandle, .entrance = entrance, .lane = lane};
     }
 
     std::unordered_map<std::string_view, Route> m_routes;
@@ -79,10 +87,12 @@ private:
 
 // Each area's file says which operations it handles.
 void addAccountHandlers(Router &router);
+void addAgentAuthorizationHandlers(Router &router);
 void addMyDataHandlers(Router &router);
 void addClientHandlers(Router &router);
 void addEntryBulkHandlers(Router &router);
 void addEntryHandlers(Router &router);
+void addPasskeyHandlers(Router &router);
 void addProjectHandlers(Router &router);
 void addProposalHandlers(Router &router);
 void addServerHandlers(Router &router);

@@ -31,6 +31,18 @@ std::string base64UrlText(std::string_view data)
     return text;
 }
 
+std::optional<std::string> fromBase64UrlText(std::string_view text)
+{
+    std::string data(text.size(), '\0');
+    std::size_t size = 0;
+    if (sodium_base642bin(reinterpret_cast<unsigned char *>(data.data()), data.size(), text.data(),
+                          text.size(), nullptr, &size, nullptr,
+                          sodium_base64_VARIANT_URLSAFE_NO_PADDING) != 0)
+        return std::nullopt;
+    data.resize(size);
+    return data;
+}
+
 std::string randomText(std::size_t bytes)
 {
     readySodium();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -15,6 +16,8 @@ std::string newIdentifier();
 /// SHA-256 as base64url without padding.
 std::string digestText(std::string_view data);
 std::string base64UrlText(std::string_view data);
+/// Nothing for any other text than one that the above gives.
+std::optional<std::string> fromBase64UrlText(std::string_view text);
 /// Compares without telling by its duration where two texts part.
 bool sameSecret(std::string_view a, std::string_view b);
 

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "Agents/AgentAuthorization.h"
+#include "Agents/AgentMessages.h"
 #include "Http/Problems.h"
 #include "Requests/Router.h"
 #include "Security/PasswordHash.h"
@@ -6,6 +8,24 @@
 namespace orvane::server {
 
 namespace {
+
+SessionResponse agentSession(Call &call, AgentGrant grant)
+{
+    AgentAccessResponse agent;
+    agent.clientId = std::move(grant.clientId);
+    agent.clientName = grant.clientName;
+    agent.scopes = scopesOf(grant.mayPropose);
+    agent.organizations = workspacesAmong(call, call.caller.userId, grant.workspaceIds);
+    agent.grantedAt = grant.grantedAt;
+    agent.lastUsedAt = grant.lastUsedAt;
+    SessionResponse session;
+    session.id = std::move(grant.id);
+    session.deviceName = std::move(grant.clientName);
+    session.createdAt = grant.grantedAt;
+    session.lastUsedAt = grant.lastUsedAt.value_or(grant.grantedAt);
+    session.agent = std::move(agent);
+    return session;
+}
 
 HttpResponse listSessions(Call &call, const operations::ListSessions::Input &)
 {
@@ -18,20 +38,30 @@ HttpResponse listSessions(Call &call, const operations::ListSessions::Input &)
         session.createdAt = record.createdAt;
         session.lastUsedAt = record.lastUsedAt;
     }
+    for (AgentGrant &grant : AgentGrants(call.database).list(call.caller.userId, call.now))
+        sessions.push_back(agentSession(call, std::move(grant)));
     return jsonAnswer(200, sessions);
 }
 
 HttpResponse revokeSession(Call &call, const operations::RevokeSession::Input &input)
 {
-    if (!call.sessions.end(input.sessionId, call.caller.userId))
+    if (!call.sessions.end(input.sessionId, call.caller.userId) &&
+        !AgentGrants(call.database).end(input.sessionId, call.caller.userId))
         return noSuch("session");
     call.changedMe();
     return noBody(204);
 }
 
-HttpResponse revokeOtherSessions(Call &call, const operations::RevokeOtherSessions::Input &)
+/// The agents' too: who let them in may have been somebody else.
+void endAllOthers(Call &call)
 {
     call.sessions.endOthers(call.caller.sessionId, call.caller.userId);
+    AgentGrants(call.database).endAll(call.caller.userId);
+}
+
+HttpResponse revokeOtherSessions(Call &call, const operations::RevokeOtherSessions::Input &)
+{
+    endAllOthers(call);
     call.changedMe();
     return noBody(204);
 }
@@ -60,7 +90,7 @@ Step passwordChanged(Call &call, const operations::ChangePassword::Input &input,
         return problem(503, "The server is short of memory.", "Try again later.");
     call.accounts.setPassword(account->id, *change.newHash);
     // Whoever knew the old password is out.
-    call.sessions.endOthers(call.caller.sessionId, call.caller.userId);
+    endAllOthers(call);
     call.changedMe();
     return noBody(204);
 }

@@ -3,30 +3,13 @@
 #include "Names/NameText.h"
 #include "Requests/Router.h"
 #include "Security/PasswordHash.h"
+#include "SignIn/NewSession.h"
+#include "SignIn/PasswordCheck.h"
 #include "Support/ZoneNames.h"
 
 namespace orvane::server {
 
 namespace {
-
-constexpr std::chrono::minutes accessLifetime{15};
-
-AuthTokensResponse tokensFor(Call &call, const IssuedRefresh &refresh)
-{
-    const Instant expiresAt = call.now + accessLifetime;
-    return {.accessToken = call.services.tokens.issue({refresh.sessionId, refresh.userId, expiresAt}),
-            .accessTokenExpiresAt = expiresAt,
-            .refreshToken = refresh.token,
-            .refreshTokenExpiresAt = refresh.expiresAt};
-}
-
-AuthTokensResponse newSession(Call &call, const std::string &userId,
-                              const std::optional<std::string> &deviceName, Sessions::Kind kind)
-{
-    // What began with a proof is never to be used without one: its tokens are worth nothing to whoever else
-    // sees them.
-    return tokensFor(call, call.sessions.start(userId, deviceName, kind, call.isProved, call.now));
-}
 
 std::optional<HttpResponse> refusedAddress(const std::string &email)
 {
@@ -81,50 +64,18 @@ Step register_(Call &call, const operations::Register::Input &input)
                  });
 }
 
-/// What a password came to beside the hash that was kept for it.
-struct CheckedPassword {
-    bool fits = false;
-    /// A stronger one to keep instead.
-    std::optional<std::string> newHash;
-};
-
-CheckedPassword checkedPassword(const std::optional<std::string> &hash, const std::string &password)
-{
-    CheckedPassword checked{.fits = passwordFits(hash, password), .newHash = {}};
-    if (checked.fits && wantsRehash(*hash))
-        checked.newHash = hashPassword(password);
-    return checked;
-}
-
-Step login(Call &call, const operations::Login::Input &input);
-
-/// `hash` is what the password was checked against.
-Step loggedIn(Call &call, const operations::Login::Input &input, const std::optional<std::string> &hash,
-              const CheckedPassword &checked)
-{
-    const LoginRequest &body = input.body;
-    const auto account = call.accounts.byEmail(body.email);
-    if ((account ? account->passwordHash : std::nullopt) != hash)
-        return login(call, input);
-    if (const auto wait = call.services.passwordGuesses.settle(body.email, call.peer, checked.fits, call.now))
-        return tooMany(*wait);
-    if (!checked.fits)
-        return unauthorized("The e-mail address or the password is wrong.");
-    if (checked.newHash)
-        call.accounts.setPassword(account->id, *checked.newHash);
-    return jsonAnswer(200, newSession(call, account->id, body.deviceName, Sessions::Kind::lasting));
-}
-
 Step login(Call &call, const operations::Login::Input &input)
 {
-    if (const auto wait = call.services.passwordGuesses.wait(input.body.email, call.peer, call.now))
-        return tooMany(*wait);
-    const auto account = call.accounts.byEmail(input.body.email);
-    const auto hash = account ? account->passwordHash : std::nullopt;
-    return aside([hash, password = input.body.password] { return checkedPassword(hash, password); },
-                 [hash, input](Call &later, const CheckedPassword &checked) {
-                     return loggedIn(later, input, hash, checked);
-                 });
+    const auto finish = [deviceName = input.body.deviceName](Call &later,
+                                                             const PasswordOutcome &outcome) -> HttpResponse {
+        if (const auto *slowed = std::get_if<GuessesSlowed>(&outcome))
+            return tooMany(slowed->wait);
+        const auto *account = std::get_if<AccountRecord>(&outcome);
+        if (!account)
+            return unauthorized("The e-mail address or the password is wrong.");
+        return jsonAnswer(200, newSession(later, account->id, deviceName, Sessions::Kind::lasting));
+    };
+    return checkPassword(call, {input.body.email, input.body.password}, finish);
 }
 
 HttpResponse refreshTokens(Call &call, const operations::RefreshTokens::Input &input)

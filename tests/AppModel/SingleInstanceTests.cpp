@@ -20,9 +20,9 @@ using Wish = SingleInstance::Wish;
 /// What another process's start does meanwhile, which blocks until the first has answered.
 class OtherStart {
 public:
-    OtherStart(const QTemporaryDir &folder, Wish wish)
-        : m_thread([this, root = folder.path().toStdString(), wish] {
-            m_isFirst = SingleInstance(root).takeOrHandOver(wish);
+    OtherStart(const QTemporaryDir &folder, Wish wish, const QString &detail = {})
+        : m_thread([this, root = folder.path().toStdString(), wish, detail] {
+            m_isFirst = SingleInstance(root).takeOrHandOver(wish, detail);
             m_hasEnded = true;
         })
     {
@@ -48,12 +48,19 @@ TEST(SingleInstance, HandsASecondStartToTheFirst)
     const QTemporaryDir folder;
     auto first = std::make_unique<SingleInstance>(folder.path().toStdString());
     std::vector<Wish> heard;
+    QString came;
     QObject::connect(first.get(), &SingleInstance::wished, first.get(),
-                     [&](Wish wish) { heard.push_back(wish); });
+                     [&](Wish wish, const QString &detail) {
+                         heard.push_back(wish);
+                         came += detail;
+                     });
     ASSERT_TRUE(first->takeOrHandOver(Wish::raise));
     EXPECT_TRUE(OtherStart(folder, Wish::raise).handsOver());
     EXPECT_TRUE(OtherStart(folder, Wish::panel).handsOver());
-    EXPECT_EQ(heard, (std::vector{Wish::raise, Wish::panel}));
+    const QString address = QStringLiteral("orvane://agents/authorize?client_id=") + QString(3000, u'a');
+    EXPECT_TRUE(OtherStart(folder, Wish::agent, address).handsOver());
+    EXPECT_EQ(heard, (std::vector{Wish::raise, Wish::panel, Wish::agent}));
+    EXPECT_EQ(came, address);
 
     struct stat status{};
     ASSERT_EQ(::stat((folder.path() + QStringLiteral("/window")).toStdString().c_str(), &status), 0);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "AppModel/AppModel.h"
+#include "Screens/Settings/SettingsModel.h"
 #include "Screens/SignIn/SignInModel.h"
 #include "support/Await.h"
 #include "support/CommandRun.h"
@@ -75,6 +76,19 @@ TEST_F(BrowserSignInTest, OpensTheAccountOfWhoTheBrowserLetsIn)
     EXPECT_EQ(app.account()->me().email, "local:grace");
     EXPECT_FALSE(signIn.isShown());
     EXPECT_FALSE(deliver(address)) << "nobody waits any more";
+
+    SettingsModel settings(app);
+    AccountLogins &logins = *settings.logins();
+    logins.setLookedAt(true);
+    ASSERT_TRUE(eventually([&] { return logins.providers().size() == 1; }));
+    const QVariantMap provider = logins.providers()[0].toMap();
+    EXPECT_EQ(provider[QStringLiteral("name")], QStringLiteral("Development"));
+    EXPECT_FALSE(logins.offersPasskeys());
+    logins.removeProvider(provider[QStringLiteral("id")].toString());
+    ASSERT_TRUE(eventually([this] {
+        return app.notices()->text().contains(QLatin1String("only way to sign in"));
+    })) << app.notices()->text().toStdString();
+    EXPECT_EQ(logins.providers().size(), 1);
 }
 
 TEST_F(BrowserSignInTest, EndsWhenItIsCalledOff)

@@ -74,6 +74,7 @@ TEST_F(MyData, GoesAlongAsOneArchive)
     const auto files = unzipped(bytes);
     EXPECT_NE(files.at("account.json").find("grace@example.org"), std::string::npos);
     EXPECT_EQ(files.at("account.json").find("assword\":\""), std::string::npos);
+    EXPECT_EQ(files.at("passkeys.json"), "[]");
     ASSERT_TRUE(files.contains("..-Trials/entries.json"));
     const auto own = std::ranges::find_if(
         files, [](const auto &file) { return file.second.find("übermorgen") != std::string::npos; });

@@ -160,7 +160,7 @@ TEST_F(Requests, WhatThereIsNotIsSaidPlainly)
     const HttpResponse wrongMethod = raw(HttpMethod::put, "/api/auth/login");
     EXPECT_EQ(wrongMethod.status, 405);
     EXPECT_EQ(wrongMethod.headers.find("Allow"), "POST");
-    const HttpResponse notServed = raw(HttpMethod::get, "/api/me/passkeys");
+    const HttpResponse notServed = raw(HttpMethod::post, "/api/auth/web/passkeys/options");
     EXPECT_EQ(notServed.status, 501);
     const auto problem = decodeJson<ProblemDetails>(notServed.body);
     ASSERT_TRUE(problem);

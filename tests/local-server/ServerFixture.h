@@ -30,6 +30,8 @@ protected:
         options.userName = "ada";
         options.linkKey = linkKey;
         options.devProvider = devProvider;
+        options.publicAddress = publicAddress;
+        options.isHosted = isHosted;
         options.onChange = [this](const ChangeNotice &told) {
             const std::lock_guard lock(changesLock);
             changes.insert(changes.end(), told.changes.begin(), told.changes.end());
@@ -123,6 +125,8 @@ protected:
     Instant now = instantFromMilliseconds(1'772'355'600'000); // 2026-03-01T09:00:00Z
     /// From the next opening on.
     bool devProvider = false;
+    std::optional<std::string> publicAddress;
+    bool isHosted = false;
     std::string peer = "127.0.0.1";
     std::string accessToken;
     /// What was told of since the test last looked.

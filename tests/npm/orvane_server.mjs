@@ -50,6 +50,11 @@ export class OrvaneServer {
         return new Session(this, signedIn.tokens);
     }
 
+    /** A session of a new account with a password. */
+    async register(email, password) {
+        return new Session(this, await this.call('POST', '/api/auth/register', { email, password, deviceName: 'laptop' }));
+    }
+
     /** What the server answers at its own socket. */
     async ask(request) {
         const socket = net.connect(path.join(this.folder, 'run', 'server.sock'));

@@ -119,6 +119,8 @@ std::unique_ptr<QProcess> TestInstallation::start(const Arguments &arguments) co
 {
     auto process = std::make_unique<QProcess>();
     process->setProcessEnvironment(bareEnvironment(environment));
+    if (inChild)
+        process->setChildProcessModifier(inChild);
     process->start(QString::fromStdString(builtProgram("orvane")), texts(withFolder(arguments)));
     return process;
 }

@@ -3,6 +3,7 @@
 #include "PictureAlbum.h"
 #include "PictureWorld.h"
 #include "support/Await.h"
+#include "support/LoopbackAgent.h"
 
 #include <QQuickItem>
 #include <QQuickWindow>
@@ -52,6 +53,25 @@ void drawConnections(Album &album, DesktopWindow &desktop, const StandInHome &ho
     Album::withLongTexts(desktop.window(), [&] { album.take(desktop, QStringLiteral("connect-long")); });
 }
 
+/// An agent asks, is let in, and stands among those signed in.
+void drawAsking(Album &album, DesktopWindow &desktop)
+{
+    AgentConnections &agents = *desktop.settings().agents();
+    LoopbackAgent agent(desktop.app().account()->server());
+    agents.asking()->take(QString::fromStdString(agent.programLink()));
+    if (!eventually([&] { return agents.asking()->isOpen(); }))
+        album.complain(QStringLiteral("The agent's request is not shown"));
+    album.take(desktop, QStringLiteral("connect-asked"));
+    Album::withLongTexts(desktop.window(),
+                         [&] { album.take(desktop, QStringLiteral("connect-asked-long")); });
+    agents.asking()->allow();
+    if (!agent.getsTokensFor(agent.heard()) ||
+        !eventually([&] { return agents.signedIn()->agents().size() == 1; }))
+        album.complain(QStringLiteral("The agent is not among those signed in"));
+    unfold(desktop, 0);
+    album.take(desktop, QStringLiteral("connect-signed-in"));
+}
+
 } // namespace
 
 /// Settings > Connect Agents with a stand-in for one agent's command, and none for the other.
@@ -66,6 +86,7 @@ void drawConnect(Album &album)
         desktop.window()->setProperty("section", QStringLiteral("settings"));
         desktop.settings().setPage(QStringLiteral("connect"));
         drawConnections(album, desktop, home);
+        drawAsking(album, desktop);
     } else {
         album.complain(QStringLiteral("The window of the agents did not open"));
     }

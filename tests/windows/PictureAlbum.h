@@ -45,6 +45,7 @@ QString idOf(DesktopWindow &desktop, std::string_view description);
 void drawConflict(Album &album);
 void drawConnect(Album &album);
 void drawPanel(Album &album);
+void drawPasskeys(Album &album);
 void drawReview(Album &album);
 void drawSections(Album &album);
 void drawSignIn(Album &album);

@@ -149,11 +149,12 @@ int main(int argc, char **argv)
     const QStringList wanted = arguments.mid(isWhole ? 3 : 2);
     orvane::testing::Album album(arguments.at(1), isWhole);
     using orvane::testing::Album;
-    const std::array<std::pair<QLatin1String, void (*)(Album &)>, 9> subjects{
+    const std::array<std::pair<QLatin1String, void (*)(Album &)>, 10> subjects{
         {{QLatin1String("timer"), orvane::testing::drawTimer},
          {QLatin1String("empty"), orvane::testing::drawEmpty},
          {QLatin1String("states"), orvane::testing::drawStates},
          {QLatin1String("signin"), orvane::testing::drawSignIn},
+         {QLatin1String("passkeys"), orvane::testing::drawPasskeys},
          {QLatin1String("panel"), orvane::testing::drawPanel},
          {QLatin1String("conflict"), orvane::testing::drawConflict},
          {QLatin1String("connect"), orvane::testing::drawConnect},

@@ -200,6 +200,8 @@ Task<> AccountDetails::loadSessions()
 void AccountDetails::setSessions(std::vector<SessionResponse> sessions, const QString &problem)
 {
     m_sessions = std::move(sessions);
+    // Agents have a list of their own.
+    std::erase_if(m_sessions, [](const SessionResponse &session) { return session.agent.has_value(); });
     m_sessionsProblem = problem;
     std::ranges::sort(m_sessions, [](const SessionResponse &a, const SessionResponse &b) {
         return std::tuple(!a.isCurrent, b.lastUsedAt, a.id) < std::tuple(!b.isCurrent, a.lastUsedAt, b.id);

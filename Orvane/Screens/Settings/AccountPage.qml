@@ -14,14 +14,21 @@ SettingsSheet {
     required property SettingsModel settings
 
     readonly property AccountDetails account: settings.account
-    // What can't be taken back is answered in its place: "", "signout" or "delete".
+    readonly property AccountLogins logins: settings.logins
+    // What is typed or answered in its place, one at a time: "", "signout", "delete" or "passkey".
     property string question
 
     problem: settings.problem
     note: account.isAway ? qsTr("The server is away; these can be changed again once it is back.") : ""
 
-    Component.onCompleted: account.setLookedAt(true)
-    Component.onDestruction: account.setLookedAt(false)
+    Component.onCompleted: {
+        account.setLookedAt(true);
+        logins.setLookedAt(true);
+    }
+    Component.onDestruction: {
+        account.setLookedAt(false);
+        logins.setLookedAt(false);
+    }
 
     SettingGroup {
         title: qsTr("You")
@@ -40,6 +47,48 @@ SettingsSheet {
         PasswordChange {
             width: parent.width
             account: page.account
+        }
+    }
+    SettingGroup {
+        title: qsTr("Passkeys")
+        about: qsTr("Security keys that sign you in without a password.")
+        visible: page.logins.offersPasskeys || page.logins.passkeys.length > 0
+
+        Column {
+            width: parent.width
+            spacing: Theme.space8
+
+            LoginTable {
+                objectName: "passkeyTable"
+                width: parent.width
+                name: qsTr("Passkeys")
+                iconName: "key"
+                logins: page.logins.passkeys
+                isAway: page.account.isAway
+                onRemoved: id => page.logins.removePasskey(id)
+            }
+            PasskeyForm {
+                width: parent.width
+                visible: page.logins.offersPasskeys
+                logins: page.logins
+                account: page.account
+                asks: page.question === "passkey"
+                onAsked: wanted => page.question = wanted ? "passkey" : ""
+            }
+        }
+    }
+    SettingGroup {
+        title: qsTr("Sign-In Providers")
+        about: qsTr("Who signs you in through the browser.")
+        visible: page.logins.providers.length > 0
+
+        LoginTable {
+            width: parent.width
+            name: qsTr("Sign-In Providers")
+            iconName: "person"
+            logins: page.logins.providers
+            isAway: page.account.isAway
+            onRemoved: id => page.logins.removeProvider(id)
         }
     }
     SettingGroup {

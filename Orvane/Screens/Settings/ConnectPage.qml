@@ -16,6 +16,8 @@ SettingsSheet {
     readonly property AgentConnections agents: settings.agents
 
     Keys.onEscapePressed: agents.cancel()
+    Component.onCompleted: agents.signedIn.setLookedAt(true)
+    Component.onDestruction: agents.signedIn.setLookedAt(false)
 
     SettingGroup {
         title: qsTr("What agents may do")
@@ -92,13 +94,23 @@ SettingsSheet {
     SettingGroup {
         title: page.agents.codex.name
         titleTop: 16
-        isLast: true
 
         AgentBox {
             objectName: "codexBox"
             width: parent.width
             agent: page.agents.codex
             isMain: !page.agents.claudeCode.canConnect
+        }
+    }
+    SettingGroup {
+        title: qsTr("Agents signed in")
+        titleTop: 8
+        isLast: true
+
+        AgentTable {
+            objectName: "agentTable"
+            width: parent.width
+            signedIn: page.agents.signedIn
         }
     }
 }

@@ -62,7 +62,7 @@ Column {
 
                         x: 40
                         anchors.verticalCenter: parent.verticalCenter
-                        width: Math.min(implicitWidth, row.rest * 0.38)
+                        width: Math.min(implicitWidth, row.rest * 0.31)
                         saidByPeople: true
                         text: row.modelData.device
                         Accessible.ignored: true
@@ -78,7 +78,7 @@ Column {
                         text: qsTr("This device")
                     }
                     Label {
-                        x: row.width > 560 ? 236 : 40 + row.rest * 0.4
+                        x: row.width > 560 ? 236 : 40 + row.rest * 0.33
                         anchors.verticalCenter: parent.verticalCenter
                         visible: row.width > 420
                         type: Label.Type.Small

@@ -13,6 +13,7 @@ SettingsModel::SettingsModel(AppModel &app)
     , m_agents(app)
     , m_sync(app)
     , m_account(app, m_writer)
+    , m_logins(app)
 {
     connect(&m_writer, &SettingsWriter::changed, this, &SettingsModel::changed);
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Screens/Settings/AccountDetails.h"
+#include "Screens/Settings/AccountLogins.h"
 #include "Screens/Settings/AgentConnections.h"
 #include "Screens/Settings/SettingsWriter.h"
 #include "Screens/Settings/ShortcutRows.h"
@@ -30,6 +31,7 @@ class SettingsModel final : public QObject {
     Q_PROPERTY(orvane::AgentConnections *agents READ agents CONSTANT)
     Q_PROPERTY(orvane::SyncDetails *sync READ sync CONSTANT)
     Q_PROPERTY(orvane::AccountDetails *account READ account CONSTANT)
+    Q_PROPERTY(orvane::AccountLogins *logins READ logins CONSTANT)
 
 public:
     explicit SettingsModel(AppModel &app);
@@ -49,6 +51,7 @@ public:
     AgentConnections *agents() { return &m_agents; }
     SyncDetails *sync() { return &m_sync; }
     AccountDetails *account() { return &m_account; }
+    AccountLogins *logins() { return &m_logins; }
 
     Q_INVOKABLE void find();
     /// The examples of the pages are of now.
@@ -69,6 +72,7 @@ private:
     AgentConnections m_agents;
     SyncDetails m_sync;
     AccountDetails m_account;
+    AccountLogins m_logins;
 };
 
 } // namespace orvane

@@ -21,7 +21,18 @@ FocusScope {
         // What has the keyboard is seen.
         readonly property Item focused: sheet.Window.activeFocusItem
 
+        // What unfolds around it comes into view too, until somebody looks elsewhere.
+        property bool follows: false
+
         onFocusedChanged: {
+            follows = true;
+            reveal();
+        }
+        onContentHeightChanged: if (follows)
+            reveal()
+        onMovementStarted: follows = false
+
+        function reveal(): void {
             if (!focused || !sheet.activeFocus)
                 return;
             const at = focused.mapToItem(column, 0, 0);

@@ -186,7 +186,7 @@ FocusScope {
         Item {
             width: parent.width
             height: 56
-            visible: form.signIn.providers.length > 0
+            visible: form.signIn.providers.length > 0 || form.signIn.hasPasskeys
 
             Label {
                 id: or
@@ -262,6 +262,24 @@ FocusScope {
         }
         Item {
             width: 1
+            height: visible ? Theme.space8 : 0
+            visible: form.signIn.hasPasskeys && form.signIn.providers.length > 0
+        }
+        ActionButton {
+            width: parent.width
+            implicitHeight: 36
+            visible: form.signIn.hasPasskeys && !form.signIn.passkey.isOpen
+            enabled: !form.signIn.isBusy
+            iconName: "key"
+            text: qsTr("Use a Passkey")
+            onClicked: form.signIn.usePasskey()
+        }
+        PasskeySteps {
+            width: parent.width
+            prompt: form.signIn.passkey
+        }
+        Item {
+            width: 1
             height: Theme.space20
         }
         Row {
@@ -284,7 +302,7 @@ FocusScope {
         Label {
             type: Label.Type.Small
             width: parent.width
-            visible: form.isOwn
+            visible: form.isOwn && !form.signIn.hasPasskeys
             wrapMode: Text.Wrap
             color: Theme.ink2
             text: qsTr("Passkeys work only with Orvane Cloud. On your own server, sign in with your email and password.")

@@ -34,7 +34,7 @@ Task<> giveUp(std::shared_ptr<ServerAccess> access)
 
 } // namespace
 
-SignInModel::SignInModel(AppModel &app) : m_app(&app)
+SignInModel::SignInModel(AppModel &app) : m_app(&app), m_passkey(app.options().passkeys())
 {
     m_rest.setSingleShot(true);
     m_rest.setInterval(rest);
@@ -173,6 +173,7 @@ void SignInModel::forgetServer()
 {
     m_rest.stop();
     m_browser.reset();
+    m_passkey.cancel();
     m_met.reset();
     m_addressProblem.clear();
     m_isAsking = false;
@@ -321,6 +322,45 @@ void SignInModel::takeCallback(const QString &address)
     fail(QString::fromStdString(describe(std::holds_alternative<ExternalSignIn::Cancelled>(*callback)
                                              ? ExternalSignInError::cancelled
                                              : ExternalSignInError::failed)));
+}
+
+void SignInModel::usePasskey()
+{
+    if (m_isBusy || !hasPasskeys())
+        return;
+    m_problem.clear();
+    m_isBusy = true;
+    askPasskey();
+    Q_EMIT changed();
+}
+
+Task<> SignInModel::askPasskey()
+{
+    const QPointer<SignInModel> self(this);
+    const auto access = accessTo(server());
+    const auto found = co_await access->find();
+    if (!self)
+        co_return;
+    if (!found) {
+        fail(QString::fromStdString(found.error().message));
+        co_return;
+    }
+    const auto asked = co_await access->session()->passkeyOptions();
+    if (!self)
+        co_return;
+    const auto options = asked ? readAssertionOptions(*asked) : failure(PasskeyError::invalidOptions);
+    if (!options) {
+        fail(QString::fromStdString(asked ? describe(options.error()) : describe(asked.error())));
+        co_return;
+    }
+    auto answer = co_await m_passkey.assertion(access->address(), *options);
+    if (!self)
+        co_return;
+    if (!answer) {
+        fail(QString::fromStdString(describe(answer.error())));
+        co_return;
+    }
+    co_await signInWith(PasskeySignIn{asked->challengeToken, std::move(*answer)});
 }
 
 Task<> SignInModel::signInWith(SignIn way)

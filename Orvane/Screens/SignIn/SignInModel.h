@@ -3,6 +3,7 @@
 
 #include "Account/ServerAccess.h"
 #include "Account/SignIn.h"
+#include "Screens/SignIn/PasskeyPrompt.h"
 #include "SignIn/CallbackSocket.h"
 #include "SignIn/ExternalSignIn.h"
 #include "Support/Task.h"
@@ -43,6 +44,9 @@ class SignInModel final : public QObject {
     Q_PROPERTY(QVariantList providers READ providers NOTIFY changed)
     /// The title of the provider whose page is open in the browser; empty when none is.
     Q_PROPERTY(QString awaited READ awaited NOTIFY changed)
+    /// One can be signed in with a passkey there.
+    Q_PROPERTY(bool hasPasskeys READ hasPasskeys NOTIFY changed)
+    Q_PROPERTY(orvane::PasskeyPrompt *passkey READ passkey CONSTANT)
     Q_PROPERTY(bool isRegistering READ isRegistering WRITE setRegistering NOTIFY changed)
     Q_PROPERTY(QString email READ email WRITE setEmail NOTIFY emailChanged)
     Q_PROPERTY(bool isBusy READ isBusy NOTIFY changed)
@@ -75,6 +79,8 @@ public:
     QString privacyUrl() const;
     QVariantList providers() const;
     QString awaited() const;
+    bool hasPasskeys() const { return m_met && m_met->hosted; }
+    PasskeyPrompt *passkey() { return &m_passkey; }
     bool isRegistering() const { return m_isRegistering; }
     void setRegistering(bool isRegistering);
     QString email() const { return m_email; }
@@ -89,6 +95,9 @@ public:
     Q_INVOKABLE void continueWith(const QString &provider);
     /// What the browser comes back with from now on is ignored.
     Q_INVOKABLE void abandonBrowser();
+    /// The prompt says meanwhile what is wanted of the user. Where it works, the account is open afterwards
+    /// and the screen gone.
+    Q_INVOKABLE void usePasskey();
     Q_INVOKABLE void useThisComputer();
     /// Back to the account that is open.
     Q_INVOKABLE void leave();
@@ -117,6 +126,7 @@ private:
     void ask();
     Task<> askServer(std::string server);
     void answered(std::optional<ServerResponse> server);
+    Task<> askPasskey();
     Task<> signInWith(SignIn way);
     void fail(const QString &problem);
 
@@ -132,6 +142,7 @@ private:
     bool m_isAsking = false;
     std::optional<ServerResponse> m_met;
     std::optional<BrowserAttempt> m_browser;
+    PasskeyPrompt m_passkey;
     bool m_isRegistering = false;
     QString m_email;
     std::int64_t m_waiting = 0;
