@@ -14,8 +14,6 @@ namespace orvane::server {
 /// request as it came.
 class PathRoutes {
 public:
-    using Handler = Step (*)(Call &, const RequestParts &);
-
     void add(HttpMethod method, std::string path, Router::Route route)
     {
         m_routes[std::move(path)][method] = std::move(route);

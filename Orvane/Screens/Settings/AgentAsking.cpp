@@ -35,6 +35,7 @@ void AgentAsking::forget()
     m_chosen.clear();
     m_problem.clear();
     m_isLookedAt = m_isBusy = false;
+    Q_EMIT workspacesChanged();
     Q_EMIT changed();
 }
 
@@ -69,6 +70,7 @@ Task<> AgentAsking::look(int turn)
             m_chosen.insert(workspace.id);
     }
     m_preview = std::move(*preview);
+    Q_EMIT workspacesChanged();
     Q_EMIT changed();
 }
 

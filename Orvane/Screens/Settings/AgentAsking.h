@@ -32,8 +32,9 @@ class AgentAsking final : public QObject {
     /// Where the answer goes.
     Q_PROPERTY(QString host READ host NOTIFY changed)
     Q_PROPERTY(bool mayPropose READ mayPropose NOTIFY changed)
-    /// Of each: id, name, organization (empty where there is one alone), isChosen.
-    Q_PROPERTY(QVariantList workspaces READ workspaces NOTIFY changed)
+    /// Of each: id, name, organization (empty where there is one alone), isChosen. The list stays as it is
+    /// while one is chosen, so that the keyboard stays where it is.
+    Q_PROPERTY(QVariantList workspaces READ workspaces NOTIFY workspacesChanged)
 
 public:
     explicit AgentAsking(AppModel &app);
@@ -58,6 +59,7 @@ public:
 
 Q_SIGNALS:
     void changed();
+    void workspacesChanged();
     /// The user comes from the browser and looks for the window.
     void wanted();
     /// An agent was answered: the list of those signed in will be another.

@@ -71,44 +71,63 @@ Sheet {
             wrapMode: Text.Wrap
             text: sheet.asking.mayPropose ? qsTr("It may read your projects and entries, and propose entries and changes, which wait for your answer. Nothing changes without you.") : qsTr("It may read your projects and entries. Nothing changes without you.")
         }
-        Column {
+        Flickable {
+            id: places
+
+            // Who comes by the keyboard sees where.
+            function show(row: Item): void {
+                contentY = Math.max(row.y + row.height + Theme.space4 - height, Math.min(contentY, row.y - Theme.space4));
+            }
+
             width: parent.width
-            topPadding: Theme.space4
-            bottomPadding: Theme.space4
-            spacing: Theme.space8
+            height: Math.min(choices.height, 6 * 28)
+            contentHeight: choices.height
+            clip: contentHeight > height
+            boundsBehavior: Flickable.StopAtBounds
 
-            Repeater {
-                model: sheet.asking.workspaces
+            Column {
+                id: choices
 
-                Item {
-                    id: row
+                width: parent.width
+                topPadding: Theme.space4
+                bottomPadding: Theme.space4
+                spacing: Theme.space8
 
-                    required property var modelData
+                Repeater {
+                    model: sheet.asking.workspaces
 
-                    readonly property string says: modelData.organization === "" ? modelData.name : qsTr("%1, %2").arg(modelData.name).arg(modelData.organization)
+                    Item {
+                        id: row
 
-                    width: body.width
-                    height: 20
+                        required property var modelData
 
-                    CheckMark {
-                        id: mark
+                        readonly property string says: modelData.organization === "" ? modelData.name : qsTr("%1, %2").arg(modelData.name).arg(modelData.organization)
 
-                        anchors.verticalCenter: parent.verticalCenter
-                        text: row.says
-                        checked: row.modelData.isChosen
-                        enabled: sheet.asking.canAnswer
-                        onToggled: sheet.asking.choose(row.modelData.id, checked)
-                    }
-                    Label {
-                        x: 28
-                        width: parent.width - x
-                        anchors.verticalCenter: parent.verticalCenter
-                        saidByPeople: true
-                        text: row.says
-                        Accessible.ignored: true
+                        width: body.width
+                        height: 20
 
-                        TapHandler {
-                            onTapped: mark.press()
+                        CheckMark {
+                            id: mark
+
+                            anchors.verticalCenter: parent.verticalCenter
+                            text: row.says
+                            checked: row.modelData.isChosen
+                            enabled: sheet.asking.canAnswer
+                            onActiveFocusChanged: if (activeFocus)
+                                places.show(row)
+                            onToggled: sheet.asking.choose(row.modelData.id, checked)
+                        }
+                        Label {
+                            x: 28
+                            width: parent.width - x
+                            anchors.verticalCenter: parent.verticalCenter
+                            saidByPeople: true
+                            text: row.says
+                            Accessible.ignored: true
+
+                            TapHandler {
+                                onTapped: mark.press()
+                            }
                         }
                     }
                 }

@@ -60,15 +60,15 @@ Column {
                     Label {
                         x: 41
                         anchors.verticalCenter: parent.verticalCenter
-                        width: row.rest * (row.isWide ? 0.26 : 0.45) - Theme.space8
+                        width: row.rest * (row.isWide ? 0.24 : 0.45) - Theme.space8
                         saidByPeople: true
                         text: row.modelData.name
                         Accessible.ignored: true
                     }
                     Label {
-                        x: 41 + row.rest * (row.isWide ? 0.26 : 0.45)
+                        x: 41 + row.rest * (row.isWide ? 0.24 : 0.45)
                         anchors.verticalCenter: parent.verticalCenter
-                        width: row.rest * (row.isWide ? 0.28 : 0.55) - Theme.space8
+                        width: row.rest * (row.isWide ? 0.34 : 0.55) - Theme.space8
                         saidByPeople: true
                         type: Label.Type.Small
                         color: Theme.ink2
@@ -76,10 +76,10 @@ Column {
                         Accessible.ignored: true
                     }
                     Label {
-                        x: 41 + row.rest * 0.54
+                        x: 41 + row.rest * 0.58
                         anchors.verticalCenter: parent.verticalCenter
                         visible: row.isWide
-                        width: row.rest * 0.46 - Theme.space8
+                        width: row.rest * 0.42 - Theme.space8
                         saidByPeople: true
                         type: Label.Type.Small
                         color: Theme.ink2
