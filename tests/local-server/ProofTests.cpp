@@ -129,11 +129,12 @@ TEST_F(Proof, IsNotAskedOfASessionFromBeforeThereWereProofs)
     const AuthTokensResponse tokens = signIn(true);
     server.reset();
     {
-        // The sessions' table as the first version had it.
+        // The tables as the first version had them.
         const auto database = Database::open(databasePath);
         ASSERT_TRUE(database) << database.error();
         (*database)->begin();
         (*database)->runOnce("ALTER TABLE sessions DROP COLUMN is_bound");
+        (*database)->runOnce("DROP TABLE passkeys");
         (*database)->run("UPDATE schema_version SET version = 1");
         ASSERT_TRUE((*database)->commit()) << (*database)->lastError();
     }
