@@ -109,8 +109,8 @@ TEST_F(AccessToOperations, WhatTheDocumentSecuresWantsAGoodToken)
         EXPECT_EQ(askFor(*operation, {}).status, 401) << operation->name;
         EXPECT_EQ(askFor(*operation, ownersToken + "x").status, 401) << operation->name;
     }
-    EXPECT_EQ(open, 7)
-        << "register, login, refresh, logout, the browser sign-in's start and exchange, the server";
+    EXPECT_EQ(open, 9) << "register, login, refresh, logout, the browser sign-in's start and exchange, a "
+                          "passkey's options and login, the server";
 }
 
 TEST_F(AccessToOperations, AStrangersWorkspaceIsNotThere)

@@ -134,7 +134,12 @@ TEST_F(Proof, IsNotAskedOfASessionFromBeforeThereWereProofs)
         ASSERT_TRUE(database) << database.error();
         (*database)->begin();
         (*database)->runOnce("ALTER TABLE sessions DROP COLUMN is_bound");
-        (*database)->runOnce("DROP TABLE passkeys");
+        const auto later = (*database)->rows(
+            "SELECT name FROM sqlite_master WHERE type = 'table' AND rowid > (SELECT rowid FROM "
+            "sqlite_master WHERE name = 'deleted_entries') ORDER BY rowid DESC",
+            [](const SqlRow &row) { return row.text(0); });
+        for (const std::string &name : later)
+            (*database)->runOnce("DROP TABLE " + name);
         (*database)->run("UPDATE schema_version SET version = 1");
         ASSERT_TRUE((*database)->commit()) << (*database)->lastError();
     }
