@@ -55,8 +55,10 @@ CommandTask listProposals(Context context)
 Result<AgentProposalResponse, CommandFailure> waitingOne(const AgentProposals &proposals,
                                                          const std::string &typed)
 {
+    const std::vector<AgentProposalResponse> waiting = proposals.pending();
     std::vector<std::string> ids;
-    for (const AgentProposalResponse &proposal : proposals.pending())
+    ids.reserve(waiting.size());
+    for (const AgentProposalResponse &proposal : waiting)
         ids.push_back(proposal.id);
     const auto id = lookUpId(typed, ids);
     if (id)

@@ -20,6 +20,7 @@ constexpr int detailIndent = 4;
 std::vector<std::string> idsOf(const std::vector<AgentProposalResponse> &proposals)
 {
     std::vector<std::string> ids;
+    ids.reserve(proposals.size());
     for (const AgentProposalResponse &proposal : proposals)
         ids.push_back(proposal.id);
     return ids;
