@@ -62,7 +62,7 @@ public:
 
     std::string sentence() const override
     {
-        return (isApplied() ? "Applied a proposal for " : "Dismissed a proposal for ") +
+        return (isApplied() ? "Accepted a proposal for " : "Declined a proposal for ") +
                proposedEntry(m_settled);
     }
     Task<Outcome> undo() override { return reopened(m_proposals, m_settled.id); }

@@ -95,7 +95,7 @@ TEST_F(AgentProposalsTest, AreAppliedAndTakenBack)
     EXPECT_EQ(entries().front(), applied->entries.front());
 
     const auto undoable = undoableSettling(proposals(), applied->proposal);
-    EXPECT_EQ(undoable->sentence(), "Applied a proposal for “Fix the login”");
+    EXPECT_EQ(undoable->sentence(), "Accepted a proposal for “Fix the login”");
     EXPECT_EQ(await(undoable->undo()).ending, Ending::done);
     EXPECT_THAT(entries(), IsEmpty());
     EXPECT_EQ(proposals().pendingCount(), 1);
