@@ -45,6 +45,12 @@ std::optional<QCborMap> takeMap(std::string_view &text)
     return value.toMap();
 }
 
+/// A fraction, or what is too large for an integer, must not be asked for one.
+bool isNumber(const QCborValue &value, int number)
+{
+    return value.isInteger() && value.toInteger() == number;
+}
+
 /// Of a COSE key.
 std::optional<PasskeyPoint> pointOf(const QCborMap &key)
 {
@@ -52,7 +58,7 @@ std::optional<PasskeyPoint> pointOf(const QCborMap &key)
     constexpr int p256 = 1;
     const QByteArray x = key[-2].toByteArray();
     const QByteArray y = key[-3].toByteArray();
-    if (key[1].toInteger() != twoCoordinates || key[3].toInteger() != es256 || key[-1].toInteger() != p256 ||
+    if (!isNumber(key[1], twoCoordinates) || !isNumber(key[3], es256) || !isNumber(key[-1], p256) ||
         x.size() != coordinateSize || y.size() != coordinateSize)
         return std::nullopt;
     return '\4' + x.toStdString() + y.toStdString();
@@ -133,7 +139,7 @@ std::optional<AttestationObject> readAttestationObject(const std::string &bytes)
     const bool isSelf = (*map)[QStringLiteral("fmt")].toString() == QLatin1String("packed") &&
                         !statement.contains(QStringLiteral("x5c"));
     if (isSelf) {
-        if (statement[QStringLiteral("alg")].toInteger() != es256)
+        if (!isNumber(statement[QStringLiteral("alg")], es256))
             return std::nullopt;
         object.selfSignature = statement[QStringLiteral("sig")].toByteArray().toStdString();
     }
