@@ -9,6 +9,7 @@
 #include "support/AccountStack.h"
 #include "support/Await.h"
 #include "support/CommandRun.h"
+#include "support/MidweekClock.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -24,6 +25,8 @@ using ::testing::SizeIs;
 using Ending = UndoableChange::Ending;
 
 class AgentProposalsTest : public ::testing::Test {
+    MidweekClock midweek;
+
 protected:
     void SetUp() override
     {

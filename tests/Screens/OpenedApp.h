@@ -4,6 +4,7 @@
 #include "AppModel/AppModel.h"
 #include "support/Await.h"
 #include "support/CommandRun.h"
+#include "support/MidweekClock.h"
 
 #include <gtest/gtest.h>
 
@@ -11,6 +12,8 @@ namespace orvane::testing {
 
 /// The application without its windows, over a server of its own; each test begins with all loaded and saved.
 class OpenedApp : public ::testing::Test {
+    MidweekClock midweek;
+
 protected:
     void SetUp() override
     {

@@ -7,6 +7,7 @@
 #include "Time/AppClock.h"
 #include "support/Await.h"
 #include "support/CommandRun.h"
+#include "support/MidweekClock.h"
 
 #include <gtest/gtest.h>
 
@@ -17,6 +18,8 @@ using namespace orvane::testing;
 using std::chrono::minutes;
 
 class RefusedListTest : public ::testing::Test {
+    MidweekClock midweek;
+
 protected:
     void SetUp() override
     {

@@ -97,7 +97,7 @@ TEST_F(ReviewModelTest, AcceptsDeclinesAndTakesBoth)
     review->decline(second);
     ASSERT_TRUE(isSettled());
     EXPECT_EQ(settled(SettledList::whatRole), "Declined");
-    EXPECT_EQ(review->settledToday(), 2);
+    EXPECT_EQ(review->settled()->count(), 2);
 
     app.undo();
     ASSERT_TRUE(isSettled(1));

@@ -8,6 +8,7 @@
 #include "support/AccountStack.h"
 #include "support/Await.h"
 #include "support/CommandRun.h"
+#include "support/MidweekClock.h"
 
 #include <gtest/gtest.h>
 
@@ -18,6 +19,8 @@ using namespace orvane::testing;
 using std::chrono::minutes;
 
 class TrackerTest : public ::testing::Test {
+    MidweekClock midweek;
+
 protected:
     std::unique_ptr<Account> open(bool startsServer = true)
     {

@@ -11,6 +11,7 @@
 #include "support/AccountStack.h"
 #include "support/Await.h"
 #include "support/CommandRun.h"
+#include "support/MidweekClock.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -46,6 +47,8 @@ EntryDetails details(const std::string &description)
 }
 
 class UndoStackTest : public ::testing::Test {
+    MidweekClock midweek;
+
 protected:
     void open(bool startsServer = true)
     {
