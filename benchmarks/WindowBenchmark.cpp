@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The real window over an installation that the caller has made; prints what it measured as one line of JSON.
-// WindowBenchmark open|scroll|type|panel FOLDER, WindowBenchmark rest|hidden FOLDER SECONDS.
+// WindowBenchmark open|scroll|type|panel FOLDER, WindowBenchmark rest|hidden FOLDER SECONDS, WindowBenchmark
+// live FOLDER COUNT.
 #include "Desktop/DesktopWindow.h"
 
 #include <QEventLoop>
@@ -15,6 +16,7 @@
 #include <algorithm>
 #include <ctime>
 #include <filesystem>
+#include <set>
 #include <unistd.h>
 
 namespace orvane {
@@ -192,6 +194,25 @@ QJsonObject measurePanel(Window &window)
     return measureTyping(window, *panel.window(), *panel.model().field());
 }
 
+/// Tells of each "Live …" entry of another device, once the frame that shows it was drawn.
+void tellPainted(Window &window, std::size_t count)
+{
+    const AppModel &app = window.desktop().app();
+    QTextStream out(stdout);
+    if (!waitFor([&] { return app.live() != nullptr && app.live()->watched(); }))
+        qFatal("the window does not hear of changes");
+    out << "watching" << Qt::endl;
+    std::set<std::string> told;
+    QObject::connect(window.desktop().window(), &QQuickWindow::frameSwapped, [&] {
+        for (const TimeEntryResponse &entry : app.tracker()->entries()) {
+            if (entry.description.starts_with("Live ") && told.insert(entry.id).second)
+                out << QString::fromStdString(entry.description) << Qt::endl;
+        }
+    });
+    if (!waitFor([&] { return told.size() == count; }))
+        qFatal("a change of another device that no frame shows");
+}
+
 /// Nothing is done; what happens all the same.
 QJsonObject measureRest(Window &window, int seconds, bool isHidden)
 {
@@ -230,6 +251,10 @@ int main(int argc, char **argv)
     }
     const QString &what = arguments.at(1);
     const int seconds = arguments.size() > 3 ? arguments.at(3).toInt() : 60;
+    if (what == QLatin1String("live")) {
+        tellPainted(window, static_cast<std::size_t>(seconds));
+        return 0;
+    }
     QJsonObject measured;
     if (what == QLatin1String("open"))
         measured = measureOpening(window, qEnvironmentVariable("ORVANE_BENCHMARK_BEGAN").toDouble());

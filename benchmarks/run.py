@@ -197,6 +197,7 @@ def window_rows(arguments):
               found["scroll"]["p99"], 16)
     yield row("a letter typed, to the frame: 99th percentile of work, in ms", found["type"]["p99"], 16)
     yield row("the same in the panel over 5,000 rows", found["panel"]["p99"], 16)
+    yield row("a change on another device, to the frame that shows it, in ms", found["painted"])
     yield row(f"a timer runs for {seconds} s: frames", found["rest"]["frames"], seconds + 1, form="{:.0f}")
     yield row("the same: processor, in %", found["rest"]["processor"], 0.5)
     yield row(f"hidden for {seconds} s: frames", found["hidden"]["frames"], 0, form="{:.0f}")

@@ -7,6 +7,7 @@ import os
 import statistics
 import subprocess
 import time
+import uuid
 
 import command_runs
 
@@ -19,7 +20,7 @@ def spoken(program, *arguments):
 
 
 def filled(binaries, folder):
-    """Makes the installation and leaves its server running; answers the server's process."""
+    """Makes the installation and leaves its server running; answers the way to it."""
     os.chdir(folder)
     orvane = [binaries / "orvane", "--data-dir", folder, "--zone", "UTC"]
     command_runs.run(*orvane, "status")
@@ -33,7 +34,29 @@ def filled(binaries, folder):
     command_runs.run(*orvane, "start", "Look at the report's totals")
     if command_runs.snapshot_size() < command_runs.ENTRIES:
         raise RuntimeError(f"the snapshot holds {command_runs.snapshot_size()} entries")
-    return link.hello["pid"]
+    return link
+
+
+def painted(window, folder, link, count=20):
+    """The time from a change on another device to the frame that shows it, the middle one, in ms."""
+    workspace = link.call("GET", "/api/me")["defaultWorkspaceId"]
+    with subprocess.Popen([window, "live", folder, str(count)], stdout=subprocess.PIPE, text=True,
+                          env={**os.environ, "QT_QPA_PLATFORM": "xcb"}) as shown:
+        if shown.stdout.readline() != "watching\n":
+            raise RuntimeError("the window does not watch")
+        took = []
+        for number in range(count):
+            stop = datetime.datetime.now(datetime.timezone.utc)
+            entry = {"id": str(uuid.uuid4()), "description": f"Live {number}", "tagIds": [], "isBillable": False,
+                     "shares": [], "describeParts": False, "stop": command_runs.instant(stop),
+                     "start": command_runs.instant(stop - datetime.timedelta(seconds=60))}
+            began = time.perf_counter()
+            link.call("POST", f"/api/workspaces/{workspace}/time-entries", entry)
+            if shown.stdout.readline() != f"Live {number}\n":
+                raise RuntimeError("the window shows something else")
+            took.append(1e3 * (time.perf_counter() - began))
+            time.sleep(0.2)
+    return statistics.median(took)
 
 
 def measure(binaries, programs, folder, runs, seconds):
@@ -45,7 +68,7 @@ def measure(binaries, programs, folder, runs, seconds):
     manager = subprocess.Popen(["openbox"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
     window = programs / "WindowBenchmark"
     try:
-        pid = filled(binaries, folder)
+        link = filled(binaries, folder)
         try:
             ours, bare = [], []
             for _ in range(runs):
@@ -57,10 +80,11 @@ def measure(binaries, programs, folder, runs, seconds):
                     "scroll": spoken(window, "scroll", folder),
                     "type": spoken(window, "type", folder),
                     "panel": spoken(window, "panel", folder),
+                    "painted": painted(window, folder, link),
                     "rest": spoken(window, "rest", folder, str(seconds)),
                     "hidden": spoken(window, "hidden", folder, str(seconds))}
         finally:
-            command_runs.wait_until_gone(pid)
+            command_runs.wait_until_gone(link.hello["pid"])
     finally:
         manager.terminate()
         manager.wait()
