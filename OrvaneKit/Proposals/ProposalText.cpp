@@ -38,9 +38,30 @@ std::string described(const std::string &description)
     return description.empty() ? std::string("No description") : description;
 }
 
-std::string billed(bool isBillable)
+/// Where time is split its parts say what is billed, not the entry.
+bool isMixed(const Shares &shares)
 {
-    return isBillable ? "Billable" : "Not billable";
+    return std::ranges::any_of(shares, [&](const TimeShareResponse &share) {
+        return share.isBillable != shares.front().isBillable;
+    });
+}
+
+std::string billed(bool isBillable, const Shares &shares)
+{
+    if (isMixed(shares))
+        return "Partly billable";
+    return (shares.empty() ? isBillable : shares.front().isBillable) ? "Billable" : "Not billable";
+}
+
+/// The parts as the changes leave them.
+Shares sharesAfter(const ProposedEntrySnapshotResponse &before, const ProposedFieldsResponse &changes)
+{
+    if (changes.shares)
+        return *changes.shares;
+    Shares shares = changes.project ? Shares() : before.shares;
+    for (TimeShareResponse &share : shares)
+        share.isBillable = changes.isBillable.value_or(share.isBillable);
+    return shares;
 }
 
 class ProposalWords {
@@ -64,9 +85,12 @@ public:
         if (shares.empty())
             return project(projectId, taskId);
         std::string text;
+        const bool tellsBilling = isMixed(shares);
         for (const TimeShareResponse &share : shares) {
             text += text.empty() ? "" : ", ";
             text += project(share.projectId, share.taskId) + " " + std::to_string(share.percent) + "%";
+            if (tellsBilling && share.isBillable)
+                text += " billable";
             if (!share.description.empty())
                 text += " “" + share.description + "”";
         }
@@ -136,8 +160,11 @@ std::vector<ProposedField> fieldsOf(const ProposedEntrySnapshotResponse &before,
         const std::string has = words.tags(changes.tagIds.value_or(std::vector<std::string>()));
         fields.push_back({"Tags", had.empty() ? "No tags" : had, has.empty() ? "No tags" : has});
     }
-    if (changes.isBillable)
-        fields.push_back({"Billing", billed(before.isBillable), billed(*changes.isBillable)});
+    const std::string wasBilled = billed(before.isBillable, before.shares);
+    const std::string isBilled =
+        billed(changes.isBillable.value_or(before.isBillable), sharesAfter(before, changes));
+    if (wasBilled != isBilled)
+        fields.push_back({"Billing", wasBilled, isBilled});
     if (changes.start)
         fields.push_back(words.moment("Start", before.start, *changes.start, before.start));
     if (changes.stop)
@@ -167,7 +194,7 @@ ProposalText ProposalText::of(const AgentProposalResponse &proposal, const Catal
         text.length = Durations::shortLabel(secondsBetween(entry.start, *entry.stop));
     text.place = words.place(entry.projectId, entry.taskId, entry.shares);
     text.tags = words.tags(entry.tagIds);
-    text.billing = billed(entry.isBillable);
+    text.billing = billed(entry.isBillable, entry.shares);
     if (plan.changes && !plan.changes->remove)
         text.fields = fieldsOf(entry, *plan.changes, words);
     text.note = proposal.note;

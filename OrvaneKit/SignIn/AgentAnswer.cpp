@@ -22,10 +22,13 @@ Task<bool> tellAgent(std::string answer)
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
     const Eventual<bool> heard(ResumeWaiters::fromTheirLoops);
     QNetworkReply *reply = network.get(request);
-    // Whatever it answers, it has heard.
-    QObject::connect(reply, &QNetworkReply::finished, reply, [heard, reply] {
-        heard.finish(reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid());
-    });
+    // Whatever it answers, it has heard, and the rest is not waited for.
+    const auto settle = [heard, reply] {
+        if (!heard.isFinished())
+            heard.finish(reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid());
+    };
+    QObject::connect(reply, &QNetworkReply::metaDataChanged, reply, settle);
+    QObject::connect(reply, &QNetworkReply::finished, reply, settle);
     auto waiting = heard;
     co_return co_await std::move(waiting);
 }

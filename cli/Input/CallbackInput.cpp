@@ -12,8 +12,10 @@ namespace orvane {
 CallbackInput::CallbackInput(const std::string &socketFolder)
     : m_socket(socketFolder), m_input(STDIN_FILENO, QSocketNotifier::Read)
 {
-    connect(&m_socket, &CallbackSocket::arrived, this,
-            [this](const QString &address) { add(address.toStdString()); });
+    connect(&m_socket, &CallbackSocket::arrived, this, [this](const QString &address) {
+        if (!m_isAsking)
+            add(address.toStdString());
+    });
     connect(&m_input, &QSocketNotifier::activated, this, &CallbackInput::readInput);
     m_patience.setSingleShot(true);
     connect(&m_patience, &QTimer::timeout, this, &CallbackInput::end);
@@ -37,6 +39,7 @@ Task<std::optional<std::string>> CallbackInput::next()
 Task<std::optional<std::string>> CallbackInput::answer()
 {
     const QPointer<CallbackInput> self(this);
+    m_addresses.clear();
     m_isAsking = true;
     auto answered = co_await next();
     if (self)
@@ -56,7 +59,8 @@ void CallbackInput::hand(std::optional<std::string> address)
 
 void CallbackInput::add(std::string address)
 {
-    if (!address.empty() || m_isAsking)
+    const bool isWanted = m_isAsking ? !address.starts_with("orvane:") : !address.empty();
+    if (isWanted)
         hand(std::move(address));
 }
 

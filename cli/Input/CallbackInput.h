@@ -27,7 +27,7 @@ public:
 
     /// The next one, as soon as it is there; none when nothing can come any more, or came for ten minutes.
     Task<std::optional<std::string>> next();
-    /// The same to a question, which an empty line answers too.
+    /// What is typed from now on to a question, be it an empty line; an address is no answer.
     Task<std::optional<std::string>> answer();
     /// Nothing is waited for any more.
     void stop() { end(); }

@@ -18,9 +18,11 @@ std::string AgentAttempts::open(Attempt attempt, Instant now)
 {
     const std::lock_guard lock(m_lock);
     std::erase_if(m_attempts, [&](const auto &item) { return item.second.expiresAt <= now; });
+    // Anybody can open pages; those of people who have signed in go last.
     if (m_attempts.size() >= mostOpenPages)
-        m_attempts.erase(
-            std::ranges::min_element(m_attempts, {}, [](const auto &item) { return item.second.expiresAt; }));
+        m_attempts.erase(std::ranges::min_element(m_attempts, {}, [](const auto &item) {
+            return std::pair(!item.second.attempt.userId.empty(), item.second.expiresAt);
+        }));
     std::string name = randomText(32);
     m_attempts[digestText(name)] = {std::move(attempt), now + pageLifetime};
     return name;
@@ -42,6 +44,12 @@ std::optional<AgentAttempts::Attempt> AgentAttempts::close(const std::string &na
     if (!found || found.mapped().expiresAt <= now)
         return std::nullopt;
     return std::move(found.mapped().attempt);
+}
+
+void AgentAttempts::closeAllOf(const std::string &userId)
+{
+    const std::lock_guard lock(m_lock);
+    std::erase_if(m_attempts, [&](const auto &item) { return item.second.attempt.userId == userId; });
 }
 
 } // namespace orvane::server

@@ -28,6 +28,8 @@ public:
     std::optional<Attempt> find(const std::string &name, Instant now);
     /// The same, and it is over: of two who close it one gets it.
     std::optional<Attempt> close(const std::string &name, Instant now);
+    /// Whoever signed in as this user on such a page has to do it again.
+    void closeAllOf(const std::string &userId);
 
 private:
     struct Kept {

@@ -9,7 +9,8 @@ namespace orvane::server {
 
 namespace {
 
-/// Whoever asks for more makes the oldest go, and those whose it was ask again.
+/// Whoever asks for more makes the oldest go, and those whose it was ask again; what somebody who is signed
+/// in asked for goes last, since anybody can ask to sign in.
 constexpr std::size_t mostOpen = 4096;
 
 } // namespace
@@ -20,8 +21,9 @@ PasskeyChallenges::Issued PasskeyChallenges::issue(const std::string &userId, In
     const std::lock_guard lock(m_lock);
     std::erase_if(m_open, [&](const auto &item) { return item.second.expiresAt <= now; });
     if (m_open.size() >= mostOpen)
-        m_open.erase(
-            std::ranges::min_element(m_open, {}, [](const auto &item) { return item.second.expiresAt; }));
+        m_open.erase(std::ranges::min_element(m_open, {}, [](const auto &item) {
+            return std::pair(!item.second.userId.empty(), item.second.expiresAt);
+        }));
     m_open[digestText(issued.token)] = {userId, issued.challenge, issued.expiresAt};
     return issued;
 }

@@ -4,6 +4,7 @@
 #include "Entries/EntryAccess.h"
 #include "Http/Problems.h"
 #include "Proposals/ProposalPlans.h"
+#include "Proposals/ProposedEntryCheck.h"
 #include "Requests/Call.h"
 #include "Security/RandomText.h"
 
@@ -54,6 +55,10 @@ Kept createEntry(Call &call, const WorkspaceAccess &workspace, ProposalRecord &r
     takeWork(entry, *record.shown.plan.work);
     if (auto refusal = refusedContents(call, workspace, entry))
         return failure(std::move(*refusal));
+    // Time that was tracked since it was proposed would count twice.
+    const auto refusal = proposedEntryRefusal(call, workspace, std::nullopt, entry);
+    if (refusal && refusal->code == overlapRefusal)
+        return failure(cannotBeApplied(refusal->detail));
     auto added = addEntry(call, workspace, std::move(entry));
     if (added)
         record.shown.entryId = added->id;

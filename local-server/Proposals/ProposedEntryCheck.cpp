@@ -143,7 +143,7 @@ private:
             return std::nullopt;
         const std::string name =
             found->description.empty() ? std::string("An entry") : "“" + found->description + "”";
-        return proposalRefusal("overlaps",
+        return proposalRefusal(overlapRefusal,
                                name + " covers part of this time already; propose a change to it instead.");
     }
 

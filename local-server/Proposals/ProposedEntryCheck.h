@@ -10,6 +10,9 @@ namespace orvane::server {
 
 using ProposalRefusal = std::optional<ProposalRefusalResponse>;
 
+/// The code of what is refused since the user tracked that time already.
+inline constexpr std::string_view overlapRefusal = "overlaps";
+
 /// What speaks against an entry as an agent proposes it; `before` is the entry that would be changed. What
 /// the user has in it already is not the agent's doing and is not held against the proposal, save for what no
 /// change of the entry would pass.

@@ -57,6 +57,7 @@ void endAllOthers(Call &call)
 {
     call.sessions.endOthers(call.caller.sessionId, call.caller.userId);
     AgentGrants(call.database).endAll(call.caller.userId);
+    call.services.agentAttempts.closeAllOf(call.caller.userId);
 }
 
 HttpResponse revokeOtherSessions(Call &call, const operations::RevokeOtherSessions::Input &)

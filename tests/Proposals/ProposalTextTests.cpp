@@ -66,9 +66,9 @@ TEST_F(ProposalTextTest, TellsOfNewWork)
     EXPECT_EQ(shown.day, "Tue, 5 Mar 2024");
     EXPECT_EQ(shown.times, "23:00 – Wed, 6 Mar 2024, 01:00");
     EXPECT_EQ(shown.length, "2h 00m");
-    EXPECT_EQ(shown.place, "Website › Docs 60%, No project 40% “the rest”");
+    EXPECT_EQ(shown.place, "Website › Docs 60% billable, No project 40% “the rest”");
     EXPECT_EQ(shown.tags, "#ci #deps #unknown");
-    EXPECT_EQ(shown.billing, "Billable");
+    EXPECT_EQ(shown.billing, "Partly billable") << "the parts say so, not the entry";
     EXPECT_EQ(shown.note, "You ran them.");
     EXPECT_THAT(shown.fields, IsEmpty());
 }
@@ -107,6 +107,11 @@ TEST_F(ProposalTextTest, TellsOfSplitsAndTimersAndDeletions)
     changes() = {};
     changes().project = ProjectChoice{};
     EXPECT_THAT(text().fields, ElementsAre(ProposedField{"Project", "Chores 100%", "No project"}));
+    // Nothing is billed unseen.
+    changes() = {};
+    changes().shares = {{{"chores", {}, true, 100, ""}}};
+    EXPECT_THAT(text().fields, ElementsAre(ProposedField{"Project", "Chores 100%", "Chores 100%"},
+                                           ProposedField{"Billing", "Not billable", "Billable"}));
 
     changes() = {};
     changes().remove = true;

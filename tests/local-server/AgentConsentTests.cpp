@@ -107,6 +107,16 @@ TEST_F(AgentConsentTest, LetsInByAPasswordIntoTheChosenWorkspaces)
     EXPECT_EQ(submit(attemptOn(none), {{"step", "allow"}, {"workspace", workspace}}).status, 404);
 }
 
+TEST_F(AgentConsentTest, ForgetsWhoSignedInThereWhenTheOthersAreSignedOut)
+{
+    (void)registerAccount();
+    const std::string workspace = me().defaultWorkspaceId.value_or("");
+    const HttpResponse choice = signIn(attemptOn(open(query())));
+    ASSERT_EQ(choice.status, 200) << choice.body;
+    EXPECT_EQ(call<operations::RevokeOtherSessions>({}).status, 204);
+    EXPECT_EQ(submit(attemptOn(choice), {{"step", "allow"}, {"workspace", workspace}}).status, 404);
+}
+
 TEST_F(AgentConsentTest, RefusesAndForgets)
 {
     const std::string attempt = attemptOn(open(query()));

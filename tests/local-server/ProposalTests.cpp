@@ -406,6 +406,19 @@ TEST_F(Proposals, TheWorkspacesRulesHoldThen)
     EXPECT_EQ(apply(late.id).status, 200);
 }
 
+TEST_F(Proposals, TimeThatWasTrackedMeanwhileIsNotRecordedTwice)
+{
+    const AgentProposalResponse one = proposed(work(now - 2h, now - 1h));
+    ProposedEntryRequest other = work(now - 2h, now - 90min);
+    other.description = "The same hour in other words";
+    const AgentProposalResponse two = proposed(other);
+    applied(one.id);
+    const HttpResponse late = apply(two.id);
+    EXPECT_EQ(late.status, 409);
+    EXPECT_THAT(late.body, HasSubstr("covers part of this time already"));
+    EXPECT_EQ(entries().size(), 1U);
+}
+
 TEST_F(Proposals, AProjectThatGoesMeanwhile)
 {
     const ProjectResponse site = project("Website");

@@ -97,7 +97,7 @@ Task<> ReviewModel::load()
     m_problem.clear();
     Q_EMIT changed();
     const auto loaded = co_await proposals->load();
-    if (!self || proposals != m_proposals)
+    if (!self || !proposals || proposals != m_proposals)
         co_return;
     m_isLoading = false;
     m_isLoaded = m_isLoaded || loaded.has_value();
@@ -208,7 +208,7 @@ Task<> ReviewModel::doAccept(std::string id)
     const QPointer<AgentProposals> proposals = m_proposals;
     setSettling(true);
     const auto applied = co_await proposals->apply(std::move(id));
-    if (!self || proposals != m_proposals)
+    if (!self || !proposals || proposals != m_proposals)
         co_return;
     setSettling(false);
     if (applied)
@@ -223,7 +223,7 @@ Task<> ReviewModel::doDecline(std::string id)
     const QPointer<AgentProposals> proposals = m_proposals;
     setSettling(true);
     const auto declined = co_await proposals->dismiss(std::move(id));
-    if (!self || proposals != m_proposals)
+    if (!self || !proposals || proposals != m_proposals)
         co_return;
     setSettling(false);
     if (declined)
@@ -238,7 +238,7 @@ Task<> ReviewModel::doReopen(std::string id)
     const QPointer<AgentProposals> proposals = m_proposals;
     setSettling(true);
     const auto reopened = co_await proposals->reopen(std::move(id));
-    if (!self || proposals != m_proposals)
+    if (!self || !proposals || proposals != m_proposals)
         co_return;
     setSettling(false);
     if (!reopened)

@@ -73,8 +73,11 @@ FocusScope {
         Keys.onDownPressed: choose(currentIndex + 1)
         Keys.onPressed: event => {
             const chord = KeyNames.chord(event.key, event.modifiers);
+            // A key that is held answers once: the next offer has not been read.
             const command = page.app.keys.offerCommand(chord);
             event.accepted = true;
+            if (command >= 0 && event.isAutoRepeat)
+                return;
             if (command === KeyTable.TakeOffer)
                 page.review.accept(currentId());
             else if (command === KeyTable.EditOffer)

@@ -153,14 +153,18 @@ Task<> AgentAsking::answer(bool isApproved, int turn)
     if (isApproved)
         body.workspaceIds.assign(m_chosen.begin(), m_chosen.end());
     const auto answered = co_await m_app->account()->client().answerAgentAuthorization(std::move(body));
-    if (!self || turn != m_turn)
+    if (!self)
         co_return;
+    // Another one may have begun to ask meanwhile; this one hears its answer all the same.
+    const bool isAsked = turn == m_turn;
     if (!answered) {
-        fail(QString::fromStdString(describe(answered.error())));
+        if (isAsked)
+            fail(QString::fromStdString(describe(answered.error())));
         co_return;
     }
     const std::string back = answered->redirectUri;
-    forget();
+    if (isAsked)
+        forget();
     if (!AgentCallback::leadsBack(request, back))
         co_return;
     if (!AgentCallback::isOnThisComputer(back)) {

@@ -42,11 +42,6 @@ Sheet {
 
         width: sheet.availableWidth
         spacing: Theme.space8
-        Keys.onPressed: event => {
-            event.accepted = event.key === Qt.Key_A && event.modifiers === Qt.NoModifier && sheet.asking.canAnswer;
-            if (event.accepted)
-                allow.press();
-        }
 
         Label {
             width: parent.width
@@ -152,15 +147,13 @@ Sheet {
             onClicked: sheet.close()
         }
         AnswerRow {
-            id: allow
-
             width: parent.width
             titleWidth: 96
             visible: sheet.asking.name !== ""
             enabled: sheet.asking.canAnswer
             text: qsTr("Allow")
             effect: qsTr("In the chosen workspaces, until you sign it out in Settings.")
-            keys: "A"
+            // No letter: the sheet comes by itself, perhaps in the middle of a word.
             onClicked: sheet.asking.allow()
         }
     }

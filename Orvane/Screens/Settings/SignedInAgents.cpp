@@ -91,7 +91,7 @@ Task<> SignedInAgents::load()
     const QPointer<SignedInAgents> self(this);
     const QPointer<Account> account = m_account;
     auto found = co_await account->client().listSessions();
-    if (!self || account != m_account)
+    if (!self || !account || account != m_account)
         co_return;
     hearLive();
     m_problem = found ? QString() : QString::fromStdString(describe(found.error()));
@@ -128,7 +128,7 @@ Task<> SignedInAgents::doSignOut(std::string id)
     const QPointer<SignedInAgents> self(this);
     const QPointer<Account> account = m_account;
     const auto done = co_await account->client().revokeSession(std::move(id));
-    if (!self || account != m_account)
+    if (!self || !account || account != m_account)
         co_return;
     if (!done)
         m_app->notices()->tellFailure(QString::fromStdString(describe(done.error())));
