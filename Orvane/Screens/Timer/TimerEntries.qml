@@ -176,7 +176,7 @@ FocusScope {
                 return;
             entryId = id;
             place = item.y - list.contentY;
-            Qt.callLater(hold.end);
+            Qt.callLater(() => hold.end());
         }
         function end(): void {
             list.forceLayout();
