@@ -176,7 +176,7 @@ FocusScope {
                 return;
             entryId = id;
             place = item.y - list.contentY;
-            Qt.callLater(() => hold.end());
+            after.start();
         }
         function end(): void {
             list.forceLayout();
@@ -191,6 +191,12 @@ FocusScope {
         function onRowsAboutToBeRemoved() {
             begin();
         }
+    }
+    // Once all of a change is in the list.
+    Timer {
+        id: after
+        interval: 0
+        onTriggered: hold.end()
     }
     // Their editor has gone, and the keyboard goes back to the row.
     Connections {
